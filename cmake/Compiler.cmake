@@ -1,0 +1,27 @@
+# What every target of this project is compiled with; linked as `orlo_compiler`.
+add_library(orlo_compiler INTERFACE)
+
+target_compile_options(orlo_compiler INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+  -Wunused -Wnull-dereference -Wformat=2 -Werror
+  # Log lines name the file below the project's root, not where it was built.
+  "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=")
+
+target_compile_definitions(orlo_compiler INTERFACE
+  # The log filter works by source file, in release builds too.
+  QT_MESSAGELOGCONTEXT
+  QT_NO_CAST_FROM_ASCII
+  QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+
+if(ORLO_SANITIZE)
+  target_compile_options(orlo_compiler INTERFACE
+    "-fsanitize=${ORLO_SANITIZE}" -fno-omit-frame-pointer -fno-sanitize-recover=all
+    # Instrumented code trips the flow-based warning where there is nothing to warn of.
+    -Wno-null-dereference -Wno-maybe-uninitialized)
+  target_link_options(orlo_compiler INTERFACE "-fsanitize=${ORLO_SANITIZE}")
+endif()
+
+find_program(ORLO_CCACHE ccache)
+if(ORLO_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORLO_CCACHE}")
+endif()

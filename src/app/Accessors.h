@@ -1,0 +1,40 @@
+#pragma once
+
+class AudioOutput;
+class Orlo;
+class PdPlayer;
+class Settings;
+class TuningOrloApplication;
+
+/// The one road from any class to the application's parts. Include it in .cpp files only, so
+/// that a header does not drag the whole house behind it.
+///
+/// The parts are set once, by the application's constructor (or by a test that needs only some
+/// of them), before any other thread runs, and are read from every thread. A part that was not
+/// set is null.
+namespace app {
+
+struct Parts
+{
+    TuningOrloApplication* application = nullptr;
+    Orlo* orlo = nullptr;
+    PdPlayer* player = nullptr;
+    Settings* settings = nullptr;
+    AudioOutput* audioOutput = nullptr;
+
+    /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so
+    /// whoever builds both hands in the connection.
+    void (*connectLattice)(PdPlayer*, Orlo*) = nullptr;
+};
+
+/// Replaces all parts.
+void setParts(const Parts& parts);
+const Parts& parts();
+
+inline TuningOrloApplication* application() { return parts().application; }
+inline Orlo* orlo() { return parts().orlo; }
+inline PdPlayer* player() { return parts().player; }
+inline Settings* settings() { return parts().settings; }
+inline AudioOutput* audioOutput() { return parts().audioOutput; }
+
+} // namespace app

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QObject>
+#include <QString>
+
+/// Base of everything that lives in a JSON file of its own in the config directory. Graphical
+/// thread only. Operations report failure by their result and a critical log line.
+class SerializableRoot : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SerializableRoot(QObject* parent = nullptr);
+
+    virtual void read(const QJsonObject& json) = 0;
+    virtual void write(QJsonObject& json) const = 0;
+
+    /// Saves, unless the child switched that off.
+    virtual void term();
+
+    /// Binds to a file of the config directory. A missing file is made from the defaults,
+    /// otherwise it is loaded.
+    virtual bool init(const QString& fileName);
+
+    /// Called once, when the file does not exist yet.
+    virtual void initWithDefaults() = 0;
+
+    /// Replaces the file only when the new one is complete on disk.
+    bool save() const;
+    bool load();
+
+protected:
+    void setSaveOnTerm(bool on) { mSaveOnTerm = on; }
+
+private:
+    QString mPath;
+    bool mSaveOnTerm = true;
+};

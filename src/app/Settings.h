@@ -1,0 +1,83 @@
+#pragma once
+
+#include "app/SerializableRoot.h"
+#include "app/SettingsHidden.h"
+
+#include <QList>
+#include <QPoint>
+#include <QSize>
+
+/// All options as plain fields, stored in "options.json" at each autosave and at exit.
+///
+/// Written on the graphical thread only; the sound engine reads some fields directly. Values are
+/// not checked for range here: each consumer takes what it finds and guards what it needs.
+class Settings : public SerializableRoot
+{
+    Q_OBJECT
+
+public:
+    /// Sets every default and creates the hidden data. The application's name must be set before,
+    /// since a default names the config directory.
+    Settings();
+
+    /// Initialises the hidden data, then reads or makes "options.json". Both are always run.
+    bool init();
+    using SerializableRoot::init;
+
+    void read(const QJsonObject& json) override;
+    void write(QJsonObject& json) const override;
+    void initWithDefaults() override {} // the constructor has set them
+
+    int audioDevice = -1;      // index in the device list, -1: none chosen yet
+    int framesPerBuffer = 256; // audio block, frames
+    QString midiOutDevice = QStringLiteral("deactivated");
+    int midiOutChannel = 0;
+    double baseFrequency = 440.0;                  // Hz of ratio 1/1
+    double calibrationFrequency = 440.0;           // Hz of A4
+    QString baseNote = QStringLiteral("A 4");      // letter, "b", "#" or blank, octave
+    float baseNoteFreqRatio = 1.0F;                // 1/1 frequency over the calibration frequency
+    bool oneOneFreqTempered = true;                // not stored
+    float masterVolume = 0.75F;                    // 0 to 1
+    bool monophonic = false;
+    QString defaultPatch = QStringLiteral("Sine.pd");
+    bool softNodeReset = false;
+    bool circlesView = false; // false: the grapes view
+    int absRelView = 1;       // 0 relative, 1 absolute, 2 second absolute mode
+    int udpPort = 8888;
+    QSize windowSize{-1, -1}; // -1: not known
+    QPoint windowPos{-1, -1};
+    bool windowMaximized = false;
+    int orloZoomMode = 6;
+    int updateCheckInterval = 1;
+    QString tSysLastUpdateCheck;
+    bool ratiosWithinOctave = true;
+    bool centralNodeColourRelativeMode = true;
+    int soundGrapeNotation = 0; // 0 none, 1 coloured, 2 black and white
+    bool oneOneMenuSplitOctaves = false;
+    QString lastBrowsedPatchPath;
+    QString lastDirPath;
+    float glissOneRangeCents = 1200.0F;
+    float glissTwoRangeCents = 100.0F;
+    int glissRangeMPECents = 0;
+    bool maintainMacroParameters = false;
+    int centsShowDecimals = 0;
+    int mainPatchNumberOfVoices = 128;
+    const QList<int> mainPatchVoiceChoices{4, 8, 12, 16, 24, 32, 48, 64, 96, 128}; // not stored
+
+public slots:
+    void onAudioDeviceChanged(int device);
+    void onFramesPerBufferChanged(int frames);
+    void onBaseFrequencyChanged(float frequency);
+    /// Whole Hz only, though the field is finer.
+    void onCalibrationFrequencyChanged(int frequency);
+    void onBaseNoteChanged(QString note);
+    void onMasterVolumeChanged(float volume);
+    void onMonophonicChanged(bool on);
+
+private:
+    /// Calls visitor(key, field) for every stored field, in the order of writing.
+    template <class Self, class Visitor>
+    static void forEachField(Self& self, Visitor&& visitor);
+
+    SettingsHidden mHidden;
+};

@@ -1,0 +1,388 @@
+#include "model/Orlo.h"
+
+#include "app/Accessors.h"
+#include "model/OrloBall.h"
+#include "model/OrloPath.h"
+#include "model/OrloPathUnlimited.h"
+
+#include <QDebug>
+#include <QJsonArray>
+
+#include <memory>
+
+namespace {
+
+struct PrimeColor
+{
+    int prime; // 0: a crowded display, 1: the central ball, 2: the octave balls
+    const char* color;
+};
+
+constexpr PrimeColor DEFAULT_COLORS[] = {
+    {0, "#b7b7b7"},  {1, "#202020"},  {2, "#5b5b5b"},  {3, "#5173b6"},  {5, "#9c0404"},
+    {7, "#2838d0"},  {11, "#b46110"}, {13, "#710071"}, {17, "#077407"}, {19, "#999900"},
+    {23, "#005b5b"}, {29, "#775c42"}, {31, "#2a9d7b"},
+};
+
+struct TreeBall
+{
+    const char* path;
+    const char* octaveLink; // null: none
+};
+
+// Parents stand before their children.
+constexpr TreeBall DEFAULT_BALLS[] = {
+    {"/-2", nullptr},
+    {"/-2/-2", nullptr},
+    {"/-2/-2/3", "/-2/3"},
+    {"/-2/-2/3/3", "/-2/3/3"},
+    {"/-2/-3", "/-3"},
+    {"/-2/3", "/3"},
+    {"/-2/3/3", "/3/3"},
+    {"/2", nullptr},
+    {"/2/-3", nullptr},
+    {"/2/-3/-3", nullptr},
+    {"/2/-3/-3/-3", nullptr},
+    {"/2/3", nullptr},
+    {"/2/3/3", nullptr},
+    {"/-3", "/2/-3"},
+    {"/-3/-3", "/2/-3/-3"},
+    {"/-3/-3/-3", "/2/-3/-3/-3"},
+    {"/3", "/2/3"},
+    {"/3/3", "/2/3/3"},
+};
+
+constexpr float LOWEST_FREQUENCY = 20.0F; // Hz of 1/1 after a transposition
+constexpr float HIGHEST_FREQUENCY = 20000.0F;
+
+constexpr int LEAF_PRIMES[] = {5, 7, 11, 13, 17, 19, 23, 29, 31};
+
+} // namespace
+
+Orlo::Orlo(QObject* parent)
+    : SerializableRoot(parent)
+    , mRootBall(new OrloBall(OrloPath(QStringLiteral("/")), Qt::white, this))
+{
+    setSaveOnTerm(false);
+}
+
+bool Orlo::init(PdPlayer* player)
+{
+    if (!SerializableRoot::init(QStringLiteral("orlo_v2.json")))
+        return false;
+    if (app::parts().connectLattice)
+        app::parts().connectLattice(player, this);
+    return true;
+}
+
+void Orlo::read(const QJsonObject& json)
+{
+    const QJsonArray colors = json.value(QStringLiteral("colors")).toArray();
+    for (const QJsonValue& entry : colors) {
+        const double prime = entry[QStringLiteral("prime")].toDouble();
+        if (qAbs(prime) <= OrloBall::LEAF_STEP)
+            mPrimeColors.insert(static_cast<int>(prime), entry[QStringLiteral("color")].toVariant().value<QColor>());
+    }
+    replaceRoot(new OrloBall(OrloPath(QStringLiteral("/")), lookupColor(1), this));
+    mRootBall->read(json.value(QStringLiteral("root")).toObject());
+    buildBallMap();
+}
+
+void Orlo::write(QJsonObject& json) const
+{
+    QJsonArray colors;
+    for (auto it = mPrimeColors.begin(); it != mPrimeColors.end(); ++it) {
+        colors.append(QJsonObject{{QStringLiteral("prime"), it.key()},
+                                  {QStringLiteral("color"), it.value().name(QColor::HexRgb)}});
+    }
+    json.insert(QStringLiteral("colors"), colors);
+    QJsonObject root;
+    mRootBall->write(root);
+    json.insert(QStringLiteral("root"), root);
+}
+
+void Orlo::initWithDefaults()
+{
+    for (const PrimeColor& entry : DEFAULT_COLORS)
+        mPrimeColors.insert(entry.prime, QColor(QLatin1StringView(entry.color)));
+    qDebug() << "Orlo::initWithDefaults - mPrimeColors:" << mPrimeColors;
+
+    replaceRoot(new OrloBall(OrloPath(QStringLiteral("/")), lookupColor(1), this));
+    addLeaves(mRootBall);
+    for (const TreeBall& entry : DEFAULT_BALLS) {
+        OrloBall* ball = addTreeBall(QLatin1StringView(entry.path));
+        if (entry.octaveLink)
+            ball->addLink(2, QLatin1StringView(entry.octaveLink));
+        addLeaves(ball);
+    }
+    buildBallMap();
+}
+
+void Orlo::replaceRoot(OrloBall* root)
+{
+    // A page that still draws the former tree keeps pointers into it, so it lives as long as its
+    // owner: a change of the tree at run time is a developer's act.
+    mRootBall = root;
+}
+
+OrloBall* Orlo::addTreeBall(const QString& pathText)
+{
+    const OrloPath path(pathText);
+    const QList<int> steps = path.toList();
+    OrloBall* parent = mRootBall;
+    for (qsizetype i = 0; i + 1 < steps.size(); ++i)
+        parent = parent->childAtPrime(steps[i]);
+    auto* ball = new OrloBall(path, lookupColor(steps.last()), parent);
+    parent->addChild(steps.last(), ball);
+    return ball;
+}
+
+void Orlo::addLeaves(OrloBall* ball)
+{
+    for (const int prime : LEAF_PRIMES)
+        addLeaf(ball, prime);
+}
+
+void Orlo::addLeaf(OrloBall* ball, int prime)
+{
+    OrloPath path(ball->path());
+    for (const int step : {-prime, prime}) {
+        path.addLeaf(static_cast<signed char>(step));
+        ball->addChild(step, new OrloBall(path, lookupColor(step), ball));
+        path.removeLeaf();
+    }
+}
+
+QColor Orlo::lookupColor(int prime) const
+{
+    return mPrimeColors.value(qAbs(prime), Qt::white);
+}
+
+void Orlo::buildBallMap()
+{
+    mBallMap.clear();
+    buildBallMapFrom(mRootBall);
+    emit resetNodeStack();
+    markSurvivors();
+}
+
+void Orlo::buildBallMapFrom(OrloBall* ball)
+{
+    OrloRatio key(mTransposition);
+    key *= OrloRatio(OrloRatio::productOfSteps(ball->path().toCharArray()));
+    mBallMap.insert(key, ball);
+    ball->setPlaying(false);
+    ball->setSelected(false);
+    ball->setHold(false);
+    ball->setAltered(false);
+    for (OrloBall* child : ball->children())
+        buildBallMapFrom(child);
+}
+
+void Orlo::markSurvivors()
+{
+    for (const OrloRatio& ratio : std::as_const(mPlayingRatios)) {
+        if (OrloBall* ball = ballFromRatio(ratio)) {
+            ball->setPlaying(true);
+            emit hideCard(ratio);
+        } else {
+            emit addNodeToStack(ratio);
+            emit toggleNodeInStack(ratio, true);
+            emit showCard(ratio);
+        }
+    }
+    for (const OrloRatio& ratio : std::as_const(mSelectedRatios)) {
+        if (OrloBall* ball = ballFromRatio(ratio)) {
+            ball->setSelected(true);
+        } else {
+            emit addNodeToStack(ratio);
+            emit selectNodeInStack(ratio, true);
+        }
+    }
+    for (const OrloRatio& ratio : std::as_const(mHoldRatios)) {
+        if (OrloBall* ball = ballFromRatio(ratio)) {
+            ball->setHold(true);
+        } else {
+            emit addNodeToStack(ratio);
+            emit setHoldNodeInStack(ratio, true);
+        }
+    }
+    for (const OrloRatio& ratio : std::as_const(mAlteredRatios)) {
+        if (OrloBall* ball = ballFromRatio(ratio)) {
+            ball->setAltered(true);
+        } else {
+            emit addNodeToStack(ratio);
+            emit setAlteredNodeInStack(ratio, true);
+        }
+    }
+}
+
+OrloBall* Orlo::ballFromRatio(const OrloRatio& ratio) const
+{
+    return mBallMap.value(ratio, nullptr);
+}
+
+void Orlo::setContained(QSet<OrloRatio>& set, const OrloRatio& ratio, bool contained)
+{
+    if (contained)
+        set.insert(ratio);
+    else
+        set.remove(ratio);
+}
+
+void Orlo::onNoteToggled(OrloRatio ratio, bool on)
+{
+    OrloBall* ball = ballFromRatio(ratio);
+    setContained(mPlayingRatios, ratio, on);
+    if (ball) {
+        ball->setPlaying(on);
+    } else if (on) {
+        emit addNodeToStack(ratio);
+        emit toggleNodeInStack(ratio, true);
+        emit showCard(ratio);
+    } else {
+        emit toggleNodeInStack(ratio, false);
+        emit hideCard(ratio);
+    }
+}
+
+void Orlo::onNodeSelected(OrloRatio ratio, bool on)
+{
+    OrloBall* ball = ballFromRatio(ratio);
+    setContained(mSelectedRatios, ratio, on);
+    if (ball)
+        ball->setSelected(on);
+    else
+        emit selectNodeInStack(ratio, on);
+}
+
+void Orlo::onNodeHold(OrloRatio ratio, bool on)
+{
+    OrloBall* ball = ballFromRatio(ratio);
+    setContained(mHoldRatios, ratio, on);
+    if (ball)
+        ball->setHold(on);
+    else
+        emit setHoldNodeInStack(ratio, on);
+}
+
+void Orlo::onNodeAltered(OrloRatio ratio, bool on)
+{
+    OrloBall* ball = ballFromRatio(ratio);
+    setContained(mAlteredRatios, ratio, on);
+    if (ball)
+        ball->setAltered(on);
+    else
+        emit setAlteredNodeInStack(ratio, on);
+}
+
+void Orlo::onRemoveNodeInStack(OrloRatio ratio)
+{
+    emit removeNodeInStack(ratio);
+}
+
+bool Orlo::isValidPrime(int step)
+{
+    return OrloConstants::isValidPrime(step);
+}
+
+float Orlo::primeRatio(int step)
+{
+    const auto& ratios = OrloConstants::PRIME_RATIOS;
+    return step > 0 ? ratios.at(static_cast<size_t>(step)) : 1.0F / ratios.at(static_cast<size_t>(-step));
+}
+
+void Orlo::removeOppositePairs(QList<int>& steps)
+{
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        const qsizetype opposite = steps.lastIndexOf(-steps[i], i);
+        if (opposite < 0)
+            continue;
+        steps.removeAt(i);
+        if (opposite != i)
+            steps.removeAt(opposite);
+        i -= 2;
+        if (i < -1)
+            i = -1;
+    }
+}
+
+void Orlo::simplifyTransposeSteps()
+{
+    removeOppositePairs(mTransposeSteps);
+}
+
+bool Orlo::canTransposeTo(const OrloRatio& candidate) const
+{
+    OrloRatio whole(mTransposition);
+    whole *= candidate;
+    const float frequency =
+        static_cast<float>(whole.numerator()) / static_cast<float>(whole.denominator()) * mBaseFrequency;
+    if (frequency < LOWEST_FREQUENCY || frequency > HIGHEST_FREQUENCY)
+        return false;
+    for (auto it = mBallMap.begin(); it != mBallMap.end(); ++it) {
+        if (it.key().canMultiplyWith(candidate))
+            continue;
+        const OrloPath& path = it.value()->path();
+        qDebug().noquote() << QStringLiteral("canTransposeTo fail on %1 to %2:\n  ball: %3 at %4 can't be played")
+                                  .arg(mTransposition.toString(), candidate.toString(), path.toString(),
+                                       path.toRatio().toString());
+        return false;
+    }
+    return true;
+}
+
+void Orlo::setTransposition(const OrloRatio& ratio)
+{
+    mTransposition = ratio;
+    mPublishedTransposition.publish({ratio.numerator(), ratio.denominator()});
+}
+
+void Orlo::onTransposed(OrloRatio ratio, int step)
+{
+    setTransposition(ratio);
+    if (step == 0) {
+        mTransposeSteps.clear();
+    } else if (step == FREE_TRANSPOSITION) {
+        const std::unique_ptr<OrloPathUnlimited> path(ratio.getUnlimitedPathFromRatio());
+        mTransposeSteps = path->toList();
+        simplifyTransposeSteps();
+    } else {
+        mTransposeSteps.append(step);
+        simplifyTransposeSteps();
+    }
+    buildBallMap();
+    emit transposeOrBaseFrequencyChanged();
+}
+
+void Orlo::onBaseFrequencyChanged(float frequency)
+{
+    if (frequency == mBaseFrequency)
+        return;
+    mBaseFrequency = frequency;
+    buildBallMap();
+    emit transposeOrBaseFrequencyChanged();
+}
+
+void Orlo::onPrimeEnabledToggled(int prime, bool on)
+{
+    if (prime == 1)
+        mRootBall->setEnabled(on);
+    else
+        togglePrimeFrom(mRootBall, prime, on);
+}
+
+void Orlo::togglePrimeFrom(OrloBall* ball, int prime, bool on)
+{
+    for (const int step : {prime, -prime}) {
+        if (OrloBall* child = ball->childAtPrime(step))
+            child->setEnabled(on);
+    }
+    for (OrloBall* child : ball->children())
+        togglePrimeFrom(child, prime, on);
+}
+
+void Orlo::afterMemoryRecall()
+{
+    emit showNodesInStack();
+}

@@ -1,0 +1,28 @@
+#include "model/PublishedRatio.h"
+
+void PublishedRatio::publish(Value value)
+{
+    const unsigned next = mPublished.load(std::memory_order_relaxed) + 1;
+    Slot& slot = mSlots[next % SLOTS];
+    slot.numerator.store(value.numerator, std::memory_order_relaxed);
+    slot.denominator.store(value.denominator, std::memory_order_relaxed);
+    mPublished.store(next, std::memory_order_release);
+}
+
+PublishedRatio::Value PublishedRatio::read() const
+{
+    Value value;
+    unsigned published = mPublished.load(std::memory_order_acquire);
+    // Two rounds at the most: the writer is a player's hand, not a loop.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const Slot& slot = mSlots[published % SLOTS];
+        value.numerator = slot.numerator.load(std::memory_order_relaxed);
+        value.denominator = slot.denominator.load(std::memory_order_relaxed);
+        std::atomic_thread_fence(std::memory_order_acquire);
+        const unsigned now = mPublished.load(std::memory_order_relaxed);
+        if (now - published < SLOTS - 1)
+            break;
+        published = now;
+    }
+    return value;
+}

@@ -1,0 +1,39 @@
+#include "sound/AudioOutput.h"
+
+#include <QDebug>
+
+namespace {
+
+constexpr int PD_BLOCK = 64;
+constexpr int DEFAULT_FRAMES = 256;
+constexpr int MOST_FRAMES = 8192;
+
+int usableFrames(int frames)
+{
+    if (frames <= 0)
+        return DEFAULT_FRAMES;
+    if (frames >= MOST_FRAMES)
+        return MOST_FRAMES;
+    return (frames + PD_BLOCK - 1) / PD_BLOCK * PD_BLOCK;
+}
+
+} // namespace
+
+AudioOutput::AudioOutput(QObject* parent)
+    : QObject(parent)
+{
+}
+
+void AudioOutput::setSelectedDevice(int index)
+{
+    mSelectedDevice = index;
+    emit selectedDeviceChanged(index);
+}
+
+void AudioOutput::setFramesPerBuffer(int frames)
+{
+    mFramesPerBuffer = usableFrames(frames);
+    if (mFramesPerBuffer != frames)
+        qWarning() << "Frames per buffer must be a multiple of 64 from 64 to 8192:" << frames
+                   << "was changed to" << mFramesPerBuffer;
+}

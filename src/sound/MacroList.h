@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QList>
+#include <QStringList>
+
+/// The macros that a patch names, as in "Level(0.8):Attack(0.02):Colour". A pure reading of the
+/// text: any text gives a list.
+struct MacroList
+{
+    /// The default of a name that gives none: the macro keeps its slider's value.
+    static constexpr float NO_DEFAULT = -1.0F;
+
+    QStringList names;
+    QList<float> defaults; // one for each name
+
+    static MacroList parse(const QString& text);
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <array>
+
+/// What a sounding or selected node carries: eight macros and two glissando values, on the scale
+/// of the sliders from 0.0 to 1.0. A glissando of 0.5 changes nothing.
+struct NodeParameters
+{
+    static constexpr int MACRO_COUNT = 8;
+
+    std::array<float, MACRO_COUNT> macros{};
+    float glissOne = 0.5F; // coarse
+    float glissTwo = 0.5F; // fine
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "model/OrloRatio.h"
+#include "sound/OrloEvent.h"
+
+/// Stops the note of an absolute ratio and takes its node out of the stack.
+class OrloNodeRemoveEvent : public OrloEvent
+{
+public:
+    explicit OrloNodeRemoveEvent(const OrloRatio& ratio)
+        : OrloEvent(NodeRemove, 1.0F)
+        , mRatio(ratio)
+    {
+    }
+
+    const OrloRatio& ratio() const { return mRatio; }
+
+private:
+    OrloRatio mRatio;
+};

@@ -1,0 +1,96 @@
+#include "sound/PatchHandOver.h"
+
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QMutexLocker>
+#include <QThread>
+
+namespace {
+
+constexpr unsigned long POLL_MS = 20;
+// Longer than any block: 8192 frames at 44100 Hz last 186 ms.
+constexpr qint64 STALLED_MS = 400;
+constexpr qint64 GIVE_UP_MS = 10000;
+// A block that runs when the event is queued may have drained the ring already; the next one
+// must take it. One more for good measure, and the event was lost.
+constexpr std::uint64_t BLOCKS_UNTIL_LOST = 3;
+
+} // namespace
+
+bool PatchHandOver::enterBlock()
+{
+    mBlocks.fetch_add(1, std::memory_order_relaxed);
+    return tryTakeEngine();
+}
+
+void PatchHandOver::leaveBlock()
+{
+    giveEngineBack();
+}
+
+void PatchHandOver::finish()
+{
+    mDone = true;
+    mCondition.wakeAll();
+}
+
+bool PatchHandOver::request(const std::function<void()>& queue, const std::function<void()>& drain)
+{
+    QMutexLocker locker(&mMutex);
+    mDone = false;
+    std::uint64_t queuedAt = blocks();
+    queue();
+
+    std::uint64_t lastSeen = queuedAt;
+    QElapsedTimer sinceLastBlock;
+    sinceLastBlock.start();
+    while (!mDone) {
+        mCondition.wait(&mMutex, POLL_MS);
+        if (mDone)
+            break;
+        if (const std::uint64_t now = blocks(); now != lastSeen) {
+            lastSeen = now;
+            sinceLastBlock.restart();
+            if (now - queuedAt > BLOCKS_UNTIL_LOST) { // the ring was full
+                queuedAt = now;
+                queue();
+            }
+            continue;
+        }
+        if (sinceLastBlock.elapsed() < STALLED_MS)
+            continue;
+        if (!tryTakeEngine()) {
+            if (sinceLastBlock.elapsed() > GIVE_UP_MS) {
+                qCritical() << "The audio thread does not come out of the patch. The change of patch is given up.";
+                return false;
+            }
+            continue;
+        }
+        qWarning() << "No audio stream is running: the patch is changed without it.";
+        locker.unlock();
+        drain();
+        giveEngineBack();
+        locker.relock();
+        if (!mDone) {
+            queue(); // the ring was full and has been drained now
+            queuedAt = blocks();
+        }
+    }
+    return true;
+}
+
+bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!tryTakeEngine()) {
+        if (timer.elapsed() > GIVE_UP_MS) {
+            qCritical() << "The audio thread does not come out of a block.";
+            return false;
+        }
+        QThread::usleep(100);
+    }
+    work();
+    giveEngineBack();
+    return true;
+}

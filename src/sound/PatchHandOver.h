@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QMutex>
+#include <QWaitCondition>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+
+/// Hands a patch over between the graphical and the audio thread, and settles which of them runs
+/// the engine.
+///
+/// The audio callback encloses each block in enterBlock/leaveBlock. The graphical thread asks for
+/// work by an event and waits in request() until the audio thread calls finish(). When no callback
+/// comes (no stream, or a device that was unplugged), the waiting thread takes the engine and does
+/// the work itself, so it never waits for ever. The callback never waits for the graphical thread
+/// but in lock(), which it takes only for a patch change.
+class PatchHandOver
+{
+public:
+    /// [audio] Effect: counts the block and claims the engine. False when the graphical thread has
+    /// it: write silence and return. Never blocks.
+    bool enterBlock();
+    /// [audio]
+    void leaveBlock();
+
+    /// [audio] Taken around opening and closing a patch, and nowhere else.
+    void lock() { mMutex.lock(); }
+    /// [audio] Wakes the waiting thread; call while locked.
+    void finish();
+    void unlock() { mMutex.unlock(); }
+
+    /// [gui] Calls `queue` to send the event, and waits. `drain` runs the engine's pending events
+    /// on this thread; it is called only while no callback comes. False when the callback is inside
+    /// a block that does not end (a patch that loops for ever).
+    bool request(const std::function<void()>& queue, const std::function<void()>& drain);
+
+    /// [gui] Runs `work` while no block runs. False, without running it, when a block does not end.
+    bool runBetweenBlocks(const std::function<void()>& work);
+
+    /// Count of callbacks so far; any thread.
+    std::uint64_t blocks() const { return mBlocks.load(std::memory_order_relaxed); }
+
+private:
+    bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
+    void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
+
+    QMutex mMutex;
+    QWaitCondition mCondition;
+    bool mDone = false; // guarded by the mutex
+    std::atomic<bool> mEngineTaken{false};
+    std::atomic<std::uint64_t> mBlocks{0};
+};

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "model/OrloPath.h"
+#include "model/OrloRatio.h"
+#include "sound/OrloEvent.h"
+#include "sound/StaticArray.h"
+
+#include <memory>
+
+struct ring_buffer;
+
+/// A command buffer into the audio thread: libpd's lock-free ring, for one writing and one reading
+/// thread, in which each event travels as a Chunk of 64 bytes.
+///
+/// Capacity: 255 chunks. A chunk that finds the ring full is dropped with a warning; the writer
+/// neither waits nor retries. Nothing here blocks.
+class PdMessageBuffer
+{
+public:
+    /// Writer and reader are the same process, so the object image is copied as it stands.
+    struct Chunk
+    {
+        std::int32_t type = OrloEvent::None;
+        OrloPath path;
+        OrloRatio ratio; // its second field means nothing on the reading side
+        float value = 0.0F;
+    };
+    static_assert(sizeof(Chunk) == 64);
+
+    static constexpr int RING_BYTES = 16384;
+    /// What one reading of a full ring can yield.
+    static constexpr int CHUNK_LIST_CAPACITY = RING_BYTES / static_cast<int>(sizeof(Chunk));
+    using ChunkList = StaticArray<const Chunk*, CHUNK_LIST_CAPACITY>;
+
+    PdMessageBuffer();
+    ~PdMessageBuffer();
+    PdMessageBuffer(const PdMessageBuffer&) = delete;
+    PdMessageBuffer& operator=(const PdMessageBuffer&) = delete;
+
+    /// Makes the ring. False when there is no memory for it.
+    bool init();
+    /// Writer's thread. Copies the event.
+    void queueEvent(const OrloEvent* event);
+    /// Writer's thread.
+    void writeChunk(const Chunk* chunk);
+    /// [audio] Appends a pointer for each chunk that is pending. The pointers hold until the next
+    /// call on any buffer: all buffers read into one area, which is safe because one thread drains
+    /// them one after the other and uses each list up first.
+    void processEvents(ChunkList& chunks);
+
+private:
+    struct RingRelease
+    {
+        void operator()(ring_buffer* ring) const;
+    };
+    std::unique_ptr<ring_buffer, RingRelease> mRing;
+};

@@ -1,0 +1,545 @@
+#include "sound/PdPlayer.h"
+
+#include "app/Accessors.h"
+#include "app/DebugLog.h"
+#include "app/Settings.h"
+#include "model/Orlo.h"
+#include "model/OrloPath.h"
+#include "sound/OrloNoteEvent.h"
+
+#include <QThread>
+
+#include <array>
+#include <cmath>
+#include <exception>
+
+namespace {
+
+constexpr float LOWEST_FREQUENCY = 20.0F; // Hz, exclusive
+constexpr float HIGHEST_FREQUENCY = 20000.0F;
+// The value of a toggle that has power over hold.
+constexpr float TOGGLE_HELD = 2.0F;
+
+QString text(const OrloRatio& ratio)
+{
+    return ratio.toString();
+}
+
+/// The value as a step: rounded half away from zero, then as a signed 8-bit number.
+signed char stepFromValue(float value)
+{
+    const float rounded = std::trunc(value + std::copysign(0.5F, value));
+    const float inRange = qBound(-2147483520.0F, rounded, 2147483520.0F);
+    return static_cast<signed char>(static_cast<int>(inRange));
+}
+
+float glissandoMapping(float rangeCents, float value)
+{
+    return static_cast<float>(std::exp2(static_cast<double>(rangeCents) * 2.0
+                                        * (static_cast<double>(value) - 0.5) / 1200.0));
+}
+
+} // namespace
+
+PdPlayer* PdPlayer::sThis = nullptr;
+
+PdPlayer::PdPlayer(QObject* parent)
+    : QObject(parent)
+{
+    sThis = this;
+    for (int prime = 0; prime < mPrimeEnabled.CAPACITY; ++prime)
+        mPrimeEnabled[prime] = true;
+}
+
+PdPlayer::~PdPlayer()
+{
+    qDeleteAll(alteredParameters);
+    qDeleteAll(soundingParameters);
+    if (sThis == this)
+        sThis = nullptr;
+}
+
+void PdPlayer::connectLattice(PdPlayer* player, Orlo* orlo)
+{
+    if (!player)
+        return;
+    constexpr Qt::ConnectionType queued = Qt::QueuedConnection;
+    connect(player, &PdPlayer::noteToggled, orlo, &Orlo::onNoteToggled, queued);
+    connect(player, &PdPlayer::nodeSelected, orlo, &Orlo::onNodeSelected, queued);
+    connect(player, &PdPlayer::nodeHold, orlo, &Orlo::onNodeHold, queued);
+    connect(player, &PdPlayer::nodeAltered, orlo, &Orlo::onNodeAltered, queued);
+    connect(player, &PdPlayer::transposed, orlo, &Orlo::onTransposed, queued);
+    connect(player, &PdPlayer::baseFrequencyChanged, orlo, &Orlo::onBaseFrequencyChanged, queued);
+    connect(player, &PdPlayer::primeEnabledToggled, orlo, &Orlo::onPrimeEnabledToggled, queued);
+    connect(player, &PdPlayer::removeNodeInStack, orlo, &Orlo::onRemoveNodeInStack, queued);
+    connect(player, &PdPlayer::nodesRecalled, orlo, &Orlo::afterMemoryRecall, queued);
+}
+
+// ---------------------------------------------------------------- commands
+
+void PdPlayer::queueEventGui(const OrloEvent* event)
+{
+    guiBuffer.queueEvent(event);
+}
+
+void PdPlayer::queueEventSerial(const OrloEvent* event)
+{
+    serialBuffer.queueEvent(event);
+}
+
+void PdPlayer::queueEventFromInterface(QString source, const OrloEvent* event)
+{
+    qDebug() << "Player: Event received from Interface: " << source << " -- " << event->type() << " -- "
+             << event->value();
+}
+
+void PdPlayer::processEvents()
+{
+    drain(serialBuffer);
+    drain(guiBuffer);
+}
+
+void PdPlayer::drain(PdMessageBuffer& buffer)
+{
+    buffer.processEvents(mChunks);
+    for (std::int64_t i = 0; i < mChunks.size(); ++i)
+        processChunk(mChunks[i]);
+    mChunks.setSize(0);
+}
+
+PdPlayer::Handler PdPlayer::handlerOf(std::int32_t type)
+{
+    static const std::array<Handler, OrloEvent::TYPE_COUNT> handlers = [] {
+        std::array<Handler, OrloEvent::TYPE_COUNT> table{};
+        table[OrloEvent::NoteToggleByPath] = &PdPlayer::onNoteToggleByPath;
+        table[OrloEvent::AllNotesOff] = &PdPlayer::onAllNotesOff;
+        table[OrloEvent::AllNotesOffForced] = &PdPlayer::onAllNotesOffForced;
+        table[OrloEvent::NodesDeselectAll] = &PdPlayer::onNodesDeselectAll;
+        table[OrloEvent::TransposeByPrimeStep] = &PdPlayer::onTransposeByPrimeStep;
+        table[OrloEvent::VoiceVolumeAdjust] = &PdPlayer::onVoiceVolumeAdjust;
+        table[OrloEvent::VoiceVolumeSet] = &PdPlayer::onVoiceVolumeSet;
+        table[OrloEvent::MasterVolumeAdjust] = &PdPlayer::onMasterVolumeAdjust;
+        table[OrloEvent::MasterVolumeSet] = &PdPlayer::onMasterVolumeSet;
+        table[OrloEvent::MonophonicSet] = &PdPlayer::onMonophonicSet;
+        table[OrloEvent::PatchStep] = &PdPlayer::onPatchStep;
+        table[OrloEvent::BaseFrequencySet] = &PdPlayer::onBaseFrequencySet;
+        table[OrloEvent::PrimeEnabledToggle] = &PdPlayer::onPrimeEnabledToggle;
+        for (std::int32_t macro = OrloEvent::Macro1Set; macro <= OrloEvent::Macro8Set; ++macro)
+            table[static_cast<size_t>(macro)] = &PdPlayer::onMacroSet;
+        table[OrloEvent::NoteToggleByRatio] = &PdPlayer::onNoteToggleByRatio;
+        table[OrloEvent::NodeRemove] = &PdPlayer::onNodeRemove;
+        table[OrloEvent::TransposeByRatio] = &PdPlayer::onTransposeByRatio;
+        table[OrloEvent::NodesRecalled] = &PdPlayer::onNodesRecalled;
+        table[OrloEvent::NodesHold] = &PdPlayer::onNodesHold;
+        table[OrloEvent::PatchOpen] = &PdPlayer::onPatchOpen;
+        table[OrloEvent::PatchClose] = &PdPlayer::onPatchClose;
+        return table;
+    }();
+    return type >= 0 && type < OrloEvent::TYPE_COUNT ? handlers[static_cast<size_t>(type)] : nullptr;
+}
+
+void PdPlayer::processChunk(const Chunk* chunk)
+{
+    const Handler handler = handlerOf(chunk->type);
+    if (!handler)
+        return;
+    if (!std::isfinite(chunk->value)) {
+        qWarning() << "PdPlayer: an event of type" << chunk->type << "with a value that is no number is dropped.";
+        return;
+    }
+    try {
+        (this->*handler)(*chunk);
+    } catch (const std::exception& error) {
+        // A ratio that cannot be formed must not end the audio thread.
+        qWarning() << "PdPlayer: an event of type" << chunk->type << "is dropped:" << error.what();
+    }
+}
+
+void PdPlayer::onNoteToggleByPath(const Chunk& chunk)
+{
+    if (!chunk.path.isValid())
+        return;
+    // Only the last step counts: a disabled prime in the middle of a path does not stop the note.
+    const int length = chunk.path.length();
+    const int prime = length == 0 ? 1 : qAbs(static_cast<int>(chunk.path.toCharArray()[length - 1]));
+    if (prime >= mPrimeEnabled.CAPACITY || !mPrimeEnabled[prime])
+        return;
+    const OrloRatio relative(OrloRatio::productOfSteps(chunk.path.toCharArray()));
+    if (!mTransposition.fitsWhenMultipliedWith(relative)) {
+        qWarning() << "PdPlayer: the pitch of" << chunk.path.toString() << "does not fit and stays silent.";
+        return;
+    }
+    OrloRatio ratio(mTransposition);
+    ratio *= relative;
+    const Voice* voice = mVoices.find(ratio);
+    if (!voice || voice->released)
+        noteOn(ratio);
+    else
+        noteOff(ratio); // hold has no power over the press of a ball
+}
+
+void PdPlayer::onNoteToggleByRatio(const Chunk& chunk)
+{
+    const Voice* voice = mVoices.find(chunk.ratio);
+    if (!voice || voice->released)
+        noteOn(chunk.ratio);
+    else if (!mHoldActive || chunk.value == TOGGLE_HELD || !heldNodes.contains(chunk.ratio))
+        noteOff(chunk.ratio);
+}
+
+void PdPlayer::onAllNotesOff(const Chunk&)
+{
+    allNotesOff(false);
+}
+
+void PdPlayer::onAllNotesOffForced(const Chunk&)
+{
+    allNotesOff(true);
+}
+
+void PdPlayer::onNodesDeselectAll(const Chunk& chunk)
+{
+    onNodeRemove(chunk);
+}
+
+void PdPlayer::onNodeRemove(const Chunk& chunk)
+{
+    if (mVoices.find(chunk.ratio))
+        noteOff(chunk.ratio);
+    emit removeNodeInStack(chunk.ratio);
+}
+
+void PdPlayer::onTransposeByPrimeStep(const Chunk& chunk)
+{
+    transpose(stepFromValue(chunk.value));
+}
+
+void PdPlayer::onTransposeByRatio(const Chunk& chunk)
+{
+    transpose(chunk.ratio);
+}
+
+void PdPlayer::onVoiceVolumeAdjust(const Chunk& chunk)
+{
+    setVoiceVolume(mVoiceVolume + chunk.value);
+}
+
+void PdPlayer::onVoiceVolumeSet(const Chunk& chunk)
+{
+    setVoiceVolume(chunk.value);
+}
+
+void PdPlayer::onMasterVolumeAdjust(const Chunk& chunk)
+{
+    setVolume(mMasterVolume + chunk.value);
+}
+
+void PdPlayer::onMasterVolumeSet(const Chunk& chunk)
+{
+    setVolume(chunk.value);
+}
+
+void PdPlayer::onMonophonicSet(const Chunk& chunk)
+{
+    setMonophonic(chunk.value > 0.5F);
+}
+
+void PdPlayer::onPatchStep(const Chunk& chunk)
+{
+    if (chunk.value > 0.0F)
+        emit patchIncRequested();
+    else
+        emit patchDecRequested();
+}
+
+void PdPlayer::onBaseFrequencySet(const Chunk& chunk)
+{
+    setBaseFrequency(chunk.value);
+}
+
+void PdPlayer::onPrimeEnabledToggle(const Chunk& chunk)
+{
+    if (chunk.value >= 0.0F && chunk.value < static_cast<float>(mPrimeEnabled.CAPACITY))
+        togglePrimeEnabled(static_cast<int>(chunk.value));
+}
+
+void PdPlayer::onMacroSet(const Chunk& chunk)
+{
+    setMacroValue(chunk.type - OrloEvent::Macro1Set + 1, chunk.value);
+}
+
+void PdPlayer::onNodesRecalled(const Chunk&)
+{
+    emit nodesRecalled();
+}
+
+void PdPlayer::onNodesHold(const Chunk& chunk)
+{
+    nodesHoldActive(chunk.value == 1.0F);
+}
+
+void PdPlayer::onPatchOpen(const Chunk&)
+{
+    openPatch();
+}
+
+void PdPlayer::onPatchClose(const Chunk&)
+{
+    closePatch();
+}
+
+// ---------------------------------------------------------------- notes
+
+void PdPlayer::noteOn(const OrloRatio& ratio)
+{
+    ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOn: Thread, ID, priority " << QThread::currentThread()
+                     << QThread::currentThreadId() << QThread::currentThread()->priority();
+    ++mSequence;
+    float frequency = ratioToFrequency(ratio);
+    bool stolen = false;
+    // Chosen before the previous mono voice stops, so that a new voice starts beside its release.
+    const int slot = findSlot(stolen);
+    if (slot < 0)
+        return;
+    if (mMonophonic)
+        stopPreviousMonoVoice(slot);
+
+    mVoices.take(*mVoices.slot(slot), ratio, mSequence);
+    ORLO_AUDIO_DEBUG << "noteOn for ratio" << text(ratio) << "freq" << frequency << "voice" << slot << "seqId"
+                     << mSequence << "stolen" << (stolen ? "true" : "false");
+
+    const float velocity = sendNodeParameters(ratio, slot, frequency);
+    if (frequency > LOWEST_FREQUENCY && frequency < HIGHEST_FREQUENCY) {
+        const auto voice = static_cast<float>(slot);
+        sendPdVoiceMessage(voiceFrequency, frequency, voice);
+        sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);
+        sendPdVoiceMessage(voiceGate, 1.0F, voice);
+        if (portOpen())
+            emit instructionsToInterface(instructionNoteOn, {slot}, {frequency}, {velocity});
+    }
+    emit noteToggled(ratio, true);
+
+    if (!alteredNodes.contains(ratio)) {
+        auto*& parameters = soundingParameters[ratio];
+        if (!parameters)
+            parameters = new NodeParameters;
+        *parameters = NodeParameters{currentParameters.macros};
+    }
+}
+
+int PdPlayer::findSlot(bool& stolen)
+{
+    if (const Voice* free = mVoices.freeSlot(mMaxVoices))
+        return free->voice;
+    const Voice* oldest = mVoices.oldestSlot(mMaxVoices);
+    if (!oldest)
+        return -1;
+    stolen = true;
+    if (!oldest->released)
+        noteOff(OrloRatio(oldest->ratio));
+    onVoiceStopped(oldest->voice);
+    return oldest->voice;
+}
+
+void PdPlayer::stopPreviousMonoVoice(int slot)
+{
+    if (const Voice* previous = mVoices.slot(mMonoVoice);
+        previous && previous->seqId != 0 && !previous->released) {
+        ORLO_AUDIO_DEBUG << "turning off previous mono voice" << mMonoVoice << "ratio" << text(previous->ratio);
+        noteOff(OrloRatio(previous->ratio));
+    }
+    mMonoVoice = slot;
+}
+
+/// Sends the eight macros of a starting note and bends its frequency as its node asks. Returns the
+/// value that goes out as velocity.
+float PdPlayer::sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency)
+{
+    const float velocity = currentParameters.macros[0];
+    const NodeParameters* node = alteredParameters.value(ratio, nullptr);
+    const bool altered = node && alteredNodes.contains(ratio);
+    if (!altered) {
+        applyAllCurrentMacroValues(static_cast<float>(voice));
+        return velocity;
+    }
+    // The record of a selected node is relative to the sliders, that of any other is absolute.
+    const bool selected = selectedNodes.contains(ratio);
+    const NodeParameters none{{}, 0.0F, 0.0F};
+    const NodeParameters& base = selected ? currentParameters : none;
+    frequency *= glissandoOneMapping(base.glissOne + node->glissOne);
+    frequency *= glissandoTwoMapping(base.glissTwo + node->glissTwo);
+    for (size_t i = 0; i < node->macros.size(); ++i)
+        sendPdVoiceMessage(static_cast<PdVoiceMessageType>(voiceMacro1 + static_cast<int>(i)),
+                           base.macros[i] + node->macros[i], static_cast<float>(voice));
+    return selected ? velocity : node->macros[0];
+}
+
+void PdPlayer::noteOff(const OrloRatio& ratio)
+{
+    ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOff: Thread, ID " << QThread::currentThread()
+                     << QThread::currentThreadId();
+    Voice* voice = mVoices.find(ratio);
+    if (!voice)
+        return;
+    ORLO_AUDIO_DEBUG << "noteOff for ratio" << text(ratio) << "voice" << voice->voice;
+    voice->released = true;
+    sendPdVoiceMessage(voiceGate, 0.0F, static_cast<float>(voice->voice));
+    if (portOpen())
+        emit instructionsToInterface(instructionNoteOff, {voice->voice}, {-1.0F}, {-1.0F});
+    emit noteToggled(ratio, false);
+    delete soundingParameters.take(ratio);
+}
+
+void PdPlayer::onVoiceStopped(int index)
+{
+    Voice* voice = mVoices.slot(index);
+    if (!voice || !voice->released)
+        return;
+    ORLO_AUDIO_DEBUG << "voice stopped for" << text(voice->ratio) << "voice" << index;
+    if (mVoices.release(*voice))
+        ORLO_AUDIO_DEBUG << "removing voice" << index << "from note map";
+}
+
+void PdPlayer::allNotesOff(bool force)
+{
+    // noteOff changes no entry of the map, only the voices it points to.
+    for (const Voice* voice : std::as_const(mVoices.noteMap)) {
+        if (force || !heldNodes.contains(voice->ratio))
+            noteOff(voice->ratio);
+    }
+}
+
+void PdPlayer::nodesHoldActive(bool active)
+{
+    for (const OrloRatio& ratio : std::as_const(heldNodes))
+        emit nodeHold(ratio, false);
+    heldNodes.clear();
+    if (active) {
+        heldNodes = getAllSoundingRatios();
+        for (const OrloRatio& ratio : std::as_const(heldNodes))
+            emit nodeHold(ratio, true);
+    }
+    mHoldActive = active;
+}
+
+// ---------------------------------------------------------------- transposition and settings
+
+void PdPlayer::transpose(signed char step)
+{
+    if (step == 0)
+        mTransposition = OrloRatio(1, 1);
+    else if (!multiplyTransposition(OrloRatio(OrloRatio::productOfSteps(OrloPath(step).toCharArray()))))
+        return;
+    emit transposed(mTransposition, step);
+}
+
+void PdPlayer::transpose(const OrloRatio& ratio)
+{
+    if (multiplyTransposition(ratio))
+        emit transposed(mTransposition, Orlo::FREE_TRANSPOSITION);
+}
+
+bool PdPlayer::multiplyTransposition(const OrloRatio& by)
+{
+    if (by.numerator() == 0 || !mTransposition.fitsWhenMultipliedWith(by)) {
+        qWarning() << "PdPlayer: a transposition by" << text(by) << "does not fit and is refused.";
+        return false;
+    }
+    mTransposition *= by;
+    return true;
+}
+
+void PdPlayer::setVoiceVolume(float volume)
+{
+    mVoiceVolume = volume;
+    emit voiceVolumeChanged(volume);
+}
+
+void PdPlayer::setVolume(float volume)
+{
+    mMasterVolume = volume;
+    sendPdVolumeMessage(volume);
+    emit volumeChanged(volume);
+}
+
+void PdPlayer::setMonophonic(bool on)
+{
+    mMonophonic = on;
+    mMonoVoice = -1;
+    emit monophonicChanged(on);
+}
+
+void PdPlayer::setBaseFrequency(float frequency)
+{
+    mBaseFrequency = frequency;
+    emit baseFrequencyChanged(frequency);
+}
+
+void PdPlayer::togglePrimeEnabled(int prime)
+{
+    mPrimeEnabled[prime] = !mPrimeEnabled[prime];
+    emit primeEnabledToggled(prime, mPrimeEnabled[prime]);
+}
+
+void PdPlayer::setMacroValue(int macro, float value)
+{
+    currentParameters.macros.at(static_cast<size_t>(macro - 1)) = value;
+    emit macroValueChanged(macro, value);
+}
+
+void PdPlayer::setMaxVoices(int voices)
+{
+    mMaxVoices = qBound(1, voices, VoiceTable::SLOTS);
+    qWarning() << "PdPlayer: Max number of voices set to " << mMaxVoices;
+}
+
+void PdPlayer::setThreadPriority(int priority)
+{
+    QThread* thread = QThread::currentThread();
+    thread->setPriority(static_cast<QThread::Priority>(priority));
+    qDebug() << "PdPlayer Thread: ID, Priority, LoopLevel " << QThread::currentThreadId() << thread->priority()
+             << thread->loopLevel();
+}
+
+// ---------------------------------------------------------------- look-ups
+
+QList<OrloRatio> PdPlayer::getAllSoundingRatios()
+{
+    QList<OrloRatio> sounding;
+    for (auto it = mVoices.noteMap.constBegin(); it != mVoices.noteMap.constEnd(); ++it) {
+        const Voice* voice = it.value();
+        ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios: ratio, voice, seqId, inRelease " << text(it.key())
+                         << voice->voice << voice->seqId << voice->released;
+        if (!voice->released)
+            sounding.append(it.key());
+    }
+    ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios, number of which are " << sounding.size();
+    return sounding;
+}
+
+QList<OrloRatio> PdPlayer::getAllSelectedRatios()
+{
+    return selectedNodes;
+}
+
+QList<OrloRatio> PdPlayer::getAllRatiosWithAlteredParameters()
+{
+    return alteredNodes;
+}
+
+float PdPlayer::ratioToFrequency(const OrloRatio& ratio) const
+{
+    return static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()) * mBaseFrequency;
+}
+
+float PdPlayer::glissandoOneMapping(float value) const
+{
+    ORLO_AUDIO_DEBUG << "Gliss one mapping: range, input: " << mGlissOneRange << value;
+    return glissandoMapping(mGlissOneRange, value);
+}
+
+float PdPlayer::glissandoTwoMapping(float value) const
+{
+    ORLO_AUDIO_DEBUG << "Gliss two mapping: range, input: " << mGlissTwoRange << value;
+    return glissandoMapping(mGlissTwoRange, value);
+}

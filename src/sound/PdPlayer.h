@@ -1,0 +1,235 @@
+#pragma once
+
+#include "model/OrloRatio.h"
+#include "sound/NodeParameters.h"
+#include "sound/PatchHandOver.h"
+#include "sound/PdMessageBuffer.h"
+#include "sound/StaticArray.h"
+#include "sound/VoiceTable.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+#include <atomic>
+
+class Orlo;
+class QFileInfo;
+struct _atom;
+
+/// Second element of every message to the patch's voices.
+enum PdVoiceMessageType {
+    voiceGate = 1,      // 1.0 starts, 0.0 releases
+    voiceFrequency = 2, // Hz
+    voiceVolume = 3,
+    voiceMacro1 = 4, // to voiceMacro8 = 11: 0.0 to 1.0
+};
+
+/// The sound engine: turns exact ratios into voices of a hosted Pure Data patch.
+///
+/// The thread words are those of docs/architecture.md. After start-up the state belongs to [audio]:
+/// everything else queues events and is answered by signals, which are emitted on [audio] and
+/// must be connected as queued. The one exception is instructionsToInterface, whose receiver runs
+/// on [audio] too.
+class PdPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PdPlayer(QObject* parent = nullptr);
+    ~PdPlayer() override;
+
+    /// [stopped] Makes the command buffers and starts libpd. False without memory for them.
+    bool init();
+    /// [stopped] Tells libpd the sample rate; no stream may run.
+    void initAudio(int channels, int sampleRate);
+    /// [gui] Closes the patch. The audio output must still run, or the wait takes a moment longer.
+    void term();
+
+    /// [gui] Opens the main patch once the audio thread has closed the former one. Waits for both,
+    /// muted, about half a second. False when the patch cannot be opened.
+    bool loadPatch(const QFileInfo& file);
+    /// [gui]
+    void unloadPatch();
+
+    /// [audio] Drains both command buffers, the device's first.
+    void processEvents();
+    /// [audio] Carries out one command. A type outside the table is ignored.
+    void processChunk(const PdMessageBuffer::Chunk* chunk);
+    /// [audio]
+    bool isPatchOpen() const { return mPatch != nullptr; }
+    PatchHandOver& handOver() { return mHandOver; }
+
+    /// [audio] The ratio is absolute in both.
+    void noteOn(const OrloRatio& ratio);
+    void noteOff(const OrloRatio& ratio);
+    /// [audio] Frees a released slot; a late report about a slot in use does nothing.
+    void onVoiceStopped(int voice);
+    void allNotesOff(bool force);
+    void nodesHoldActive(bool active);
+    /// [audio] 0 resets. A product that no longer fits in 64 bits is refused with a warning.
+    void transpose(signed char step);
+    void transpose(const OrloRatio& ratio);
+    /// [audio] Each sets and reports.
+    void setVoiceVolume(float volume);
+    void setVolume(float volume);
+    void setMonophonic(bool on);
+    void setBaseFrequency(float frequency);
+    void togglePrimeEnabled(int prime);
+    /// [audio] Macro from 1 to 8.
+    void setMacroValue(int macro, float value);
+
+    /// [stopped] More than the 128 slots, or fewer than one, is corrected.
+    void setMaxVoices(int voices);
+    int maxVoices() const { return mMaxVoices; }
+
+    /// [any], without a lock. In hash order.
+    QList<OrloRatio> getAllSoundingRatios();
+    QList<OrloRatio> getAllSelectedRatios();
+    QList<OrloRatio> getAllRatiosWithAlteredParameters();
+    /// Hz, in single precision.
+    float ratioToFrequency(const OrloRatio& ratio) const;
+    float glissandoOneMapping(float value) const;
+    float glissandoTwoMapping(float value) const;
+
+    /// Raises or lowers the calling thread.
+    void setThreadPriority(int priority);
+
+    /// [audio] True on success, false when libpd refuses. Voices count from 0 here.
+    bool sendPdVoiceMessage(PdVoiceMessageType type, float value, float voice);
+    bool applyAllCurrentMacroValues(float voice);
+    bool applyMacroValue(int macro, float value, float voice);
+    bool alterFrequency(float frequency, float voice);
+    bool setDsp(bool on) const;
+    bool sendPdQueryMacrosMessage();
+    /// [audio], or [gui] between blocks.
+    bool sendPdVolumeMessage(float volume);
+
+    /// [audio] Reads the patch's macro list; exported for the patch hook.
+    void onMacroNamesReceived(const char* text);
+
+    /// [stopped] Where to read whether the external output's port is open; null: there is none.
+    void setPortOpenFlag(const std::atomic<bool>* flag) { mPortOpen = flag; }
+
+    /// Queued connections of all that the lattice hears from the player.
+    static void connectLattice(PdPlayer* player, Orlo* orlo);
+
+    enum Instruction { instructionNoteOn = 1, instructionNoteOff = -1, instructionBend = 2 };
+
+public slots:
+    /// Any thread but the listener's; the ring has one writer, the graphical thread.
+    void queueEventGui(const OrloEvent* event);
+    /// The device listener's thread.
+    void queueEventSerial(const OrloEvent* event);
+    void queueEventFromInterface(QString source, const OrloEvent* event);
+
+signals:
+    void noteToggled(OrloRatio ratio, bool on);
+    void nodeSelected(OrloRatio ratio, bool on);
+    void nodeHold(OrloRatio ratio, bool on);
+    void nodeAltered(OrloRatio ratio, bool on);
+    void removeNodeInStack(OrloRatio ratio);
+    void nodesRecalled();
+    void transposed(OrloRatio transposition, int step);
+    void volumeChanged(float volume);
+    void voiceVolumeChanged(float volume);
+    void baseFrequencyChanged(float frequency);
+    void monophonicChanged(bool on);
+    void primeEnabledToggled(int prime, bool on);
+    void macroNamesReceived(QStringList names);
+    void macroDefaultsReceived(QList<float> defaults);
+    void setMacroSliders(QList<float> values);
+    void macroValueChanged(int macro, float value);
+    void macroValueChanged(int macro, float value, float voice);
+    /// Voices are slot indices from 0.
+    void instructionsToInterface(int instruction, QList<int> voices, QList<float> values1,
+                                 QList<float> values2);
+    void patchLoaded(QString path);
+    void patchDecRequested();
+    void patchIncRequested();
+    void resetGlissSliders(short which);
+
+private:
+    using Chunk = PdMessageBuffer::Chunk;
+    using Handler = void (PdPlayer::*)(const Chunk&);
+    static Handler handlerOf(std::int32_t type);
+
+    void drain(PdMessageBuffer& buffer);
+    void onNoteToggleByPath(const Chunk& chunk);
+    void onNoteToggleByRatio(const Chunk& chunk);
+    void onAllNotesOff(const Chunk& chunk);
+    void onAllNotesOffForced(const Chunk& chunk);
+    void onNodesDeselectAll(const Chunk& chunk);
+    void onTransposeByPrimeStep(const Chunk& chunk);
+    void onVoiceVolumeAdjust(const Chunk& chunk);
+    void onVoiceVolumeSet(const Chunk& chunk);
+    void onMasterVolumeAdjust(const Chunk& chunk);
+    void onMasterVolumeSet(const Chunk& chunk);
+    void onMonophonicSet(const Chunk& chunk);
+    void onPatchStep(const Chunk& chunk);
+    void onBaseFrequencySet(const Chunk& chunk);
+    void onPrimeEnabledToggle(const Chunk& chunk);
+    void onMacroSet(const Chunk& chunk);
+    void onNodeRemove(const Chunk& chunk);
+    void onTransposeByRatio(const Chunk& chunk);
+    void onNodesRecalled(const Chunk& chunk);
+    void onNodesHold(const Chunk& chunk);
+    void onPatchOpen(const Chunk& chunk);
+    void onPatchClose(const Chunk& chunk);
+
+    int findSlot(bool& stolen);
+    void stopPreviousMonoVoice(int slot);
+    float sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency);
+    bool multiplyTransposition(const OrloRatio& by);
+    bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
+
+    void openPatch();
+    bool openPatchLocked();
+    void closePatch();
+    void setMacroDefaultValues();
+    static void pdPrintHook(const char* text);
+    static void pdListHook(const char* source, int count, _atom* atoms);
+
+    static PdPlayer* sThis; // the libpd hooks are plain functions
+
+    PdMessageBuffer guiBuffer;
+    PdMessageBuffer serialBuffer;
+    PdMessageBuffer::ChunkList mChunks; // serves both buffers
+
+    void* mPatch = nullptr;
+    OrloRatio mTransposition{1, 1};
+    float mMasterVolume = 0.8F;
+    float mVoiceVolume = 1.0F; // sent with each note-on, never to a running voice
+    float mBaseFrequency = 440.0F; // Hz
+    bool mMonophonic = false;
+    StaticArray<bool, 32> mPrimeEnabled; // by the prime itself
+    int mMonoVoice = -1; // last voice started in monophonic mode
+    VoiceTable mVoices;
+    bool mHoldActive = false;
+    QList<OrloRatio> heldNodes;
+    QList<OrloRatio> selectedNodes;
+    QList<OrloRatio> alteredNodes;
+    QHash<OrloRatio, NodeParameters*> alteredParameters; // owned
+    QHash<OrloRatio, NodeParameters*> soundingParameters; // owned
+    NodeParameters defaultParameters;
+    NodeParameters currentParameters;
+    std::uint32_t mSequence = 0;
+
+    QStringList mMacroNames;
+    QList<float> mMacroDefaults;
+    void* mInfoBinding = nullptr;
+    void* mStopBinding = nullptr;
+    bool mQuerying = false;
+    // Set by loadPatch before the event; the audio thread clears the flag when the patch is open.
+    QByteArray mPatchFileName;
+    QByteArray mPatchDirectory;
+    bool mPatchPending = false;
+    PatchHandOver mHandOver;
+
+    float mGlissOneRange = 1200.0F; // cents
+    float mGlissTwoRange = 100.0F;
+    int mMaxVoices = VoiceTable::SLOTS;
+    const std::atomic<bool>* mPortOpen = nullptr;
+};

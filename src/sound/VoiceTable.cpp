@@ -1,0 +1,59 @@
+#include "sound/VoiceTable.h"
+
+VoiceTable::VoiceTable()
+{
+    mVoices.setSize(SLOTS);
+}
+
+void VoiceTable::reserve(int voices)
+{
+    noteMap.reserve(voices);
+}
+
+Voice* VoiceTable::freeSlot(int maxVoices)
+{
+    for (int i = 0; i < maxVoices; ++i) {
+        if (mVoices[i].seqId == 0) {
+            mVoices[i].voice = i;
+            return &mVoices[i];
+        }
+    }
+    return nullptr;
+}
+
+Voice* VoiceTable::oldestSlot(int maxVoices)
+{
+    Voice* oldest = nullptr;
+    std::uint32_t limit = 2147483647;
+    for (int i = 0; i < maxVoices; ++i) {
+        if (mVoices[i].seqId != 0 && mVoices[i].seqId < limit) {
+            limit = mVoices[i].seqId;
+            oldest = &mVoices[i];
+        }
+    }
+    return oldest;
+}
+
+Voice* VoiceTable::slot(int index)
+{
+    return index >= 0 && index < SLOTS ? &mVoices[index] : nullptr;
+}
+
+void VoiceTable::take(Voice& voice, const OrloRatio& ratio, std::uint32_t seqId)
+{
+    voice.ratio = ratio;
+    voice.seqId = seqId;
+    voice.released = false;
+    noteMap.insert(ratio, &voice);
+}
+
+bool VoiceTable::release(Voice& voice)
+{
+    const auto entry = noteMap.constFind(voice.ratio);
+    const bool removed = entry != noteMap.constEnd() && entry.value() == &voice;
+    if (removed)
+        noteMap.erase(entry);
+    voice.released = false;
+    voice.seqId = 0;
+    return removed;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QDir>
+#include <QTemporaryDir>
+
+/// An empty home for the files of one test: QStandardPaths lead into it while it lives.
+class TestHome
+{
+public:
+    TestHome();
+    ~TestHome();
+    TestHome(const TestHome&) = delete;
+    TestHome& operator=(const TestHome&) = delete;
+
+    /// Where the program keeps its files; made here.
+    QDir configDir() const;
+    QString path(const QString& fileName) const { return configDir().filePath(fileName); }
+
+    void write(const QString& fileName, const QByteArray& content) const;
+    QByteArray read(const QString& fileName) const;
+
+private:
+    QTemporaryDir mDir;
+    QByteArray mFormerDataHome;
+};
