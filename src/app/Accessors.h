@@ -1,10 +1,10 @@
 #pragma once
 
+class ApplicationServices;
 class AudioOutput;
 class Orlo;
 class PdPlayer;
 class Settings;
-class TuningOrloApplication;
 
 /// The one road from any class to the application's parts. Include it in .cpp files only, so
 /// that a header does not drag the whole house behind it.
@@ -16,7 +16,7 @@ namespace app {
 
 struct Parts
 {
-    TuningOrloApplication* application = nullptr;
+    ApplicationServices* application = nullptr;
     Orlo* orlo = nullptr;
     PdPlayer* player = nullptr;
     Settings* settings = nullptr;
@@ -31,7 +31,7 @@ struct Parts
 void setParts(const Parts& parts);
 const Parts& parts();
 
-inline TuningOrloApplication* application() { return parts().application; }
+inline ApplicationServices* application() { return parts().application; }
 inline Orlo* orlo() { return parts().orlo; }
 inline PdPlayer* player() { return parts().player; }
 inline Settings* settings() { return parts().settings; }

@@ -182,7 +182,7 @@ void Settings::onCalibrationFrequencyChanged(int frequency)
 
 void Settings::onBaseNoteChanged(QString note)
 {
-    store(baseNote, std::move(note));
+    store(baseNote, note);
 }
 
 void Settings::onMasterVolumeChanged(float volume)

@@ -8,6 +8,7 @@
 #include <QDebug>
 #include <QJsonArray>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -80,8 +81,9 @@ void Orlo::read(const QJsonObject& json)
     const QJsonArray colors = json.value(QStringLiteral("colors")).toArray();
     for (const QJsonValue& entry : colors) {
         const double prime = entry[QStringLiteral("prime")].toDouble();
-        if (qAbs(prime) <= OrloBall::LEAF_STEP)
-            mPrimeColors.insert(static_cast<int>(prime), entry[QStringLiteral("color")].toVariant().value<QColor>());
+        const auto color = entry[QStringLiteral("color")].toVariant().value<QColor>();
+        if (qAbs(prime) <= std::numeric_limits<int>::max() && color.isValid())
+            mPrimeColors.insert(static_cast<int>(prime), color);
     }
     replaceRoot(new OrloBall(OrloPath(QStringLiteral("/")), lookupColor(1), this));
     mRootBall->read(json.value(QStringLiteral("root")).toObject());
@@ -145,17 +147,17 @@ void Orlo::addLeaves(OrloBall* ball)
 
 void Orlo::addLeaf(OrloBall* ball, int prime)
 {
-    OrloPath path(ball->path());
     for (const int step : {-prime, prime}) {
+        OrloPath path(ball->path()); // a fresh one: a full path takes no leaf, and must not lose one
         path.addLeaf(static_cast<signed char>(step));
         ball->addChild(step, new OrloBall(path, lookupColor(step), ball));
-        path.removeLeaf();
     }
 }
 
 QColor Orlo::lookupColor(int prime) const
 {
-    return mPrimeColors.value(qAbs(prime), Qt::white);
+    // A lattice file may name any int, and the lowest has no absolute value.
+    return mPrimeColors.value(prime < 0 && prime != std::numeric_limits<int>::min() ? -prime : prime, Qt::white);
 }
 
 void Orlo::buildBallMap()

@@ -4,8 +4,9 @@ void PublishedRatio::publish(Value value)
 {
     const unsigned next = mPublished.load(std::memory_order_relaxed) + 1;
     Slot& slot = mSlots[next % SLOTS];
-    slot.numerator.store(value.numerator, std::memory_order_relaxed);
-    slot.denominator.store(value.denominator, std::memory_order_relaxed);
+    // Release, so that a reader who meets one of these two has the former counts behind it.
+    slot.numerator.store(value.numerator, std::memory_order_release);
+    slot.denominator.store(value.denominator, std::memory_order_release);
     mPublished.store(next, std::memory_order_release);
 }
 
@@ -16,9 +17,8 @@ PublishedRatio::Value PublishedRatio::read() const
     // Two rounds at the most: the writer is a player's hand, not a loop.
     for (int attempt = 0; attempt < 2; ++attempt) {
         const Slot& slot = mSlots[published % SLOTS];
-        value.numerator = slot.numerator.load(std::memory_order_relaxed);
-        value.denominator = slot.denominator.load(std::memory_order_relaxed);
-        std::atomic_thread_fence(std::memory_order_acquire);
+        value.numerator = slot.numerator.load(std::memory_order_acquire);
+        value.denominator = slot.denominator.load(std::memory_order_acquire);
         const unsigned now = mPublished.load(std::memory_order_relaxed);
         if (now - published < SLOTS - 1)
             break;

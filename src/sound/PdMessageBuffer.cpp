@@ -8,7 +8,9 @@
 
 #include <QDebug>
 
+extern "C" { // the header does not say so itself
 #include <z_ringbuffer.h>
+}
 
 #include <cstddef>
 

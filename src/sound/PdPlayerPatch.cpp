@@ -154,6 +154,8 @@ bool PdPlayer::openPatchLocked()
     }
     mInfoBinding = libpd_bind(VOICE_INFO);
     mStopBinding = libpd_bind(VOICE_STOP);
+    // A patch starts silent; notes that sound on under it must not wait for the window's slider.
+    sendPdVolumeMessage(mMasterVolume);
     sendPdQueryMacrosMessage();
     return true;
 }

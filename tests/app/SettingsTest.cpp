@@ -1,1 +1,256 @@
-#include <gtest/gtest.h>
+#include "app/Settings.h"
+#include "support/LocaleTest.h"
+#include "support/LogCatcher.h"
+#include "support/TestHome.h"
+
+#include <QFile>
+#include <QJsonDocument>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString FILE_NAME = u"options.json"_s;
+
+/// All keys but the two that name folders of this machine.
+constexpr const char* DEFAULTS = R"({
+    "audioDevice": -1, "framesPerBuffer": 256, "midiOutDevice": "deactivated", "midiOutChannel": 0,
+    "baseFrequency": 440, "calibrationFrequency": 440, "baseNote": "A 4", "baseNoteFreqRatio": 1,
+    "masterVolume": 0.75, "monophonic": false, "defaultPatch": "Sine.pd", "softNodeReset": false,
+    "circlesView": false, "absRelView": 1, "udpPort": 8888, "windowSize": "-1,-1", "windowPos": "-1,-1",
+    "windowMaximized": false, "orloZoomMode": 6, "updateCheckInterval": 1, "tSysLastUpdateCheck": "",
+    "ratiosWithinOctave": true, "centralNodeColourRelativeMode": true, "soundGrapeNotation": 0,
+    "oneOneMenuSplitOctaves": false, "glissOneRangeCents": 1200, "glissTwoRangeCents": 100,
+    "glissRangeMPECents": 0, "maintainMacroParameters": false, "centsShowDecimals": 0,
+    "mainPatchNumberOfVoices": 128})";
+
+/// No value as it is by default. All of them are exact in float.
+constexpr const char* OTHERS = R"({
+    "audioDevice": 3, "framesPerBuffer": 64, "midiOutDevice": "Größe 1,5", "midiOutChannel": 15,
+    "baseFrequency": 261.6255653, "calibrationFrequency": 442.5, "baseNote": "Bb3", "baseNoteFreqRatio": 0.59375,
+    "masterVolume": 0.125, "monophonic": true, "defaultPatch": "/a/b.pd", "softNodeReset": true,
+    "circlesView": true, "absRelView": 2, "udpPort": 65535, "windowSize": "1234,567", "windowPos": "-20,0",
+    "windowMaximized": true, "orloZoomMode": 0, "updateCheckInterval": 7, "tSysLastUpdateCheck": "1.5",
+    "ratiosWithinOctave": false, "centralNodeColourRelativeMode": false, "soundGrapeNotation": 2,
+    "oneOneMenuSplitOctaves": true, "glissOneRangeCents": 0.5, "glissTwoRangeCents": 2400.25,
+    "glissRangeMPECents": 1150, "maintainMacroParameters": true, "centsShowDecimals": 2,
+    "mainPatchNumberOfVoices": 4, "lastBrowsedPatchPath": "/tmp", "lastDirPath": "/"})";
+
+QJsonObject object(const QByteArray& json)
+{
+    return QJsonDocument::fromJson(json).object();
+}
+
+class SettingsTest : public LocaleTest
+{
+protected:
+    static QJsonObject written(const Settings& settings)
+    {
+        QJsonObject json;
+        settings.write(json);
+        return json;
+    }
+
+    /// The defaults, with the two folders as they are here.
+    QJsonObject defaults() const
+    {
+        QJsonObject json = object(DEFAULTS);
+        json[u"lastBrowsedPatchPath"_s] = QDir::homePath();
+        json[u"lastDirPath"_s] = home.path(u"chord_presets"_s);
+        return json;
+    }
+
+    /// Loads a file of this content into `settings`, with no word in the log.
+    void load(const QByteArray& json)
+    {
+        home.write(FILE_NAME, json);
+        const LogCatcher log;
+        EXPECT_TRUE(settings.init());
+        EXPECT_TRUE(log.lines().isEmpty());
+    }
+
+    const TestHome home;
+    Settings settings;
+};
+IN_ALL_LOCALES(SettingsTest);
+
+TEST_P(SettingsTest, AFirstStartWritesAllDefaults)
+{
+    ASSERT_EQ(defaults().size(), 33);
+    EXPECT_TRUE(settings.init());
+    EXPECT_EQ(object(home.read(FILE_NAME)), defaults());
+    EXPECT_EQ(home.read(FILE_NAME), QJsonDocument(defaults()).toJson(QJsonDocument::Indented));
+    EXPECT_TRUE(settings.oneOneFreqTempered);
+    EXPECT_EQ(settings.mainPatchVoiceChoices, (QList<int>{4, 8, 12, 16, 24, 32, 48, 64, 96, 128}));
+}
+
+TEST_P(SettingsTest, AnEmptyObjectGivesTheDefaults)
+{
+    for (const char* json : {"{}", "[]", R"({"unknown": 1})"}) {
+        load(json);
+        EXPECT_EQ(written(settings), defaults()) << json;
+    }
+}
+
+TEST_P(SettingsTest, EveryKeyIsReadAndWrittenBack)
+{
+    load(OTHERS);
+    EXPECT_EQ(written(settings), object(OTHERS));
+    EXPECT_EQ(settings.windowSize, QSize(1234, 567));
+    EXPECT_EQ(settings.windowPos, QPoint(-20, 0));
+    EXPECT_EQ(settings.masterVolume, 0.125F);
+    settings.term();
+    EXPECT_EQ(object(home.read(FILE_NAME)), object(OTHERS));
+
+    // Each key alone leaves all others as they were.
+    const QJsonObject all = object(OTHERS);
+    for (auto it = all.begin(); it != all.end(); ++it) {
+        Settings fresh;
+        fresh.read(QJsonObject{{it.key(), it.value()}});
+        QJsonObject expected = defaults();
+        expected[it.key()] = it.value();
+        EXPECT_EQ(written(fresh), expected) << it.key().toStdString();
+    }
+}
+
+TEST_P(SettingsTest, AValueOfTheWrongTypeIsSkipped)
+{
+    const QJsonObject all = object(OTHERS);
+    for (auto it = all.begin(); it != all.end(); ++it) {
+        for (const QJsonValue& other :
+             {QJsonValue(u"0.5"_s), QJsonValue(1), QJsonValue(true), QJsonValue(), QJsonValue(QJsonObject())}) {
+            if (other.type() == it.value().type())
+                continue;
+            settings.read(QJsonObject{{it.key(), other}});
+            EXPECT_EQ(written(settings), defaults()) << it.key().toStdString() << " as type " << other.type();
+        }
+    }
+}
+
+TEST_P(SettingsTest, NumbersAreCutAndPairsAreSplit)
+{
+    const struct
+    {
+        double number;
+        int cut;
+    } numbers[] = {{3.9, 3}, {-3.9, -3}, {0.999, 0}, {1e300, 2147483647}, {-1e300, -2147483647 - 1}};
+    for (const auto& row : numbers) {
+        settings.read(QJsonObject{{u"udpPort"_s, row.number}});
+        EXPECT_EQ(settings.udpPort, row.cut);
+    }
+
+    const struct
+    {
+        QJsonValue value;
+        QSize size;
+    } pairs[] = {
+        {u"800"_s, {-1, -1}}, {800, {-1, -1}},          {QString(), {-1, -1}},
+        {u"800,x"_s, {800, 0}}, {u"x,600"_s, {0, 600}}, {u"800,600,400"_s, {800, 600}},
+        {u","_s, {0, 0}},     {u"800.5,0x10"_s, {0, 0}}, {u"99999999999,-5"_s, {0, -5}},
+    };
+    for (const auto& row : pairs) {
+        settings.windowSize = QSize(-1, -1);
+        settings.windowPos = QPoint(-1, -1);
+        settings.read(QJsonObject{{u"windowSize"_s, row.value}, {u"windowPos"_s, row.value}});
+        EXPECT_EQ(settings.windowSize, row.size) << row.value.toString().toStdString();
+        EXPECT_EQ(settings.windowPos, QPoint(row.size.width(), row.size.height()));
+    }
+}
+
+TEST_P(SettingsTest, ASyntaxErrorKeepsTheDefaultsAndTheFile)
+{
+    for (const char* json : {"", "{\"masterVolume\": 0.5", "{\"masterVolume\": 0,5}", "\xff\xfe"}) {
+        home.write(FILE_NAME, json);
+        const LogCatcher log;
+        EXPECT_FALSE(settings.init());
+        ASSERT_EQ(log.lines().size(), 1) << json;
+        EXPECT_EQ(log.lines()[0].type, QtCriticalMsg);
+        const QString start = u"Couldn't parse file %1. JSON error: "_s.arg(home.path(FILE_NAME));
+        EXPECT_TRUE(log.lines()[0].text.startsWith(start)) << log.lines()[0].text.toStdString();
+        EXPECT_EQ(written(settings), defaults());
+        EXPECT_EQ(home.read(FILE_NAME), json);
+    }
+}
+
+/// Takes a superuser's rights away, which no file permission would stop.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser()
+        : mIsOne(geteuid() != 0 || seteuid(65534) == 0)
+    {
+    }
+    ~OrdinaryUser() { mIsOne = seteuid(getuid()) == 0; }
+    bool isOne() const { return mIsOne; }
+
+private:
+    bool mIsOne;
+};
+
+TEST_P(SettingsTest, AFolderOrFileWithoutPermission)
+{
+    EXPECT_TRUE(settings.init());
+    const QByteArray file = home.path(FILE_NAME).toLocal8Bit();
+    const QByteArray folder = home.configDir().path().toLocal8Bit();
+    ASSERT_EQ(chmod(QFileInfo(home.configDir().path()).path().toLocal8Bit(), 0755), 0);
+    ASSERT_EQ(chmod(folder, 0555), 0);
+    ASSERT_EQ(chmod(file, 0666), 0);
+    settings.udpPort = 9999;
+    {
+        const OrdinaryUser user;
+        if (!user.isOne())
+            GTEST_SKIP() << "Nothing is forbidden to this user.";
+        const LogCatcher log;
+        EXPECT_TRUE(settings.save()) << "the folder takes no new file, but the old one can be written";
+        EXPECT_TRUE(log.lines().isEmpty());
+    }
+    EXPECT_EQ(object(home.read(FILE_NAME))[u"udpPort"_s].toInt(), 9999);
+
+    ASSERT_EQ(chmod(file, 0000), 0);
+    {
+        const OrdinaryUser user;
+        const LogCatcher log;
+        EXPECT_FALSE(settings.save());
+        EXPECT_FALSE(settings.init());
+        ASSERT_EQ(log.lines().size(), 2);
+        EXPECT_EQ(log.lines()[0].type, QtCriticalMsg);
+        EXPECT_EQ(log.lines()[0].text, u"Couldn't open file %1 for saving."_s.arg(home.path(FILE_NAME)));
+        EXPECT_EQ(log.lines()[1].type, QtCriticalMsg);
+        EXPECT_EQ(log.lines()[1].text, u"Couldn't open file %1 for loading."_s.arg(home.path(FILE_NAME)));
+    }
+    ASSERT_EQ(chmod(folder, 0755), 0);
+}
+
+TEST_P(SettingsTest, AMissingFolderIsReported)
+{
+    ASSERT_TRUE(QDir(home.configDir()).removeRecursively());
+    const LogCatcher log;
+    EXPECT_FALSE(settings.init());
+    ASSERT_EQ(log.lines().size(), 1);
+    EXPECT_EQ(log.lines()[0].text, u"Couldn't open file %1 for saving."_s.arg(home.path(FILE_NAME)));
+}
+
+TEST_P(SettingsTest, SlotsStoreIntoTheirOwnField)
+{
+    settings.onAudioDeviceChanged(4);
+    settings.onFramesPerBufferChanged(512);
+    settings.onBaseFrequencyChanged(256.5F);
+    settings.onCalibrationFrequencyChanged(443);
+    settings.onBaseNoteChanged(u"C#5"_s);
+    settings.onMasterVolumeChanged(0.25F);
+    settings.onMonophonicChanged(true);
+    QJsonObject expected = defaults();
+    expected[u"audioDevice"_s] = 4;
+    expected[u"framesPerBuffer"_s] = 512;
+    expected[u"baseFrequency"_s] = 256.5;
+    expected[u"calibrationFrequency"_s] = 443;
+    expected[u"baseNote"_s] = u"C#5"_s;
+    expected[u"masterVolume"_s] = 0.25;
+    expected[u"monophonic"_s] = true;
+    EXPECT_EQ(written(settings), expected);
+}
+
+} // namespace

@@ -1,1 +1,155 @@
-#include <gtest/gtest.h>
+#include "model/OrloPath.h"
+#include "model/OrloPathUnlimited.h"
+#include "support/LocaleTest.h"
+#include "support/LogCatcher.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class PathTexts : public LocaleTest
+{
+};
+IN_ALL_LOCALES(PathTexts);
+
+TEST_P(PathTexts, ReadAndPrint)
+{
+    const struct
+    {
+        const char* text;
+        const char* printed;
+        QList<int> steps;
+    } rows[] = {
+        {"", "/", {}},
+        {"/", "/", {}},
+        {"//", "/", {}},
+        {"/-2/3/3", "/-2/3/3", {-2, 3, 3}},
+        {"3//5/", "/3/5", {3, 5}},
+        {"/31/-29/23/-19/17/-13", "/31/-29/23/-19/17/-13", {31, -29, 23, -19, 17, -13}},
+        {"/-31/11/-7", "/-31/11/-7", {-31, 11, -7}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const OrloPath path{QLatin1StringView(row.text)};
+        const OrloPathUnlimited unlimited{QLatin1StringView(row.text)};
+        EXPECT_EQ(path.toString().toStdString(), row.printed);
+        EXPECT_EQ(unlimited.parseToString().toStdString(), row.printed);
+        EXPECT_EQ(path.toList(), row.steps);
+        EXPECT_EQ(unlimited.toList(), row.steps);
+        EXPECT_EQ(path.length(), row.steps.size());
+        EXPECT_EQ(OrloPath(path.toString()), path);
+        EXPECT_TRUE(path.isValid());
+    }
+}
+
+template <class Path>
+struct LimitOf;
+template <>
+struct LimitOf<OrloPath>
+{
+    static constexpr int value = 6;
+};
+template <>
+struct LimitOf<OrloPathUnlimited>
+{
+    static constexpr int value = 100;
+};
+
+template <class Path>
+class EitherPath : public ::testing::Test
+{
+protected:
+    static constexpr int LIMIT = LimitOf<Path>::value;
+    static Path of(int steps, const QString& step = u"/3"_s) { return Path(step.repeated(steps)); }
+};
+TYPED_TEST_SUITE(EitherPath, (::testing::Types<OrloPath, OrloPathUnlimited>), );
+
+TYPED_TEST(EitherPath, RefusesWhatIsNoPrimeOfTheLattice)
+{
+    for (const char* text : {"/3/x", "/4", "/33", "/0", "/1", "/-1", "/-32", "/37", "/127", "/131", "/259", "/3.0",
+                             "/3,5", "/ ", "/2147483651", "/-99999999999999999999", "/3/5/7/0/3"}) {
+        SCOPED_TRACE(text);
+        const LogCatcher log;
+        TypeParam path{QLatin1StringView(text)};
+        EXPECT_FALSE(path.isValid());
+        EXPECT_EQ(path.toString(), u"/127"_s);
+        ASSERT_EQ(log.lines().size(), 1);
+        EXPECT_EQ(log.lines()[0].type, QtDebugMsg);
+        EXPECT_EQ(log.lines()[0].text, u"Invalid path: "_s + QLatin1StringView(text));
+        path.storeFromString(u"/5"_s);
+        EXPECT_TRUE(path.isValid());
+        EXPECT_EQ(path.toString(), u"/5"_s);
+    }
+}
+
+TYPED_TEST(EitherPath, KeepsTheLimit)
+{
+    constexpr int limit = TestFixture::LIMIT;
+    const LogCatcher log;
+    TypeParam path(u"/3"_s.repeated(limit) + u"/5/x"_s); // not even looked at behind the limit
+    EXPECT_EQ(path, this->of(limit));
+    path.addLeaf(5);
+    EXPECT_EQ(path, this->of(limit));
+    path.removeLeaf();
+    EXPECT_EQ(path, this->of(limit - 1));
+    path.addLeaf(-31);
+    EXPECT_EQ(path.length(), limit);
+    EXPECT_EQ(path.toList().last(), -31);
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TYPED_TEST(EitherPath, ConcatenationKeepsOneStepMore)
+{
+    constexpr int limit = TestFixture::LIMIT;
+    TypeParam over = this->of(limit) + TypeParam(u"/5/7"_s);
+    EXPECT_EQ(over.length(), limit + 1);
+    EXPECT_EQ(over.toList().last(), 5);
+    const TypeParam copy(over);
+    TypeParam assigned;
+    assigned = over;
+    over.removeLeaf(); // too full to be touched
+    over.addLeaf(7);
+    for (const TypeParam& same : {over, copy, assigned, over + TypeParam(u"/7"_s)}) {
+        EXPECT_EQ(same.length(), limit + 1);
+        EXPECT_EQ(same.toList().last(), 5);
+    }
+    EXPECT_EQ((this->of(limit - 1) + TypeParam(u"/5/7/11"_s)).toList().last(), 7);
+    EXPECT_EQ((this->of(1) + copy).length(), limit + 1);
+    EXPECT_EQ(TypeParam(copy.toString()), this->of(limit)) << "its text reads back without the extra step";
+}
+
+TYPED_TEST(EitherPath, IsAPlainValue)
+{
+    EXPECT_EQ((TypeParam(u"/3"_s) + TypeParam(u"/-3"_s)).toString(), u"/3/-3"_s);
+    EXPECT_EQ(TypeParam() + TypeParam(static_cast<signed char>(-7)), TypeParam(u"/-7"_s));
+
+    TypeParam path(u"/3/5/7"_s);
+    const TypeParam before(path);
+    path.removeLeaf();
+    EXPECT_EQ(before.length(), 3);
+    EXPECT_EQ(path, TypeParam(u"/3/5"_s)) << "what lies behind the end is not part of the value";
+    EXPECT_EQ(qHash(path, 5), qHash(TypeParam(u"/3/5"_s), 5));
+    EXPECT_FALSE(path == before);
+    EXPECT_FALSE(path == TypeParam(u"/3/-5"_s));
+    for (int i = 0; i < 4; ++i)
+        path.removeLeaf();
+    EXPECT_EQ(path.toString(), u"/"_s);
+    path.addLeaf(4); // a leaf is not checked
+    EXPECT_EQ(path.toString(), u"/4"_s);
+}
+
+TEST(UnlimitedPath, HighestPrimeAndFixedPaths)
+{
+    const struct
+    {
+        QString text;
+        int highest;
+    } rows[] = {{u"/"_s, 1}, {u"/2"_s, 2}, {u"/-2"_s, 2}, {u"/2/-3"_s, 3}, {u"/-31/29"_s, 31}, {u"/7/-5"_s, 7}};
+    for (const auto& row : rows)
+        EXPECT_EQ(OrloPathUnlimited(row.text).getHighestPrime(), row.highest) << row.text.toStdString();
+
+    const OrloPath full = OrloPath(u"/3/3/3/3/3/3"_s) + OrloPath(u"/-5"_s);
+    EXPECT_EQ(OrloPathUnlimited(&full).toString(), u"/3/3/3/3/3/3/-5"_s);
+}
+
+} // namespace

@@ -1,0 +1,391 @@
+#include "app/TuningOrloApplication.h"
+
+#include "app/Accessors.h"
+#include "app/DebugLog.h"
+#include "model/OrloPath.h"
+#include "sound/OrloEvent.h"
+#include "ui/MainWindow.h"
+#include "ui/OrloView.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QStandardPaths>
+#include <QTextStream>
+#include <QTimer>
+
+namespace {
+
+constexpr int AUTOSAVE_INTERVAL_MS = 900000;
+constexpr int DEFAULT_VOICES = 128;
+
+/// The name must be set before the members are built: the options' defaults name the config
+/// directory, and Qt derives that from the application's name.
+std::nullptr_t setNames()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
+    return nullptr;
+}
+
+QString mainPatchName(int voices)
+{
+    return QStringLiteral("orlo_main_%1voice.pd").arg(voices);
+}
+
+/// "src/sound/PdPlayer.cpp" is "PdPlayer"; empty for a name without a separator.
+QString sourceBaseName(const char* file)
+{
+    const QString path = QString::fromLocal8Bit(file);
+    qsizetype separator = path.lastIndexOf(u'/');
+    if (separator < 0)
+        separator = path.lastIndexOf(u'\\');
+    if (separator < 0)
+        return QString();
+    const QString name = path.mid(separator + 1);
+    return name.left(name.lastIndexOf(u'.'));
+}
+
+} // namespace
+
+TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
+    : QApplication(argc, argv)
+    , mMainWindow(setNames())
+{
+    setApplicationVersion(version());
+    setDesktopFileName(QStringLiteral("brevick-tuning-orlo"));
+    app::setParts({.application = this,
+                   .orlo = &mOrlo,
+                   .player = &mPlayer,
+                   .settings = &mSettings,
+                   .audioOutput = &mAudioOutput,
+                   .connectLattice = &PdPlayer::connectLattice});
+    connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
+    readLogFilter(argc, argv);
+}
+
+TuningOrloApplication::~TuningOrloApplication()
+{
+    mMainWindow.reset();
+    qInstallMessageHandler(nullptr);
+    // A start-up that failed half way leaves the stream running, and its callback reads the parts.
+    mAudioOutput.term();
+    app::setParts({});
+}
+
+void TuningOrloApplication::readLogFilter(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        QString word = QString::fromLocal8Bit(argv[i]);
+        if (word.startsWith(u'-'))
+            word.remove(0, 1);
+        mLogFilter.insert(word.toLower());
+    }
+    app::debugListening.store(!mLogFilter.isEmpty());
+}
+
+QString TuningOrloApplication::configDirectory()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+}
+
+QString TuningOrloApplication::resourceDirectory()
+{
+    return QCoreApplication::applicationDirPath();
+}
+
+// ---------------------------------------------------------------- start-up
+
+bool TuningOrloApplication::init()
+{
+    mLicensing.start();
+    qRegisterMetaType<OrloPath>();
+    qRegisterMetaType<OrloRatio>();
+    qRegisterMetaType<QList<float>>();
+    setStyle(QStringLiteral("Fusion"));
+    if (!makeDirectories())
+        return false;
+    startLog();
+    if (!loadStyleSheet())
+        return startFailed(QStringLiteral("Initialisation of style sheet failed.\n\nThe program will now shut down."));
+    if (!mSettings.init()) {
+        const QString text =
+            QStringLiteral("Failed to read saved options. All options will be reset to defaults.");
+        showCritical(text);
+        qCritical().noquote() << text;
+    }
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    if (!startSound())
+        return false;
+    if (!mOrlo.init(&mPlayer))
+        return startFailed(QStringLiteral("Orlo initialisation failed.\n\nThe program will now shut down."));
+
+    mMainWindow = std::make_unique<MainWindow>(&mOrlo);
+    mMainWindow->show();
+    syncFromSettings();
+    startAutosave();
+    mLicensing.check();
+    return true;
+}
+
+bool TuningOrloApplication::makeDirectories()
+{
+    const QString config = configDirectory();
+    const bool made = QDir().mkpath(config);
+    qDebug() << "Config dir:" << config;
+    qDebug() << "Resource dir:" << resourceDirectory();
+    if (!made) {
+        // The place holder stays in the text.
+        qCritical().noquote() << QStringLiteral("Could not create config directory %s.").arg(config);
+        showCritical(QStringLiteral("Creation of config directory failed.\n\nThe program will now shut down."));
+        return false;
+    }
+    mChordPresetsDirectory = config + QStringLiteral("/chord_presets");
+    if (!QDir().mkpath(mChordPresetsDirectory))
+        qCritical().noquote()
+            << QStringLiteral("Couldn't create %1 as default for chord presets.").arg(mChordPresetsDirectory);
+    return true;
+}
+
+void TuningOrloApplication::startLog()
+{
+    mLogFile.setFileName(configDirectory() + QStringLiteral("/log.txt"));
+    if (!mLogFile.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        qCritical().noquote() << QStringLiteral("Couldn't open log file %1 for writing.").arg(mLogFile.fileName());
+        return;
+    }
+    qInstallMessageHandler(&TuningOrloApplication::loggingMessageHandler);
+    QTextStream(&mLogFile) << '\n'
+                           << QString(78, u'-') << '\n'
+                           << "Starting app at "
+                           << QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yy hh:mm:ss.z")) << '\n';
+    mLogFile.flush();
+}
+
+bool TuningOrloApplication::loadStyleSheet()
+{
+    struct Sheet
+    {
+        QString path;
+        QString missing;
+    };
+    const Sheet sheets[] = {
+        {resourceDirectory() + QStringLiteral("/style.qss"), QStringLiteral("Failed to find style sheet file %1.")},
+        {resourceDirectory() + QStringLiteral("/style_mac.qss"),
+         QStringLiteral("Failed to find platform-specific style sheet file %1.")},
+    };
+    QString text;
+    for (const Sheet& sheet : sheets) {
+        QFile file(sheet.path);
+        if (!file.exists()) {
+            qCritical().noquote() << sheet.missing.arg(sheet.path);
+            return false;
+        }
+        if (!file.open(QIODevice::ReadOnly)) {
+            qCritical().noquote() << QStringLiteral("Failed to open file %1 for reading.").arg(sheet.path);
+            return false;
+        }
+        text += QString::fromLatin1(file.readAll());
+    }
+    setStyleSheet(text);
+    return true;
+}
+
+bool TuningOrloApplication::startSound()
+{
+    if (!mPlayer.init())
+        return startFailed(QStringLiteral("PD initialisation failed. This means no audio playback will be "
+                                          "possible.\n\nThe program will now shut down."));
+    if (!mAudioOutput.init(mSettings.framesPerBuffer, mSettings.audioDevice, &mPlayer)) {
+        startFailed(QStringLiteral("Initialisation of audio device failed. This means no audio playback will be "
+                                   "possible.\n\nThe program will now shut down."));
+        mAudioOutput.logDevices();
+        return false;
+    }
+    mAudioOutput.logDevices();
+    if (!initPatchFolder())
+        return startFailed(QStringLiteral("Initialisation of patch directory failed. This means no audio playback "
+                                          "will be possible.\n\nThe program will now shut down."));
+    return true;
+}
+
+bool TuningOrloApplication::initPatchFolder()
+{
+    const QString runtime = configDirectory() + QStringLiteral("/patch");
+    if (!QDir().mkpath(runtime))
+        return false;
+    const QString shell = resourceDirectory() + QStringLiteral("/patches/shell/");
+    QString mainPatch = mainPatchName(mSettings.mainPatchNumberOfVoices);
+    if (!QFile::exists(shell + mainPatch)) {
+        qWarning() << "There is no main patch for" << mSettings.mainPatchNumberOfVoices << "voices, the one for"
+                   << DEFAULT_VOICES << "is used.";
+        mainPatch = mainPatchName(DEFAULT_VOICES);
+    }
+    qDebug() << "Patches init: Main patch:" << mainPatch;
+
+    struct File
+    {
+        QString source;
+        QString target;
+        bool overwrite;
+    };
+    const File files[] = {
+        {mainPatch, QStringLiteral("orlo_main.pd"), true},
+        {QStringLiteral("orlo_vprep.pd"), QStringLiteral("orlo_vprep.pd"), false},
+        {QStringLiteral("equal-loudness.pd"), QStringLiteral("equal-loudness.pd"), false},
+        {QStringLiteral("tb_compressor~.pd"), QStringLiteral("tb_compressor~.pd"), false},
+        {QStringLiteral("tb_compressorUI.pd"), QStringLiteral("tb_compressorUI.pd"), false},
+    };
+    bool allCopied = true;
+    for (const File& file : files)
+        allCopied = copyFile(shell + file.source, runtime + u'/' + file.target, file.overwrite) && allCopied;
+    return allCopied;
+}
+
+bool TuningOrloApplication::copyFile(const QString& src, const QString& dst, bool overwrite)
+{
+    const QFileInfo target(dst);
+    if (target.exists()) {
+        if (target.lastModified() >= QFileInfo(src).lastModified() && !overwrite)
+            return true;
+        if (!QFile::remove(dst)) {
+            qCritical() << "Failed to delete" << dst << "before copying";
+            return false;
+        }
+    }
+    if (!QFile::copy(src, dst)) {
+        qCritical() << "Failed to copy" << src << "to" << dst;
+        return false;
+    }
+    return true;
+}
+
+bool TuningOrloApplication::startFailed(const QString& text)
+{
+    showCritical(text);
+    qCritical().noquote() << text;
+    return false;
+}
+
+void TuningOrloApplication::showCritical(const QString& text)
+{
+    QMessageBox::critical(nullptr, applicationName(), text, QMessageBox::Ok);
+}
+
+void TuningOrloApplication::startAutosave()
+{
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &TuningOrloApplication::autoSafe);
+    timer->setInterval(AUTOSAVE_INTERVAL_MS);
+    timer->setTimerType(Qt::VeryCoarseTimer);
+    timer->start();
+}
+
+void TuningOrloApplication::applyRestrictions(bool restricted)
+{
+    if (mMainWindow)
+        mMainWindow->applyRestrictions(restricted);
+}
+
+// ---------------------------------------------------------------- options
+
+void TuningOrloApplication::syncFromSettings()
+{
+    if (mSettings.windowSize != QSize(-1, -1))
+        mMainWindow->resize(mSettings.windowSize);
+    if (mSettings.windowPos != QPoint(-1, -1))
+        mMainWindow->move(mSettings.windowPos);
+    if (mSettings.windowMaximized)
+        mMainWindow->showMaximized();
+    mMainWindow->updateZoomMode();
+
+    const std::pair<OrloEvent::Type, float> events[] = {
+        {OrloEvent::BaseFrequencySet, static_cast<float>(mSettings.baseFrequency)},
+        {OrloEvent::MasterVolumeSet, mSettings.masterVolume},
+        {OrloEvent::MonophonicSet, mSettings.monophonic ? 1.0F : 0.0F},
+    };
+    for (const auto& [type, value] : events) {
+        const auto event = std::make_unique<OrloEvent>(type, value);
+        mPlayer.queueEventGui(event.get());
+    }
+
+    // Only now, so that these events do not write back what was just read.
+    connect(&mPlayer, &PdPlayer::baseFrequencyChanged, &mSettings, &Settings::onBaseFrequencyChanged,
+            Qt::QueuedConnection);
+    connect(&mPlayer, &PdPlayer::volumeChanged, &mSettings, &Settings::onMasterVolumeChanged, Qt::QueuedConnection);
+    connect(&mPlayer, &PdPlayer::monophonicChanged, &mSettings, &Settings::onMonophonicChanged,
+            Qt::QueuedConnection);
+}
+
+void TuningOrloApplication::syncToSettings()
+{
+    mSettings.circlesView = mMainWindow->orloView()->view() == OrloLeavesWidget::Circles;
+    mSettings.windowMaximized = mMainWindow->isMaximized();
+    if (!mSettings.windowMaximized) {
+        mSettings.windowSize = mMainWindow->size();
+        mSettings.windowPos = mMainWindow->pos();
+    }
+    mSettings.audioDevice = mAudioOutput.selectedDevice();
+}
+
+void TuningOrloApplication::autoSafe()
+{
+    syncToSettings();
+    mSettings.save();
+    qDebug() << "Autosafe called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
+}
+
+// ---------------------------------------------------------------- stop
+
+void TuningOrloApplication::term()
+{
+    syncToSettings();
+    static_cast<SerializableRoot&>(mOrlo).term();
+    mPlayer.term(); // before the output: the hand-over of the patch needs its callback
+    mAudioOutput.term();
+    static_cast<SerializableRoot&>(mSettings).term();
+    qInstallMessageHandler(nullptr);
+}
+
+// ---------------------------------------------------------------- log
+
+void TuningOrloApplication::loggingMessageHandler(QtMsgType type, const QMessageLogContext& context,
+                                                  const QString& message)
+{
+    if (auto* application = qobject_cast<TuningOrloApplication*>(instance()))
+        application->logMessage(type, context, message);
+}
+
+void TuningOrloApplication::logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    // Two threads may interleave in the file; nothing depends on it.
+    mLogMutex.lock();
+    const QString stamp = QTime::currentTime().toString(QStringLiteral("[hh:mm:ss.zzz] "));
+    mLogMutex.unlock();
+
+    if (!mLogFilter.isEmpty()) {
+        // A message that does not say where it comes from reaches neither the dialog nor the file.
+        const QString source = sourceBaseName(context.file);
+        if (source.isNull())
+            return;
+        if (mLogFilter.contains(QStringLiteral("all")) || mLogFilter.contains(source.toLower()))
+            emit diagnosticMessage(QStringLiteral("%1 %2\n").arg(stamp, message));
+    }
+    if (type == QtDebugMsg)
+        return;
+
+    // A file object of its own for each message: threads share nothing but the open handle, and
+    // one message is one write.
+    QString text;
+    QTextStream stream(&text);
+    if (type == QtCriticalMsg)
+        stream << "\nCRITICAL:\n";
+    else if (type == QtFatalMsg)
+        stream << "\nFATAL:\n";
+    stream << stamp << message << '\n';
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        stream << '\n';
+    QFile file;
+    if (file.open(mLogFile.handle(), QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
+        file.write(text.toUtf8());
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "app/ApplicationServices.h"
+#include "app/Licensing.h"
+#include "app/Settings.h"
+#include "model/Orlo.h"
+#include "sound/PaAudioOutput.h"
+#include "sound/PdPlayer.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QMutex>
+#include <QSet>
+
+#include <memory>
+
+class MainWindow;
+
+/// The one object that everything hangs from. It owns the parts, starts and stops them in a fixed
+/// order, keeps the log and saves the options every fifteen minutes. Graphical thread, but for the
+/// message handler, which runs on whichever thread logs.
+class TuningOrloApplication : public QApplication, public ApplicationServices
+{
+    Q_OBJECT
+
+public:
+    /// Each argument is a word of the log filter.
+    TuningOrloApplication(int& argc, char** argv);
+    ~TuningOrloApplication() override;
+
+    /// The whole start-up. False means: end at once with exit code 1; the player has been told why.
+    bool init();
+    /// The orderly stop, only after a start-up that succeeded.
+    void term();
+
+    QString version() const { return QStringLiteral("2.0.0"); }
+    /// Where every file that the program writes lies, or below it.
+    static QString configDirectory();
+    /// Read-only: style sheets, graphics, patches.
+    static QString resourceDirectory();
+
+    /// Options into window and player; window and devices into options.
+    void syncFromSettings();
+    void syncToSettings();
+
+    /// Copies unless the target is at least as new as the source or `overwrite` is set.
+    bool copyFile(const QString& src, const QString& dst, bool overwrite);
+    bool loadStyleSheet() override;
+    /// Puts the main patch and its helpers into the runtime folder.
+    bool initPatchFolder();
+
+    /// Called by licensing; hands the flag on.
+    void applyRestrictions(bool restricted);
+    void setPressMode(qint16 mode) override { mPressMode = mode; }
+
+    MainWindow* mainWindow() const { return mMainWindow.get(); }
+
+    static void loggingMessageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);
+
+public slots:
+    /// The periodic safety save. A crash loses at most what came after it.
+    void autoSafe();
+
+signals:
+    /// One filtered log line, from any thread.
+    void diagnosticMessage(const QString& line);
+
+private:
+    void readLogFilter(int argc, char** argv);
+    bool makeDirectories();
+    void startLog();
+    bool startSound();
+    bool startFailed(const QString& text);
+    void startAutosave();
+    void showCritical(const QString& text);
+    void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
+
+    std::unique_ptr<MainWindow> mMainWindow;
+    Orlo mOrlo;
+    PdPlayer mPlayer;
+    PaAudioOutput mAudioOutput;
+    Settings mSettings;
+    QSet<QString> mLogFilter; // lower-case words
+    QFile mLogFile;           // open for the whole run, never rotated
+    QMutex mLogMutex;
+    QString mChordPresetsDirectory;
+    Licensing mLicensing;
+    qint16 mPressMode = 0;
+};

@@ -1,0 +1,155 @@
+#pragma once
+
+#include "sound/OrloEvent.h"
+
+#include <QHash>
+#include <QList>
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class Orlo;
+class OrloLayer;
+class OrloView;
+class QPushButton;
+class QSlider;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// The one window: the panel with the sound controls, the two pages of the lattice, the readout
+/// and the keyboard map. Every sound action goes to the player as an event; what comes back is
+/// written into the controls with their signals blocked, so that it cannot echo.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(Orlo* orlo);
+    ~MainWindow() override;
+
+    /// Of the page now shown.
+    OrloView* orloView() const;
+    void updateOrloView();
+    /// After the geometry constants were edited. Rebuilds the page now shown only.
+    void updateTweaks();
+    /// Applies the option `orloZoomMode` to the page now shown.
+    void updateZoomMode();
+    /// The display switches as the options have them.
+    void setButtons();
+    void setMacroSlidersToDefault();
+    void applyRestrictions(bool restricted);
+
+    /// Copies the voice file into the runtime folder and opens the patch. An empty path does
+    /// nothing; a failure ends at a message box, and the window goes on.
+    void loadPatch(const QString& path);
+    /// By index in the menu.
+    void patch_by_Index(int index);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private slots:
+    void onTransposeChanged();
+    void onVolumeChanged(float volume);
+    void onMonophonicChanged(bool on);
+    void onMacroValueChanged(int macro, float value);
+    void onMacroNamesReceived(QStringList names);
+    void onMacroDefaultsReceived(QList<float> defaults);
+    void onSetMacroSliders(QList<float> values);
+    void onPatchDecRequested();
+    void onPatchIncRequested();
+    void onResetGlissSliders(short which);
+
+    void onMacroSliderValueChanged(int value);
+    void onSwitcherClicked(QString link);
+    void onAbsRelSwitcherClicked(QString link);
+
+    void on_circlesViewButton_clicked();
+    void on_grapesViewButton_clicked();
+    void on_absoluteModeButton_clicked();
+    void on_relativeModeButton_clicked();
+    void on_normalizeRatiosButton_clicked();
+    void on_soundgrapeColourButton_clicked();
+    void on_soundgrapeBWButton_clicked();
+    void on_expandOrloButton_clicked();
+    void on_monoButton_clicked();
+    void on_polyButton_clicked();
+    void on_stopAllButton_clicked();
+    void on_volumeSlider_valueChanged(int value);
+    void on_toggleModeButton_clicked();
+    void on_shiftModeButton_clicked();
+    void on_removeModeButton_clicked();
+    void on_selectApplyModeButton_clicked();
+
+    void on_patchMenu_activated(int index);
+    void on_patchDecButton_clicked();
+    void on_patchIncButton_clicked();
+    void on_loadPatchButton_clicked();
+
+private:
+    struct KeyRow;
+
+    void alignControls();
+    void setUpIcons();
+    void hideUnusedControls();
+    void disableControlsToCome();
+    void makeSwitcherLabels();
+    void connectPlayer();
+    void connectSliders();
+    void updateReadout();
+    void updateCurrentPage();
+    OrloLayer* currentLayer() const;
+
+    void queue(OrloEvent::Type type, float value);
+    void setMacro(int index, int sliderValue);
+    void queueMacros(const QList<float>& values);
+    QSlider* macroSlider(int number) const;
+    void snapBack(QSlider* slider, int value);
+    int macroDefaultPosition(int number) const;
+    void modeButtonClicked(const QPushButton* clicked);
+
+    void buildKeyMap();
+    void addKey(int key, const KeyRow& row);
+    void moveHighlight(int by);
+
+    void initPatchMenu();
+    void loadDefaultPatch();
+    void addPatchToMenu(const QString& path);
+    bool openVoicePatch(const QString& path);
+    void setNoPatchLoaded(bool on);
+    void stepPatch(int by);
+
+    std::unique_ptr<Ui::MainWindow> ui;
+    Orlo* mOrlo;
+    QHash<int, QList<KeyRow>> mKeyMap; // rows of one key are tried in their order
+    int mHighlightedRow = 1;           // of the transpose column, 1 to 11
+    QList<float> mMacroDefaults;
+    bool mAltDown = false;
+    bool mRestricted = false;
+    int mCurrentPatch = -1; // index in the menu
+
+    const OrloEvent mAllNotesOff{OrloEvent::AllNotesOff, 1.0F};
+    const OrloEvent mAllNotesOffForced{OrloEvent::AllNotesOffForced, 1.0F};
+    const OrloEvent mNodesDeselectAll{OrloEvent::NodesDeselectAll, 1.0F};
+};
+
+/// One row of the keyboard map.
+struct MainWindow::KeyRow
+{
+    enum Rule {
+        Any,     // modifiers do not matter
+        Exactly, // these and no others
+        With,    // these, others may be held too
+    };
+    Rule rule;
+    Qt::KeyboardModifiers modifiers;
+    std::function<void()> action;
+
+    bool matches(Qt::KeyboardModifiers held) const;
+};

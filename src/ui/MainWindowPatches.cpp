@@ -1,0 +1,184 @@
+// The part of the main window that lists the voice patches and loads one.
+
+#include "ui/MainWindow.h"
+
+#include "app/Accessors.h"
+#include "app/Settings.h"
+#include "sound/PdPlayer.h"
+#include "ui_MainWindow.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QStandardPaths>
+
+namespace {
+
+const QString NONE_LOADED = QStringLiteral("None loaded");
+const QString PATCH_ENDING = QStringLiteral(".pd");
+
+QString patchDirectory()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/patches");
+}
+
+QString runtimeFile(const QString& name)
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/patch/") + name;
+}
+
+} // namespace
+
+void MainWindow::initPatchMenu()
+{
+    const QDir directory(patchDirectory());
+    const QFileInfoList files = directory.entryInfoList(QDir::Files, QDir::Name);
+    if (files.isEmpty())
+        qCritical() << "Found no presets in patch dir" << directory.absolutePath();
+    for (const QFileInfo& file : files)
+        addPatchToMenu(file.absoluteFilePath());
+}
+
+void MainWindow::addPatchToMenu(const QString& path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    if (ui->patchMenu->findData(absolute) >= 0)
+        return;
+    QString name = absolute.mid(absolute.lastIndexOf(u'/') + 1);
+    if (name.endsWith(PATCH_ENDING))
+        name.chop(PATCH_ENDING.size());
+    ui->patchMenu->addItem(name, absolute);
+}
+
+void MainWindow::loadDefaultPatch()
+{
+    const QString& name = app::settings()->defaultPatch;
+    const QString chosen = patchDirectory() + u'/' + name;
+    if (!name.isEmpty() && QFileInfo::exists(chosen)) {
+        loadPatch(chosen);
+        return;
+    }
+    qWarning() << "No default patch name found, use Sine.";
+    const QString sine = patchDirectory() + QStringLiteral("/Sine.pd");
+    if (QFileInfo::exists(sine)) {
+        loadPatch(sine);
+        return;
+    }
+    qWarning() << "Sine patch not found, set None loaded.";
+    setNoPatchLoaded(true);
+}
+
+void MainWindow::loadPatch(const QString& path)
+{
+    if (path.isEmpty())
+        return;
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    qWarning() << "Loading voice patch" << absolute;
+    if (!openVoicePatch(absolute)) {
+        QMessageBox::critical(this, QCoreApplication::applicationName(),
+                              QStringLiteral("Failed to load patch %1.").arg(absolute), QMessageBox::Ok);
+        if (mCurrentPatch == -1)
+            setNoPatchLoaded(true);
+        else
+            ui->patchMenu->setCurrentIndex(mCurrentPatch);
+        return;
+    }
+
+    // What the new patch does not know yet.
+    on_volumeSlider_valueChanged(ui->volumeSlider->value());
+    for (int number = 1; number <= NodeParameters::MACRO_COUNT; ++number)
+        setMacro(number - 1, macroSlider(number)->value());
+
+    setNoPatchLoaded(false);
+    addPatchToMenu(absolute);
+    mCurrentPatch = ui->patchMenu->findData(absolute);
+    ui->patchMenu->setCurrentIndex(mCurrentPatch);
+    app::settings()->defaultPatch = ui->patchMenu->currentText() + PATCH_ENDING;
+}
+
+/// The main patch is always the same file; the voice that it instantiates changes.
+bool MainWindow::openVoicePatch(const QString& path)
+{
+    app::player()->unloadPatch();
+    const QString voice = runtimeFile(QStringLiteral("orlo_voice.pd"));
+    if (QFile::exists(voice) && !QFile::remove(voice)) {
+        qCritical() << "Failed to delete" << voice;
+        return false;
+    }
+    if (!QFile::copy(path, voice)) {
+        qCritical() << "Failed to copy" << path << "to the runtime patch location" << voice;
+        return false;
+    }
+    const QString main = runtimeFile(QStringLiteral("orlo_main.pd"));
+    if (!app::player()->loadPatch(QFileInfo(main))) {
+        qCritical() << "Failed to load" << main << "after copying in voice" << voice;
+        return false;
+    }
+    return true;
+}
+
+void MainWindow::setNoPatchLoaded(bool on)
+{
+    const int index = ui->patchMenu->findText(NONE_LOADED);
+    if (on) {
+        if (index < 0)
+            ui->patchMenu->addItem(NONE_LOADED, QString());
+        ui->patchMenu->setCurrentIndex(ui->patchMenu->count() - 1);
+    } else if (index >= 0) {
+        ui->patchMenu->removeItem(index);
+    }
+}
+
+void MainWindow::stepPatch(int by)
+{
+    const int count = ui->patchMenu->count();
+    if (count == 0)
+        return;
+    const int index = (ui->patchMenu->currentIndex() + count + by) % count;
+    ui->patchMenu->setCurrentIndex(index);
+    patch_by_Index(index);
+}
+
+void MainWindow::patch_by_Index(int index)
+{
+    loadPatch(ui->patchMenu->itemData(index).toString());
+}
+
+void MainWindow::on_patchMenu_activated(int index)
+{
+    patch_by_Index(index);
+}
+
+void MainWindow::on_patchDecButton_clicked()
+{
+    stepPatch(-1);
+}
+
+void MainWindow::on_patchIncButton_clicked()
+{
+    stepPatch(1);
+}
+
+void MainWindow::onPatchDecRequested()
+{
+    on_patchDecButton_clicked();
+}
+
+void MainWindow::onPatchIncRequested()
+{
+    on_patchIncButton_clicked();
+}
+
+void MainWindow::on_loadPatchButton_clicked()
+{
+    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Open Patch"),
+                                                      app::settings()->lastBrowsedPatchPath,
+                                                      QStringLiteral("PD Patches (*.pd)"));
+    if (path.isEmpty())
+        return;
+    app::settings()->lastBrowsedPatchPath = QFileInfo(path).absolutePath();
+    loadPatch(path);
+}

@@ -1,0 +1,223 @@
+#include "ui/OrloView.h"
+
+#include "model/OrloBall.h"
+#include "ui/OrloBallWidget.h"
+#include "ui/OrloWidget.h"
+
+#include <QDebug>
+#include <QGraphicsScene>
+#include <QMouseEvent>
+#include <QTouchEvent>
+
+#include <limits>
+
+namespace {
+
+struct StackPolicy
+{
+    int policy;
+    OrloView::Stacks during;
+    OrloView::Stacks atEnd;
+};
+
+constexpr StackPolicy STACK_POLICIES[] = {
+    {2, OrloView::Stacks::None, OrloView::Stacks::Cards}, {3, OrloView::Stacks::None, OrloView::Stacks::All},
+    {4, OrloView::Stacks::Cards, OrloView::Stacks::Cards}, {5, OrloView::Stacks::Cards, OrloView::Stacks::All},
+    {6, OrloView::Stacks::All, OrloView::Stacks::All},
+};
+
+/// How far the fingers moved apart since they came down; 1 for two fingers on one spot, whose
+/// distance says nothing.
+double spread(const QEventPoint& first, const QEventPoint& second)
+{
+    const double before = QLineF(first.pressPosition(), second.pressPosition()).length();
+    const double now = QLineF(first.position(), second.position()).length();
+    return before < 1.0 ? 1.0 : now / before;
+}
+
+bool isTouch(const QEvent* event)
+{
+    return event->type() == QEvent::TouchBegin || event->type() == QEvent::TouchUpdate
+           || event->type() == QEvent::TouchEnd;
+}
+
+} // namespace
+
+OrloView::OrloView(QWidget* parent)
+    : QGraphicsView(parent)
+{
+    auto* orloScene = new QGraphicsScene(this);
+    // Everything hangs on one item: an index by place would hold that one alone.
+    orloScene->setItemIndexMethod(QGraphicsScene::NoIndex);
+    setScene(orloScene);
+    setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    viewport()->setAttribute(Qt::WA_AcceptTouchEvents);
+    setDragMode(ScrollHandDrag);
+    viewport()->setCursor(Qt::ArrowCursor);
+    setTransformationAnchor(AnchorUnderMouse);
+}
+
+void OrloView::init(OrloLeavesWidget::View view, Orlo* orlo)
+{
+    mOrlo = orlo;
+    buildScene(view);
+}
+
+void OrloView::buildScene(OrloLeavesWidget::View view)
+{
+    mOrloWidget = nullptr;
+    scene()->clear();
+    auto* orloWidget = new OrloWidget(view, this);
+    orloWidget->buildOrlo();
+    scene()->addItem(orloWidget);
+    orloWidget->setPos(0.0, 0.0);
+    scene()->setSceneRect(orloWidget->sceneBoundingRect());
+    mOrloWidget = orloWidget;
+}
+
+OrloLeavesWidget::View OrloView::view() const
+{
+    return mOrloWidget->view();
+}
+
+void OrloView::updateOrloBalls()
+{
+    if (mOrloWidget)
+        mOrloWidget->updateBalls();
+}
+
+void OrloView::detectBallMouseOver(QPoint point) const
+{
+    const QList<QGraphicsItem*> under = items(point);
+    for (QGraphicsItem* item : under) {
+        if (const auto* ball = qgraphicsitem_cast<OrloBallWidget*>(item)) {
+            qDebug() << "You hovered over ball" << ball->ball()->path().parseToString();
+            return;
+        }
+    }
+}
+
+// ---------------------------------------------------------------- fit
+
+void OrloView::resizeEvent(QResizeEvent* event)
+{
+    QGraphicsView::resizeEvent(event);
+    followFit();
+    emit resized();
+}
+
+void OrloView::followFit()
+{
+    const QRectF whole = sceneRect();
+    // Before init, with a scene of no size, or squeezed to nothing there is no fit to follow.
+    if (whole.width() <= 0.0 || whole.height() <= 0.0 || width() <= 0 || height() <= 0)
+        return;
+    fitInView(whole, Qt::KeepAspectRatio);
+    const double fit = qMin(height() / whole.height(), width() / whole.width());
+    mCurrentScale = mCurrentScale * fit / mFitScale;
+    mTotalScale = fit * mTotalScale / mFitScale;
+    mFitScale = fit;
+    applyCurrentScale();
+    centerOn(mSceneCentre);
+}
+
+void OrloView::applyCurrentScale()
+{
+    setTransform(QTransform::fromScale(mCurrentScale, mCurrentScale));
+}
+
+void OrloView::storeSceneCentre()
+{
+    const QRect area = viewport()->rect();
+    mSceneCentre = mapToScene(QPoint((area.right() - area.left()) / 2, (area.bottom() - area.top()) / 2));
+}
+
+void OrloView::setTestingVariables(int value)
+{
+    mTotalScale = mFitScale;
+    mCurrentScale = mFitScale; // or the next resize would bring the former zoom back
+    applyCurrentScale();
+    mTouchZoom = value != 0;
+    if (value < 0)
+        mTouchStepThreshold = qAbs(qMax(value, -std::numeric_limits<int>::max()));
+    else if (value > 0)
+        mStackUpdatePolicy = value;
+}
+
+// ---------------------------------------------------------------- mouse
+
+void OrloView::mouseMoveEvent(QMouseEvent* event)
+{
+    QGraphicsView::mouseMoveEvent(event);
+    if (event->buttons() & Qt::LeftButton) {
+        storeSceneCentre();
+        updateStacksWhenZoom(false);
+    }
+}
+
+void OrloView::mouseReleaseEvent(QMouseEvent* event)
+{
+    storeSceneCentre();
+    updateStacksWhenZoom(true);
+    QGraphicsView::mouseReleaseEvent(event);
+    viewport()->setCursor(Qt::ArrowCursor);
+}
+
+// ---------------------------------------------------------------- touch
+
+bool OrloView::viewportEvent(QEvent* event)
+{
+    if (!mTouchZoom || !isTouch(event))
+        return QGraphicsView::viewportEvent(event);
+    auto& touch = static_cast<QTouchEvent&>(*event);
+    if (touch.pointCount() == 1)
+        return false; // goes on as a mouse event: one finger plays
+    if (touch.pointCount() == 2)
+        zoomByTouch(touch);
+    return true;
+}
+
+void OrloView::zoomByTouch(QTouchEvent& event)
+{
+    const bool released = event.touchPointStates().testFlag(QEventPoint::Released);
+    mCurrentScale = spread(event.points().at(0), event.points().at(1)) * mTotalScale;
+    ++mTouchSteps;
+    if (released) {
+        mTotalScale = mCurrentScale;
+        mTouchSteps = mTouchStepThreshold; // the last step always runs
+    }
+    if (!mZoomBelowFit && mTotalScale < mFitScale) {
+        mTotalScale = mFitScale;
+        mCurrentScale = mFitScale;
+    }
+    if (mTouchSteps < mTouchStepThreshold)
+        return;
+    if (mCurrentScale >= mFitScale) {
+        applyCurrentScale();
+        storeSceneCentre();
+        updateStacksWhenZoom(released);
+    }
+    mTouchSteps = 0;
+    qDebug() << "Zoom etc. - step executed. ";
+}
+
+// ---------------------------------------------------------------- stacks
+
+OrloView::Stacks OrloView::stacksToMove(int policy, bool final)
+{
+    for (const StackPolicy& row : STACK_POLICIES) {
+        if (row.policy == policy)
+            return final ? row.atEnd : row.during;
+    }
+    return Stacks::None;
+}
+
+void OrloView::updateStacksWhenZoom(bool final)
+{
+    // The stacks beside the view hold nothing yet that lies by a ball.
+    [[maybe_unused]] const Stacks stacks = stacksToMove(mStackUpdatePolicy, final);
+}

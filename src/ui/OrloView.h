@@ -1,0 +1,73 @@
+#pragma once
+
+#include "ui/OrloLeavesWidget.h"
+
+#include <QGraphicsView>
+
+class Orlo;
+class OrloWidget;
+class QTouchEvent;
+
+/// The scene of one page: fits it into the widget, drags it with the mouse and zooms it with two
+/// fingers. Graphical thread only, as is all of this folder.
+///
+/// Three scales, all in pixels per scene unit: the fit scale shows the whole scene, the total
+/// scale is what the last gesture left, the current scale is what is on the screen.
+class OrloView : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    explicit OrloView(QWidget* parent = nullptr);
+
+    void init(OrloLeavesWidget::View view, Orlo* orlo);
+    /// Clears the scene and makes it anew from the lattice and the geometry constants.
+    void buildScene(OrloLeavesWidget::View view);
+    void updateOrloBalls();
+    /// Back to the fit. Then `value` below 0: touch zoom on, with that many updates for a step;
+    /// 0: touch zoom off; above 0: touch zoom on, with this policy for the stacks.
+    void setTestingVariables(int value);
+    /// A developer's aid: logs the ball at this point of the viewport.
+    void detectBallMouseOver(QPoint point) const;
+
+    OrloLeavesWidget::View view() const;
+    Orlo* orlo() const { return mOrlo; }
+    OrloWidget* orloWidget() const { return mOrloWidget; }
+    double totalScale() const { return mTotalScale; }
+    double fitScale() const { return mFitScale; }
+    double currentScale() const { return mCurrentScale; }
+
+    /// What moves along with the balls.
+    enum class Stacks { None, Cards, All };
+    /// By policy, while a gesture lasts and at its end.
+    static Stacks stacksToMove(int policy, bool final);
+
+signals:
+    /// After the scale followed a resize.
+    void resized();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+
+private:
+    void followFit();
+    void zoomByTouch(QTouchEvent& event);
+    void applyCurrentScale();
+    void storeSceneCentre();
+    void updateStacksWhenZoom(bool final);
+
+    double mTotalScale = 1.0;
+    double mFitScale = 1.0;
+    double mCurrentScale = 1.0;
+    QPointF mSceneCentre{1.0, 1.0};
+    bool mTouchZoom = true;
+    bool mZoomBelowFit = false;
+    int mStackUpdatePolicy = 6;
+    int mTouchSteps = 0;         // updates since the last step on the screen
+    int mTouchStepThreshold = 5; // updates for each step
+    Orlo* mOrlo = nullptr;
+    OrloWidget* mOrloWidget = nullptr; // owned by the scene
+};
