@@ -3,6 +3,7 @@
 #include "app/ApplicationServices.h"
 #include "app/Licensing.h"
 #include "app/Settings.h"
+#include "app/TerminationSignals.h"
 #include "model/Orlo.h"
 #include "sound/PaAudioOutput.h"
 #include "sound/PdPlayer.h"
@@ -85,5 +86,6 @@ private:
     QMutex mLogMutex;
     QString mChordPresetsDirectory;
     Licensing mLicensing;
+    TerminationSignals mTerminationSignals;
     qint16 mPressMode = 0;
 };

@@ -64,7 +64,7 @@ void TransposeButton::onTransposeChanged()
 
     QString text;
     if (mStep > 0 && mCount > 0)
-        text = QStringLiteral("%1%2").arg(u'+').arg(mCount);
+        text = QStringLiteral("%1%2").arg(QLatin1Char('+')).arg(mCount);
     else if (mStep < 0 && mCount < 0)
         text = QStringLiteral("%1").arg(mCount);
     mLabel->setText(text);

@@ -75,7 +75,9 @@ TEST_F(LatticeTest, TheDefaultsAreFourRowsLinkedByOctaves)
     }
     ASSERT_EQ(linkOf.size(), 19);
 
+    const LogCatcher log;
     orlo.initWithDefaults();
+    EXPECT_EQ(log.count(QtDebugMsg, u"Orlo::initWithDefaults - mPrimeColors:"_s), 1);
     const QList<int> leaves{-31, -29, -23, -19, -17, -13, -11, -7, -5, 5, 7, 11, 13, 17, 19, 23, 29, 31};
     int count = 0;
     forEachBall(orlo.rootBall(), [&](const OrloBall* ball) {

@@ -62,7 +62,8 @@ protected:
     static constexpr int LIMIT = LimitOf<Path>::value;
     static Path of(int steps, const QString& step = u"/3"_s) { return Path(step.repeated(steps)); }
 };
-TYPED_TEST_SUITE(EitherPath, (::testing::Types<OrloPath, OrloPathUnlimited>), );
+using BothPaths = ::testing::Types<OrloPath, OrloPathUnlimited>;
+TYPED_TEST_SUITE(EitherPath, BothPaths);
 
 TYPED_TEST(EitherPath, RefusesWhatIsNoPrimeOfTheLattice)
 {

@@ -1,9 +1,19 @@
 #include "model/LatticeSupport.h"
 #include "support/LogCatcher.h"
 
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// The sanitizers object to comparing an emptied QList.
+using Steps = std::vector<int>;
+
+Steps stepsOf(const QList<int>& list)
+{
+    return {list.begin(), list.end()};
+}
 
 class TransposeTest : public ::testing::Test, protected LatticeFixture
 {
@@ -13,7 +23,7 @@ TEST_F(TransposeTest, OppositeStepsCancel)
 {
     const struct
     {
-        QList<int> steps, left;
+        Steps steps, left;
     } rows[] = {
         {{}, {}},
         {{3, 5, -3}, {5}},
@@ -25,9 +35,9 @@ TEST_F(TransposeTest, OppositeStepsCancel)
         {{3, 3, 5}, {3, 3, 5}},
     };
     for (const auto& row : rows) {
-        QList<int> steps = row.steps;
+        QList<int> steps(row.steps.begin(), row.steps.end());
         Orlo::removeOppositePairs(steps);
-        EXPECT_EQ(steps, row.left) << ::testing::PrintToString(row.steps);
+        EXPECT_EQ(stepsOf(steps), row.left) << ::testing::PrintToString(row.steps);
     }
 }
 
@@ -37,7 +47,7 @@ TEST_F(TransposeTest, StepsAndRatioFollowThePlayer)
     {
         unsigned long long n, d;
         int step;
-        QList<int> steps;
+        Steps steps;
     } rows[] = {
         {3, 2, 3, {3}},
         {15, 8, 5, {3, 5}},
@@ -56,7 +66,7 @@ TEST_F(TransposeTest, StepsAndRatioFollowThePlayer)
         EXPECT_EQ(orlo.transposition(), OrloRatio(row.n, row.d));
         EXPECT_EQ(orlo.publishedTransposition().numerator, row.n);
         EXPECT_EQ(orlo.publishedTransposition().denominator, row.d);
-        EXPECT_EQ(orlo.transposeSteps(), row.steps);
+        EXPECT_EQ(stepsOf(orlo.transposeSteps()), row.steps);
         EXPECT_EQ(orlo.ballFromRatio(OrloRatio(row.n, row.d)), orlo.rootBall());
         EXPECT_EQ(takeSaid(), (QStringList{u"reset"_s, u"changed"_s}));
     }
@@ -128,7 +138,7 @@ TEST_F(TransposeTest, BallsAreColouredByTheirStepFromTheAbsoluteOrigin)
     {
         int step; // the transposition
         const char* path;
-        QList<int> absolute;
+        Steps absolute;
         int last, highest;
     } rows[] = {
         {0, "/", {}, 1, 1},
@@ -154,7 +164,7 @@ TEST_F(TransposeTest, BallsAreColouredByTheirStepFromTheAbsoluteOrigin)
         if (row.step != 0)
             orlo.onTransposed(OrloPath(static_cast<signed char>(row.step)).toRatio(), row.step);
         const OrloBall* at = ball(row.path);
-        EXPECT_EQ(at->absPathSteps(), row.absolute);
+        EXPECT_EQ(stepsOf(at->absPathSteps()), row.absolute);
         EXPECT_EQ(at->lastAbsStep(), row.last);
         EXPECT_EQ(at->highestAbsStep(), row.highest);
     }

@@ -14,6 +14,13 @@ enum class DecimalComma { Nowhere, InQt, InC };
 /// machine has no locale for.
 class LocaleTest : public ::testing::TestWithParam<DecimalComma>
 {
+public:
+    static std::string name(const ::testing::TestParamInfo<DecimalComma>& info)
+    {
+        static const char* const NAMES[] = {"Plain", "CommaInQt", "CommaInC"};
+        return NAMES[static_cast<int>(info.param)];
+    }
+
 protected:
     void SetUp() override
     {
@@ -29,12 +36,6 @@ protected:
         std::setlocale(LC_ALL, mFormerC.c_str());
     }
 
-    static std::string name(const ::testing::TestParamInfo<DecimalComma>& info)
-    {
-        static const char* const NAMES[] = {"Plain", "CommaInQt", "CommaInC"};
-        return NAMES[static_cast<int>(info.param)];
-    }
-
 private:
     const QLocale mFormerQt;
     const std::string mFormerC = std::setlocale(LC_ALL, nullptr);
@@ -43,4 +44,4 @@ private:
 #define IN_ALL_LOCALES(Suite)                                                                                 \
     INSTANTIATE_TEST_SUITE_P(, Suite,                                                                         \
                              ::testing::Values(DecimalComma::Nowhere, DecimalComma::InQt, DecimalComma::InC), \
-                             &Suite::name)
+                             &LocaleTest::name)

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "app/Accessors.h"
+#include "app/Settings.h"
+#include "model/Orlo.h"
+#include "model/OrloBall.h"
+#include "sound/PdMessageBuffer.h"
+#include "sound/PdPlayer.h"
+#include "ui/OrloLeavesWidget.h"
+
+#include <gtest/gtest.h>
+
+#include <QEvent>
+#include <QList>
+
+class OrloBallWidget;
+class OrloStrutWidget;
+class OrloView;
+class QGraphicsEllipseItem;
+
+/// The default lattice and a player without a patch, joined as in the program. The audio thread is
+/// this one: drain() plays its part.
+class UiFixture : public ::testing::Test
+{
+protected:
+    UiFixture();
+    ~UiFixture() override;
+
+    /// Lets the player read its commands, and gives them. What it reports arrives with report().
+    QList<PdMessageBuffer::Chunk> drain();
+    /// Delivers queued signals.
+    static void report();
+
+    OrloBall* ballAt(const char* path) const;
+    /// As the player would report it after these steps.
+    void transposeBy(const QList<int>& steps);
+
+    Settings settings;
+    Orlo orlo;
+    PdPlayer player;
+
+private:
+    PdMessageBuffer mProbe;
+};
+
+/// What a test wants to know of the items on one page.
+namespace scene {
+
+OrloBallWidget* ballAt(const OrloView& view, const char* path);
+/// The five circles of a ball, from the lowest to the highest.
+struct Circles
+{
+    QGraphicsEllipseItem* altered;
+    QGraphicsEllipseItem* selected;
+    QGraphicsEllipseItem* glow;
+    QGraphicsEllipseItem* main;
+    QGraphicsEllipseItem* hold;
+};
+Circles circlesOf(const OrloBallWidget* ball);
+QList<OrloStrutWidget*> struts(const OrloView& view);
+/// In the direction of the tree or link; null: none.
+OrloStrutWidget* strutBetween(const OrloView& view, const char* from, const char* to);
+/// The ball's centre on the viewport.
+QPoint centreOf(const OrloView& view, const char* path);
+
+/// One click of the mouse on the view, at this point of the viewport.
+void click(OrloView& view, QPoint point, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+           Qt::MouseButton button = Qt::LeftButton);
+void mouse(OrloView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
+           Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+} // namespace scene
+
+/// Gives every geometry constant its value back.
+class GeometryKeeper
+{
+public:
+    GeometryKeeper();
+    ~GeometryKeeper();
+    GeometryKeeper(const GeometryKeeper&) = delete;
+    GeometryKeeper& operator=(const GeometryKeeper&) = delete;
+
+private:
+    QList<int> mValues;
+};
