@@ -1,6 +1,7 @@
 #include "sound/PaAudioOutput.h"
 
 #include "app/DebugLog.h"
+#include "sound/BoundedCall.h"
 #include "sound/FloatMode.h"
 #include "sound/PdPlayer.h"
 
@@ -18,6 +19,9 @@ constexpr double PREFERRED_RATE = 44100.0; // Hz
 constexpr unsigned long PD_BLOCK_SHIFT = 6; // 64 frames a tick
 // A fade is one block; a callback that does not come is not waited for.
 constexpr qint64 LONGEST_FADE_MS = 250;
+// Far longer than a healthy sound system takes.
+constexpr std::chrono::seconds LONGEST_CALL{3};
+constexpr std::chrono::seconds LONGEST_START{15};
 
 /// Between the two, how far the gain is at frame i of `frames`.
 float rampAt(float from, float to, unsigned long i, unsigned long frames)
@@ -44,7 +48,8 @@ PaAudioOutput::PaAudioOutput(QObject* parent)
 PaAudioOutput::~PaAudioOutput()
 {
     // A start-up that failed half way does not come through term().
-    term();
+    if (mInitialised)
+        term();
 }
 
 void PaAudioOutput::report(const char* call, int error)
@@ -58,8 +63,14 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
              << QThread::currentThreadId();
     setFramesPerBuffer(framesPerBuffer);
     setPlayer(player);
-    if (const PaError error = Pa_Initialize(); error != paNoError) {
-        report("Pa_Initialize", error);
+    const auto error = std::make_shared<PaError>(paNoError);
+    if (!BoundedCall::run([error](BoundedCall::Ticket&) { *error = Pa_Initialize(); }, LONGEST_START)) {
+        qCritical() << "The sound system does not answer: Pa_Initialize was given up.";
+        mGaveUp = true;
+        return false;
+    }
+    if (*error != paNoError) {
+        report("Pa_Initialize", *error);
         return false;
     }
     mInitialised = true;
@@ -72,14 +83,19 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
 
 void PaAudioOutput::term()
 {
-    if (!mInitialised)
-        return;
     qWarning() << "PaAudioOutput::term...";
     closeDevice();
-    qWarning() << "Calling Pa_Terminate...";
-    if (const PaError error = Pa_Terminate(); error != paNoError)
-        report("Pa_Terminate", error);
+    if (!mInitialised)
+        return;
     mInitialised = false;
+    if (mGaveUp)
+        return;
+    qWarning() << "Calling Pa_Terminate...";
+    const auto error = std::make_shared<PaError>(paNoError);
+    if (!BoundedCall::run([error](BoundedCall::Ticket&) { *error = Pa_Terminate(); }, LONGEST_CALL))
+        qCritical() << "The sound system does not answer: Pa_Terminate was given up.";
+    else if (*error != paNoError)
+        report("Pa_Terminate", *error);
 }
 
 QStringList PaAudioOutput::devices() const
@@ -180,6 +196,41 @@ bool PaAudioOutput::findSampleRate(const PaStreamParameters& parameters, double&
     return true;
 }
 
+/// Opens and starts a stream; the callback may run before this returns.
+struct PaAudioOutput::OpenJob
+{
+    PaStreamParameters parameters{};
+    double sampleRate = 0.0;
+    unsigned long frames = 0;
+    std::shared_ptr<StreamContext> context;
+
+    PaStream* stream = nullptr;
+    PaStreamInfo info{};
+    bool opened = false;
+    PaError error = paNoError;
+    std::atomic<const char*> call = "Pa_OpenStream"; // the one under way, or the one that failed
+
+    void run(BoundedCall::Ticket& ticket)
+    {
+        error = Pa_OpenStream(&stream, nullptr, &parameters, sampleRate, frames, paNoFlag,
+                              &PaAudioOutput::portAudioCallback, context.get());
+        if (error == paNoError) {
+            opened = true;
+            if (const PaStreamInfo* streamInfo = Pa_GetStreamInfo(stream))
+                info = *streamInfo;
+            call = "Pa_StartStream";
+            error = Pa_StartStream(stream);
+        } else {
+            stream = nullptr;
+        }
+        const bool inTime = ticket.finish();
+        if (stream && (error != paNoError || !inTime)) {
+            Pa_CloseStream(stream);
+            stream = nullptr;
+        }
+    }
+};
+
 bool PaAudioOutput::openStream(int paIndex, int index)
 {
     const PaDeviceInfo* device = Pa_GetDeviceInfo(paIndex);
@@ -197,79 +248,98 @@ bool PaAudioOutput::openStream(int paIndex, int index)
                << "channel count:" << CHANNELS;
     player()->initAudio(CHANNELS, static_cast<int>(sampleRate));
 
-    PaError error = Pa_OpenStream(&mStream, nullptr, &parameters, sampleRate,
-                                  static_cast<unsigned long>(framesPerBuffer()), paNoFlag,
-                                  &PaAudioOutput::portAudioCallback, this);
-    if (error != paNoError) {
-        mStream = nullptr;
-        report("Pa_OpenStream", error);
+    const auto job = std::make_shared<OpenJob>();
+    job->parameters = parameters;
+    job->sampleRate = sampleRate;
+    job->frames = static_cast<unsigned long>(framesPerBuffer());
+    job->context = std::make_shared<StreamContext>();
+    job->context->output = this;
+    if (!BoundedCall::run([job](BoundedCall::Ticket& ticket) { job->run(ticket); }, LONGEST_CALL)) {
+        job->context->retired = true;
+        giveStreamUp(job->call);
         return false;
     }
-    if (const PaStreamInfo* info = Pa_GetStreamInfo(mStream))
-        qWarning() << "PaStream opened with output latency" << info->outputLatency << "and sample rate"
-                   << info->sampleRate;
-    error = Pa_StartStream(mStream);
-    if (error != paNoError) {
-        report("Pa_StartStream", error);
-        Pa_CloseStream(mStream);
-        mStream = nullptr;
+    if (job->opened)
+        qWarning() << "PaStream opened with output latency" << job->info.outputLatency << "and sample rate"
+                   << job->info.sampleRate;
+    if (job->error != paNoError) {
+        report(job->call, job->error);
         return false;
     }
+    mStream = job->stream;
+    mContext = job->context;
     qWarning() << "PaStream started";
     return true;
+}
+
+void PaAudioOutput::giveStreamUp(const char* call)
+{
+    qCritical().noquote() << QStringLiteral("The sound device does not answer: %1 was given up. Choose another device.")
+                                 .arg(QLatin1StringView(call));
+    mGaveUp = true;
 }
 
 bool PaAudioOutput::closeDevice()
 {
     if (!mStream)
         return true;
+    struct CloseJob
+    {
+        PaStream* stream;
+        std::shared_ptr<StreamContext> context; // kept as long as its callback may run
+        PaError stopError = paNoError;
+        PaError closeError = paNoError;
+    };
+    const auto job = std::make_shared<CloseJob>(CloseJob{mStream, mContext});
     qWarning() << "Stopping stream...";
-    if (const PaError error = Pa_StopStream(mStream); error != paNoError)
-        report("Pa_StopStream", error);
-    qWarning() << "Closing stream...";
-    const PaError error = Pa_CloseStream(mStream);
+    const bool answered = BoundedCall::run(
+        [job](BoundedCall::Ticket&) {
+            job->stopError = Pa_StopStream(job->stream);
+            job->closeError = Pa_CloseStream(job->stream);
+        },
+        LONGEST_CALL);
+    mContext->retired = true;
     mStream = nullptr;
+    mContext.reset();
+    if (!answered) {
+        giveStreamUp("Pa_StopStream");
+        setSelectedDevice(-1);
+        return true;
+    }
+    if (job->stopError != paNoError)
+        report("Pa_StopStream", job->stopError);
+    qWarning() << "Closing stream...";
     setSelectedDevice(-1);
-    if (error != paNoError)
-        report("Pa_CloseStream", error);
-    return error != paUnanticipatedHostError;
+    if (job->closeError != paNoError)
+        report("Pa_CloseStream", job->closeError);
+    return job->closeError != paUnanticipatedHostError;
 }
 
 // ---------------------------------------------------------------- mute
 
 void PaAudioOutput::muteOutput()
 {
-    mMute.store(Mute::FadingOut);
+    mMuted = true;
     QElapsedTimer timer;
     timer.start();
-    while (mStream && mMute.load() == Mute::FadingOut && timer.elapsed() < LONGEST_FADE_MS)
+    while (mStream && !mSilent && timer.elapsed() < LONGEST_FADE_MS)
         QThread::msleep(1);
-    mMute.store(Mute::On);
 }
 
 void PaAudioOutput::unmuteOutput()
 {
-    mMute.store(Mute::FadingIn);
+    mMuted = false;
 }
 
 void PaAudioOutput::applyMute(float* output, unsigned long frames)
 {
-    Mute mute = mMute.load(std::memory_order_relaxed);
-    switch (mute) {
-    case Mute::Off:
-        break;
-    case Mute::FadingOut:
-        applyRamp(output, frames, 1.0F, 0.0F);
-        mMute.compare_exchange_strong(mute, Mute::On);
-        break;
-    case Mute::On:
+    const float gain = mMuted ? 0.0F : 1.0F;
+    if (gain != mGain)
+        applyRamp(output, frames, mGain, gain);
+    else if (gain == 0.0F)
         std::memset(output, 0, frames * CHANNELS * sizeof(float));
-        break;
-    case Mute::FadingIn:
-        applyRamp(output, frames, 0.0F, 1.0F);
-        mMute.compare_exchange_strong(mute, Mute::Off);
-        break;
-    }
+    mGain = gain;
+    mSilent = gain == 0.0F;
 }
 
 // ---------------------------------------------------------------- the callback
@@ -295,6 +365,10 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
 int PaAudioOutput::portAudioCallback(const void*, void* output, unsigned long frames,
                                      const PaStreamCallbackTimeInfo*, PaStreamCallbackFlags, void* userData)
 {
-    static_cast<PaAudioOutput*>(userData)->renderBlock(static_cast<float*>(output), frames);
+    const auto* context = static_cast<StreamContext*>(userData);
+    if (context->retired.load(std::memory_order_acquire))
+        std::memset(output, 0, frames * CHANNELS * sizeof(float));
+    else
+        context->output->renderBlock(static_cast<float*>(output), frames);
     return paContinue;
 }

@@ -7,9 +7,14 @@
 #include <portaudio.h>
 
 #include <atomic>
+#include <memory>
 
 /// The sound device on PortAudio: two output channels, no input. Its callback is the clock of the
 /// whole sound engine.
+///
+/// A sound server that was killed or frozen keeps PortAudio waiting for minutes. Calls that reach
+/// it are bounded: after a few seconds the stream is given up, its callback retired, and the
+/// program goes on without sound until another device is chosen.
 class PaAudioOutput : public AudioOutput
 {
     Q_OBJECT
@@ -39,17 +44,28 @@ public:
                                  void* userData);
 
 private:
-    /// The mute runs through a block of fading either way, so that it does not click.
-    enum class Mute { Off, FadingOut, On, FadingIn };
+    /// What a stream's callback is given. It outlives this object if the stream was given up.
+    struct StreamContext
+    {
+        PaAudioOutput* output;
+        std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
+    };
+    struct OpenJob;
 
     static void report(const char* call, int error);
+    void giveStreamUp(const char* call);
     int paIndexOf(int& index) const;
     bool findSampleRate(const PaStreamParameters& parameters, double& sampleRate);
     bool openStream(int paIndex, int index);
     void applyMute(float* output, unsigned long frames);
 
     PaStream* mStream = nullptr;
+    std::shared_ptr<StreamContext> mContext;
     bool mInitialised = false;
+    bool mGaveUp = false; // a call is still inside PortAudio, which cannot be ended then
     mutable QHash<int, int> mDeviceMap; // device list index to PortAudio's
-    std::atomic<Mute> mMute{Mute::Off};
+    std::atomic<bool> mMuted{false};
+    // Either way the mute fades over one block, so that it does not click.
+    float mGain = 1.0F;               // [audio] at the end of the last block
+    std::atomic<bool> mSilent{false}; // that it has reached 0
 };

@@ -28,25 +28,27 @@ void PatchHandOver::leaveBlock()
     giveEngineBack();
 }
 
-void PatchHandOver::finish()
+void PatchHandOver::finish(Change change)
 {
-    mDone = true;
+    if (change == mAwaited)
+        mAwaited = Change::None;
     mCondition.wakeAll();
 }
 
-bool PatchHandOver::request(const std::function<void()>& queue, const std::function<void()>& drain)
+bool PatchHandOver::request(Change change, const std::function<void()>& queue,
+                            const std::function<void()>& drain)
 {
     QMutexLocker locker(&mMutex);
-    mDone = false;
+    mAwaited = change;
     std::uint64_t queuedAt = blocks();
     queue();
 
     std::uint64_t lastSeen = queuedAt;
     QElapsedTimer sinceLastBlock;
     sinceLastBlock.start();
-    while (!mDone) {
+    while (mAwaited != Change::None) {
         mCondition.wait(&mMutex, POLL_MS);
-        if (mDone)
+        if (mAwaited == Change::None)
             break;
         if (const std::uint64_t now = blocks(); now != lastSeen) {
             lastSeen = now;
@@ -71,7 +73,7 @@ bool PatchHandOver::request(const std::function<void()>& queue, const std::funct
         drain();
         giveEngineBack();
         locker.relock();
-        if (!mDone) {
+        if (mAwaited != Change::None) {
             queue(); // the ring was full and has been drained now
             queuedAt = blocks();
         }

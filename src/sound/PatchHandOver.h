@@ -4,7 +4,6 @@
 #include <QWaitCondition>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
 
 /// Hands a patch over between the graphical and the audio thread, and settles which of them runs
@@ -18,22 +17,26 @@
 class PatchHandOver
 {
 public:
+    enum class Change { None, Open, Close };
+
     /// [audio] Effect: counts the block and claims the engine. False when the graphical thread has
     /// it: write silence and return. Never blocks.
     bool enterBlock();
     /// [audio]
     void leaveBlock();
 
-    /// [audio] Taken around opening and closing a patch, and nowhere else.
+    /// [audio] Taken around opening and closing a patch, and nowhere else. [gui] Guards what is
+    /// handed over, for a moment.
     void lock() { mMutex.lock(); }
-    /// [audio] Wakes the waiting thread; call while locked.
-    void finish();
+    /// [audio] Wakes the waiting thread if this is the change it waits for: a physical device can
+    /// name both events too. Call while locked.
+    void finish(Change change);
     void unlock() { mMutex.unlock(); }
 
     /// [gui] Calls `queue` to send the event, and waits. `drain` runs the engine's pending events
     /// on this thread; it is called only while no callback comes. False when the callback is inside
     /// a block that does not end (a patch that loops for ever).
-    bool request(const std::function<void()>& queue, const std::function<void()>& drain);
+    bool request(Change change, const std::function<void()>& queue, const std::function<void()>& drain);
 
     /// [gui] Runs `work` while no block runs. False, without running it, when a block does not end.
     bool runBetweenBlocks(const std::function<void()>& work);
@@ -47,7 +50,7 @@ private:
 
     QMutex mMutex;
     QWaitCondition mCondition;
-    bool mDone = false; // guarded by the mutex
+    Change mAwaited = Change::None; // guarded by the mutex; None once it is done
     std::atomic<bool> mEngineTaken{false};
     std::atomic<std::uint64_t> mBlocks{0};
 };

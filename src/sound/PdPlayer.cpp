@@ -402,8 +402,10 @@ void PdPlayer::onVoiceStopped(int index)
 
 void PdPlayer::allNotesOff(bool force)
 {
-    // noteOff changes no entry of the map, only the voices it points to.
-    for (const Voice* voice : std::as_const(mVoices.noteMap)) {
+    // A shared copy, which costs nothing: a patch without a release reports its voices' end at
+    // once, and that takes entries out of the map.
+    const QHash<OrloRatio, Voice*> entries = mVoices.noteMap;
+    for (const Voice* voice : entries) {
         if (force || !heldNodes.contains(voice->ratio))
             noteOff(voice->ratio);
     }

@@ -222,7 +222,8 @@ private:
     void* mInfoBinding = nullptr;
     void* mStopBinding = nullptr;
     bool mQuerying = false;
-    // Set by loadPatch before the event; the audio thread clears the flag when the patch is open.
+    // Guarded by the hand-over's lock. Set by loadPatch before the event; the audio thread clears
+    // the flag when the patch is open.
     QByteArray mPatchFileName;
     QByteArray mPatchDirectory;
     bool mPatchPending = false;

@@ -83,23 +83,21 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
     const QByteArray fileName = QFile::encodeName(file.fileName());
     const QByteArray directory = QFile::encodeName(file.absolutePath());
     const OrloEvent open(OrloEvent::PatchOpen, 0.0F);
-    // Everything that the audio thread reads of it is set between blocks, before the event.
-    if (!mHandOver.runBetweenBlocks([&] {
-            mPatchFileName = fileName;
-            mPatchDirectory = directory;
-            mPatchPending = true;
-        }))
-        return false;
+    mHandOver.lock();
+    mPatchFileName = fileName;
+    mPatchDirectory = directory;
+    mPatchPending = true;
+    mHandOver.unlock();
     qDebug() << "GUI waiting for audio thread to load patch";
-    const bool answered = mHandOver.request([&] { queueEventGui(&open); }, [this] { processEvents(); });
+    const bool answered = mHandOver.request(
+        PatchHandOver::Change::Open, [&] { queueEventGui(&open); }, [this] { processEvents(); });
     qDebug() << "GUI woke up after loading patch";
     QThread::msleep(HAND_OVER_PAUSE_MS);
 
-    bool opened = false;
-    mHandOver.runBetweenBlocks([&] {
-        opened = answered && !mPatchPending;
-        mPatchPending = false;
-    });
+    mHandOver.lock();
+    const bool opened = answered && !mPatchPending;
+    mPatchPending = false;
+    mHandOver.unlock();
     if (opened)
         emit patchLoaded(file.absoluteFilePath());
     return opened;
@@ -117,7 +115,8 @@ void PdPlayer::unloadPatch()
 
     const OrloEvent close(OrloEvent::PatchClose, 0.0F);
     qDebug() << "GUI waiting for audio thread to unload patch";
-    mHandOver.request([&] { queueEventGui(&close); }, [this] { processEvents(); });
+    mHandOver.request(
+        PatchHandOver::Change::Close, [&] { queueEventGui(&close); }, [this] { processEvents(); });
     qDebug() << "GUI sleep after unload patch";
     QThread::msleep(HAND_OVER_PAUSE_MS);
     if (output)
@@ -132,7 +131,7 @@ void PdPlayer::openPatch()
     // A physical device can name this event too; then there is nothing to open.
     if (mPatchPending && !mPatch && openPatchLocked())
         mPatchPending = false;
-    mHandOver.finish();
+    mHandOver.finish(PatchHandOver::Change::Open);
     mHandOver.unlock();
 }
 
@@ -178,7 +177,7 @@ void PdPlayer::closePatch()
         emit macroNamesReceived(mMacroNames);
         mMacroDefaults.clear();
     }
-    mHandOver.finish();
+    mHandOver.finish(PatchHandOver::Change::Close);
     mHandOver.unlock();
 }
 

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+
+/// Runs calls into a sound system on a thread of their own and waits for them only so long. A
+/// server that was killed or frozen keeps some calls waiting for minutes, and the graphical thread
+/// must not wait with them.
+namespace BoundedCall {
+
+/// How a call stands that may be given up.
+class Ticket
+{
+public:
+    /// The call, at its end. False when it was given up meanwhile: clean up what was made.
+    bool finish();
+    /// The waiting side. False when the call has finished after all.
+    bool giveUp();
+
+private:
+    enum class State { Running, Finished, GivenUp };
+    std::atomic<State> mState{State::Running};
+};
+
+/// Effect: calls `call` on another thread. True when it ended within `limit`; false leaves it to
+/// itself, so it must own all that it touches and end with Ticket::finish.
+bool run(const std::function<void(Ticket&)>& call, std::chrono::milliseconds limit);
+
+} // namespace BoundedCall

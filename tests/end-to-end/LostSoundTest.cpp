@@ -1,0 +1,36 @@
+#include "end-to-end/PlayingFixture.h"
+#include "end-to-end/Waiting.h"
+
+// What happens when the sound device goes away or stands still under the running program.
+
+TEST_F(PlayingFixture, EndsInOrderAfterTheSoundServerDied)
+{
+    start();
+    ASSERT_TRUE(program->click(screen->ball("/")));
+    ASSERT_TRUE(soundsAt(ROOT));
+    desk.killSound();
+    // The keys still work: what changes here is saved.
+    ASSERT_TRUE(program->type(QStringLiteral("f")));
+    EXPECT_EQ(program->quit(), 0);
+    EXPECT_TRUE(options()[QStringLiteral("circlesView")].toBool());
+}
+
+TEST_F(PlayingFixture, ChangesThePatchWhileTheSoundServerStandsStill)
+{
+    start();
+    ASSERT_TRUE(program->click(screen->ball("/")));
+    ASSERT_TRUE(soundsAt(ROOT));
+    desk.freezeSound();
+    const auto openings = [this] { return log().count(QStringLiteral("Opening PD patch: ")); };
+    const auto before = openings();
+    ASSERT_TRUE(program->type(QStringLiteral("ctrl+1")));
+    EXPECT_TRUE(waitUntil([&] { return openings() > before; }));
+    EXPECT_TRUE(log().contains(QStringLiteral("No audio stream is running")));
+    desk.thawSound();
+
+    // It plays on. The change of patch ended the note.
+    ASSERT_TRUE(recorder->waitForSilence());
+    ASSERT_TRUE(program->click(screen->ball("/3")));
+    EXPECT_TRUE(recorder->waitForSound());
+    EXPECT_EQ(program->quit(), 0);
+}

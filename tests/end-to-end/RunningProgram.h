@@ -1,0 +1,56 @@
+#pragma once
+
+#include "end-to-end/VirtualDesk.h"
+
+#include <QPoint>
+#include <QProcess>
+#include <QStringList>
+
+#include <optional>
+
+/// The real executable on a desk, with the test's home. Played by real pointer and key events;
+/// points are in its window. Killed when this object goes and it still runs.
+class RunningProgram
+{
+public:
+    /// Beside the test's own executable.
+    static QString executable();
+
+    explicit RunningProgram(VirtualDesk& desk, const QStringList& arguments = {},
+                            const QString& executable = RunningProgram::executable());
+    ~RunningProgram();
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    /// The main window is there and has the keys. False too when the program ended before.
+    bool waitForWindow();
+    /// The box in which the program tells of a failure.
+    bool waitForBox();
+    bool hasBox() const;
+    /// Inside, on the screen; empty when the window is not there.
+    QRect place() const;
+
+    /// Waits until the window is there.
+    bool moveTo(const QRect& place);
+    /// One click. The pointer leaves afterwards, so that two of them never are a double click.
+    bool click(QPoint point);
+    bool doubleClick(QPoint point);
+    bool type(const QString& keys);
+    /// Return on the box.
+    bool confirmBox();
+
+    bool isRunning() const { return mProcess.state() != QProcess::NotRunning; }
+    /// The window's close button.
+    void requestClose();
+    /// Empty when it does not end by itself, or ends by a signal.
+    std::optional<int> waitForExit(int longestMs = 20000);
+    /// Both of them.
+    std::optional<int> quit();
+    qint64 processId() const { return mProcess.processId(); }
+
+private:
+    bool press(QPoint point, const QStringList& how);
+
+    VirtualDesk& mDesk;
+    QProcess mProcess;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+/// What a recording holds. All frequencies in Hz, all rates in frames per second.
+namespace tone {
+
+/// Root mean square.
+double level(std::span<const float> recording);
+
+/// Of the partial at this frequency; tones beside it that are 90 Hz or more away do not count.
+/// The median over short windows, so a few missing blocks do not count either.
+double amplitudeAt(std::span<const float> recording, double frequency, double rate);
+
+/// The frequency of a recording of one sine, to a few thousandths of a cent: the median over the
+/// windows that hold a sine and nothing else. Empty when fewer than a third of them do.
+std::optional<double> pitch(std::span<const float> recording, double rate);
+
+double centsBetween(double frequency, double reference);
+
+} // namespace tone

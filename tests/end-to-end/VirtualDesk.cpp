@@ -1,0 +1,190 @@
+#include "end-to-end/VirtualDesk.h"
+
+#include "end-to-end/Waiting.h"
+
+#include <jack/jack.h>
+#include <xcb/xcb.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+
+struct FreeReply
+{
+    void operator()(void* reply) const { std::free(reply); }
+};
+template <class Reply>
+using ReplyPointer = std::unique_ptr<Reply, FreeReply>;
+
+/// A test that is killed must not leave its servers behind.
+void endWithTest(QProcess& process)
+{
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+}
+
+void stop(QProcess& process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    ::kill(static_cast<pid_t>(process.processId()), SIGCONT);
+    process.terminate();
+    if (!process.waitForFinished(5000)) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+}
+
+} // namespace
+
+VirtualDesk::VirtualDesk()
+    : mSoundServer(QStringLiteral("orlo-test-%1").arg(::getpid()))
+    , mEnvironment(QProcessEnvironment::systemEnvironment())
+{
+    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "QT_SCALE_FACTOR", "QT_STYLE_OVERRIDE",
+                             "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI", "QT_LOGGING_RULES"})
+        mEnvironment.remove(QLatin1StringView(name));
+    mEnvironment.insert(QStringLiteral("JACK_DEFAULT_SERVER"), mSoundServer);
+    mEnvironment.insert(QStringLiteral("JACK_NO_START_SERVER"), QStringLiteral("1"));
+    // Without its configuration ALSA has no device, so JACK's is the default one.
+    mEnvironment.insert(QStringLiteral("ALSA_CONFIG_PATH"), QStringLiteral("/dev/null"));
+    // libjack writes on standard error otherwise, whenever it looks for a server.
+    jack_set_error_function([](const char*) {});
+    jack_set_info_function([](const char*) {});
+    startScreen();
+    if (mScreen)
+        startSound();
+}
+
+VirtualDesk::~VirtualDesk()
+{
+    if (mScreen)
+        xcb_disconnect(mScreen);
+    stop(mJackServer);
+    stop(mScreenServer);
+}
+
+void VirtualDesk::startScreen()
+{
+    endWithTest(mScreenServer);
+    mScreenServer.setStandardErrorFile(QProcess::nullDevice());
+    mScreenServer.start(QStringLiteral("Xvfb"),
+                        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                         QStringLiteral("0"), QStringLiteral("1280x800x24"), QStringLiteral("-noreset"),
+                         QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    const auto hasNumber = [this] { return mScreenServer.canReadLine(); };
+    if (!mScreenServer.waitForStarted() || !waitUntil(hasNumber))
+        return;
+    const QByteArray display = ':' + mScreenServer.readLine().trimmed();
+    mEnvironment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display));
+    mScreen = xcb_connect(display.constData(), nullptr);
+    if (xcb_connection_has_error(mScreen) != 0) {
+        xcb_disconnect(mScreen);
+        mScreen = nullptr;
+    }
+}
+
+void VirtualDesk::startSound()
+{
+    endWithTest(mJackServer);
+    mJackServer.setStandardOutputFile(QProcess::nullDevice());
+    mJackServer.setStandardErrorFile(QProcess::nullDevice());
+    // Few ports: each reserves memory in every client.
+    mJackServer.start(QStringLiteral("jackd"),
+                      {QStringLiteral("-n"), mSoundServer, QStringLiteral("-r"), QStringLiteral("-p"),
+                       QStringLiteral("128"), QStringLiteral("-d"), QStringLiteral("dummy"), QStringLiteral("-r"),
+                       QString::number(SAMPLE_RATE), QStringLiteral("-p"), QString::number(BLOCK)});
+    const QByteArray server = mSoundServer.toLatin1();
+    const auto answers = [&server] {
+        jack_client_t* client = jack_client_open(
+            "looking", static_cast<jack_options_t>(JackNoStartServer | JackServerName), nullptr, server.constData());
+        if (client)
+            jack_client_close(client);
+        return client != nullptr;
+    };
+    if (!mJackServer.waitForStarted() || !waitUntil(answers)) {
+        xcb_disconnect(mScreen);
+        mScreen = nullptr;
+    }
+}
+
+// ---------------------------------------------------------------- the screen
+
+quint32 VirtualDesk::atom(const char* name) const
+{
+    const ReplyPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        mScreen, xcb_intern_atom(mScreen, 0, static_cast<uint16_t>(qstrlen(name)), name), nullptr));
+    return reply ? reply->atom : 0;
+}
+
+std::optional<VirtualDesk::Window> VirtualDesk::window(const QString& title) const
+{
+    // Without a window manager every window of a program is a child of the root.
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(mScreen)).data->root;
+    const ReplyPointer<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(mScreen, xcb_query_tree(mScreen, root), nullptr));
+    if (!tree)
+        return std::nullopt;
+    const quint32 nameAtom = atom("_NET_WM_NAME");
+    const quint32 textAtom = atom("UTF8_STRING");
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+        const xcb_window_t id = children[i];
+        const ReplyPointer<xcb_get_property_reply_t> name(xcb_get_property_reply(
+            mScreen, xcb_get_property(mScreen, 0, id, nameAtom, textAtom, 0, 256), nullptr));
+        const ReplyPointer<xcb_get_window_attributes_reply_t> look(
+            xcb_get_window_attributes_reply(mScreen, xcb_get_window_attributes(mScreen, id), nullptr));
+        const ReplyPointer<xcb_get_geometry_reply_t> place(
+            xcb_get_geometry_reply(mScreen, xcb_get_geometry(mScreen, id), nullptr));
+        if (!name || !look || !place || look->map_state != XCB_MAP_STATE_VIEWABLE)
+            continue;
+        const auto* text = static_cast<const char*>(xcb_get_property_value(name.get()));
+        if (QString::fromUtf8(text, xcb_get_property_value_length(name.get())) == title)
+            return Window{id, QRect(place->x, place->y, place->width, place->height)};
+    }
+    return std::nullopt;
+}
+
+void VirtualDesk::requestClose(const Window& window) const
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window.id;
+    event.type = atom("WM_PROTOCOLS");
+    event.data.data32[0] = atom("WM_DELETE_WINDOW");
+    event.data.data32[1] = XCB_CURRENT_TIME;
+    xcb_send_event(mScreen, 0, window.id, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
+    xcb_flush(mScreen);
+}
+
+bool VirtualDesk::act(const QStringList& words) const
+{
+    QProcess xdotool;
+    xdotool.setProcessEnvironment(mEnvironment);
+    xdotool.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    xdotool.start(QStringLiteral("xdotool"), words);
+    return xdotool.waitForFinished() && xdotool.exitStatus() == QProcess::NormalExit && xdotool.exitCode() == 0;
+}
+
+// ---------------------------------------------------------------- the sound server
+
+void VirtualDesk::killSound()
+{
+    mJackServer.kill();
+    mJackServer.waitForFinished(5000);
+}
+
+void VirtualDesk::freezeSound()
+{
+    ::kill(static_cast<pid_t>(mJackServer.processId()), SIGSTOP);
+}
+
+void VirtualDesk::thawSound()
+{
+    ::kill(static_cast<pid_t>(mJackServer.processId()), SIGCONT);
+}

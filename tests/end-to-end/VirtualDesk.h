@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QPoint>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+struct xcb_connection_t;
+
+/// A screen and a sound device of one test's own: an X server without a window manager and a JACK
+/// server with its dummy driver. Both end with this object, or with the test's process.
+class VirtualDesk
+{
+public:
+    struct Window
+    {
+        quint32 id = 0;
+        QRect place; // of what is inside, on the screen
+    };
+
+    static constexpr int SAMPLE_RATE = 44100;
+    static constexpr int BLOCK = 256; // frames
+
+    VirtualDesk();
+    ~VirtualDesk();
+    VirtualDesk(const VirtualDesk&) = delete;
+    VirtualDesk& operator=(const VirtualDesk&) = delete;
+
+    /// Both servers came up.
+    bool isReady() const { return mScreen != nullptr; }
+    /// For a program that runs on this desk: the test's own, without what would lead it elsewhere.
+    const QProcessEnvironment& environment() const { return mEnvironment; }
+    const QString& soundServer() const { return mSoundServer; }
+
+    /// The window of this title that is on the screen.
+    std::optional<Window> window(const QString& title) const;
+    /// What a window manager sends when the close button is pressed.
+    void requestClose(const Window& window) const;
+    /// Real pointer and key events, by an xdotool command line.
+    bool act(const QStringList& words) const;
+
+    void killSound();
+    void freezeSound();
+    void thawSound();
+
+private:
+    void startScreen();
+    void startSound();
+    quint32 atom(const char* name) const;
+
+    QProcess mScreenServer;
+    QProcess mJackServer;
+    xcb_connection_t* mScreen = nullptr;
+    QString mSoundServer;
+    QProcessEnvironment mEnvironment;
+};
