@@ -170,8 +170,8 @@ TEST_F(ViewZoom, TheSecondFingerMayComeLater)
 TEST_F(ViewZoom, ThreeFingersDoNothing)
 {
     const double fit = view.fitScale();
-    QTest::touchEvent(&view, device).press(0, left(100), &view).press(1, right(100), &view).press(2, centre, &view);
-    QTest::touchEvent(&view, device).release(0, left(400), &view).release(1, right(400), &view).release(2, centre, &view);
+    QTest::touchEvent(&view, device).press(0, left(100)).press(1, right(100)).press(2, centre);
+    QTest::touchEvent(&view, device).release(0, left(400)).release(1, right(400)).release(2, centre);
     EXPECT_DOUBLE_EQ(shown(), fit);
     EXPECT_TRUE(drain().isEmpty());
 }
