@@ -11,9 +11,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTextStream>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -31,6 +34,16 @@ std::nullptr_t setNames()
 QString mainPatchName(int voices)
 {
     return QStringLiteral("orlo_main_%1voice.pd").arg(voices);
+}
+
+/// False for a place on a screen that was taken away since.
+bool isOnAScreen(const QPoint& windowPos)
+{
+    constexpr QSize reachable(100, 30); // enough of a title bar to drag
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    return std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
+        return screen->availableGeometry().intersects(QRect(windowPos, reachable));
+    });
 }
 
 /// "src/sound/PdPlayer.cpp" is "PdPlayer"; empty for a name without a separator.
@@ -293,7 +306,7 @@ void TuningOrloApplication::syncFromSettings()
 {
     if (mSettings.windowSize != QSize(-1, -1))
         mMainWindow->resize(mSettings.windowSize);
-    if (mSettings.windowPos != QPoint(-1, -1))
+    if (mSettings.windowPos != QPoint(-1, -1) && isOnAScreen(mSettings.windowPos))
         mMainWindow->move(mSettings.windowPos);
     if (mSettings.windowMaximized)
         mMainWindow->showMaximized();

@@ -15,6 +15,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
 #include <QThread>
@@ -99,6 +100,8 @@ MainWindow::MainWindow(Orlo* orlo)
     onTransposeChanged();
     ui->transposeWidget->highlight(mHighlightedRow, true);
 
+    // A small or finely scaled screen may be lower than the form.
+    resize(size().boundedTo(screen()->availableGeometry().size()));
     activateWindow();
     setFocusPolicy(Qt::StrongFocus);
     setFocus();
