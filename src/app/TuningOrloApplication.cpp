@@ -138,6 +138,8 @@ bool TuningOrloApplication::init()
     syncFromSettings();
     startAutosave();
     mLicensing.check();
+    if (mTerminationSignals.wasAsked())
+        QMetaObject::invokeMethod(this, &QCoreApplication::quit, Qt::QueuedConnection);
     return true;
 }
 
@@ -305,7 +307,7 @@ void TuningOrloApplication::applyRestrictions(bool restricted)
 void TuningOrloApplication::syncFromSettings()
 {
     if (mSettings.windowSize != QSize(-1, -1))
-        mMainWindow->resize(mSettings.windowSize);
+        mMainWindow->resize(mSettings.windowSize.boundedTo(primaryScreen()->availableVirtualSize()));
     if (mSettings.windowPos != QPoint(-1, -1) && isOnAScreen(mSettings.windowPos))
         mMainWindow->move(mSettings.windowPos);
     if (mSettings.windowMaximized)
