@@ -105,6 +105,9 @@ MainWindow::MainWindow(Orlo* orlo)
     activateWindow();
     setFocusPolicy(Qt::StrongFocus);
     setFocus();
+    // These take the focus when they are clicked, and would keep the arrow keys with it.
+    for (QPushButton* button : {ui->circlesViewButton, ui->grapesViewButton, ui->expandOrloButton})
+        connect(button, &QPushButton::clicked, this, qOverload<>(&QWidget::setFocus));
 }
 
 MainWindow::~MainWindow() = default;
