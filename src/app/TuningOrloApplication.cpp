@@ -82,7 +82,8 @@ TuningOrloApplication::~TuningOrloApplication()
     mMainWindow.reset();
     qInstallMessageHandler(nullptr);
     // A start-up that failed half way leaves the stream running, and its callback reads the parts.
-    mAudioOutput.term();
+    if (mAudioOutput.selectedDevice() != -1)
+        mAudioOutput.term();
     app::setParts({});
 }
 
