@@ -2,6 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
+#include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
 #include "sound/OrloEvent.h"
 #include "ui/MainWindow.h"
@@ -19,6 +20,7 @@ namespace {
 
 constexpr int AUTOSAVE_INTERVAL_MS = 900000;
 constexpr int DEFAULT_VOICES = 128;
+constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
 
 /// The name must be set before the members are built: the options' defaults name the config
 /// directory, and Qt derives that from the application's name.
@@ -31,6 +33,12 @@ std::nullptr_t setNames()
 QString mainPatchName(int voices)
 {
     return QStringLiteral("orlo_main_%1voice.pd").arg(voices);
+}
+
+/// Carries the chords from one run to the next.
+QString runningChordFile()
+{
+    return TuningOrloApplication::configDirectory() + QStringLiteral("/.temp.btoc");
 }
 
 /// "src/sound/PdPlayer.cpp" is "PdPlayer"; empty for a name without a separator.
@@ -59,6 +67,8 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
                    .player = &mPlayer,
                    .settings = &mSettings,
                    .audioOutput = &mAudioOutput,
+                   .storeAndRecall = &mStoreAndRecall,
+                   .saveAndLoad = &mSaveAndLoad,
                    .connectLattice = &PdPlayer::connectLattice});
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     readLogFilter(argc, argv);
@@ -123,6 +133,7 @@ bool TuningOrloApplication::init()
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
     mMainWindow->show();
     syncFromSettings();
+    loadRunningChords();
     startAutosave();
     mLicensing.check();
     return true;
@@ -332,7 +343,43 @@ void TuningOrloApplication::autoSafe()
 {
     syncToSettings();
     mSettings.save();
+    saveRunningChords();
     qDebug() << "Autosafe called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
+}
+
+// ---------------------------------------------------------------- chords
+
+bool TuningOrloApplication::loadChordsFromDiskToStorage(QDir* file)
+{
+    qWarning() << "Loading chords from " << file->path();
+    try {
+        mSaveAndLoad.getDataFromFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
+    } catch (const ChordFileError& error) {
+        for (const ChordFileError::Part& part : error.parts())
+            qCritical().noquote() << QStringLiteral("The chord file %1 has no ratio in slot %2: \"%3\". The chord ends before it.")
+                                         .arg(file->path()).arg(part.slot).arg(part.text);
+    }
+    return true;
+}
+
+bool TuningOrloApplication::saveStoredChordsToDisk(QDir* file)
+{
+    qWarning() << "Saving stored chords to " << file->path();
+    mSaveAndLoad.saveDataToFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
+    return true;
+}
+
+void TuningOrloApplication::loadRunningChords()
+{
+    QDir file(runningChordFile());
+    loadChordsFromDiskToStorage(&file);
+    mMainWindow->refreshChordButtons();
+}
+
+void TuningOrloApplication::saveRunningChords()
+{
+    QDir file(runningChordFile());
+    saveStoredChordsToDisk(&file);
 }
 
 // ---------------------------------------------------------------- stop
@@ -340,6 +387,7 @@ void TuningOrloApplication::autoSafe()
 void TuningOrloApplication::term()
 {
     syncToSettings();
+    saveRunningChords();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the output: the hand-over of the patch needs its callback
     mAudioOutput.term();
