@@ -4,7 +4,9 @@ class ApplicationServices;
 class AudioOutput;
 class Orlo;
 class PdPlayer;
+class SaveAndLoad;
 class Settings;
+class StoreAndRecall;
 
 /// The one road from any class to the application's parts. Include it in .cpp files only, so
 /// that a header does not drag the whole house behind it.
@@ -21,6 +23,8 @@ struct Parts
     PdPlayer* player = nullptr;
     Settings* settings = nullptr;
     AudioOutput* audioOutput = nullptr;
+    StoreAndRecall* storeAndRecall = nullptr;
+    SaveAndLoad* saveAndLoad = nullptr;
 
     /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so
     /// whoever builds both hands in the connection.
@@ -36,5 +40,7 @@ inline Orlo* orlo() { return parts().orlo; }
 inline PdPlayer* player() { return parts().player; }
 inline Settings* settings() { return parts().settings; }
 inline AudioOutput* audioOutput() { return parts().audioOutput; }
+inline StoreAndRecall* storeAndRecall() { return parts().storeAndRecall; }
+inline SaveAndLoad* saveAndLoad() { return parts().saveAndLoad; }
 
 } // namespace app

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+class QDir;
+
 /// What the application does for the rooms below it, which do not know its class. Graphical thread.
 class ApplicationServices
 {
@@ -12,4 +14,8 @@ public:
     virtual bool loadStyleSheet() = 0;
     /// What a press was meant to do by the mode buttons; nothing reads it.
     virtual void setPressMode(qint16 mode) = 0;
+    /// The chord memory from a chord file, whose path the QDir carries, and into one. Always true:
+    /// what goes wrong is logged, and a ratio that is none does not cost the rest of the file.
+    virtual bool loadChordsFromDiskToStorage(QDir* file) = 0;
+    virtual bool saveStoredChordsToDisk(QDir* file) = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
+#include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
 #include "sound/OrloEvent.h"
 #include "ui/MainWindow.h"
@@ -22,6 +23,7 @@ namespace {
 
 constexpr int AUTOSAVE_INTERVAL_MS = 900000;
 constexpr int DEFAULT_VOICES = 128;
+constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
 
 /// The name must be set before the members are built: the options' defaults name the config
 /// directory, and Qt derives that from the application's name.
@@ -44,6 +46,12 @@ bool isOnAScreen(const QPoint& windowPos)
     return std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
         return screen->availableGeometry().intersects(QRect(windowPos, reachable));
     });
+}
+
+/// Carries the chords from one run to the next.
+QString runningChordFile()
+{
+    return TuningOrloApplication::configDirectory() + QStringLiteral("/.temp.btoc");
 }
 
 /// "src/sound/PdPlayer.cpp" is "PdPlayer"; empty for a name without a separator.
@@ -72,6 +80,8 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
                    .player = &mPlayer,
                    .settings = &mSettings,
                    .audioOutput = &mAudioOutput,
+                   .storeAndRecall = &mStoreAndRecall,
+                   .saveAndLoad = &mSaveAndLoad,
                    .connectLattice = &PdPlayer::connectLattice});
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     readLogFilter(argc, argv);
@@ -137,6 +147,7 @@ bool TuningOrloApplication::init()
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
     mMainWindow->show();
     syncFromSettings();
+    loadRunningChords();
     startAutosave();
     mLicensing.check();
     if (mTerminationSignals.wasAsked())
@@ -348,7 +359,43 @@ void TuningOrloApplication::autoSafe()
 {
     syncToSettings();
     mSettings.save();
+    saveRunningChords();
     qDebug() << "Autosafe called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
+}
+
+// ---------------------------------------------------------------- chords
+
+bool TuningOrloApplication::loadChordsFromDiskToStorage(QDir* file)
+{
+    qWarning() << "Loading chords from " << file->path();
+    try {
+        mSaveAndLoad.getDataFromFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
+    } catch (const ChordFileError& error) {
+        for (const ChordFileError::Part& part : error.parts())
+            qCritical().noquote() << QStringLiteral("The chord file %1 has no ratio in slot %2: \"%3\". The chord ends before it.")
+                                         .arg(file->path()).arg(part.slot).arg(part.text);
+    }
+    return true;
+}
+
+bool TuningOrloApplication::saveStoredChordsToDisk(QDir* file)
+{
+    qWarning() << "Saving stored chords to " << file->path();
+    mSaveAndLoad.saveDataToFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
+    return true;
+}
+
+void TuningOrloApplication::loadRunningChords()
+{
+    QDir file(runningChordFile());
+    loadChordsFromDiskToStorage(&file);
+    mMainWindow->refreshChordButtons();
+}
+
+void TuningOrloApplication::saveRunningChords()
+{
+    QDir file(runningChordFile());
+    saveStoredChordsToDisk(&file);
 }
 
 // ---------------------------------------------------------------- stop
@@ -356,6 +403,7 @@ void TuningOrloApplication::autoSafe()
 void TuningOrloApplication::term()
 {
     syncToSettings();
+    saveRunningChords();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the output: the hand-over of the patch needs its callback
     mAudioOutput.term();

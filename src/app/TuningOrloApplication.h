@@ -4,6 +4,8 @@
 #include "app/Licensing.h"
 #include "app/Settings.h"
 #include "app/TerminationSignals.h"
+#include "memory/SaveAndLoad.h"
+#include "memory/StoreAndRecall.h"
 #include "model/Orlo.h"
 #include "sound/PaAudioOutput.h"
 #include "sound/PdPlayer.h"
@@ -47,6 +49,8 @@ public:
     /// Copies unless the target is at least as new as the source or `overwrite` is set.
     bool copyFile(const QString& src, const QString& dst, bool overwrite);
     bool loadStyleSheet() override;
+    bool loadChordsFromDiskToStorage(QDir* file) override;
+    bool saveStoredChordsToDisk(QDir* file) override;
     /// Puts the main patch and its helpers into the runtime folder.
     bool initPatchFolder();
 
@@ -72,6 +76,8 @@ private:
     void startLog();
     bool startSound();
     bool startFailed(const QString& text);
+    void loadRunningChords();
+    void saveRunningChords();
     void startAutosave();
     void showCritical(const QString& text);
     void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
@@ -84,6 +90,8 @@ private:
     QSet<QString> mLogFilter; // lower-case words
     QFile mLogFile;           // open for the whole run, never rotated
     QMutex mLogMutex;
+    StoreAndRecall mStoreAndRecall{&mPlayer};
+    SaveAndLoad mSaveAndLoad;
     QString mChordPresetsDirectory;
     Licensing mLicensing;
     TerminationSignals mTerminationSignals;

@@ -33,12 +33,6 @@ signed char stepFromValue(float value)
     return static_cast<signed char>(static_cast<int>(inRange));
 }
 
-float glissandoMapping(float rangeCents, float value)
-{
-    return static_cast<float>(std::exp2(static_cast<double>(rangeCents) * 2.0
-                                        * (static_cast<double>(value) - 0.5) / 1200.0));
-}
-
 } // namespace
 
 PdPlayer* PdPlayer::sThis = nullptr;
@@ -53,8 +47,6 @@ PdPlayer::PdPlayer(QObject* parent)
 
 PdPlayer::~PdPlayer()
 {
-    qDeleteAll(alteredParameters);
-    qDeleteAll(soundingParameters);
     if (sThis == this)
         sThis = nullptr;
 }
@@ -95,8 +87,27 @@ void PdPlayer::queueEventFromInterface(QString source, const OrloEvent* event)
 
 void PdPlayer::processEvents()
 {
+    // What the engine toggles by itself runs in the block after the command, whichever ring brought
+    // that; it does not go through the rings, since each has one writer.
+    mToggleNow.swap(mToggleLater);
     drain(serialBuffer);
+    toggleLater();
     drain(guiBuffer);
+    if (mVoicesChanged)
+        mSnapshot.publish(mVoices.noteMap);
+    mVoicesChanged = false;
+}
+
+void PdPlayer::toggleLater()
+{
+    Chunk chunk;
+    chunk.type = OrloEvent::NoteToggleByRatio;
+    chunk.value = 1.0F;
+    for (const OrloRatio& ratio : std::as_const(mToggleNow)) {
+        chunk.ratio = ratio;
+        processChunk(&chunk);
+    }
+    mToggleNow.clear();
 }
 
 void PdPlayer::drain(PdMessageBuffer& buffer)
@@ -115,6 +126,14 @@ PdPlayer::Handler PdPlayer::handlerOf(std::int32_t type)
         table[OrloEvent::AllNotesOff] = &PdPlayer::onAllNotesOff;
         table[OrloEvent::AllNotesOffForced] = &PdPlayer::onAllNotesOffForced;
         table[OrloEvent::NodesDeselectAll] = &PdPlayer::onNodesDeselectAll;
+        for (std::int32_t reset = OrloEvent::NodesResetSelected; reset <= OrloEvent::NodesResetSelectedDeselect; ++reset)
+            table[static_cast<size_t>(reset)] = &PdPlayer::onNodesResetSelected;
+        for (std::int32_t reset = OrloEvent::NodesResetAll; reset <= OrloEvent::NodesResetAllAndControlsDeselect; ++reset)
+            table[static_cast<size_t>(reset)] = &PdPlayer::onNodesResetAll;
+        for (std::int32_t reset = OrloEvent::GlissOneReset; reset <= OrloEvent::GlissBothReset; ++reset)
+            table[static_cast<size_t>(reset)] = &PdPlayer::onGlissReset;
+        table[OrloEvent::NodesToggleAllSelected] = &PdPlayer::onNodesToggleAllSelected;
+        table[OrloEvent::NodesSelectAllSounding] = &PdPlayer::onNodesSelectAllSounding;
         table[OrloEvent::TransposeByPrimeStep] = &PdPlayer::onTransposeByPrimeStep;
         table[OrloEvent::VoiceVolumeAdjust] = &PdPlayer::onVoiceVolumeAdjust;
         table[OrloEvent::VoiceVolumeSet] = &PdPlayer::onVoiceVolumeSet;
@@ -126,9 +145,13 @@ PdPlayer::Handler PdPlayer::handlerOf(std::int32_t type)
         table[OrloEvent::PrimeEnabledToggle] = &PdPlayer::onPrimeEnabledToggle;
         for (std::int32_t macro = OrloEvent::Macro1Set; macro <= OrloEvent::Macro8Set; ++macro)
             table[static_cast<size_t>(macro)] = &PdPlayer::onMacroSet;
+        table[OrloEvent::GlissOneSet] = &PdPlayer::onGlissOneSet;
+        table[OrloEvent::GlissTwoSet] = &PdPlayer::onGlissTwoSet;
         table[OrloEvent::NoteToggleByRatio] = &PdPlayer::onNoteToggleByRatio;
         table[OrloEvent::NodeRemove] = &PdPlayer::onNodeRemove;
         table[OrloEvent::TransposeByRatio] = &PdPlayer::onTransposeByRatio;
+        table[OrloEvent::NodeSelectToggle] = &PdPlayer::onNodeSelectToggle;
+        table[OrloEvent::NodeReset] = &PdPlayer::onNodeReset;
         table[OrloEvent::NodesRecalled] = &PdPlayer::onNodesRecalled;
         table[OrloEvent::NodesHold] = &PdPlayer::onNodesHold;
         table[OrloEvent::PatchOpen] = &PdPlayer::onPatchOpen;
@@ -199,7 +222,8 @@ void PdPlayer::onAllNotesOffForced(const Chunk&)
 
 void PdPlayer::onNodesDeselectAll(const Chunk& chunk)
 {
-    onNodeRemove(chunk);
+    nodeDeselectAll();
+    onNodeRemove(chunk); // of a ratio that no plain event carries: only the signal is left of it
 }
 
 void PdPlayer::onNodeRemove(const Chunk& chunk)
@@ -263,11 +287,6 @@ void PdPlayer::onPrimeEnabledToggle(const Chunk& chunk)
         togglePrimeEnabled(static_cast<int>(chunk.value));
 }
 
-void PdPlayer::onMacroSet(const Chunk& chunk)
-{
-    setMacroValue(chunk.type - OrloEvent::Macro1Set + 1, chunk.value);
-}
-
 void PdPlayer::onNodesRecalled(const Chunk&)
 {
     emit nodesRecalled();
@@ -305,6 +324,7 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
         stopPreviousMonoVoice(slot);
 
     mVoices.take(*mVoices.slot(slot), ratio, mSequence);
+    mVoicesChanged = true;
     ORLO_AUDIO_DEBUG << "noteOn for ratio" << text(ratio) << "freq" << frequency << "voice" << slot << "seqId"
                      << mSequence << "stolen" << (stolen ? "true" : "false");
 
@@ -319,12 +339,8 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
     }
     emit noteToggled(ratio, true);
 
-    if (!alteredNodes.contains(ratio)) {
-        auto*& parameters = soundingParameters[ratio];
-        if (!parameters)
-            parameters = new NodeParameters;
-        *parameters = NodeParameters{currentParameters.macros};
-    }
+    if (!alteredNodes.contains(ratio))
+        setSoundingParameters(ratio);
 }
 
 int PdPlayer::findSlot(bool& stolen)
@@ -356,22 +372,20 @@ void PdPlayer::stopPreviousMonoVoice(int slot)
 float PdPlayer::sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency)
 {
     const float velocity = currentParameters.macros[0];
-    const NodeParameters* node = alteredParameters.value(ratio, nullptr);
-    const bool altered = node && alteredNodes.contains(ratio);
-    if (!altered) {
+    if (!alteredNodes.contains(ratio)) {
         applyAllCurrentMacroValues(static_cast<float>(voice));
         return velocity;
     }
-    // The record of a selected node is relative to the sliders, that of any other is absolute.
+    const NodeParameters& node = nodeRecord(ratio);
     const bool selected = selectedNodes.contains(ratio);
     const NodeParameters none{{}, 0.0F, 0.0F};
     const NodeParameters& base = selected ? currentParameters : none;
-    frequency *= glissandoOneMapping(base.glissOne + node->glissOne);
-    frequency *= glissandoTwoMapping(base.glissTwo + node->glissTwo);
-    for (size_t i = 0; i < node->macros.size(); ++i)
+    frequency *= glissandoOneMapping(base.glissOne + node.glissOne);
+    frequency *= glissandoTwoMapping(base.glissTwo + node.glissTwo);
+    for (size_t i = 0; i < node.macros.size(); ++i)
         sendPdVoiceMessage(static_cast<PdVoiceMessageType>(voiceMacro1 + static_cast<int>(i)),
-                           base.macros[i] + node->macros[i], static_cast<float>(voice));
-    return selected ? velocity : node->macros[0];
+                           base.macros[i] + node.macros[i], static_cast<float>(voice));
+    return selected ? velocity : node.macros[0];
 }
 
 void PdPlayer::noteOff(const OrloRatio& ratio)
@@ -383,11 +397,12 @@ void PdPlayer::noteOff(const OrloRatio& ratio)
         return;
     ORLO_AUDIO_DEBUG << "noteOff for ratio" << text(ratio) << "voice" << voice->voice;
     voice->released = true;
+    mVoicesChanged = true;
     sendPdVoiceMessage(voiceGate, 0.0F, static_cast<float>(voice->voice));
     if (portOpen())
         emit instructionsToInterface(instructionNoteOff, {voice->voice}, {-1.0F}, {-1.0F});
     emit noteToggled(ratio, false);
-    delete soundingParameters.take(ratio);
+    soundingParameters.remove(ratio);
 }
 
 void PdPlayer::onVoiceStopped(int index)
@@ -396,6 +411,7 @@ void PdPlayer::onVoiceStopped(int index)
     if (!voice || !voice->released)
         return;
     ORLO_AUDIO_DEBUG << "voice stopped for" << text(voice->ratio) << "voice" << index;
+    mVoicesChanged = true;
     if (mVoices.release(*voice))
         ORLO_AUDIO_DEBUG << "removing voice" << index << "from note map";
 }
@@ -417,7 +433,7 @@ void PdPlayer::nodesHoldActive(bool active)
         emit nodeHold(ratio, false);
     heldNodes.clear();
     if (active) {
-        heldNodes = getAllSoundingRatios();
+        heldNodes = soundingNow();
         for (const OrloRatio& ratio : std::as_const(heldNodes))
             emit nodeHold(ratio, true);
     }
@@ -483,12 +499,6 @@ void PdPlayer::togglePrimeEnabled(int prime)
     emit primeEnabledToggled(prime, mPrimeEnabled[prime]);
 }
 
-void PdPlayer::setMacroValue(int macro, float value)
-{
-    currentParameters.macros.at(static_cast<size_t>(macro - 1)) = value;
-    emit macroValueChanged(macro, value);
-}
-
 void PdPlayer::setMaxVoices(int voices)
 {
     mMaxVoices = qBound(1, voices, VoiceTable::SLOTS);
@@ -505,43 +515,30 @@ void PdPlayer::setThreadPriority(int priority)
 
 // ---------------------------------------------------------------- look-ups
 
-QList<OrloRatio> PdPlayer::getAllSoundingRatios()
+QList<OrloRatio> PdPlayer::getAllSoundingRatios() const
 {
     QList<OrloRatio> sounding;
-    for (auto it = mVoices.noteMap.constBegin(); it != mVoices.noteMap.constEnd(); ++it) {
-        const Voice* voice = it.value();
-        ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios: ratio, voice, seqId, inRelease " << text(it.key())
-                         << voice->voice << voice->seqId << voice->released;
-        if (!voice->released)
-            sounding.append(it.key());
+    for (const VoiceSnapshot::Entry& entry : mSnapshot.read()) {
+        ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios: ratio, voice, seqId, inRelease " << text(entry.ratio)
+                         << entry.voice << entry.seqId << entry.released;
+        if (!entry.released)
+            sounding.append(entry.ratio);
     }
     ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios, number of which are " << sounding.size();
     return sounding;
 }
 
-QList<OrloRatio> PdPlayer::getAllSelectedRatios()
+QList<OrloRatio> PdPlayer::soundingNow() const
 {
-    return selectedNodes;
-}
-
-QList<OrloRatio> PdPlayer::getAllRatiosWithAlteredParameters()
-{
-    return alteredNodes;
+    QList<OrloRatio> sounding;
+    for (const Voice* voice : mVoices.noteMap) {
+        if (!voice->released)
+            sounding.append(voice->ratio);
+    }
+    return sounding;
 }
 
 float PdPlayer::ratioToFrequency(const OrloRatio& ratio) const
 {
     return static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()) * mBaseFrequency;
-}
-
-float PdPlayer::glissandoOneMapping(float value) const
-{
-    ORLO_AUDIO_DEBUG << "Gliss one mapping: range, input: " << mGlissOneRange << value;
-    return glissandoMapping(mGlissOneRange, value);
-}
-
-float PdPlayer::glissandoTwoMapping(float value) const
-{
-    ORLO_AUDIO_DEBUG << "Gliss two mapping: range, input: " << mGlissTwoRange << value;
-    return glissandoMapping(mGlissTwoRange, value);
 }

@@ -4,7 +4,9 @@
 #include "sound/NodeParameters.h"
 #include "sound/PatchHandOver.h"
 #include "sound/PdMessageBuffer.h"
+#include "sound/RatioList.h"
 #include "sound/StaticArray.h"
+#include "sound/VoiceSnapshot.h"
 #include "sound/VoiceTable.h"
 
 #include <QByteArray>
@@ -78,17 +80,38 @@ public:
     void setMonophonic(bool on);
     void setBaseFrequency(float frequency);
     void togglePrimeEnabled(int prime);
-    /// [audio] Macro from 1 to 8.
+
+    /// [audio] Macro from 1 to 8. Selected nodes follow, and stay at an end of the range that the
+    /// slider pushes them against.
     void setMacroValue(int macro, float value);
+    /// [audio] The sliders, 0.0 to 1.0; selected nodes follow. One bend for all of them.
+    void applyGlissandoOne(float value);
+    void applyGlissandoTwo(float value);
+    /// [audio] Absolute ratio. Neither way is heard: selecting makes the node's values relative to
+    /// the sliders, deselecting makes them absolute again. May allocate the node's record.
+    void nodeSelectToggleByRatio(OrloRatio ratio);
+    void nodeDeselectAll();
+    void selectAllSounding();
+    /// [audio] The notes of all selected nodes are toggled in the next block.
+    void toggleAllSelected();
+    /// [audio] Back to the patch's macros and no detuning. With the option `softNodeReset` a
+    /// sounding node is started anew, else its voice is changed in place.
+    void nodeResetOne(OrloRatio ratio, bool deselect);
+    void resetSelectedNodes(bool deselect);
+    void resetAllNodes(bool resetControls, bool deselect);
+    /// [audio] 0 both, 1 or 2. Takes new ranges from the options.
+    void resetGlissandoAllNodes(short which);
 
     /// [stopped] More than the 128 slots, or fewer than one, is corrected.
     void setMaxVoices(int voices);
     int maxVoices() const { return mMaxVoices; }
 
-    /// [any], without a lock. In hash order.
-    QList<OrloRatio> getAllSoundingRatios();
-    QList<OrloRatio> getAllSelectedRatios();
-    QList<OrloRatio> getAllRatiosWithAlteredParameters();
+    /// [any] What sounded, and was not released, after the last block; in hash order. Never
+    /// blocks, and never half of two blocks.
+    QList<OrloRatio> getAllSoundingRatios() const;
+    /// [audio] In the order of selection, and of alteration.
+    QList<OrloRatio> getAllSelectedRatios() const { return selectedNodes.toList(); }
+    QList<OrloRatio> getAllRatiosWithAlteredParameters() const { return alteredNodes.toList(); }
     /// Hz, in single precision.
     float ratioToFrequency(const OrloRatio& ratio) const;
     float glissandoOneMapping(float value) const;
@@ -178,12 +201,37 @@ private:
     void onNodesHold(const Chunk& chunk);
     void onPatchOpen(const Chunk& chunk);
     void onPatchClose(const Chunk& chunk);
+    void onNodesResetSelected(const Chunk& chunk);
+    void onNodesResetAll(const Chunk& chunk);
+    void onGlissReset(const Chunk& chunk);
+    void onNodesToggleAllSelected(const Chunk& chunk);
+    void onNodesSelectAllSounding(const Chunk& chunk);
+    void onGlissOneSet(const Chunk& chunk);
+    void onGlissTwoSet(const Chunk& chunk);
+    void onNodeSelectToggle(const Chunk& chunk);
+    void onNodeReset(const Chunk& chunk);
 
     int findSlot(bool& stolen);
     void stopPreviousMonoVoice(int slot);
     float sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency);
     bool multiplyTransposition(const OrloRatio& by);
+    void toggleLater();
+    /// The live list; getAllSoundingRatios() is of the block before.
+    QList<OrloRatio> soundingNow() const;
     bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
+
+    NodeParameters& nodeRecord(const OrloRatio& ratio) { return alteredParameters[ratio]; }
+    void makeNode(const OrloRatio& ratio);
+    void glissandoToNodes();
+    float glissedFrequency(const OrloRatio& ratio, float glissOne, float glissTwo) const;
+    void nodeResetGlissando(const OrloRatio& ratio, short which);
+    void nodeResetParameters(const OrloRatio& ratio);
+    void nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* voice);
+    void restoreVoiceInPlace(const OrloRatio& ratio, const Voice& voice);
+    void setSoundingParameters(const OrloRatio& ratio);
+    float defaultMacro(int index) const;
+    void writeToCache();
+    void readFromCache();
 
     void openPatch();
     bool openPatchLocked();
@@ -207,14 +255,25 @@ private:
     StaticArray<bool, 32> mPrimeEnabled; // by the prime itself
     int mMonoVoice = -1; // last voice started in monophonic mode
     VoiceTable mVoices;
+    VoiceSnapshot mSnapshot;
+    bool mVoicesChanged = false; // since the snapshot
     bool mHoldActive = false;
     QList<OrloRatio> heldNodes;
-    QList<OrloRatio> selectedNodes;
-    QList<OrloRatio> alteredNodes;
-    QHash<OrloRatio, NodeParameters*> alteredParameters; // owned
-    QHash<OrloRatio, NodeParameters*> soundingParameters; // owned
+    RatioList selectedNodes; // each is altered too
+    RatioList alteredNodes;
+    // Absolute while the node is not selected, relative to the current ones while it is. The
+    // record of a node that was reset stays, and is replaced when the node is altered again.
+    QHash<OrloRatio, NodeParameters> alteredParameters;
+    QHash<OrloRatio, NodeParameters> soundingParameters; // of notes that are not altered
     NodeParameters defaultParameters;
-    NodeParameters currentParameters;
+    NodeParameters currentParameters; // what the sliders show
+    // What the next patch takes over from the last one.
+    NodeParameters cachedParameters;
+    QList<OrloRatio> cachedSounding;
+    QList<OrloRatio> cachedSelected;
+    bool mFirstPatch = true;
+    QList<OrloRatio> mToggleLater; // in the next block
+    QList<OrloRatio> mToggleNow;
     std::uint32_t mSequence = 0;
 
     QStringList mMacroNames;

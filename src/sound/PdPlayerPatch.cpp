@@ -63,6 +63,11 @@ bool PdPlayer::init()
         setMaxVoices(settings->mainPatchNumberOfVoices);
     }
     mVoices.reserve(mMaxVoices);
+    constexpr int manyNodes = 1024;
+    alteredParameters.reserve(manyNodes);
+    soundingParameters.reserve(mMaxVoices);
+    mToggleLater.reserve(mMaxVoices);
+    mToggleNow.reserve(mMaxVoices);
     return true;
 }
 
@@ -164,7 +169,16 @@ bool PdPlayer::openPatchLocked()
     mStopBinding = libpd_bind(VOICE_STOP);
     // A patch starts silent; notes that sound on under it must not wait for the window's slider.
     sendPdVolumeMessage(mMasterVolume);
+    // The patch's defaults become the current macros: nodes that were selected while there was no
+    // patch must not jump with them.
+    const QList<OrloRatio> selected = getAllSelectedRatios();
+    nodeDeselectAll();
     sendPdQueryMacrosMessage();
+    for (const OrloRatio& ratio : selected)
+        nodeSelectToggleByRatio(ratio);
+    if (!mFirstPatch)
+        readFromCache();
+    mFirstPatch = false;
     return true;
 }
 
@@ -173,7 +187,9 @@ void PdPlayer::closePatch()
     mHandOver.lock();
     if (mPatch) {
         qWarning() << "Closing PD patch...";
+        writeToCache();
         allNotesOff(true);
+        nodeDeselectAll();
         setDsp(false);
         // The stop binding stays; it is taken anew at each opening, and a second report of one
         // voice is harmless.

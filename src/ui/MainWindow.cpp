@@ -92,13 +92,15 @@ MainWindow::MainWindow(Orlo* orlo)
     makeSwitcherLabels();
     connectSliders();
     connectPlayer();
-    disableControlsToCome();
+    ui->optionsButton->setEnabled(false); // its dialog is built later
+    collectChordButtons();
     buildKeyMap();
 
     initPatchMenu();
     loadDefaultPatch();
     onTransposeChanged();
     ui->transposeWidget->highlight(mHighlightedRow, true);
+    repopulateChordBankMenu();
 
     // A small or finely scaled screen may be lower than the form.
     resize(size().boundedTo(screen()->availableGeometry().size()));
@@ -156,35 +158,6 @@ void MainWindow::hideUnusedControls()
     };
     for (QWidget* widget : hidden)
         widget->hide();
-}
-
-void MainWindow::disableControlsToCome()
-{
-    // Their places are laid out; what they do is built later.
-    QWidget* const toCome[] = {
-        ui->glissButton,
-        ui->glissFineButton,
-        ui->glissResetButton,
-        ui->optionsButton,
-        ui->chordRowButton_01,
-        ui->chordRowButton_02,
-        ui->chordStoreToButton,
-        ui->chordClearButton,
-        ui->chordClearAllButton,
-        ui->chordAdditiveRecallButton,
-        ui->chordAlternatingRecallButton,
-        ui->chordHoldButton,
-        ui->saveChordDirectoryButton,
-        ui->saveChordBankMenu,
-        ui->saveChordSetMenu,
-        ui->saveChordSetLoadButton,
-        ui->saveChordSetSaveButton,
-    };
-    for (QWidget* widget : toCome)
-        widget->setEnabled(false);
-    for (int number = 1; number <= 20; ++number)
-        findChild<QPushButton*>(QStringLiteral("chordButton_%1").arg(number, 2, 10, QLatin1Char('0')))
-            ->setEnabled(false);
 }
 
 void MainWindow::makeSwitcherLabels()
@@ -470,16 +443,6 @@ void MainWindow::setMacroSlidersToDefault()
     onMacroDefaultsReceived(QList<float>(mMacroDefaults));
 }
 
-void MainWindow::onResetGlissSliders(short which)
-{
-    const QSignalBlocker blockBig(ui->glissSliderBig);
-    const QSignalBlocker blockFine(ui->glissFineSliderBig);
-    if (which == 0 || which == 1)
-        ui->glissSliderBig->setValue(ui->glissSliderBig->maximum() / 2);
-    if (which == 0 || which == 2)
-        ui->glissFineSliderBig->setValue(ui->glissFineSliderBig->maximum() / 2);
-}
-
 /// A slider that is let go while Alt is down returns to its default.
 void MainWindow::snapBack(QSlider* slider, int value)
 {
@@ -499,6 +462,10 @@ int MainWindow::macroDefaultPosition(int number) const
 void MainWindow::applyRestrictions(bool restricted)
 {
     mRestricted = restricted;
+    QWidget* const restrictedOnes[] = {ui->chordFrame,     ui->chordStoreFrame, ui->chordPresetsFrame,
+                                       ui->chordHoldButton, ui->glissSliderBig,  ui->glissFineSliderBig};
+    for (QWidget* widget : restrictedOnes)
+        widget->setEnabled(!restricted);
 }
 
 // ---------------------------------------------------------------- mode buttons

@@ -9,9 +9,11 @@
 #include <functional>
 #include <memory>
 
+class ChordPresets;
 class Orlo;
 class OrloLayer;
 class OrloView;
+class QComboBox;
 class QPushButton;
 class QSlider;
 
@@ -40,7 +42,17 @@ public:
     /// The display switches as the options have them.
     void setButtons();
     void setMacroSlidersToDefault();
+    /// The chord panel and the two big glissando sliders are unavailable.
     void applyRestrictions(bool restricted);
+
+    /// Stores what sounds once more and recalls it, by way of the scratch slot.
+    void reloadAllSoundingRatios();
+    /// Stores without asking, an empty chord too.
+    void overrideChordButtonStorage(int number);
+    void setChordButton(int number, bool on);
+    /// As the chord memory is.
+    void refreshChordButtons();
+    void clearAllChordButtons();
 
     /// Copies the voice file into the runtime folder and opens the patch. An empty path does
     /// nothing; a failure ends at a message box, and the window goes on.
@@ -82,10 +94,51 @@ private slots:
     void on_polyButton_clicked();
     void on_stopAllButton_clicked();
     void on_volumeSlider_valueChanged(int value);
+    void on_glissSliderBig_valueChanged(int value);
+    void on_glissFineSliderBig_valueChanged(int value);
+    void on_glissButton_clicked();
+    void on_glissFineButton_clicked();
+    void on_glissResetButton_clicked();
     void on_toggleModeButton_clicked();
     void on_shiftModeButton_clicked();
     void on_removeModeButton_clicked();
     void on_selectApplyModeButton_clicked();
+
+    void on_chordButton_01_clicked();
+    void on_chordButton_02_clicked();
+    void on_chordButton_03_clicked();
+    void on_chordButton_04_clicked();
+    void on_chordButton_05_clicked();
+    void on_chordButton_06_clicked();
+    void on_chordButton_07_clicked();
+    void on_chordButton_08_clicked();
+    void on_chordButton_09_clicked();
+    void on_chordButton_10_clicked();
+    void on_chordButton_11_clicked();
+    void on_chordButton_12_clicked();
+    void on_chordButton_13_clicked();
+    void on_chordButton_14_clicked();
+    void on_chordButton_15_clicked();
+    void on_chordButton_16_clicked();
+    void on_chordButton_17_clicked();
+    void on_chordButton_18_clicked();
+    void on_chordButton_19_clicked();
+    void on_chordButton_20_clicked();
+    void on_chordRowButton_01_clicked();
+    void on_chordRowButton_02_clicked();
+    void on_chordStoreToButton_clicked();
+    void on_chordClearButton_clicked();
+    void on_chordClearAllButton_clicked();
+    void on_chordAdditiveRecallButton_clicked();
+    void on_chordAlternatingRecallButton_clicked();
+    void on_chordHoldButton_clicked();
+    void on_chordStorageUpButton_clicked() {}
+    void on_chordStorageDownButton_clicked() {}
+    void on_saveChordBankMenu_activated();
+    void on_saveChordSetMenu_activated();
+    void on_saveChordDirectoryButton_clicked();
+    void on_saveChordSetLoadButton_clicked();
+    void on_saveChordSetSaveButton_clicked();
 
     void on_patchMenu_activated(int index);
     void on_patchDecButton_clicked();
@@ -98,7 +151,6 @@ private:
     void alignControls();
     void setUpIcons();
     void hideUnusedControls();
-    void disableControlsToCome();
     void makeSwitcherLabels();
     void connectPlayer();
     void connectSliders();
@@ -113,6 +165,30 @@ private:
     void snapBack(QSlider* slider, int value);
     int macroDefaultPosition(int number) const;
     void modeButtonClicked(const QPushButton* clicked);
+
+    void toggleGlissSliders();
+    void showGlissSliders();
+    void rememberGlissButtons();
+
+    void collectChordButtons();
+    QPushButton* chordOfRow(int index) const { return mChordButtons[10 * mChordRow + index]; }
+    void chordButtonClicked(int number);
+    void storeChord(int number);
+    void recallChord(int number);
+    void chooseChordRow(int row);
+    void cycleRecallMode();
+    bool ask(const QString& title, const QString& question);
+    void tell(const QString& text);
+
+    ChordPresets chordPresets() const;
+    void repopulateChordBankMenu();
+    void repopulateChordSetMenu();
+    void createBank();
+    void removeLastBank();
+    void createPreset();
+    void removeLastPreset();
+    void updatePresetButtons();
+    QString chosenPresetFile() const;
 
     void buildKeyMap();
     void addKey(int key, const KeyRow& row);
@@ -130,6 +206,12 @@ private:
     QHash<int, QList<KeyRow>> mKeyMap; // rows of one key are tried in their order
     int mHighlightedRow = 1;           // of the transpose column, 1 to 11
     QList<float> mMacroDefaults;
+    QList<QPushButton*> mChordButtons; // 1 to 20
+    int mChordRow = 0;                 // that the number keys address, 0 or 1
+    bool mGlissWasOn = false;
+    bool mGlissFineWasOn = false;
+    QString mLastBank = QStringLiteral("*"); // the menus' first item: no choice
+    QString mLastPreset = QStringLiteral("*");
     bool mAltDown = false;
     bool mRestricted = false;
     int mCurrentPatch = -1; // index in the menu

@@ -53,10 +53,16 @@ void MainWindow::buildKeyMap()
 
     for (int digit = 0; digit <= 9; ++digit) {
         const int index = (digit + 9) % 10; // 0 stands behind 9
+        addKey(Qt::Key_0 + digit, {Row::Exactly, none, [this, index] { chordOfRow(index)->animateClick(); }});
+        addKey(Qt::Key_0 + digit, {Row::Exactly, alt, [this, index] {
+                                       if (!mRestricted)
+                                           overrideChordButtonStorage(10 * mChordRow + index + 1);
+                                   }});
         addKey(Qt::Key_0 + digit, {Row::Exactly, control, [this, index] { patch_by_Index(index); }});
     }
 
     addKey(Qt::Key_A, {Row::Exactly, none, [this] { onAbsRelSwitcherClicked(QStringLiteral("absolute")); }});
+    addKey(Qt::Key_A, {Row::Exactly, control, [this] { cycleRecallMode(); }});
     addKey(Qt::Key_A, {Row::Exactly, alt, event(OrloEvent::NodesSelectAllSounding)});
     addKey(Qt::Key_B, {Row::Any, none, click(ui->soundgrapeBWButton)});
     addKey(Qt::Key_C, {Row::Exactly, none, click(ui->soundgrapeColourButton)});
@@ -64,11 +70,21 @@ void MainWindow::buildKeyMap()
     addKey(Qt::Key_C, {Row::Exactly, alt, click(ui->chordClearAllButton)});
     addKey(Qt::Key_F, {Row::With, control, click(ui->expandOrloButton)});
     addKey(Qt::Key_F, {Row::Any, none, [this] { onSwitcherClicked(QStringLiteral("circles")); }});
+    addKey(Qt::Key_G, {Row::With, control, [this] { toggleGlissSliders(); }});
     addKey(Qt::Key_G, {Row::With, alt, [this] {
-                           ui->glissFineSliderBig->setValue(ui->glissFineSliderBig->maximum() / 2);
+                           if (!mRestricted)
+                               ui->glissFineSliderBig->setValue(ui->glissFineSliderBig->maximum() / 2);
                        }});
     addKey(Qt::Key_G, {Row::Any, none, [this] { onSwitcherClicked(QStringLiteral("grapes")); }});
     addKey(Qt::Key_H, {Row::Exactly, none, click(ui->chordHoldButton)});
+    addKey(Qt::Key_H, {Row::Exactly, alt, [this] {
+                           if (mRestricted)
+                               return;
+                           ui->chordHoldButton->setChecked(false);
+                           ui->chordHoldButton->animateClick();
+                       }});
+    addKey(Qt::Key_J, {Row::Any, none, [this] { chooseChordRow(1); }});
+    addKey(Qt::Key_U, {Row::Any, none, [this] { chooseChordRow(0); }});
     addKey(Qt::Key_K, {Row::With, control, [this] { ui->volumeSlider->setValue(ui->volumeSlider->minimum()); }});
     addKey(Qt::Key_K, {Row::Any, none, [this] {
                            if (ui->volumeSlider->value() >= 2)

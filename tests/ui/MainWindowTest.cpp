@@ -1,11 +1,7 @@
-#include "ui/MainWindow.h"
-
-#include "app/ApplicationServices.h"
 #include "support/EngineClock.h"
 #include "support/LogCatcher.h"
-#include "support/TestHome.h"
 #include "ui/OrloView.h"
-#include "ui/UiFixture.h"
+#include "ui/WindowFixture.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -20,114 +16,9 @@
 #include <QTest>
 #include <QTimer>
 
-#include <algorithm>
-#include <memory>
 #include <optional>
 
-namespace {
-
-using Command = std::pair<OrloEvent::Type, float>;
-
-class Services : public ApplicationServices
-{
-public:
-    bool loadStyleSheet() override { return true; }
-    void setPressMode(qint16 mode) override { pressMode = mode; }
-    qint16 pressMode = 0;
-};
-
-QString shellFile(const QString& name)
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/patches/shell/") + name;
-}
-
-} // namespace
-
-/// A window with the patch Sine loaded, over a player whose commands the test reads.
-class MainWindowTest : public UiFixture
-{
-public:
-    /// The look decides how much room the controls take.
-    static void SetUpTestSuite()
-    {
-        QApplication::setStyle(QStringLiteral("Fusion"));
-        QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
-        ASSERT_TRUE(sheet.open(QIODevice::ReadOnly));
-        qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
-    }
-    static void TearDownTestSuite() { qApp->setStyleSheet(QString()); }
-
-protected:
-    MainWindowTest()
-    {
-        app::Parts parts = app::parts();
-        parts.application = &services;
-        app::setParts(parts);
-        const QDir patch(home.path(QStringLiteral("patch")));
-        patch.mkpath(QStringLiteral("."));
-        QFile::copy(shellFile(QStringLiteral("orlo_main_4voice.pd")), patch.filePath(QStringLiteral("orlo_main.pd")));
-        for (const char* name : {"orlo_vprep.pd", "equal-loudness.pd", "tb_compressor~.pd", "tb_compressorUI.pd"})
-            QFile::copy(shellFile(QLatin1StringView(name)), patch.filePath(QLatin1StringView(name)));
-        {
-            const EngineClock clock(player);
-            window = std::make_unique<MainWindow>(&orlo);
-        }
-        settle();
-    }
-
-    ~MainWindowTest() override
-    {
-        const EngineClock clock(player);
-        player.term();
-        window.reset();
-    }
-
-    template <class Widget>
-    Widget* find(const char* name) const
-    {
-        auto* widget = window->findChild<Widget*>(QLatin1StringView(name));
-        if (!widget)
-            qFatal("The window has no %s.", name);
-        return widget;
-    }
-    QPushButton* button(const char* name) const { return find<QPushButton>(name); }
-    QSlider* slider(const char* name) const { return find<QSlider>(name); }
-
-    void click(const char* name) const { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
-    /// A key that presses a button lets it flash, and the click comes at the flash's end.
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
-    {
-        QTest::keyClick(window.get(), key, modifiers);
-        const QList<QAbstractButton*> buttons = window->findChildren<QAbstractButton*>();
-        const bool up = QTest::qWaitFor([&buttons] {
-            return std::none_of(buttons.begin(), buttons.end(), [](const auto* each) { return each->isDown(); });
-        });
-        EXPECT_TRUE(up);
-    }
-
-    /// Type and value of what the window has queued since the last time.
-    QList<Command> commands()
-    {
-        QList<Command> list;
-        for (const PdMessageBuffer::Chunk& chunk : drain())
-            list.append({static_cast<OrloEvent::Type>(chunk.type), chunk.value});
-        return list;
-    }
-
-    /// Commands and answers, until neither side has anything to say.
-    void settle()
-    {
-        for (int round = 0; round < 3; ++round) {
-            report();
-            drain();
-        }
-        report();
-    }
-
-    TestHome home; // before the window, whose options name its folders
-    Services services;
-    std::unique_ptr<MainWindow> window;
-};
+using MainWindowTest = WindowFixture;
 
 TEST_F(MainWindowTest, EveryControlOfTheFormHasItsRangeAndTakesNoFocus)
 {

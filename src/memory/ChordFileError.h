@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <boost/rational.hpp>
+
+/// Ratios of a chord file that are none, such as "3/0". Everything else of the file has been read
+/// when this is thrown.
+class ChordFileError : public boost::bad_rational
+{
+public:
+    struct Part
+    {
+        int slot;
+        QString text;
+    };
+
+    explicit ChordFileError(const QList<Part>& parts);
+    ~ChordFileError() override;
+
+    const QList<Part>& parts() const { return mParts; }
+
+private:
+    QList<Part> mParts;
+};

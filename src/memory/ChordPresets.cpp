@@ -1,0 +1,101 @@
+#include "memory/ChordPresets.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+const QString ENDING = QStringLiteral(".btoc");
+
+/// One level below the directory, whoever named it.
+bool isEntry(const QString& name)
+{
+    return !name.isEmpty() && !name.contains(u'/') && name != QStringLiteral(".") && name != QStringLiteral("..");
+}
+
+} // namespace
+
+ChordPresets::ChordPresets(const QString& directory)
+    : mDirectory(directory)
+{
+}
+
+bool ChordPresets::isName(const QString& name)
+{
+    const auto isLetter = [](QChar c) { return c.isLetter(); };
+    const auto isForbidden = [](QChar c) {
+        return c == u'/' || c == u'\\' || c.category() == QChar::Other_Control;
+    };
+    return std::any_of(name.begin(), name.end(), isLetter) && std::none_of(name.begin(), name.end(), isForbidden)
+           && !name.startsWith(u'.') && !name.contains(QStringLiteral(".."));
+}
+
+bool ChordPresets::directoryExists() const
+{
+    return !mDirectory.isEmpty() && QFileInfo(mDirectory).isDir(); // "" would be the working directory
+}
+
+QStringList ChordPresets::banks() const
+{
+    return directoryExists() ? QDir(mDirectory).entryList(QDir::Dirs | QDir::NoDotAndDotDot) : QStringList();
+}
+
+QStringList ChordPresets::presets(const QString& bank) const
+{
+    if (!directoryExists() || !isEntry(bank))
+        return {};
+    QStringList names = QDir(bankPath(bank)).entryList({u'*' + ENDING}, QDir::Files);
+    for (QString& name : names)
+        name.chop(ENDING.size());
+    return names;
+}
+
+QString ChordPresets::bankPath(const QString& bank) const
+{
+    return mDirectory + u'/' + bank;
+}
+
+QString ChordPresets::presetPath(const QString& bank, const QString& preset) const
+{
+    return bankPath(bank) + u'/' + preset + ENDING;
+}
+
+bool ChordPresets::makeBank(const QString& bank) const
+{
+    return directoryExists() && isName(bank) && QDir(mDirectory).mkdir(bank);
+}
+
+void ChordPresets::removeBank(const QString& bank) const
+{
+    if (!directoryExists() || !isEntry(bank))
+        return;
+    const QString path = bankPath(bank);
+    // Below this level Qt removes links itself as links.
+    if (QFileInfo(path).isSymLink())
+        QFile::remove(path);
+    else
+        QDir(path).removeRecursively();
+}
+
+bool ChordPresets::presetExists(const QString& bank, const QString& preset) const
+{
+    const QFileInfo file(presetPath(bank, preset));
+    return isName(preset) && (file.exists() || file.isSymLink()); // a dead link is there too
+}
+
+bool ChordPresets::makePreset(const QString& bank, const QString& preset) const
+{
+    if (!directoryExists() || !isEntry(bank) || !isName(preset))
+        return false;
+    QFile file(presetPath(bank, preset));
+    return file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+}
+
+void ChordPresets::removePreset(const QString& bank, const QString& preset) const
+{
+    if (directoryExists() && isEntry(bank) && isEntry(preset))
+        QFile::remove(presetPath(bank, preset));
+}

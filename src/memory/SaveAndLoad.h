@@ -1,0 +1,44 @@
+#pragma once
+
+#include "model/OrloRatio.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+class QDir;
+class QTextStream;
+
+/// Chord files, ".btoc": one line for each slot from 1 on, as in "1/1 3/2 5/4 0"; an empty slot is
+/// "0". The same format serves presets and the chords of the running program. Graphical thread.
+///
+/// The QDir carries the path of the file itself.
+class SaveAndLoad : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Chords = QHash<int, QList<OrloRatio>>;
+
+    /// Replaces the table by the file's lines, at most `maxSets` of them. False when the file
+    /// cannot be read, which leaves the table as it is, or when it ends with a wrong ratio, which
+    /// leaves it empty.
+    ///
+    /// The reading is lenient in ways that files depend on: a wrong ratio cuts its line short and
+    /// is forgiven when a later number is good, and a numerator that is no number counts as 0.
+    ///
+    /// Throws ChordFileError, which is a boost::bad_rational, for ratios such as "3/0". Each cuts
+    /// its line short; all other lines are in the table then.
+    bool getDataFromFile(QDir* file, Chords* chords, int maxSets);
+
+    /// Writes slots 1 to `sets` - 1. The file is replaced only when the new one is complete on
+    /// disk. False when it cannot be written.
+    bool saveDataToFile(QDir* file, Chords* chords, int sets);
+
+private:
+    struct Reading;
+    static void readLines(QTextStream& stream, Chords& chords, int maxSets, Reading& reading);
+    static QList<OrloRatio> readChord(const QStringList& parts, int slot, Reading& reading);
+    static QString line(const QList<OrloRatio>& chord);
+};

@@ -1,0 +1,126 @@
+#include "memory/StoreAndRecall.h"
+
+#include "sound/OrloNoteEvent.h"
+#include "sound/PdPlayer.h"
+
+#include <QDebug>
+#include <QSet>
+#include <QThread>
+
+namespace {
+
+// The player's command buffer holds 255; a change of two full chords is more than that.
+constexpr int TOGGLES_AT_ONCE = 200;
+constexpr unsigned long SEVERAL_BLOCKS_MS = 30;
+
+} // namespace
+
+StoreAndRecall::StoreAndRecall(PdPlayer* player)
+    : mPlayer(player)
+{
+}
+
+bool StoreAndRecall::storeRatios(int slot)
+{
+    const QList<OrloRatio> sounding = mPlayer->getAllSoundingRatios();
+    if (slot > LAST_SLOT || sounding.isEmpty())
+        return false;
+    mChords.insert(slot, sounding);
+    return true;
+}
+
+bool StoreAndRecall::recallRatios(int slot, int mode)
+{
+    if (slot > LAST_SLOT)
+        return false;
+    const QList<OrloRatio> chord = mChords.value(slot);
+    if (chord.isEmpty())
+        return false;
+    int queued = 0;
+    for (const OrloRatio& ratio : togglesOf(chord, mode)) {
+        if (++queued % TOGGLES_AT_ONCE == 0)
+            QThread::msleep(SEVERAL_BLOCKS_MS);
+        queueToggle(ratio);
+    }
+    if (mode == Standard)
+        qDebug() << "Recall (standard) has been processed ...";
+    return true;
+}
+
+QList<OrloRatio> StoreAndRecall::togglesOf(const QList<OrloRatio>& chord, int mode) const
+{
+    const QList<OrloRatio> sounding = mPlayer->getAllSoundingRatios();
+    const QSet<OrloRatio> soundingSet(sounding.begin(), sounding.end());
+    QList<OrloRatio> toggles;
+    switch (mode) {
+    case Standard: {
+        qDebug() << "StoreAndRecall Recall (standard) got AllSoundingRatios # " << sounding.size();
+        const QSet<OrloRatio> chordSet(chord.begin(), chord.end());
+        for (const OrloRatio& ratio : sounding) {
+            if (!chordSet.contains(ratio))
+                toggles.append(ratio);
+        }
+        for (const OrloRatio& ratio : chord) {
+            if (!soundingSet.contains(ratio))
+                toggles.append(ratio);
+        }
+        break;
+    }
+    case Additive:
+        for (const OrloRatio& ratio : chord) {
+            if (soundingSet.contains(ratio))
+                toggles.append(ratio);
+        }
+        if (toggles.isEmpty())
+            toggles = chord;
+        break;
+    case Alternating:
+        toggles = chord;
+        break;
+    default:
+        break;
+    }
+    return toggles;
+}
+
+void StoreAndRecall::queueToggle(const OrloRatio& ratio)
+{
+    const OrloNoteEvent event(ratio);
+    mPlayer->queueEventGui(&event);
+    QThread::msleep(0);
+}
+
+void StoreAndRecall::clearRatios(int slot)
+{
+    mChords.remove(slot);
+}
+
+bool StoreAndRecall::clearAll()
+{
+    mChords.clear();
+    return true;
+}
+
+bool StoreAndRecall::isAnythingPlaying() const
+{
+    return !mPlayer->getAllSoundingRatios().isEmpty();
+}
+
+bool StoreAndRecall::isChordEmpty(int slot) const
+{
+    return !mChords.contains(slot);
+}
+
+int StoreAndRecall::getNumberOfRatios(int slot) const
+{
+    return static_cast<int>(mChords.value(slot).size());
+}
+
+bool StoreAndRecall::isStorageEmpty() const
+{
+    for (int slot = 0; slot <= LAST_SLOT; ++slot) {
+        if (mChords.contains(slot))
+            return false;
+    }
+    return true;
+}

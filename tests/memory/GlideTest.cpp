@@ -1,0 +1,46 @@
+// A glide as it is heard.
+
+#include "support/LogCatcher.h"
+#include "support/SoundRig.h"
+
+#include "sound/OrloNodeSelectToggleEvent.h"
+#include "sound/OrloNoteEvent.h"
+
+#include <gtest/gtest.h>
+
+TEST(Glide, ASelectedNoteGlidesWithoutAClick)
+{
+    const LogCatcher quiet;
+    SoundRig rig(4);
+    ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
+    rig.send(OrloNoteEvent(OrloRatio(1, 1)));
+    rig.send(OrloNodeSelectToggleEvent(OrloRatio(1, 1)));
+    rig.render(200);
+    const double steady = clickLevel(rig.render(100));
+
+    // As fast as a hand moves a slider: the range in 80 steps, one in each block, and back; the
+    // fine one beside it.
+    std::vector<float> glide;
+    for (int i = 0; i <= 160; ++i) {
+        const int position = i <= 80 ? 200 + i * 5 / 2 : 400 - (i - 80) * 5 / 2;
+        rig.queue(OrloEvent(OrloEvent::GlissOneSet, static_cast<float>(position) / 400.0F));
+        rig.queue(OrloEvent(OrloEvent::GlissTwoSet, static_cast<float>(600 - position) / 400.0F));
+        const std::vector<float> block = rig.render();
+        glide.insert(glide.end(), block.begin(), block.end());
+    }
+    EXPECT_GT(peak(glide), 0.01F);
+    // What cannot be heard under any music; and a real click is far above it.
+    EXPECT_LT(clickLevel(glide), -90.0);
+    EXPECT_LT(steady, -90.0);
+    std::vector<float> cut = glide;
+    std::fill(cut.begin() + 5000, cut.begin() + 5100, 0.0F);
+    EXPECT_GT(clickLevel(cut), -70.0);
+
+    // A jump of the slider over its whole range, by the patch's own smoothing.
+    rig.queue(OrloEvent(OrloEvent::GlissOneSet, 1.0F));
+    std::vector<float> jump = rig.render(40);
+    rig.queue(OrloEvent(OrloEvent::GlissOneSet, 0.0F));
+    const std::vector<float> down = rig.render(40);
+    jump.insert(jump.end(), down.begin(), down.end());
+    EXPECT_LT(clickLevel(jump), -85.0);
+}

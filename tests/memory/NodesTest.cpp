@@ -1,0 +1,323 @@
+// Nodes and glissando, step by step: what goes to the patch and to the external output.
+
+#include "memory/PatchEar.h"
+#include "support/LogCatcher.h"
+#include "support/SoundRig.h"
+
+#include "sound/OrloNodeResetEvent.h"
+#include "sound/OrloNodeSelectToggleEvent.h"
+#include "sound/OrloNoteEvent.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+
+#include <atomic>
+#include <cmath>
+
+namespace {
+
+const QByteArray SILENT_PATCH = "#N canvas 0 0 200 200 12;\n";
+const OrloRatio A(1, 1);
+const OrloRatio B(3, 2);
+
+using Messages = QList<PatchEar::Message>;
+
+} // namespace
+
+class Nodes : public ::testing::Test
+{
+protected:
+    Nodes()
+        : ear(rig.player)
+    {
+        EXPECT_TRUE(rig.loadMainText(SILENT_PATCH));
+        ear.take();
+    }
+
+    void send(OrloEvent::Type type, float value = 1.0F) { rig.send(OrloEvent(type, value)); }
+    void toggle(const OrloRatio& ratio) { rig.send(OrloNoteEvent(ratio)); }
+    void select(const OrloRatio& ratio) { rig.send(OrloNodeSelectToggleEvent(ratio)); }
+    void reset(const OrloRatio& ratio, bool deselect = false)
+    {
+        rig.send(OrloNodeResetEvent(ratio, deselect ? 1.0F : 0.0F));
+    }
+    const PatchEar::Voice& voiceOf(const OrloRatio& ratio) const
+    {
+        return ear.voice(ear.voiceOf({ratio.numerator(), ratio.denominator()}));
+    }
+    float frequencyOf(const OrloRatio& ratio) const { return voiceOf(ratio).frequency; }
+
+    const LogCatcher quiet;
+    SoundRig rig;
+    PatchEar ear;
+};
+
+TEST_F(Nodes, SliderValuesMapToFactorsAlongTheRange)
+{
+    const PdPlayer& player = rig.player; // ranges 1200 and 100 cents
+    EXPECT_EQ(player.glissandoOneMapping(0.5F), 1.0F);
+    EXPECT_EQ(player.glissandoTwoMapping(0.5F), 1.0F);
+    EXPECT_EQ(player.glissandoOneMapping(1.0F), 2.0F);
+    EXPECT_EQ(player.glissandoOneMapping(2.0F), 8.0F); // not clamped: three octaves
+    EXPECT_NEAR(player.glissandoTwoMapping(0.0F), 0.943874F, 1e-6F); // a semitone down
+}
+
+TEST_F(Nodes, ANodeGlidesWhileSelectedAndStaysWhereItWasLeft)
+{
+    toggle(A);
+    select(A);
+    ear.take();
+    send(OrloEvent::GlissOneSet, 0.75F); // half of an octave up
+    EXPECT_EQ(ear.take().size(), 1);
+    EXPECT_NEAR(frequencyOf(A), 622.254F, 0.001F);
+    select(A);
+    send(OrloEvent::GlissOneSet, 0.25F);
+    EXPECT_TRUE(ear.take().isEmpty());
+    select(A);
+    EXPECT_TRUE(ear.take().isEmpty()); // no jump
+    send(OrloEvent::GlissOneSet, 0.5F); // 0.75 + 0.25: the whole range
+    EXPECT_NEAR(frequencyOf(A), 880.0F, 0.001F);
+    send(OrloEvent::GlissTwoSet, 1.0F); // and a semitone
+    EXPECT_NEAR(frequencyOf(A), 932.328F, 0.001F);
+
+    // Silent or not, it keeps that, and a note that starts has it.
+    select(A);
+    toggle(A);
+    toggle(A);
+    EXPECT_NEAR(frequencyOf(A), 932.328F, 0.001F);
+}
+
+TEST_F(Nodes, AMacroPushesANodeAgainstTheEndOfItsRange)
+{
+    send(OrloEvent::Macro3Set, 0.8F);
+    toggle(A);
+    send(OrloEvent::Macro3Set, 0.5F);
+    EXPECT_EQ(voiceOf(A).macros[2], 0.8F); // not selected: keeps what it started with
+    select(A);
+    const std::pair<float, float> moves[] = {{0.9F, 1.0F}, {0.5F, 0.6F}, {0.0F, 0.1F}, {0.4F, 0.5F}};
+    for (const auto& [slider, heard] : moves) {
+        send(OrloEvent::Macro3Set, slider);
+        EXPECT_NEAR(voiceOf(A).macros[2], heard, 1e-6F) << slider;
+    }
+    toggle(B); // unselected, it has the slider's
+    EXPECT_EQ(voiceOf(B).macros[2], 0.4F);
+}
+
+TEST_F(Nodes, OneBendTellsOfAllSelectedVoices)
+{
+    std::atomic<bool> open{true};
+    rig.player.setPortOpenFlag(&open);
+    toggle(A);
+    toggle(B);
+    select(B);
+    select(A);
+    select(OrloRatio(5, 4)); // silent
+    QSignalSpy spy(&rig.player, &PdPlayer::instructionsToInterface);
+    send(OrloEvent::GlissOneSet, 1.0F);
+    ASSERT_EQ(spy.size(), 1);
+    EXPECT_EQ(spy[0][0].toInt(), 2);
+    EXPECT_EQ(spy[0][1].value<QList<int>>(), (QList<int>{1, 0})); // in the order of selection
+    EXPECT_EQ(spy[0][2].value<QList<float>>(), (QList<float>{1320.0F, 880.0F}));
+    EXPECT_EQ(spy[0][3].value<QList<float>>(), (QList<float>{-1.0F, -1.0F}));
+
+    spy.clear();
+    send(OrloEvent::NodesDeselectAll);
+    send(OrloEvent::GlissOneSet, 0.5F);
+    EXPECT_TRUE(spy.isEmpty());
+    rig.player.setPortOpenFlag(nullptr);
+}
+
+TEST_F(Nodes, DeselectingAllRunsOnIntoARemovalOfNothing)
+{
+    select(A);
+    select(B);
+    QStringList signalled;
+    QObject::connect(&rig.player, &PdPlayer::nodeSelected, &rig.player, [&](const OrloRatio& ratio, bool on) {
+        signalled.append(QStringLiteral("%1 %2").arg(ratio.toString()).arg(on));
+    }, Qt::DirectConnection);
+    QObject::connect(&rig.player, &PdPlayer::removeNodeInStack, &rig.player, [&](const OrloRatio& ratio) {
+        signalled.append(QStringLiteral("remove %1").arg(ratio.numerator()));
+    }, Qt::DirectConnection);
+    send(OrloEvent::NodesDeselectAll);
+    EXPECT_EQ(signalled, (QStringList{QStringLiteral("1/1 0"), QStringLiteral("3/2 0"), QStringLiteral("remove 0")}));
+}
+
+TEST_F(Nodes, TogglingAllSelectedWaitsForTheNextBlockAndLosesNone)
+{
+    // More than a ring of commands holds.
+    constexpr int many = 120;
+    for (int i = 1; i <= many; ++i)
+        select(OrloRatio(static_cast<unsigned>(i), 64));
+    rig.queue(OrloEvent(OrloEvent::NodesToggleAllSelected, 1.0F));
+    for (int i = 0; i < 250; ++i)
+        rig.queue(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
+    rig.render();
+    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
+    for (int i = 0; i < 250; ++i)
+        rig.queue(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
+    rig.render();
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), many);
+    send(OrloEvent::NodesToggleAllSelected);
+    rig.render();
+    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
+
+    // From the device too, whose commands run first in a block.
+    const OrloEvent event(OrloEvent::NodesToggleAllSelected, 1.0F);
+    rig.player.queueEventSerial(&event);
+    rig.render();
+    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
+    rig.render();
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), many);
+    EXPECT_EQ(quiet.count(QtWarningMsg, QStringLiteral("Command buffer full")), 0);
+}
+
+TEST_F(Nodes, ASoftResetStartsTheNoteAnewAndAHardOneKeepsItsVoice)
+{
+    const auto detune = [this] {
+        send(OrloEvent::GlissOneSet, 0.5F);
+        select(A);
+        send(OrloEvent::GlissOneSet, 1.0F);
+        select(A);
+        EXPECT_NEAR(frequencyOf(A), 880.0F, 0.001F);
+        ear.take();
+    };
+    toggle(A);
+    detune();
+    reset(A);
+    Messages heard = ear.take();
+    ASSERT_EQ(heard.size(), 9);
+    EXPECT_EQ(heard.first(), (PatchEar::Message{440.0F, voiceFrequency, 1}));
+    EXPECT_EQ(heard.last().type, 11);
+    EXPECT_TRUE(rig.player.getAllRatiosWithAlteredParameters().isEmpty());
+
+    detune();
+    rig.settings.softNodeReset = true;
+    reset(A);
+    heard = ear.take();
+    ASSERT_EQ(heard.size(), 12);
+    EXPECT_EQ(heard.first(), (PatchEar::Message{0.0F, voiceGate, 1}));
+    EXPECT_EQ(heard[9], (PatchEar::Message{440.0F, voiceFrequency, 2}));
+    EXPECT_EQ(heard.last(), (PatchEar::Message{1.0F, voiceGate, 2}));
+
+    reset(OrloRatio(7, 4)); // neither altered nor sounding
+    EXPECT_TRUE(ear.take().isEmpty());
+}
+
+TEST_F(Nodes, ResettingAllWithControlsKeepsTheSelection)
+{
+    ASSERT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n#X obj 20 20 r query-macros;\n"
+                                 "#X msg 20 50 list info A(0.25):B;\n#X obj 20 80 s output-voice-info;\n"
+                                 "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n"));
+    toggle(A);
+    select(A);
+    select(B);
+    send(OrloEvent::Macro1Set, 0.75F);
+    send(OrloEvent::Macro2Set, 0.625F);
+    send(OrloEvent::GlissTwoSet, 0.0F);
+    QSignalSpy sliders(&rig.player, &PdPlayer::resetGlissSliders);
+    QSignalSpy macros(&rig.player, qOverload<int, float>(&PdPlayer::macroValueChanged));
+    send(OrloEvent::NodesResetAllAndControls);
+    EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{A, B}));
+    ASSERT_EQ(sliders.size(), 1);
+    EXPECT_EQ(sliders[0][0].value<short>(), 0);
+    EXPECT_EQ(frequencyOf(A), 440.0F);
+    EXPECT_EQ(voiceOf(A).macros[0], 0.25F);
+    EXPECT_EQ(voiceOf(A).macros[1], 0.625F); // its patch gives no default: it stays
+    ASSERT_EQ(macros.size(), 2);
+    EXPECT_EQ(macros[1][1].toFloat(), 0.625F);
+}
+
+TEST_F(Nodes, ANewRangeComesIntoForceByAResetOfItsSlider)
+{
+    toggle(A);
+    select(A);
+    rig.settings.glissOneRangeCents = 600.0F;
+    send(OrloEvent::GlissOneSet, 1.0F);
+    EXPECT_EQ(frequencyOf(A), 880.0F); // the old one
+    send(OrloEvent::GlissTwoSet, 1.0F);
+    QSignalSpy sliders(&rig.player, &PdPlayer::resetGlissSliders);
+    send(OrloEvent::GlissOneReset);
+    ASSERT_EQ(sliders.size(), 1);
+    EXPECT_EQ(sliders[0][0].value<short>(), 1);
+    EXPECT_NEAR(frequencyOf(A), 466.164F, 0.001F); // the second slider's semitone stays
+    send(OrloEvent::GlissOneSet, 1.0F);
+    EXPECT_NEAR(frequencyOf(A), 659.255F, 0.001F); // half of an octave above that
+}
+
+// ---------------------------------------------------------------- around a change of patch
+
+TEST_F(Nodes, AChordAndItsNodesLiveThroughAChangeOfPatch)
+{
+    toggle(A);
+    toggle(B);
+    select(B);
+    send(OrloEvent::GlissOneSet, 1.0F);
+    send(OrloEvent::Macro1Set, 0.5F);
+    rig.settings.maintainMacroParameters = true;
+    QSignalSpy sliders(&rig.player, &PdPlayer::setMacroSliders);
+    ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 2);
+    EXPECT_EQ(rig.player.getAllSelectedRatios(), QList<OrloRatio>{B});
+    EXPECT_EQ(frequencyOf(A), 440.0F);
+    EXPECT_EQ(frequencyOf(B), 1320.0F);
+    EXPECT_EQ(voiceOf(B).macros[0], 0.5F);
+    ASSERT_EQ(sliders.size(), 1);
+    EXPECT_EQ(sliders[0][0].value<QList<float>>(), (QList<float>{0.5F, 0, 0, 0, 0, 0, 0, 0}));
+    send(OrloEvent::GlissOneSet, 0.5F);
+    EXPECT_EQ(frequencyOf(B), 660.0F);
+}
+
+TEST_F(Nodes, WhatIsDoneWithoutAPatchHoldsInTheNext)
+{
+    toggle(A);
+    select(A);
+    ASSERT_FALSE(rig.underClock([this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); })
+                     .empty());
+    ASSERT_FALSE(rig.player.isPatchOpen());
+    ear.take();
+    toggle(B);
+    select(B);
+    send(OrloEvent::GlissOneSet, 1.0F);
+
+    ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 2);
+    EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{B, A}));
+    EXPECT_EQ(voiceOf(B).gate, 1.0F);
+    EXPECT_EQ(frequencyOf(B), 1320.0F);
+    // A was out of reach of the slider, so it stands where it was, now with the slider at its end.
+    EXPECT_EQ(frequencyOf(A), 440.0F);
+    send(OrloEvent::GlissOneSet, 0.5F);
+    EXPECT_EQ(frequencyOf(B), 660.0F);
+    EXPECT_EQ(frequencyOf(A), 220.0F);
+}
+
+// ---------------------------------------------------------------- hazards
+
+TEST_F(Nodes, WhatIsNoPitchIsNotSelected)
+{
+    select(OrloRatio());
+    rig.send(OrloEvent(OrloEvent::NodeSelectToggle, 1.0F)); // as a device's map may name it
+    rig.send(OrloEvent(OrloEvent::NodeReset, 1.0F));
+    send(OrloEvent::GlissOneSet, std::nanf(""));
+    EXPECT_TRUE(rig.player.getAllSelectedRatios().isEmpty());
+    toggle(A);
+    select(A);
+    send(OrloEvent::GlissTwoSet, 0.5F);
+    EXPECT_EQ(frequencyOf(A), 440.0F);
+}
+
+TEST_F(Nodes, ANoteAtTheLimitsGlidesOnAndStartsOnlyWithinThem)
+{
+    const OrloRatio high(32, 1); // 14080 Hz
+    toggle(high);
+    select(high);
+    send(OrloEvent::GlissOneSet, 1.0F);
+    EXPECT_EQ(frequencyOf(high), 28160.0F);
+    toggle(high);
+    ear.take();
+    toggle(high);
+    for (const PatchEar::Message& message : ear.take())
+        EXPECT_GE(message.type, 4); // macros only: neither frequency, volume nor gate
+    EXPECT_EQ(rig.player.getAllSoundingRatios(), QList<OrloRatio>{high});
+}

@@ -1,0 +1,120 @@
+#include "ui/WindowFixture.h"
+
+#include "support/EngineClock.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QPushButton>
+#include <QSlider>
+#include <QAbstractButton>
+#include <QTest>
+
+#include <algorithm>
+
+namespace {
+
+QString shellFile(const QString& name)
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/patches/shell/") + name;
+}
+
+} // namespace
+
+bool WindowFixture::Services::loadChordsFromDiskToStorage(QDir* file)
+{
+    loaded.append(file->path());
+    files.getDataFromFile(file, chords->storedChords(), StoreAndRecall::LAST_SLOT + 1);
+    return true;
+}
+
+bool WindowFixture::Services::saveStoredChordsToDisk(QDir* file)
+{
+    saved.append(file->path());
+    files.saveDataToFile(file, chords->storedChords(), StoreAndRecall::LAST_SLOT + 1);
+    return true;
+}
+
+void WindowFixture::SetUpTestSuite()
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
+    ASSERT_TRUE(sheet.open(QIODevice::ReadOnly));
+    qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
+}
+
+void WindowFixture::TearDownTestSuite()
+{
+    qApp->setStyleSheet(QString());
+}
+
+WindowFixture::WindowFixture()
+{
+    services.chords = &chords;
+    app::Parts parts = app::parts();
+    parts.application = &services;
+    parts.storeAndRecall = &chords;
+    app::setParts(parts);
+    settings.lastDirPath = home.path(QStringLiteral("chord_presets"));
+    QDir().mkpath(settings.lastDirPath);
+    const QDir patch(home.path(QStringLiteral("patch")));
+    patch.mkpath(QStringLiteral("."));
+    QFile::copy(shellFile(QStringLiteral("orlo_main_4voice.pd")), patch.filePath(QStringLiteral("orlo_main.pd")));
+    for (const char* name : {"orlo_vprep.pd", "equal-loudness.pd", "tb_compressor~.pd", "tb_compressorUI.pd"})
+        QFile::copy(shellFile(QLatin1StringView(name)), patch.filePath(QLatin1StringView(name)));
+    {
+        const EngineClock clock(player);
+        window = std::make_unique<MainWindow>(&orlo);
+    }
+    settle();
+}
+
+WindowFixture::~WindowFixture()
+{
+    const EngineClock clock(player);
+    player.term();
+    window.reset();
+}
+
+QPushButton* WindowFixture::button(const char* name) const
+{
+    return find<QPushButton>(name);
+}
+
+QSlider* WindowFixture::slider(const char* name) const
+{
+    return find<QSlider>(name);
+}
+
+void WindowFixture::click(const char* name) const
+{
+    QTest::mouseClick(find<QWidget>(name), Qt::LeftButton);
+}
+
+void WindowFixture::press(Qt::Key key, Qt::KeyboardModifiers modifiers) const
+{
+    QTest::keyClick(window.get(), key, modifiers);
+    // A button flashes, and its click comes at the flash's end.
+    const QList<QAbstractButton*> buttons = window->findChildren<QAbstractButton*>();
+    const bool up = QTest::qWaitFor([&buttons] {
+        return std::none_of(buttons.begin(), buttons.end(), [](const auto* each) { return each->isDown(); });
+    });
+    EXPECT_TRUE(up);
+}
+
+QList<WindowFixture::Command> WindowFixture::commands()
+{
+    QList<Command> list;
+    for (const PdMessageBuffer::Chunk& chunk : drain())
+        list.append({static_cast<OrloEvent::Type>(chunk.type), chunk.value});
+    return list;
+}
+
+void WindowFixture::settle()
+{
+    for (int round = 0; round < 3; ++round) {
+        report();
+        drain();
+    }
+    report();
+}
