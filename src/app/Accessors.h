@@ -2,6 +2,7 @@
 
 class ApplicationServices;
 class AudioOutput;
+class MidiOutput;
 class Orlo;
 class PdPlayer;
 class Settings;
@@ -21,6 +22,7 @@ struct Parts
     PdPlayer* player = nullptr;
     Settings* settings = nullptr;
     AudioOutput* audioOutput = nullptr;
+    MidiOutput* midiOutput = nullptr;
 
     /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so
     /// whoever builds both hands in the connection.
@@ -36,5 +38,6 @@ inline Orlo* orlo() { return parts().orlo; }
 inline PdPlayer* player() { return parts().player; }
 inline Settings* settings() { return parts().settings; }
 inline AudioOutput* audioOutput() { return parts().audioOutput; }
+inline MidiOutput* midiOutput() { return parts().midiOutput; }
 
 } // namespace app

@@ -15,10 +15,14 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <limits>
+
 namespace {
 
 constexpr int AUTOSAVE_INTERVAL_MS = 900000;
 constexpr int DEFAULT_VOICES = 128;
+// Of the pitch bend's range, what the distance of a pitch from its key can need.
+constexpr int MPE_ROUNDING_CENTS = 50;
 
 /// The name must be set before the members are built: the options' defaults name the config
 /// directory, and Qt derives that from the application's name.
@@ -59,7 +63,9 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
                    .player = &mPlayer,
                    .settings = &mSettings,
                    .audioOutput = &mAudioOutput,
+                   .midiOutput = mInterface.midiOutput,
                    .connectLattice = &PdPlayer::connectLattice});
+    mPlayer.setPortOpenFlag(&mInterface.midiOutput->portOpen);
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     readLogFilter(argc, argv);
 }
@@ -120,9 +126,13 @@ bool TuningOrloApplication::init()
     if (!mOrlo.init(&mPlayer))
         return startFailed(QStringLiteral("Orlo initialisation failed.\n\nThe program will now shut down."));
 
+    startMidi();
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
     mMainWindow->show();
     syncFromSettings();
+    startDeviceListener();
+    connect(&mPlayer, &PdPlayer::instructionsToInterface, &mInterface, &Interface::receiveInstructions,
+            Qt::DirectConnection);
     startAutosave();
     mLicensing.check();
     return true;
@@ -209,6 +219,34 @@ bool TuningOrloApplication::startSound()
     return true;
 }
 
+void TuningOrloApplication::startMidi()
+{
+    // Any number can stand in the file.
+    constexpr int widestGliss = std::numeric_limits<int>::max() - MPE_ROUNDING_CENTS;
+    MidiOutput* output = mInterface.midiOutput;
+    output->selectPort(mSettings.midiOutDevice);
+    output->setChannel(mSettings.midiOutChannel);
+    output->mpeSetPitchBendRange(qMin(mSettings.glissRangeMPECents, widestGliss) + MPE_ROUNDING_CENTS);
+}
+
+/// Without a map of its tags there is no physical device.
+void TuningOrloApplication::startDeviceListener()
+{
+    if (!QFile::exists(configDirectory() + QStringLiteral("/rfid_map.json")))
+        return;
+    connect(&mUdpListener, &UdpListener::eventReceived, &mPlayer, &PdPlayer::queueEventSerial, Qt::DirectConnection);
+    connect(&mUdpListener, &UdpListener::fatalError, this, &TuningOrloApplication::onUdpFatalError,
+            Qt::QueuedConnection);
+    mUdpListener.start();
+}
+
+void TuningOrloApplication::onUdpFatalError(const QString& error)
+{
+    showCritical(QStringLiteral("Failed to connect to the orlo, only screen-based interaction will be "
+                                "possible.\n\nError: %1")
+                     .arg(error));
+}
+
 bool TuningOrloApplication::initPatchFolder()
 {
     const QString runtime = configDirectory() + QStringLiteral("/patch");
@@ -285,6 +323,7 @@ void TuningOrloApplication::applyRestrictions(bool restricted)
 {
     if (mMainWindow)
         mMainWindow->applyRestrictions(restricted);
+    mInterface.restricted = restricted;
 }
 
 // ---------------------------------------------------------------- options
@@ -326,6 +365,8 @@ void TuningOrloApplication::syncToSettings()
         mSettings.windowPos = mMainWindow->pos();
     }
     mSettings.audioDevice = mAudioOutput.selectedDevice();
+    mSettings.midiOutDevice = mInterface.midiOutput->portName;
+    mSettings.midiOutChannel = mInterface.midiOutput->channel;
 }
 
 void TuningOrloApplication::autoSafe()
@@ -340,9 +381,11 @@ void TuningOrloApplication::autoSafe()
 void TuningOrloApplication::term()
 {
     syncToSettings();
+    mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the output: the hand-over of the patch needs its callback
     mAudioOutput.term();
+    mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
     qInstallMessageHandler(nullptr);
 }

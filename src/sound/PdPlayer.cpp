@@ -47,6 +47,9 @@ PdPlayer::PdPlayer(QObject* parent)
     : QObject(parent)
 {
     sThis = this;
+    mInstructionVoices.reserve(VoiceTable::SLOTS);
+    mInstructionValues1.reserve(VoiceTable::SLOTS);
+    mInstructionValues2.reserve(VoiceTable::SLOTS);
     for (int prime = 0; prime < mPrimeEnabled.CAPACITY; ++prime)
         mPrimeEnabled[prime] = true;
 }
@@ -315,7 +318,7 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
         sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);
         sendPdVoiceMessage(voiceGate, 1.0F, voice);
         if (portOpen())
-            emit instructionsToInterface(instructionNoteOn, {slot}, {frequency}, {velocity});
+            sendInstruction(instructionNoteOn, slot, frequency, velocity);
     }
     emit noteToggled(ratio, true);
 
@@ -385,9 +388,20 @@ void PdPlayer::noteOff(const OrloRatio& ratio)
     voice->released = true;
     sendPdVoiceMessage(voiceGate, 0.0F, static_cast<float>(voice->voice));
     if (portOpen())
-        emit instructionsToInterface(instructionNoteOff, {voice->voice}, {-1.0F}, {-1.0F});
+        sendInstruction(instructionNoteOff, voice->voice, -1.0F, -1.0F);
     emit noteToggled(ratio, false);
     delete soundingParameters.take(ratio);
+}
+
+void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1, float value2)
+{
+    mInstructionVoices.clear(); // keeps its room
+    mInstructionValues1.clear();
+    mInstructionValues2.clear();
+    mInstructionVoices.append(voice);
+    mInstructionValues1.append(value1);
+    mInstructionValues2.append(value2);
+    emit instructionsToInterface(instruction, mInstructionVoices, mInstructionValues1, mInstructionValues2);
 }
 
 void PdPlayer::onVoiceStopped(int index)

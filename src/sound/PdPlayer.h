@@ -183,6 +183,7 @@ private:
     void stopPreviousMonoVoice(int slot);
     float sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency);
     bool multiplyTransposition(const OrloRatio& by);
+    void sendInstruction(Instruction instruction, int voice, float value1, float value2);
     bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
 
     void openPatch();
@@ -233,4 +234,8 @@ private:
     float mGlissTwoRange = 100.0F;
     int mMaxVoices = VoiceTable::SLOTS;
     const std::atomic<bool>* mPortOpen = nullptr;
+    // The lists of an instruction, with room for every voice, so that a note allocates none.
+    QList<int> mInstructionVoices;
+    QList<float> mInstructionValues1;
+    QList<float> mInstructionValues2;
 };

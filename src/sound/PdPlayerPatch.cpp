@@ -171,7 +171,8 @@ bool PdPlayer::openPatchLocked()
 void PdPlayer::closePatch()
 {
     mHandOver.lock();
-    if (mPatch) {
+    // A physical device can name this event too; then the patch plays on.
+    if (mPatch && mHandOver.isAwaiting(PatchHandOver::Change::Close)) {
         qWarning() << "Closing PD patch...";
         allNotesOff(true);
         setDsp(false);
