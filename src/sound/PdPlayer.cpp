@@ -183,6 +183,9 @@ void PdPlayer::onNoteToggleByPath(const Chunk& chunk)
 
 void PdPlayer::onNoteToggleByRatio(const Chunk& chunk)
 {
+    // A device's map names types only, so its event has no ratio. 0/1 would take voices in silence.
+    if (chunk.ratio.numerator() == 0)
+        return;
     const Voice* voice = mVoices.find(chunk.ratio);
     if (!voice || voice->released)
         noteOn(chunk.ratio);
@@ -467,12 +470,16 @@ bool PdPlayer::multiplyTransposition(const OrloRatio& by)
 
 void PdPlayer::setVoiceVolume(float volume)
 {
+    if (!std::isfinite(volume)) // the sum of adjustments
+        return;
     mVoiceVolume = volume;
     emit voiceVolumeChanged(volume);
 }
 
 void PdPlayer::setVolume(float volume)
 {
+    if (!std::isfinite(volume))
+        return;
     mMasterVolume = volume;
     sendPdVolumeMessage(volume);
     emit volumeChanged(volume);
