@@ -2,6 +2,7 @@
 
 class ApplicationServices;
 class AudioOutput;
+class MidiOutput;
 class Orlo;
 class PdPlayer;
 class SaveAndLoad;
@@ -25,6 +26,7 @@ struct Parts
     AudioOutput* audioOutput = nullptr;
     StoreAndRecall* storeAndRecall = nullptr;
     SaveAndLoad* saveAndLoad = nullptr;
+    MidiOutput* midiOutput = nullptr;
 
     /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so
     /// whoever builds both hands in the connection.
@@ -42,5 +44,6 @@ inline Settings* settings() { return parts().settings; }
 inline AudioOutput* audioOutput() { return parts().audioOutput; }
 inline StoreAndRecall* storeAndRecall() { return parts().storeAndRecall; }
 inline SaveAndLoad* saveAndLoad() { return parts().saveAndLoad; }
+inline MidiOutput* midiOutput() { return parts().midiOutput; }
 
 } // namespace app

@@ -18,12 +18,15 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr int AUTOSAVE_INTERVAL_MS = 900000;
 constexpr int DEFAULT_VOICES = 128;
 constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
+// Of the pitch bend's range, what the distance of a pitch from its key can need.
+constexpr int MPE_ROUNDING_CENTS = 50;
 
 /// The name must be set before the members are built: the options' defaults name the config
 /// directory, and Qt derives that from the application's name.
@@ -82,7 +85,9 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
                    .audioOutput = &mAudioOutput,
                    .storeAndRecall = &mStoreAndRecall,
                    .saveAndLoad = &mSaveAndLoad,
+                   .midiOutput = mInterface.midiOutput,
                    .connectLattice = &PdPlayer::connectLattice});
+    mPlayer.setPortOpenFlag(&mInterface.midiOutput->portOpen);
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     readLogFilter(argc, argv);
 }
@@ -144,9 +149,13 @@ bool TuningOrloApplication::init()
     if (!mOrlo.init(&mPlayer))
         return startFailed(QStringLiteral("Orlo initialisation failed.\n\nThe program will now shut down."));
 
+    startMidi();
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
     mMainWindow->show();
     syncFromSettings();
+    startDeviceListener();
+    connect(&mPlayer, &PdPlayer::instructionsToInterface, &mInterface, &Interface::receiveInstructions,
+            Qt::DirectConnection);
     loadRunningChords();
     startAutosave();
     mLicensing.check();
@@ -236,6 +245,34 @@ bool TuningOrloApplication::startSound()
     return true;
 }
 
+void TuningOrloApplication::startMidi()
+{
+    // Any number can stand in the file.
+    constexpr int widestGliss = std::numeric_limits<int>::max() - MPE_ROUNDING_CENTS;
+    MidiOutput* output = mInterface.midiOutput;
+    output->selectPort(mSettings.midiOutDevice);
+    output->setChannel(mSettings.midiOutChannel);
+    output->mpeSetPitchBendRange(qMin(mSettings.glissRangeMPECents, widestGliss) + MPE_ROUNDING_CENTS);
+}
+
+/// Without a map of its tags there is no physical device.
+void TuningOrloApplication::startDeviceListener()
+{
+    if (!QFile::exists(configDirectory() + QStringLiteral("/rfid_map.json")))
+        return;
+    connect(&mUdpListener, &UdpListener::eventReceived, &mPlayer, &PdPlayer::queueEventSerial, Qt::DirectConnection);
+    connect(&mUdpListener, &UdpListener::fatalError, this, &TuningOrloApplication::onUdpFatalError,
+            Qt::QueuedConnection);
+    mUdpListener.start();
+}
+
+void TuningOrloApplication::onUdpFatalError(const QString& error)
+{
+    showCritical(QStringLiteral("Failed to connect to the orlo, only screen-based interaction will be "
+                                "possible.\n\nError: %1")
+                     .arg(error));
+}
+
 bool TuningOrloApplication::initPatchFolder()
 {
     const QString runtime = configDirectory() + QStringLiteral("/patch");
@@ -312,6 +349,7 @@ void TuningOrloApplication::applyRestrictions(bool restricted)
 {
     if (mMainWindow)
         mMainWindow->applyRestrictions(restricted);
+    mInterface.restricted = restricted;
 }
 
 // ---------------------------------------------------------------- options
@@ -353,6 +391,8 @@ void TuningOrloApplication::syncToSettings()
         mSettings.windowPos = mMainWindow->pos();
     }
     mSettings.audioDevice = mAudioOutput.selectedDevice();
+    mSettings.midiOutDevice = mInterface.midiOutput->portName;
+    mSettings.midiOutChannel = mInterface.midiOutput->channel;
 }
 
 void TuningOrloApplication::autoSafe()
@@ -404,9 +444,11 @@ void TuningOrloApplication::term()
 {
     syncToSettings();
     saveRunningChords();
+    mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the output: the hand-over of the patch needs its callback
     mAudioOutput.term();
+    mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
     qInstallMessageHandler(nullptr);
 }

@@ -4,6 +4,8 @@
 #include "app/Licensing.h"
 #include "app/Settings.h"
 #include "app/TerminationSignals.h"
+#include "external/Interface.h"
+#include "external/UdpListener.h"
 #include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
 #include "model/Orlo.h"
@@ -65,6 +67,7 @@ public:
 public slots:
     /// The periodic safety save. A crash loses at most what came after it.
     void autoSafe();
+    void onUdpFatalError(const QString& error);
 
 signals:
     /// One filtered log line, from any thread.
@@ -75,6 +78,8 @@ private:
     bool makeDirectories();
     void startLog();
     bool startSound();
+    void startMidi();
+    void startDeviceListener();
     bool startFailed(const QString& text);
     void loadRunningChords();
     void saveRunningChords();
@@ -84,7 +89,9 @@ private:
 
     std::unique_ptr<MainWindow> mMainWindow;
     Orlo mOrlo;
+    UdpListener mUdpListener;
     PdPlayer mPlayer;
+    Interface mInterface;
     PaAudioOutput mAudioOutput;
     Settings mSettings;
     QSet<QString> mLogFilter; // lower-case words

@@ -28,8 +28,10 @@ public:
     /// [audio] Taken around opening and closing a patch, and nowhere else. [gui] Guards what is
     /// handed over, for a moment.
     void lock() { mMutex.lock(); }
-    /// [audio] Wakes the waiting thread if this is the change it waits for: a physical device can
-    /// name both events too. Call while locked.
+    /// [audio] Whether the graphical thread waits for this change. A physical device can name both
+    /// events too, and its ones must change nothing. Call while locked.
+    bool isAwaiting(Change change) const { return mAwaited == change; }
+    /// [audio] Wakes the waiting thread if this is the change it waits for. Call while locked.
     void finish(Change change);
     void unlock() { mMutex.unlock(); }
 

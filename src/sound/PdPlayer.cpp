@@ -41,6 +41,9 @@ PdPlayer::PdPlayer(QObject* parent)
     : QObject(parent)
 {
     sThis = this;
+    mInstructionVoices.reserve(VoiceTable::SLOTS);
+    mInstructionValues1.reserve(VoiceTable::SLOTS);
+    mInstructionValues2.reserve(VoiceTable::SLOTS);
     for (int prime = 0; prime < mPrimeEnabled.CAPACITY; ++prime)
         mPrimeEnabled[prime] = true;
 }
@@ -203,6 +206,9 @@ void PdPlayer::onNoteToggleByPath(const Chunk& chunk)
 
 void PdPlayer::onNoteToggleByRatio(const Chunk& chunk)
 {
+    // A device's map names types only, so its event has no ratio. 0/1 would take voices in silence.
+    if (chunk.ratio.numerator() == 0)
+        return;
     const Voice* voice = mVoices.find(chunk.ratio);
     if (!voice || voice->released)
         noteOn(chunk.ratio);
@@ -335,7 +341,7 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
         sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);
         sendPdVoiceMessage(voiceGate, 1.0F, voice);
         if (portOpen())
-            emit instructionsToInterface(instructionNoteOn, {slot}, {frequency}, {velocity});
+            sendInstruction(instructionNoteOn, slot, frequency, velocity);
     }
     emit noteToggled(ratio, true);
 
@@ -400,9 +406,20 @@ void PdPlayer::noteOff(const OrloRatio& ratio)
     mVoicesChanged = true;
     sendPdVoiceMessage(voiceGate, 0.0F, static_cast<float>(voice->voice));
     if (portOpen())
-        emit instructionsToInterface(instructionNoteOff, {voice->voice}, {-1.0F}, {-1.0F});
+        sendInstruction(instructionNoteOff, voice->voice, -1.0F, -1.0F);
     emit noteToggled(ratio, false);
     soundingParameters.remove(ratio);
+}
+
+void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1, float value2)
+{
+    mInstructionVoices.clear(); // keeps its room
+    mInstructionValues1.clear();
+    mInstructionValues2.clear();
+    mInstructionVoices.append(voice);
+    mInstructionValues1.append(value1);
+    mInstructionValues2.append(value2);
+    emit instructionsToInterface(instruction, mInstructionVoices, mInstructionValues1, mInstructionValues2);
 }
 
 void PdPlayer::onVoiceStopped(int index)
@@ -469,12 +486,16 @@ bool PdPlayer::multiplyTransposition(const OrloRatio& by)
 
 void PdPlayer::setVoiceVolume(float volume)
 {
+    if (!std::isfinite(volume)) // the sum of adjustments
+        return;
     mVoiceVolume = volume;
     emit voiceVolumeChanged(volume);
 }
 
 void PdPlayer::setVolume(float volume)
 {
+    if (!std::isfinite(volume))
+        return;
     mMasterVolume = volume;
     sendPdVolumeMessage(volume);
     emit volumeChanged(volume);

@@ -218,6 +218,7 @@ private:
     void toggleLater();
     /// The live list; getAllSoundingRatios() is of the block before.
     QList<OrloRatio> soundingNow() const;
+    void sendInstruction(Instruction instruction, int voice, float value1, float value2);
     bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
 
     NodeParameters& nodeRecord(const OrloRatio& ratio) { return alteredParameters[ratio]; }
@@ -292,4 +293,8 @@ private:
     float mGlissTwoRange = 100.0F;
     int mMaxVoices = VoiceTable::SLOTS;
     const std::atomic<bool>* mPortOpen = nullptr;
+    // The lists of an instruction, with room for every voice, so that a note allocates none.
+    QList<int> mInstructionVoices;
+    QList<float> mInstructionValues1;
+    QList<float> mInstructionValues2;
 };

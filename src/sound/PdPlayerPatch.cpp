@@ -185,7 +185,8 @@ bool PdPlayer::openPatchLocked()
 void PdPlayer::closePatch()
 {
     mHandOver.lock();
-    if (mPatch) {
+    // A physical device can name this event too; then the patch plays on.
+    if (mPatch && mHandOver.isAwaiting(PatchHandOver::Change::Close)) {
         qWarning() << "Closing PD patch...";
         writeToCache();
         allNotesOff(true);

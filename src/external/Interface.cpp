@@ -1,0 +1,65 @@
+#include "external/Interface.h"
+
+#include "app/DebugLog.h"
+#include "external/MidiOutRtMidi.h"
+#include "sound/PdPlayer.h"
+
+#include <limits>
+
+namespace {
+
+constexpr double FULL_VELOCITY = 127.0;
+
+/// Cuts off the fraction; any value of a macro fits.
+int velocityOf(float value)
+{
+    const double velocity = static_cast<double>(value) * FULL_VELOCITY;
+    constexpr double most = std::numeric_limits<int>::max();
+    return static_cast<int>(qBound(-most, velocity, most));
+}
+
+} // namespace
+
+Interface::Interface(QObject* parent)
+    : QObject(parent)
+{
+    init();
+}
+
+bool Interface::init()
+{
+    midiOutput = new MidiOutRtMidi(this);
+    midiOutput->init();
+    return true;
+}
+
+void Interface::term()
+{
+    midiOutput->term();
+}
+
+void Interface::receiveInstructions(int parameter, QList<int> voices, QList<float> value1, QList<float> value2)
+{
+    ORLO_AUDIO_DEBUG << "Interface: Received: parameter, voices, value1, value2 " << parameter << voices << value1
+                     << value2;
+    if (restricted) {
+        ORLO_AUDIO_DEBUG << "External Protocol Interface: Output restricted and off.";
+        return;
+    }
+    if (!midiOutput->portOpen || voices.isEmpty())
+        return;
+    switch (parameter) {
+    case PdPlayer::instructionNoteOff:
+        midiOutput->voiceOff(voices.at(0));
+        break;
+    case PdPlayer::instructionNoteOn:
+        midiOutput->setKeyFrequency(voices, value1);
+        midiOutput->voiceOn(voices.at(0), velocityOf(value2.value(0)));
+        break;
+    case PdPlayer::instructionBend:
+        midiOutput->setKeyFrequency(voices, value1);
+        break;
+    default:
+        break;
+    }
+}

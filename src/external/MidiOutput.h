@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <atomic>
+#include <vector>
+
+/// The MIDI output: sends the pitches of the sounding voices to one port, in one of two modes.
+/// With a channel from 0 to 15 each voice has a key of its own, which is retuned before its note
+/// (MIDI Tuning Standard). With channel -1 each voice takes a channel of its own and is tuned by
+/// pitch bend (MPE).
+///
+/// Ports, channel and range are set on [gui], the voices sound on [audio]; nothing locks between
+/// the two. A change of port or mode under sounding notes silences the device.
+class MidiOutput : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int CHANNELS = 16;
+    static constexpr int MPE = -1; // as channel
+
+    explicit MidiOutput(QObject* parent = nullptr);
+
+    virtual bool init() = 0;
+    /// [stopped] Silences and closes the port. Nothing may be called afterwards.
+    virtual void term() = 0;
+
+    /// [gui]
+    virtual QStringList availablePorts() const = 0;
+    virtual void logPorts() const = 0;
+    /// [gui] Opens the first port of this very name; any other name closes the output.
+    virtual bool selectPort(QString name) = 0;
+    /// [gui] Opens a port; an index that does not exist closes the output. True when one is open now.
+    virtual bool selectPort(int index) = 0;
+
+    virtual void sendRawMidiMessage(const std::vector<unsigned char>* message) = 0;
+    virtual void sendRawMidiMessage(const unsigned char* message, unsigned long size) = 0;
+
+    /// [audio] Tunes the voices, in one message in MTS mode. Hz, one for each voice.
+    virtual void setKeyFrequency(QList<int> voices, QList<float> frequencies) = 0;
+    virtual void voiceOn(int voice, int velocity) = 0;
+    virtual void voiceOff(int voice) = 0;
+    /// On `channel`, in either mode.
+    virtual void allVoicesOff() = 0;
+    /// Puts the tuned keys back on equal temperament.
+    virtual void resetTuningAlteredVoices() = 0;
+    virtual void resetTuningAllVoices() = 0;
+
+    /// [audio] The same in MPE mode.
+    virtual void mpeSetVoiceFrequency(QList<int> voices, QList<float> frequencies) = 0;
+    virtual void mpeResetPitchBend(int channel) = 0;
+    virtual void mpeResetPitchBendAll() = 0;
+    virtual void mpeVoiceOn(int voice, int velocity) = 0;
+    virtual void mpeVoiceOff(int voice) = 0;
+    /// On all channels. The channels stay with their voices until mpeVoiceOff.
+    virtual void mpeAllVoicesOff() = 0;
+
+    /// [gui] Up and down, in cents; sent when the port is open in MPE mode.
+    virtual void mpeSetPitchBendRange(int cents) = 0;
+    virtual void mpeApplyPitchBendRange() = 0;
+    virtual void mpeApplyPitchBendRange(int cents) = 0;
+    /// The device's default; the range that is set stays.
+    virtual void mpeResetPitchBendRange() = 0;
+    virtual void mpeSetChannelTuning(int channel, float tuning) = 0;
+    virtual void mpeResetChannelTuning() = 0;
+    virtual void mpeSetParameter(int channel, int parameter, float value) = 0;
+
+    /// [gui] MPE, or 0 to 15 for MTS; any other number leaves MPE and keeps the channel.
+    virtual void setChannel(int channel) = 0;
+
+    QString portName; // [gui]
+    /// A port was opened and has not failed since. While it is off nothing is built.
+    std::atomic<bool> portOpen{false};
+    std::atomic<int> channel{0};
+
+signals:
+    /// [gui] The port failed and was closed.
+    void portLost(QString name);
+
+protected:
+    static QString deactivatedName();
+
+    int firstKey = 32; // of voice 0
+    /// Each once, in order of first tuning. Appended on [audio] and emptied on [gui] when the port
+    /// closes, so it has room for every voice from the start and never moves.
+    QList<int> tunedKeys;
+    std::atomic<bool> mpeMode{false};
+    /// [audio] By channel: the voice that took it last, whether it is taken still, the key of its
+    /// note, and the note at which the voice took it.
+    std::array<int, CHANNELS> channelVoice{};
+    std::array<bool, CHANNELS> channelActive{};
+    std::array<int, CHANNELS> channelKey;
+    std::array<double, CHANNELS> channelExactNote;
+    std::atomic<int> pitchBendRangeCents{50};
+};

@@ -1,0 +1,92 @@
+#include "external/RfidMap.h"
+
+#include "sound/OrloNoteEvent.h"
+
+#include <QDebug>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr qsizetype KEY_LENGTH = 10;
+const QString EVENT = QStringLiteral("event");
+const QString VALUE = QStringLiteral("value");
+
+/// Cut to an integer. A number that does not fit in one names no event.
+OrloEvent::Type typeFrom(double number)
+{
+    constexpr double most = std::numeric_limits<std::int32_t>::max();
+    if (!(std::abs(number) <= most))
+        return OrloEvent::None;
+    return static_cast<OrloEvent::Type>(static_cast<std::int32_t>(number));
+}
+
+/// A number too large for a float becomes an infinite one, which the player drops.
+float valueFrom(double number)
+{
+    if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max()))
+        return number > 0.0 ? std::numeric_limits<float>::infinity() : -std::numeric_limits<float>::infinity();
+    return static_cast<float>(number);
+}
+
+/// Null, with a warning, for a path that is not valid.
+QSharedPointer<OrloEvent> eventFrom(const QString& key, const QJsonObject& entry)
+{
+    const QString path = entry.value(VALUE).toString();
+    if (!path.startsWith(u'/'))
+        return QSharedPointer<OrloEvent>::create(typeFrom(entry.value(EVENT).toDouble()),
+                                                 valueFrom(entry.value(VALUE).toDouble()));
+    const OrloPath parsed(path);
+    if (!parsed.isValid()) {
+        qWarning().noquote() << QStringLiteral("RFID %1 was assigned invalid path %2. Ignoring.").arg(key, path);
+        return nullptr;
+    }
+    return QSharedPointer<OrloNoteEvent>::create(parsed);
+}
+
+} // namespace
+
+RfidMap::RfidMap(QObject* parent)
+    : SerializableRoot(parent)
+{
+}
+
+bool RfidMap::init()
+{
+    setSaveOnTerm(false);
+    return init(QStringLiteral("rfid_map.json"));
+}
+
+void RfidMap::read(const QJsonObject& json)
+{
+    for (auto it = json.begin(); it != json.end(); ++it) {
+        const QString key = it.key().left(KEY_LENGTH).toLower();
+        const QSharedPointer<OrloEvent> event = eventFrom(key, it.value().toObject());
+        if (!event)
+            continue;
+        mEvents.insert(key, event);
+        const auto* note = dynamic_cast<const OrloNoteEvent*>(event.get());
+        qWarning().noquote() << QStringLiteral("RFID %1 mapped to: event %2, value %3")
+                                    .arg(key, QString::number(event->type()),
+                                         note ? note->path().toString()
+                                              : QString::number(static_cast<double>(event->value())));
+    }
+}
+
+void RfidMap::write(QJsonObject& json) const
+{
+    for (auto it = mEvents.begin(); it != mEvents.end(); ++it) {
+        const auto* note = dynamic_cast<const OrloNoteEvent*>(it->get());
+        QJsonObject entry;
+        entry.insert(EVENT, static_cast<int>((*it)->type()));
+        entry.insert(VALUE, note ? QJsonValue(note->path().toString())
+                                 : QJsonValue(static_cast<double>((*it)->value())));
+        json.insert(it.key(), entry);
+    }
+}
+
+const OrloEvent* RfidMap::lookup(const QString& rfid) const
+{
+    return mEvents.value(rfid.toLower()).get();
+}

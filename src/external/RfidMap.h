@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/SerializableRoot.h"
+#include "sound/OrloEvent.h"
+
+#include <QHash>
+#include <QSharedPointer>
+
+/// What each RFID tag of the physical device does, from rfid_map.json in the config directory. The
+/// file is only read, but made empty when it is missing. [listener]
+///
+/// Its members are like "04a1b2c3d4": { "event": 1, "value": 0.5 } or { "value": "/3/5" }. Keys
+/// count by their first ten characters, case aside.
+class RfidMap : public SerializableRoot
+{
+    Q_OBJECT
+
+public:
+    explicit RfidMap(QObject* parent = nullptr);
+
+    using SerializableRoot::init;
+    bool init();
+    void read(const QJsonObject& json) override;
+    void write(QJsonObject& json) const override;
+    void initWithDefaults() override {}
+
+    /// Null for a tag that is not in the map. The event stays the map's.
+    const OrloEvent* lookup(const QString& rfid) const;
+
+private:
+    QHash<QString, QSharedPointer<OrloEvent>> mEvents; // by key in lower case
+};

@@ -1,0 +1,117 @@
+#include "external/UdpListener.h"
+
+#include "app/Accessors.h"
+#include "app/DebugLog.h"
+#include "app/Settings.h"
+#include "external/RfidMap.h"
+
+#include <QHostAddress>
+#include <QUdpSocket>
+
+#include <array>
+
+namespace {
+
+constexpr qint64 PACKET_BYTES = 72;
+// What is read stands in the last byte of a group of four.
+constexpr size_t WAND_AT = 23;
+constexpr size_t RFID_AT = 27;
+constexpr size_t RFID_STEP = 4;
+constexpr size_t RFID_LENGTH = 10;
+
+constexpr int WAIT_MS = 1000;
+constexpr unsigned long LONGEST_STOP_MS = 2000;
+// Room for a device that sends while the machine is busy; the system may give less.
+constexpr int RECEIVE_BUFFER_BYTES = 1 << 20;
+
+using Packet = std::array<char, PACKET_BYTES>;
+
+QString rfidOf(const Packet& packet)
+{
+    std::array<char, RFID_LENGTH> text;
+    for (size_t i = 0; i < RFID_LENGTH; ++i)
+        text[i] = packet[RFID_AT + i * RFID_STEP];
+    return QString::fromUtf8(text.data(), RFID_LENGTH);
+}
+
+} // namespace
+
+UdpListener::UdpListener() = default;
+
+UdpListener::~UdpListener()
+{
+    if (!isRunning())
+        return;
+    stopRequested = true;
+    if (!wait(LONGEST_STOP_MS)) {
+        // All is saved by now, and a thread must not outlive its object.
+        terminate();
+        wait(LONGEST_STOP_MS);
+    }
+}
+
+void UdpListener::term()
+{
+    if (!isRunning())
+        return;
+    qWarning() << "Stopping UDP thread...";
+    stopRequested = true;
+    if (!wait(LONGEST_STOP_MS))
+        qCritical() << "UDP thread couldn't be stopped, exiting anyway";
+}
+
+void UdpListener::giveUp(const QString& error)
+{
+    qCritical().noquote() << error;
+    emit fatalError(error);
+}
+
+void UdpListener::run()
+{
+    qWarning() << "UDP thread starting...";
+    RfidMap map;
+    if (!map.init()) {
+        giveUp(QStringLiteral("Failed to load RFID mapping file, UDP thread shutting down."));
+        return;
+    }
+    const auto port = static_cast<quint16>(app::settings()->udpPort);
+    QUdpSocket socket;
+    if (!socket.bind(QHostAddress::Any, port)) {
+        giveUp(QStringLiteral("Can't open UDP socket on port %1. UDP thread shutting down.").arg(port));
+        return;
+    }
+    socket.setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, RECEIVE_BUFFER_BYTES);
+    qWarning() << "UDP socket opened on port" << port;
+    while (!stopRequested) {
+        if (!socket.waitForReadyRead(WAIT_MS))
+            continue;
+        // A device that never pauses must not keep the thread from its end.
+        while (!stopRequested && socket.hasPendingDatagrams())
+            receive(socket, map, port);
+    }
+    socket.close();
+    qWarning() << "UDP thread exits run";
+}
+
+void UdpListener::receive(QUdpSocket& socket, const RfidMap& map, quint16 port)
+{
+    const qint64 size = socket.pendingDatagramSize();
+    Packet packet;
+    if (size != PACKET_BYTES) {
+        qWarning().noquote() << QStringLiteral("Discarding UDP packet due to wrong size %1").arg(size);
+        socket.readDatagram(packet.data(), 0);
+        return;
+    }
+    QHostAddress sender;
+    if (socket.readDatagram(packet.data(), PACKET_BYTES, &sender) != PACKET_BYTES)
+        return;
+    const QString rfid = rfidOf(packet);
+    ORLO_AUDIO_DEBUG.noquote() << QStringLiteral("Received a UDP packet from %1 on port %2")
+                                      .arg(sender.toString())
+                                      .arg(port);
+    ORLO_AUDIO_DEBUG << "Wand ID:" << static_cast<int>(static_cast<signed char>(packet[WAND_AT])) << ", RFID:" << rfid;
+    if (const OrloEvent* event = map.lookup(rfid))
+        emit eventReceived(event);
+    else
+        qWarning().noquote() << QStringLiteral("RFID %1 not found in mapping table. Ignoring.").arg(rfid);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QThread>
+
+#include <atomic>
+
+class OrloEvent;
+class QUdpSocket;
+class RfidMap;
+
+/// The physical device: a thread that receives its packets on the port of the option udpPort, looks
+/// up the tag in each and hands on the event that the map has for it.
+class UdpListener : public QThread
+{
+    Q_OBJECT
+
+public:
+    UdpListener();
+    ~UdpListener() override;
+
+    /// [gui] Stops the thread and waits for it, for two seconds at the most.
+    void term();
+
+signals:
+    /// [listener] One for each packet that was recognised. The event is the map's: copy it before
+    /// the emission returns, by a direct connection.
+    void eventReceived(const OrloEvent* event);
+    /// [listener] The thread gives up; says why.
+    void fatalError(QString error);
+
+protected:
+    void run() override;
+
+private:
+    void giveUp(const QString& error);
+    void receive(QUdpSocket& socket, const RfidMap& map, quint16 port);
+
+    std::atomic<bool> stopRequested{false};
+};

@@ -1,0 +1,87 @@
+#include "external/MidiDouble.h"
+
+QString hex(const unsigned char* bytes, size_t size)
+{
+    const auto all = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
+    return QString::fromLatin1(all.toHex(' ')).toUpper();
+}
+
+QStringList onAllChannels(int status, const char* data)
+{
+    QStringList messages;
+    for (int channel = 0; channel < 16; ++channel)
+        messages.append(QStringLiteral("%1 %2").arg(status + channel, 2, 16).arg(QLatin1StringView(data)).toUpper());
+    return messages;
+}
+
+namespace {
+
+class ApiDouble : public MidiOutApi
+{
+public:
+    explicit ApiDouble(std::shared_ptr<MidiSystem> system)
+        : mSystem(std::move(system))
+    {
+    }
+
+    RtMidi::Api getCurrentApi() override { return RtMidi::UNSPECIFIED; }
+    void openPort(unsigned int port, const std::string& name) override
+    {
+        if (mSystem->opensFail)
+            throw RtMidiError("no such device", RtMidiError::DRIVER_ERROR);
+        mSystem->sent.append(QStringLiteral("open %1 as %2").arg(port).arg(QString::fromStdString(name)));
+        connected_ = true;
+    }
+    void openVirtualPort(const std::string&) override {}
+    void closePort() override
+    {
+        if (connected_)
+            mSystem->sent.append(QStringLiteral("close"));
+        connected_ = false;
+    }
+    void setClientName(const std::string&) override {}
+    void setPortName(const std::string&) override {}
+    unsigned int getPortCount() override { return static_cast<unsigned int>(mSystem->ports.size()); }
+    std::string getPortName(unsigned int port) override { return mSystem->ports.at(port); }
+    void sendMessage(const unsigned char* message, size_t size) override
+    {
+        if (mSystem->sendsFail)
+            throw RtMidiError("the device is gone", RtMidiError::DRIVER_ERROR);
+        if (!mSystem->discard)
+            mSystem->sent.append(hex(message, size));
+    }
+
+protected:
+    void initialize(const std::string&) override {}
+
+private:
+    const std::shared_ptr<MidiSystem> mSystem;
+};
+
+RtMidi::Api lastCompiledApi()
+{
+    std::vector<RtMidi::Api> apis;
+    RtMidi::getCompiledApi(apis);
+    return apis.back();
+}
+
+class OutputOverDouble : public RtMidiOut
+{
+public:
+    explicit OutputOverDouble(const std::shared_ptr<MidiSystem>& system)
+        : RtMidiOut(lastCompiledApi())
+    {
+        delete rtapi_;
+        rtapi_ = new ApiDouble(system);
+    }
+};
+
+} // namespace
+
+std::unique_ptr<RtMidiOut> MidiOutOverDouble::createOutput(RtMidi::Api api) const
+{
+    system->apisTried.append(api);
+    if (system->apisTried.size() <= system->apisThatFail)
+        throw RtMidiError("no MIDI here " + std::to_string(system->apisTried.size()), RtMidiError::DRIVER_ERROR);
+    return std::make_unique<OutputOverDouble>(system);
+}

@@ -1,0 +1,173 @@
+// What a device's map can do to the player: any command, with any value.
+
+#include "external/RfidMap.h"
+#include "sound/OrloNoteEvent.h"
+#include "support/EngineLog.h"
+#include "support/LogCatcher.h"
+#include "support/SoundRig.h"
+
+#include <gtest/gtest.h>
+
+#include <QRegularExpression>
+
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <thread>
+
+namespace {
+
+constexpr float LARGEST = std::numeric_limits<float>::max();
+constexpr float ODD_VALUES[] = {0.0F,    -0.0F, 1.0F,   -1.0F, 0.5F,   2.0F,    3.0F,     31.0F,   32.0F,
+                                -2.5F,   127.0F, 128.0F, 1e-42F, 1e9F,  -1e9F,  1e20F,    LARGEST, -LARGEST,
+                                INFINITY, -INFINITY, NAN};
+const OrloRatio FIFTH(3, 2);
+const QRegularExpression NO_NUMBER(QStringLiteral("\\b(nan|inf)\\b"));
+
+OrloEvent command(int type, float value)
+{
+    return OrloEvent(static_cast<OrloEvent::Type>(type), value);
+}
+
+class Hardening : public ::testing::Test
+{
+protected:
+    void serial(const OrloEvent& event)
+    {
+        rig.player.queueEventSerial(&event);
+        rig.player.processEvents();
+    }
+    /// What a player does to come back to a plain state.
+    void restore()
+    {
+        serial(OrloEvent(OrloEvent::AllNotesOffForced, 0.0F));
+        serial(OrloEvent(OrloEvent::NodesHold, 0.0F));
+        serial(OrloEvent(OrloEvent::TransposeByPrimeStep, 0.0F));
+        serial(OrloEvent(OrloEvent::BaseFrequencySet, 440.0F));
+        serial(OrloEvent(OrloEvent::MasterVolumeSet, 0.75F));
+        serial(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
+        serial(OrloEvent(OrloEvent::MonophonicSet, 0.0F));
+        serial(OrloEvent(OrloEvent::NodesResetAllAndControlsDeselect, 0.0F));
+        for (int macro = OrloEvent::Macro1Set; macro <= OrloEvent::Macro8Set; ++macro)
+            serial(command(macro, 0.5F));
+        serial(OrloEvent(OrloEvent::Macro1Set, 0.8F));
+    }
+
+    SoundRig rig{4};
+};
+
+} // namespace
+
+TEST_F(Hardening, NoCommandWithAnyValueHarmsThePlayer)
+{
+    EngineLog log(rig.player);
+    for (int type = -2; type <= 44; ++type) {
+        for (const float value : ODD_VALUES) {
+            SCOPED_TRACE(testing::Message() << "type " << type << " value " << value);
+            // With nothing sounding, with a note, and on what the first time left behind.
+            serial(command(type, value));
+            serial(OrloNoteEvent(FIFTH));
+            serial(command(type, value));
+            serial(command(type, value));
+            for (const OrloRatio& ratio : rig.player.getAllSoundingRatios())
+                EXPECT_NE(ratio.numerator(), 0U);
+            serial(OrloNoteEvent(FIFTH));
+            for (const QString& line : log.take())
+                EXPECT_FALSE(line.contains(NO_NUMBER)) << line.toStdString();
+
+            restore();
+            log.take();
+            serial(OrloNoteEvent(FIFTH));
+            const QStringList told = log.take();
+            EXPECT_TRUE(told.contains(QStringLiteral("noteToggled 3/2 on"))) << told.join(u'\n').toStdString();
+            EXPECT_TRUE(told.filter(QRegularExpression(QStringLiteral("^orlo-in 660 2 "))).size() == 1)
+                << told.join(u'\n').toStdString();
+            EXPECT_EQ(rig.player.getAllSoundingRatios(), QList<OrloRatio>({FIFTH}));
+            serial(OrloNoteEvent(FIFTH));
+        }
+    }
+}
+
+TEST_F(Hardening, RandomCommandsLeaveAPlayerThatPlays)
+{
+    std::mt19937 random(20240611); // the same every time
+    EngineLog log(rig.player);
+    for (int round = 0; round < 200; ++round) {
+        for (int i = 0; i < 100; ++i) {
+            const int type = static_cast<int>(random() % 43);
+            const float value = ODD_VALUES[random() % std::size(ODD_VALUES)];
+            if (random() % 4 == 0)
+                serial(OrloNoteEvent(OrloRatio(random() % 7 + 1, random() % 5 + 1)));
+            else
+                serial(command(type, value));
+        }
+        restore();
+        log.take();
+        serial(OrloNoteEvent(FIFTH));
+        ASSERT_TRUE(log.take().contains(QStringLiteral("noteToggled 3/2 on"))) << "round " << round;
+        serial(OrloNoteEvent(FIFTH));
+    }
+}
+
+// Filters and delays of the patch must not keep what a wild value put into them.
+TEST_F(Hardening, ThePatchSoundsAsBeforeAfterWildValues)
+{
+    ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
+    const auto levelOfANote = [this] {
+        restore();
+        serial(OrloNoteEvent(FIFTH));
+        rig.render(100);
+        const std::vector<float> sound = rig.render(100);
+        serial(OrloNoteEvent(FIFTH));
+        rig.renderUntilSilent();
+        return peak(sound);
+    };
+    const float before = levelOfANote();
+    ASSERT_GT(before, 0.01F);
+    for (int type = 0; type < OrloEvent::TYPE_COUNT; ++type) {
+        for (const float value : ODD_VALUES) {
+            serial(OrloNoteEvent(FIFTH));
+            rig.render(4);
+            serial(command(type, value));
+            rig.render(4);
+        }
+        EXPECT_NEAR(levelOfANote() / before, 1.0F, 0.02F) << "type " << type;
+    }
+}
+
+TEST_F(Hardening, OnlyTheProgramItselfOpensAndClosesThePatch)
+{
+    ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
+    serial(OrloNoteEvent(FIFTH));
+    for (const auto type : {OrloEvent::PatchClose, OrloEvent::PatchOpen, OrloEvent::PatchOpen}) {
+        serial(OrloEvent(type, 0.0F));
+        EXPECT_TRUE(rig.player.isPatchOpen());
+        EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 1);
+    }
+    EXPECT_GT(peak(rig.render(50)), 0.01F);
+}
+
+TEST_F(Hardening, ADeviceThatNamesThemDuringAHandOverChangesNothing)
+{
+    LogCatcher messages;
+    std::atomic<bool> flooding{true};
+    std::thread device([&] {
+        for (int i = 0; flooding; ++i) {
+            const OrloEvent event(i % 2 == 0 ? OrloEvent::PatchClose : OrloEvent::PatchOpen, 0.0F);
+            rig.player.queueEventSerial(&event);
+            std::this_thread::sleep_for(std::chrono::microseconds(i % 3 * 200));
+        }
+    });
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
+        EXPECT_TRUE(rig.player.isPatchOpen());
+        rig.queue(OrloNoteEvent(FIFTH));
+        EXPECT_GT(peak(rig.render(50)), 0.01F);
+    }
+    flooding = false;
+    device.join();
+    // One opening and one closing for each load, but for the last.
+    EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("Opening PD patch")), 4);
+    EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("Closing PD patch")), 3);
+}

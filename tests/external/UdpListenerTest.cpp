@@ -1,0 +1,250 @@
+#include "external/UdpListener.h"
+
+#include "app/Accessors.h"
+#include "app/DebugLog.h"
+#include "sound/OrloNoteEvent.h"
+#include "support/EngineClock.h"
+#include "support/LogCatcher.h"
+#include "support/SoundRig.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QMutex>
+#include <QUdpSocket>
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+const QString FATAL_MAP = QStringLiteral("Failed to load RFID mapping file, UDP thread shutting down.");
+
+quint16 freePort()
+{
+    QUdpSocket socket;
+    socket.bind(QHostAddress::Any, 0);
+    return socket.localPort();
+}
+
+/// Where the bytes stand that are read; all others are noise.
+QByteArray packet(const QByteArray& rfid, char wand = 1)
+{
+    QByteArray bytes(72, '\xA5');
+    bytes[23] = wand;
+    const int places[] = {27, 31, 35, 39, 43, 47, 51, 55, 59, 63};
+    for (int i = 0; i < 10; ++i)
+        bytes[places[i]] = rfid[i];
+    return bytes;
+}
+
+template <class Condition>
+bool soon(Condition&& condition, int longestMs = 10000)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > longestMs)
+            return false;
+        QThread::msleep(1);
+    }
+    return true;
+}
+
+class Device : public ::testing::Test
+{
+protected:
+    Device()
+    {
+        rig.settings.udpPort = freePort();
+        QObject::connect(&listener, &UdpListener::eventReceived, &listener, [this](const OrloEvent* event) {
+            const QMutexLocker locker(&mutex);
+            events.append(event->type());
+            ++received;
+        }, Qt::DirectConnection);
+        QObject::connect(&listener, &UdpListener::fatalError, &listener, [this](const QString& error) {
+            const QMutexLocker locker(&mutex);
+            errors.append(error);
+        }, Qt::DirectConnection);
+    }
+    ~Device() override { listener.term(); }
+
+    bool start(const QByteArray& map)
+    {
+        rig.home.write(QStringLiteral("rfid_map.json"), map);
+        listener.start();
+        return soon([this] { return log.has(QtWarningMsg, QStringLiteral("UDP socket opened on port")); });
+    }
+    void send(const QByteArray& bytes)
+    {
+        EXPECT_EQ(sender.writeDatagram(bytes, QHostAddress::LocalHost, static_cast<quint16>(rig.settings.udpPort)),
+                  bytes.size());
+    }
+    bool says(const QString& text)
+    {
+        return soon([&] { return log.has(QtWarningMsg, text); });
+    }
+
+    SoundRig rig{4};
+    QUdpSocket sender;
+    UdpListener listener;
+    QMutex mutex;
+    QList<int> events;
+    QStringList errors;
+    std::atomic<int> received{0};
+    LogCatcher log; // ends first, while no thread logs
+};
+
+const QByteArray MAP = R"({"abcdef0123": {"event": 17, "value": 0.5}, "0000000001": {"value": "/3"}})";
+
+} // namespace
+
+TEST_F(Device, TakesTheTagFromTheFourthBytes)
+{
+    app::debugListening = true;
+    ASSERT_TRUE(start(MAP));
+    send(packet("ABCDEF0123", '\xFF'));
+    send(packet("0000000001"));
+    ASSERT_TRUE(soon([this] { return received == 2; }));
+    app::debugListening = false;
+    EXPECT_EQ(events, QList<int>({OrloEvent::VoiceVolumeSet, OrloEvent::NoteToggleByPath}));
+    EXPECT_TRUE(log.has(QtDebugMsg, QStringLiteral("Wand ID: -1 , RFID: \"ABCDEF0123\"")));
+    EXPECT_TRUE(log.has(QtDebugMsg, QStringLiteral(" on port %1").arg(rig.settings.udpPort)));
+    listener.term();
+    EXPECT_TRUE(listener.isFinished());
+    EXPECT_TRUE(log.has(QtWarningMsg, QStringLiteral("Stopping UDP thread...")));
+    EXPECT_TRUE(log.has(QtWarningMsg, QStringLiteral("UDP thread exits run")));
+    EXPECT_TRUE(errors.isEmpty());
+}
+
+TEST_F(Device, DropsWhatIsNoPacketOfItsOwn)
+{
+    ASSERT_TRUE(start(MAP));
+    for (const int size : {0, 1, 71, 73, 65507}) {
+        log.clear();
+        QByteArray bytes = packet("ABCDEF0123");
+        bytes.resize(size);
+        send(bytes);
+        EXPECT_TRUE(says(QStringLiteral("Discarding UDP packet due to wrong size %1").arg(size)));
+    }
+    const struct
+    {
+        QByteArray rfid;
+        const char* text;
+    } unknown[] = {{"abcdef0124", "abcdef0124"},
+                   {"\xff\xfe\xc3\x28gh\xf0\x9f\x98j", "gh"},
+                   {QByteArray(10, '\0'), "RFID "}};
+    for (const auto& [rfid, text] : unknown) {
+        log.clear();
+        send(packet(rfid));
+        EXPECT_TRUE(says(QStringLiteral("not found in mapping table. Ignoring.")));
+        EXPECT_TRUE(log.has(QtWarningMsg, QString::fromLatin1(text)));
+    }
+    EXPECT_EQ(received, 0);
+    // It still listens.
+    send(packet("ABCDEF0123"));
+    EXPECT_TRUE(soon([this] { return received == 1; }));
+}
+
+TEST_F(Device, ABurstWhilePlayingLosesNothingButToAFullBuffer)
+{
+    ASSERT_TRUE(start(MAP));
+    std::atomic<int> carriedOut{0};
+    QObject::connect(&rig.player, &PdPlayer::voiceVolumeChanged, &rig.player, [&] { ++carriedOut; },
+                     Qt::DirectConnection);
+    QObject::connect(&listener, &UdpListener::eventReceived, &rig.player, &PdPlayer::queueEventSerial,
+                     Qt::DirectConnection);
+    const auto dropped = [this] { return log.count(QtWarningMsg, QStringLiteral("Command buffer full")); };
+    rig.queue(OrloNoteEvent(OrloRatio(3, 2)));
+    const QByteArray bytes = packet("ABCDEF0123");
+    constexpr int burst = 10000;
+    {
+        const EngineClock clock(rig.player);
+        // As many at a time as the socket's own buffer holds, so that all arrive.
+        for (int sent = 1; sent <= burst; ++sent) {
+            send(bytes);
+            if (sent % 100 == 0) {
+                ASSERT_TRUE(soon([&] { return received == sent; })) << sent;
+            }
+        }
+        EXPECT_TRUE(soon([&] { return carriedOut + dropped() == burst; })) << carriedOut << " and " << dropped();
+        // As fast as can be; the system drops what the socket does not hold.
+        for (int i = 0; i < burst; ++i)
+            send(bytes);
+        ASSERT_TRUE(soon([&] { return received > burst; }));
+        ASSERT_TRUE(soon([&] { // until all that arrived is read
+            const int soFar = received;
+            QThread::msleep(100);
+            return received == soFar;
+        }));
+        EXPECT_TRUE(soon([&] { return carriedOut + dropped() == received; }));
+    }
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 1);
+
+    // With no engine running all but what the buffer holds is told of.
+    log.clear();
+    carriedOut = 0;
+    const int before = received;
+    for (int i = 0; i < 300; ++i)
+        send(bytes);
+    ASSERT_TRUE(soon([&] { return received == before + 300; }));
+    EXPECT_TRUE(soon([&] { return dropped() == 300 - 255; }));
+    rig.player.processEvents();
+    EXPECT_EQ(carriedOut, 255);
+}
+
+TEST_F(Device, StopsInTimeWhilePacketsStream)
+{
+    ASSERT_TRUE(start(MAP));
+    std::atomic<bool> sending{true};
+    std::thread device([&] {
+        QUdpSocket socket;
+        const QByteArray bytes = packet("ABCDEF0123");
+        while (sending)
+            socket.writeDatagram(bytes, QHostAddress::LocalHost, static_cast<quint16>(rig.settings.udpPort));
+    });
+    ASSERT_TRUE(soon([this] { return received > 1000; }));
+    QElapsedTimer timer;
+    timer.start();
+    listener.term();
+    EXPECT_LT(timer.elapsed(), 1500);
+    EXPECT_TRUE(listener.isFinished());
+    sending = false;
+    device.join();
+    EXPECT_FALSE(log.has(QtCriticalMsg, QStringLiteral("UDP thread couldn't be stopped, exiting anyway")));
+}
+
+TEST_F(Device, StopsWithinAboutASecondOfSilence)
+{
+    listener.term(); // never ran
+    EXPECT_TRUE(log.lines().isEmpty());
+    ASSERT_TRUE(start(MAP));
+    QElapsedTimer timer;
+    timer.start();
+    listener.term();
+    EXPECT_TRUE(listener.isFinished());
+    EXPECT_LT(timer.elapsed(), 1900);
+}
+
+TEST_F(Device, GivesUpOnAPortThatIsTaken)
+{
+    QUdpSocket other;
+    ASSERT_TRUE(other.bind(QHostAddress::Any, static_cast<quint16>(rig.settings.udpPort),
+                           QAbstractSocket::DontShareAddress));
+    rig.home.write(QStringLiteral("rfid_map.json"), MAP);
+    listener.start();
+    ASSERT_TRUE(listener.wait(5000));
+    const QString text =
+        QStringLiteral("Can't open UDP socket on port %1. UDP thread shutting down.").arg(rig.settings.udpPort);
+    EXPECT_EQ(errors, QStringList(text));
+    EXPECT_TRUE(log.has(QtCriticalMsg, text));
+}
+
+TEST_F(Device, GivesUpOnAMapThatCannotBeRead)
+{
+    rig.home.write(QStringLiteral("rfid_map.json"), "{ \"a\": ");
+    listener.start();
+    ASSERT_TRUE(listener.wait(5000));
+    EXPECT_EQ(errors, QStringList(FATAL_MAP));
+    EXPECT_TRUE(log.has(QtCriticalMsg, FATAL_MAP));
+}
