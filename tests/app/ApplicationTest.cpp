@@ -103,26 +103,25 @@ TEST_F(Application, PutsThePatchIntoItsRuntimeFolder)
     EXPECT_EQ(home.read(u"patch/orlo_vprep.pd"_s), "mine");
 }
 
-TEST(Application, KeepsTheRestOfAChordFileThatHoldsARatioThatIsNone)
+TEST_F(Application, KeepsTheRestOfAChordFileThatHoldsARatioThatIsNone)
 {
-    const TestHome home;
     home.write(QStringLiteral("x.btoc"), "1/1 0\n3/2 3/0 5/4 0\n7/4 0\n");
     QDir file(home.path(QStringLiteral("x.btoc")));
     StoreAndRecall* memory = app::storeAndRecall();
     {
         const LogCatcher log;
-        EXPECT_TRUE(application().loadChordsFromDiskToStorage(&file));
+        EXPECT_TRUE(application.loadChordsFromDiskToStorage(&file));
         EXPECT_TRUE(log.has(QtWarningMsg, QStringLiteral("Loading chords from ")));
         EXPECT_EQ(log.count(QtCriticalMsg, QStringLiteral("")), 1);
         for (const QString& part : {file.path(), QStringLiteral("slot 2"), QStringLiteral("\"3/0\"")})
             EXPECT_TRUE(log.has(QtCriticalMsg, part)) << part.toStdString();
     }
-    EXPECT_TRUE(application().saveStoredChordsToDisk(&file));
+    EXPECT_TRUE(application.saveStoredChordsToDisk(&file));
     EXPECT_TRUE(home.read(QStringLiteral("x.btoc")).startsWith("1/1 0\n3/2 0\n7/4 0\n0\n"));
 
     // What cannot be read leaves the memory as it is, and that is true too.
     QDir absent(home.path(QStringLiteral("absent.btoc")));
-    EXPECT_TRUE(application().loadChordsFromDiskToStorage(&absent));
+    EXPECT_TRUE(application.loadChordsFromDiskToStorage(&absent));
     EXPECT_EQ(memory->getNumberOfRatios(3), 1);
     memory->clearAll();
 }

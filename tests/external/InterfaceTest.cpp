@@ -121,7 +121,7 @@ TEST_F(PlayerToMidi, EachVoiceHasAKeyOfItsOwn)
 
 TEST_F(PlayerToMidi, ANoteAllocatesNothingForMidi)
 {
-    if (!AllocationCounter::works())
+    if (!AllocationCounter::WORKS)
         GTEST_SKIP() << "Allocations cannot be counted in this build.";
     for (const int channel : {0, -1}) {
         out.setChannel(channel);
