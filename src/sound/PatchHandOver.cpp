@@ -11,6 +11,8 @@ constexpr unsigned long POLL_MS = 20;
 // Longer than any block: 8192 frames at 44100 Hz last 186 ms.
 constexpr qint64 STALLED_MS = 400;
 constexpr qint64 GIVE_UP_MS = 10000;
+// For a block that was given up already.
+constexpr qint64 GIVE_UP_AGAIN_MS = 500;
 // A block that runs when the event is queued may have drained the ring already; the next one
 // must take it. One more for good measure, and the event was lost.
 constexpr std::uint64_t BLOCKS_UNTIL_LOST = 3;
@@ -33,6 +35,16 @@ void PatchHandOver::finish(Change change)
     if (change == mAwaited)
         mAwaited = Change::None;
     mCondition.wakeAll();
+}
+
+/// Whether a block that holds the engine is to be given up. Waiting long once is enough.
+bool PatchHandOver::patienceEnds(qint64 waitedMs)
+{
+    const std::uint64_t block = blocks();
+    if (waitedMs <= (block == mStuckInBlock ? GIVE_UP_AGAIN_MS : GIVE_UP_MS))
+        return false;
+    mStuckInBlock = block;
+    return true;
 }
 
 bool PatchHandOver::request(Change change, const std::function<void()>& queue,
@@ -62,7 +74,7 @@ bool PatchHandOver::request(Change change, const std::function<void()>& queue,
         if (sinceLastBlock.elapsed() < STALLED_MS)
             continue;
         if (!tryTakeEngine()) {
-            if (sinceLastBlock.elapsed() > GIVE_UP_MS) {
+            if (patienceEnds(sinceLastBlock.elapsed())) {
                 qCritical() << "The audio thread does not come out of the patch. The change of patch is given up.";
                 return false;
             }
@@ -86,7 +98,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
     QElapsedTimer timer;
     timer.start();
     while (!tryTakeEngine()) {
-        if (timer.elapsed() > GIVE_UP_MS) {
+        if (patienceEnds(timer.elapsed())) {
             qCritical() << "The audio thread does not come out of a block.";
             return false;
         }

@@ -46,6 +46,7 @@ public:
 
 private:
     bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
+    bool patienceEnds(qint64 waitedMs);
     void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
 
     QMutex mMutex;
@@ -53,4 +54,5 @@ private:
     Change mAwaited = Change::None; // guarded by the mutex; None once it is done
     std::atomic<bool> mEngineTaken{false};
     std::atomic<std::uint64_t> mBlocks{0};
+    std::uint64_t mStuckInBlock = 0; // [gui] the block that was given up last; blocks count from 1
 };

@@ -8,7 +8,9 @@
 #include "sound/AudioOutput.h"
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
+#include "sound/PatchFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
@@ -25,6 +27,7 @@ constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
 constexpr const char* VOICE_STOP = "voice-stop";
 constexpr const char* VOICE_INFO = "output-voice-info";
+constexpr QLatin1StringView VOICE_FILE("orlo_voice.pd"); // beside the main patch
 
 /// False, with a critical line, when libpd has no room for the message.
 bool startMessage(int length, const char* purpose)
@@ -79,6 +82,12 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
 {
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
+    for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
+        if (PatchFile::endsInsideSubpatch(part)) {
+            qCritical() << "The patch is cut short:" << part;
+            return false;
+        }
+    }
 
     const QByteArray fileName = QFile::encodeName(file.fileName());
     const QByteArray directory = QFile::encodeName(file.absolutePath());

@@ -1,5 +1,7 @@
 #include "end-to-end/EndToEndTest.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QJsonDocument>
 
 void EndToEndTest::SetUp()
@@ -20,6 +22,21 @@ void EndToEndTest::writeOptions(const QJsonObject& options) const
 QString EndToEndTest::log() const
 {
     return QString::fromUtf8(home.read(QStringLiteral("log.txt")));
+}
+
+QStringList EndToEndTest::voicePatches()
+{
+    QStringList names = QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/patches"))
+                            .entryList({QStringLiteral("*.pd")}, QDir::Files, QDir::Name);
+    return names.replaceInStrings(QStringLiteral(".pd"), QString());
+}
+
+QString EndToEndTest::patchKey(const QString& patch)
+{
+    const qsizetype index = voicePatches().indexOf(patch);
+    if (index < 0 || index > 9)
+        qFatal("No key chooses the patch %s.", qPrintable(patch));
+    return QStringLiteral("ctrl+%1").arg((index + 1) % 10);
 }
 
 qsizetype EndToEndTest::banners() const

@@ -8,6 +8,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 /// Base of the tests that run the whole program: a desk and an empty home for each.
 class EndToEndTest : public ::testing::Test
@@ -20,6 +21,10 @@ protected:
     /// Before a start.
     void writeOptions(const QJsonObject& options) const;
     QString log() const;
+    /// In the order of the patch menu, without the ending.
+    static QStringList voicePatches();
+    /// What chooses this one of them.
+    static QString patchKey(const QString& patch);
     /// Starts of the program that the log tells of.
     qsizetype banners() const;
 

@@ -3,19 +3,12 @@
 #include "end-to-end/ScreenMap.h"
 #include "end-to-end/Waiting.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
-namespace {
-
-QStringList voicePatches()
-{
-    return QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/patches"))
-        .entryList({QStringLiteral("*.pd")}, QDir::Files, QDir::Name);
-}
-
-} // namespace
+#include <csignal>
 
 class StartAndStop : public EndToEndTest
 {
@@ -65,9 +58,12 @@ TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
 {
     const ScreenMap screen(desk);
     ASSERT_TRUE(screen.isValid());
-    const QRect place(40, 30, 1180, 760);
-    const QStringList patches = voicePatches();
-    const qsizetype chosen = qMin<qsizetype>(patches.size(), 9) - 1;
+    const QRect place(40, 30, 1220, 765);
+    QStringList patches = voicePatches().mid(0, 10);
+    patches.removeAll(QStringLiteral("Sine")); // the default
+    ASSERT_FALSE(patches.isEmpty());
+    const QString patch = patches.last();
+    const QString patchFile = QStringLiteral("/patches/%1.pd\"").arg(patch);
     {
         RunningProgram program(desk);
         ASSERT_TRUE(program.waitForWindow());
@@ -76,9 +72,8 @@ TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
         ASSERT_TRUE(program.type(QStringLiteral("r")));
         for (int i = 0; i < 5; ++i)
             ASSERT_TRUE(program.type(QStringLiteral("k"))); // from 105 of 140 to 95
-        ASSERT_TRUE(program.type(QStringLiteral("ctrl+%1").arg(chosen + 1)));
-        const QString path = QStringLiteral("/patches/") + patches[chosen] + u'"';
-        ASSERT_TRUE(waitUntil([&] { return log().section(QStringLiteral("Loading voice patch"), -1).contains(path); }));
+        ASSERT_TRUE(program.type(patchKey(patch)));
+        ASSERT_TRUE(waitUntil([&] { return log().contains(patchFile); }));
         ASSERT_TRUE(program.moveTo(place));
         EXPECT_EQ(program.quit(), 0);
     }
@@ -87,8 +82,8 @@ TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
         EXPECT_TRUE(saved[QStringLiteral("monophonic")].toBool());
         EXPECT_EQ(saved[QStringLiteral("absRelView")].toInt(-1), 0);
         EXPECT_NEAR(saved[QStringLiteral("masterVolume")].toDouble(), 95.0 / 140.0, 1e-6);
-        EXPECT_EQ(saved[QStringLiteral("defaultPatch")].toString(), patches[chosen]);
-        EXPECT_EQ(saved[QStringLiteral("windowSize")].toString(), QStringLiteral("1180,760"));
+        EXPECT_EQ(saved[QStringLiteral("defaultPatch")].toString(), patch + QStringLiteral(".pd"));
+        EXPECT_EQ(saved[QStringLiteral("windowSize")].toString(), QStringLiteral("1220,765"));
         EXPECT_EQ(saved[QStringLiteral("windowPos")].toString(), QStringLiteral("40,30"));
         EXPECT_EQ(saved[QStringLiteral("audioDevice")].toInt(-1), 0);
     };
@@ -98,13 +93,27 @@ TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
         ASSERT_TRUE(program.waitForWindow());
         EXPECT_TRUE(waitUntil([&] { return program.place() == place; }));
         EXPECT_EQ(banners(), 2);
-        EXPECT_TRUE(log()
-                        .section(QStringLiteral("Starting app at"), -1)
-                        .contains(QStringLiteral("/patches/") + patches[chosen]));
+        EXPECT_TRUE(log().section(QStringLiteral("Starting app at"), -1).contains(patchFile));
         EXPECT_EQ(program.quit(), 0);
     }
     SCOPED_TRACE("after a second run, in which nothing was touched");
     check(options());
+}
+
+TEST_F(StartAndStop, AnEndBySignalSavesTheOptions)
+{
+    for (const int signal : {SIGTERM, SIGINT}) {
+        SCOPED_TRACE(signal);
+        writeOptions({});
+        RunningProgram program(desk);
+        ASSERT_TRUE(program.waitForWindow());
+        ASSERT_TRUE(program.type(QStringLiteral("r")));
+        ASSERT_TRUE(program.type(QStringLiteral("f")));
+        ::kill(static_cast<pid_t>(program.processId()), signal);
+        EXPECT_EQ(program.waitForExit(), 0);
+        EXPECT_TRUE(options()[QStringLiteral("circlesView")].toBool());
+        EXPECT_EQ(options()[QStringLiteral("absRelView")].toInt(-1), 0);
+    }
 }
 
 TEST_F(StartAndStop, BrokenOptionsGiveOneBoxAndDefaults)
@@ -113,7 +122,7 @@ TEST_F(StartAndStop, BrokenOptionsGiveOneBoxAndDefaults)
     home.write(QStringLiteral("options.json"), broken);
     RunningProgram program(desk);
     ASSERT_TRUE(program.waitForBox());
-    EXPECT_FALSE(log().contains(QStringLiteral("All options will be reset"))); // it is logged behind the box
+    EXPECT_FALSE(log().contains(QStringLiteral("All options will be reset"))); // not before the box is closed
     EXPECT_TRUE(log().contains(QStringLiteral("Couldn't parse file ")));
     ASSERT_TRUE(program.confirmBox());
     ASSERT_TRUE(program.waitForWindow());

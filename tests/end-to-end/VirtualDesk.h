@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QDir>
 #include <QPoint>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRect>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <optional>
 
@@ -31,7 +33,7 @@ public:
     VirtualDesk& operator=(const VirtualDesk&) = delete;
 
     /// Both servers came up.
-    bool isReady() const { return mScreen != nullptr; }
+    bool isReady() const { return mScreen && mHasSound; }
     /// For a program that runs on this desk: the test's own, without what would lead it elsewhere.
     const QProcessEnvironment& environment() const { return mEnvironment; }
     const QString& soundServer() const { return mSoundServer; }
@@ -48,13 +50,17 @@ public:
     void thawSound();
 
 private:
+    void hideSoundCards();
     void startScreen();
     void startSound();
+    bool startSoundServer();
     quint32 atom(const char* name) const;
 
+    QTemporaryDir mFiles{QDir::tempPath() + QStringLiteral("/orlo-desk-XXXXXX")}; // ALSA splits at blanks
     QProcess mScreenServer;
     QProcess mJackServer;
     xcb_connection_t* mScreen = nullptr;
+    bool mHasSound = false;
     QString mSoundServer;
     QProcessEnvironment mEnvironment;
 };

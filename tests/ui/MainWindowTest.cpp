@@ -7,6 +7,7 @@
 #include "ui/OrloView.h"
 #include "ui/UiFixture.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
@@ -19,6 +20,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -92,11 +94,15 @@ protected:
     QSlider* slider(const char* name) const { return find<QSlider>(name); }
 
     void click(const char* name) const { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
-    /// Keys that press a button need the time of its flash.
+    /// A key that presses a button lets it flash, and the click comes at the flash's end.
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
     {
         QTest::keyClick(window.get(), key, modifiers);
-        QTest::qWait(120);
+        const QList<QAbstractButton*> buttons = window->findChildren<QAbstractButton*>();
+        const bool up = QTest::qWaitFor([&buttons] {
+            return std::none_of(buttons.begin(), buttons.end(), [](const auto* each) { return each->isDown(); });
+        });
+        EXPECT_TRUE(up);
     }
 
     /// Type and value of what the window has queued since the last time.

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QMutex>
+#include <QObject>
+#include <QStringList>
+
+class PdPlayer;
+
+/// Writes down, in one order, what the engine sends to the patch and what it signals, while it
+/// lives. One at a time; libpd must have been started. Lines are like
+/// "orlo-in 440 2 1" (value, type, voice from 1), "master-vol 0.5", "noteToggled 3/2 on".
+class EngineLog : public QObject
+{
+public:
+    explicit EngineLog(PdPlayer& player);
+    ~EngineLog() override;
+
+    /// All lines so far; empties the log.
+    QStringList take();
+    /// Of those, only the ones that begin so.
+    QStringList take(const QString& beginning);
+
+private:
+    struct Receiver;
+    static void onList(Receiver* receiver, void* selector, int count, struct _atom* atoms);
+    void connectSignals(PdPlayer& player);
+    void connectListSignals(PdPlayer& player);
+    void add(const QString& line);
+
+    Receiver* mReceivers[2];
+    QMutex mMutex;
+    QStringList mLines;
+};
