@@ -27,7 +27,8 @@ struct Biquad
     }
 };
 
-/// Adds to the running sums. The shelf of the head and the high pass, from their analogue values so that any rate will do.
+/// Adds to the running sums. The shelf of the head and the high pass, from their analogue values,
+/// so that any rate will do.
 void addWeightedEnergy(const std::vector<float>& side, double rate, std::vector<double>& sums)
 {
     const double k = std::tan(PI * 1681.974450955533 / rate);
@@ -49,11 +50,16 @@ void addWeightedEnergy(const std::vector<float>& side, double rate, std::vector<
     }
 }
 
+double hann(size_t i, size_t count)
+{
+    return 0.5 - 0.5 * std::cos(2.0 * PI * (static_cast<double>(i) + 0.5) / static_cast<double>(count));
+}
+
 std::complex<double> partial(const float* frames, size_t count, size_t first, double frequency, double rate)
 {
     std::complex<double> sum;
     for (size_t i = 0; i < count; ++i) {
-        const double weight = 0.5 - 0.5 * std::cos(2.0 * PI * (static_cast<double>(i) + 0.5) / static_cast<double>(count));
+        const double weight = hann(i, count);
         const double turns = std::fmod(frequency * static_cast<double>(first + i) / rate, 1.0);
         sum += std::polar(weight * static_cast<double>(frames[i]), -2.0 * PI * turns);
     }
@@ -113,7 +119,7 @@ double beating(const std::vector<float>& sound, double band, double beat, double
     std::complex<double> swing;
     double mean = 0.0;
     for (size_t i = 0; i < loud.size(); ++i) {
-        const double weight = 0.5 - 0.5 * std::cos(2.0 * PI * (static_cast<double>(i) + 0.5) / static_cast<double>(loud.size()));
+        const double weight = hann(i, loud.size());
         swing += std::polar(weight * loud[i], -2.0 * PI * beat * static_cast<double>(i * step) / rate);
         mean += weight * loud[i];
     }
