@@ -46,7 +46,9 @@ TEST_F(LostSound, ChangesThePatchWhileTheSoundServerStandsStill)
     EXPECT_TRUE(log().contains(QStringLiteral("No audio stream is running")));
     desk.thawSound();
 
-    // It plays on. The change of patch ended the note.
+    // The note goes on under the new patch, and ends as any other.
+    EXPECT_TRUE(soundsAt(ROOT));
+    ASSERT_TRUE(program->click(screen->ball("/")));
     ASSERT_TRUE(recorder->waitForSilence());
     ASSERT_TRUE(program->click(screen->ball("/3")));
     EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+
+/// Books what each slot of the patch is told and what it reports, while it lives: every note that
+/// begins must end, by the patch's report or by its slot being taken. One at a time; libpd must
+/// have been started.
+class SlotLedger
+{
+public:
+    SlotLedger();
+    ~SlotLedger();
+    SlotLedger(const SlotLedger&) = delete;
+    SlotLedger& operator=(const SlotLedger&) = delete;
+
+    int begun() const { return mBegun; }
+    int stopped() const { return mStopped; } // reported as faded
+    int stolen() const { return mStolen; }   // begun anew before the report
+    int spurious() const { return mSpurious; } // reports about a slot that had nothing to report
+    int unended() const { return mBegun - mStopped - mStolen; }
+
+private:
+    struct Receiver;
+    static void onVoiceMessage(Receiver* receiver, void* selector, int count, struct _atom* atoms);
+    static void onVoiceStop(Receiver* receiver, void* selector, int count, struct _atom* atoms);
+
+    Receiver* mVoiceMessages;
+    Receiver* mVoiceStops;
+    std::array<bool, 129> mPending{}; // by slot, from 1
+    int mBegun = 0;
+    int mStopped = 0;
+    int mStolen = 0;
+    int mSpurious = 0;
+};
