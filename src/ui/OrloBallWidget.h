@@ -4,6 +4,7 @@
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/OrloTransposeEvent.h"
+#include "ui/BallCircles.h"
 
 #include <QGraphicsItemGroup>
 #include <QList>
@@ -35,16 +36,16 @@ public:
     void updateStruts(bool abs);
 
     /// Radius of the ball with its outline when it plays, in scene units.
-    double playingRadius() const;
+    double playingRadius() const { return mCircles.playingRadius(); }
 
     const OrloBall* ball() const { return mBall; }
     int diameter() const { return mDiameter; }
     const QList<OrloStrutWidget*>& struts() const { return mStruts; }
     void addStrut(OrloStrutWidget* strut) { mStruts.append(strut); }
 
-    QRectF boundingRect() const override;
+    QRectF boundingRect() const override { return mCircles.boundingRect(); }
     /// The round ball, so that close neighbours do not catch each other's presses.
-    QPainterPath shape() const override;
+    QPainterPath shape() const override { return mCircles.shape(); }
     int type() const override { return Type; }
 
 public slots:
@@ -70,20 +71,13 @@ private:
     Paint absolutePaint() const;
     Paint highestStepPaint() const;
 
-    QGraphicsEllipseItem* addEllipse(double diameter, double z);
     const OrloEvent* eventFor(Qt::KeyboardModifiers modifiers) const;
 
     const OrloBall* const mBall;
     OrloWidget* const mOrloWidget;
     const int mDiameter;
+    BallCircles mCircles;
     QList<OrloStrutWidget*> mStruts; // at either end; not owned
-
-    // Children of this group, which owns them.
-    QGraphicsEllipseItem* mMain = nullptr;
-    QGraphicsEllipseItem* mSelectedRing = nullptr;
-    QGraphicsEllipseItem* mAlteredRing = nullptr;
-    QGraphicsEllipseItem* mHoldDot = nullptr;
-    QGraphicsEllipseItem* mGlow = nullptr;
 
     // Ready-made, so that a press allocates nothing.
     const OrloNoteEvent mNoteEvent;
