@@ -1,6 +1,7 @@
 #include "ui/BallCircles.h"
 
 #include "ui/GeometryConstants.h"
+#include "ui/GlowItem.h"
 
 #include <QBrush>
 #include <QGraphicsEllipseItem>
@@ -24,14 +25,23 @@ QPen alteredPen(const QColor& color)
     return QPen(color, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
 }
 
+template <class Item>
+QGraphicsEllipseItem* add(QGraphicsItem* ball, double diameter, double z)
+{
+    auto* item = new Item(-diameter / 2, -diameter / 2, diameter, diameter, ball);
+    item->setZValue(z);
+    item->setAcceptedMouseButtons(Qt::NoButton);
+    return item;
+}
+
 } // namespace
 
 BallCircles::BallCircles(QGraphicsItem* ball, int diameter, const Proportions& proportions)
-    : mMain(add(ball, diameter, MAIN_Z))
-    , mSelectedRing(add(ball, proportions.selectedRing * diameter, proportions.selectedZ))
-    , mAlteredRing(add(ball, proportions.alteredRing * diameter, ALTERED_Z))
-    , mHoldDot(add(ball, HOLD_DOT_FACTOR * diameter, HOLD_Z))
-    , mGlow(add(ball, diameter * BALL_GLOW_SIZE_FACTOR / 100.0, GLOW_Z))
+    : mMain(add<QGraphicsEllipseItem>(ball, diameter, MAIN_Z))
+    , mSelectedRing(add<QGraphicsEllipseItem>(ball, proportions.selectedRing * diameter, proportions.selectedZ))
+    , mAlteredRing(add<QGraphicsEllipseItem>(ball, proportions.alteredRing * diameter, ALTERED_Z))
+    , mHoldDot(add<QGraphicsEllipseItem>(ball, HOLD_DOT_FACTOR * diameter, HOLD_Z))
+    , mGlow(add<GlowItem>(ball, diameter * BALL_GLOW_SIZE_FACTOR / 100.0, GLOW_Z))
 {
     mSelectedRing->setBrush(Qt::gray);
     mAlteredRing->setBrush(Qt::transparent);
@@ -45,14 +55,6 @@ BallCircles::BallCircles(QGraphicsItem* ball, int diameter, const Proportions& p
     mGlow->setBrush(gradient);
     for (QGraphicsEllipseItem* item : {mSelectedRing, mAlteredRing, mHoldDot, mGlow})
         item->setVisible(false);
-}
-
-QGraphicsEllipseItem* BallCircles::add(QGraphicsItem* ball, double diameter, double z)
-{
-    auto* item = new QGraphicsEllipseItem(-diameter / 2, -diameter / 2, diameter, diameter, ball);
-    item->setZValue(z);
-    item->setAcceptedMouseButtons(Qt::NoButton);
-    return item;
 }
 
 void BallCircles::draw(const QColor& color, bool unity, bool playing)

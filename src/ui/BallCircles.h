@@ -43,7 +43,6 @@ public:
     double glowRadius() const;
 
 private:
-    static QGraphicsEllipseItem* add(QGraphicsItem* ball, double diameter, double z);
     QGraphicsEllipseItem* circleOf(Mark mark) const;
 
     QGraphicsEllipseItem* mMain;

@@ -6,12 +6,14 @@
 #include "model/OrloBall.h"
 #include "sound/PdPlayer.h"
 #include "ui/BallPress.h"
+#include "ui/CardStackWidget.h"
 #include "ui/GeometryConstants.h"
 #include "ui/OrloStrutWidget.h"
 #include "ui/OrloWidget.h"
 
 #include <QDebug>
 #include <QGraphicsSceneMouseEvent>
+#include <QThread>
 
 #include <algorithm>
 
@@ -24,6 +26,8 @@ constexpr BallCircles::Proportions LEAF_PROPORTIONS{1.6, 1.6, 10};
 
 constexpr int CROWDED_KEY = 0; // of the prime colours
 constexpr int UNITY_KEY = 1;
+
+constexpr unsigned long HOVER_WAIT_MS = 100;
 
 constexpr QColor TRANSPOSED_CENTRE(158, 158, 158);
 
@@ -44,6 +48,7 @@ OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int
     : QGraphicsItemGroup(parent)
     , mBall(ball)
     , mOrloWidget(orloWidget)
+    , mCardStack(orloWidget->cardStack())
     , mDiameter(diameter)
     , mCircles(this, diameter, diameter == TREE_BALL_DIAMETER ? TREE_PROPORTIONS : LEAF_PROPORTIONS)
     , mNoteEvent(ball->path())
@@ -66,6 +71,13 @@ OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int
     connect(mBall, &OrloBall::selectedChanged, this, &OrloBallWidget::onSelectedChanged, Qt::DirectConnection);
     connect(mBall, &OrloBall::holdChanged, this, &OrloBallWidget::onHoldChanged, Qt::DirectConnection);
     connect(mBall, &OrloBall::alteredChanged, this, &OrloBallWidget::onAlteredChanged, Qt::DirectConnection);
+    setFiltersChildEvents(true);
+}
+
+OrloBallWidget::~OrloBallWidget()
+{
+    if (mCardStack)
+        mCardStack->hideCardForBall(this);
 }
 
 // ---------------------------------------------------------------- look
@@ -138,9 +150,21 @@ void OrloBallWidget::updateStruts(bool abs)
 
 // ---------------------------------------------------------------- what the model says
 
+void OrloBallWidget::updateCard()
+{
+    if (!mCardStack)
+        return;
+    if (mBall->isPlaying() && mBall->isEnabled())
+        mCardStack->showCardForBall(this);
+    else
+        mCardStack->hideCardForBall(this);
+}
+
 void OrloBallWidget::onPlayingChanged()
 {
     updateBall();
+    if (mBall->isEnabled())
+        updateCard();
 }
 
 void OrloBallWidget::onEnabledChanged(bool enabled)
@@ -148,6 +172,8 @@ void OrloBallWidget::onEnabledChanged(bool enabled)
     setVisible(enabled);
     for (OrloStrutWidget* strut : std::as_const(mStruts))
         strut->setVisible(enabled);
+    if (mBall->isPlaying())
+        updateCard();
 }
 
 void OrloBallWidget::onSelectedChanged(bool selected)
@@ -198,3 +224,29 @@ void OrloBallWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 }
 
 void OrloBallWidget::mouseDoubleClickEvent(QGraphicsSceneMouseEvent*) {}
+
+void OrloBallWidget::raiseCard() const
+{
+    if (mCardStack)
+        mCardStack->raiseCardForBall(this);
+}
+
+void OrloBallWidget::hoverEnterEvent(QGraphicsSceneHoverEvent*)
+{
+    if (!mBall->isPlaying() || !mBall->isEnabled())
+        return;
+    if (mDiameter == TREE_BALL_DIAMETER) {
+        QThread::msleep(HOVER_WAIT_MS);
+        if (!isUnderMouse())
+            return;
+    }
+    raiseCard();
+}
+
+bool OrloBallWidget::sceneEventFilter(QGraphicsItem*, QEvent* event)
+{
+    if (event->type() == QEvent::GraphicsSceneHoverLeave && mBall->isPlaying() && mBall->isEnabled()
+        && isUnderMouse())
+        raiseCard();
+    return false;
+}

@@ -9,7 +9,9 @@
 #include <QGraphicsItemGroup>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
+class CardStackWidget;
 class OrloBall;
 class OrloStrutWidget;
 class OrloWidget;
@@ -25,6 +27,8 @@ public:
 
     /// `ball` outlives this item. `diameter` is in scene units.
     OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int diameter, QGraphicsItem* parent);
+    /// Takes the ball's card along.
+    ~OrloBallWidget() override;
 
     /// Draws the ball anew from its model, by the option `absRelView`.
     void updateBall();
@@ -48,6 +52,9 @@ public:
     QPainterPath shape() const override { return mCircles.shape(); }
     int type() const override { return Type; }
 
+    /// Opens the ball's card, or closes it, as the model has it; for a ball that was just made.
+    void updateCard();
+
 public slots:
     void onPlayingChanged();
     void onEnabledChanged(bool enabled);
@@ -59,6 +66,11 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
     /// Empty: the second press of a quick double click must not toggle the note back.
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+    /// Raises the card. A tree ball waits on this thread for as long as a pointer takes to pass
+    /// over, since the balls lie on the way to everything.
+    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
+    /// For a pointer that comes back to the ball from one of its leaves.
+    bool sceneEventFilter(QGraphicsItem* watched, QEvent* event) override;
 
 private:
     struct Paint
@@ -72,9 +84,11 @@ private:
     Paint highestStepPaint() const;
 
     const OrloEvent* eventFor(Qt::KeyboardModifiers modifiers) const;
+    void raiseCard() const;
 
     const OrloBall* const mBall;
     OrloWidget* const mOrloWidget;
+    const QPointer<CardStackWidget> mCardStack; // may die before the scene; null: no cards
     const int mDiameter;
     BallCircles mCircles;
     QList<OrloStrutWidget*> mStruts; // at either end; not owned
