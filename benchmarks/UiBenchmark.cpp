@@ -6,16 +6,29 @@
 #include "model/OrloBall.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/PdPlayer.h"
+#include "ui/CardStackTwoWidget.h"
+#include "ui/CardStackWidget.h"
+#include "ui/CardWidget.h"
+#include "ui/FreeConnectorOverlay.h"
+#include "ui/NodeStackWidget.h"
 #include "ui/OrloBallWidget.h"
+#include "ui/OrloLayer.h"
 #include "ui/OrloView.h"
 #include "ui/OrloWidget.h"
+#include "ui/TransposeWidget.h"
 
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QFile>
+#include <QLoggingCategory>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QRandomGenerator>
 #include <QStandardPaths>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -136,10 +149,187 @@ void queueAlone(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * PRESSES);
 }
 
+/// Sounding nodes, so that each has a line, spread over the whole axis of pitch.
+void placeNodes(benchmark::State& state)
+{
+    Stage stage;
+    QWidget page;
+    auto* cards = new CardStackTwoWidget(&page);
+    auto* overlay = new FreeConnectorOverlay(&page);
+    auto* stack = new NodeStackWidget(&page);
+    overlay->init(&stage.view, cards, stack);
+    stack->init(overlay, &stage.view, cards);
+    stack->resize(stack->sizeHint().width(), WINDOW.height());
+    const auto count = static_cast<unsigned>(state.range(0));
+    for (unsigned i = 0; i < count; ++i) {
+        const OrloRatio ratio(100 * count + 799 * i, 899 * count);
+        stack->addNodeForRatio(ratio);
+        stack->toggleNodeForRatio(ratio, true);
+    }
+    // A pass logs each jump into the grid; the program's handler drops the line, a terminal does not.
+    const QtMessageHandler former =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    for (auto _ : state)
+        stack->updatePositions();
+    qInstallMessageHandler(former);
+}
+
+/// What sorting as many numbers costs, the least that a pass can do.
+void sortPlainly(benchmark::State& state)
+{
+    QRandomGenerator random(1);
+    std::vector<double> numbers(static_cast<size_t>(state.range(0)));
+    std::generate(numbers.begin(), numbers.end(), [&] { return random.generateDouble(); });
+    for (auto _ : state) {
+        std::vector<double> sorted = numbers;
+        std::sort(sorted.begin(), sorted.end());
+        benchmark::DoNotOptimize(sorted.data());
+    }
+}
+
+/// As in the program: two pages and the column of transposition, with the look that decides what a
+/// card costs. Both pages are windows here, so that both are really painted.
+struct Pages
+{
+    Pages()
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+        QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
+        if (!sheet.open(QIODevice::ReadOnly))
+            qFatal("The style sheet is missing.");
+        qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
+        app::Parts parts;
+        parts.orlo = &orlo;
+        parts.player = &player;
+        parts.settings = &settings;
+        app::setParts(parts);
+        orlo.initWithDefaults();
+        player.init();
+        PdPlayer::connectLattice(&player, &orlo);
+        column.init(Qt::Vertical);
+        circles.init(OrloLeavesWidget::Circles, &orlo);
+        grapes.init(OrloLeavesWidget::Grapes, &orlo);
+        QObject::connect(&orlo, &Orlo::transposeOrBaseFrequencyChanged, &grapes, [this] {
+            grapes.orloView()->updateOrloBalls();
+            grapes.orloView()->updateCardStack();
+        });
+        circles.resize(WINDOW);
+        grapes.resize(WINDOW);
+        column.show();
+        circles.show();
+        grapes.show();
+        QCoreApplication::processEvents();
+    }
+    ~Pages()
+    {
+        app::setParts({});
+        qApp->setStyleSheet(QString());
+    }
+
+    /// Some of them lose their balls with a step of 3, and gain them again with the step back.
+    void play(int notes)
+    {
+        for (OrloBallWidget* widget : grapes.orloView()->orloWidget()->balls().first(notes))
+            orlo.onNoteToggled(OrloRatio(widget->ball()->path()), true);
+        QCoreApplication::processEvents();
+    }
+
+    Settings settings;
+    Orlo orlo;
+    PdPlayer player;
+    TransposeWidget column;
+    OrloLayer circles;
+    OrloLayer grapes;
+};
+
+/// From the queued command to the pages repainted; one frame of 60 Hz has 16.7 ms. The program shows
+/// one page at a time, so that the other is changed and not painted.
+void transposeAndRepaint(benchmark::State& state)
+{
+    Pages pages;
+    pages.circles.setVisible(state.range(1) == 2);
+    pages.play(static_cast<int>(state.range(0)));
+    const OrloEvent up(OrloEvent::TransposeByPrimeStep, 3.0F);
+    const OrloEvent down(OrloEvent::TransposeByPrimeStep, -3.0F);
+    bool higher = false;
+    for (auto _ : state) {
+        higher = !higher;
+        pages.player.queueEventGui(higher ? &up : &down);
+        pages.player.processEvents();
+        QCoreApplication::processEvents();
+    }
+    state.counters["cards"] = static_cast<double>(pages.grapes.cardStack()->cards().size()
+                                                  + pages.grapes.cardStackTwo()->cards().size());
+}
+
+/// What of it is painting alone.
+void repaintPages(benchmark::State& state)
+{
+    Pages pages;
+    pages.play(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        pages.circles.repaint();
+        pages.grapes.repaint();
+    }
+}
+
+void buildCard(benchmark::State& state)
+{
+    Pages pages;
+    CardStackWidget* stack = pages.grapes.cardStack();
+    const OrloBall* ball = pages.orlo.rootBall();
+    for (auto _ : state) {
+        CardWidget card(ball, stack);
+        card.adjustSize();
+        card.show();
+    }
+}
+
+/// With a card that a former note left behind.
+void showAndHideCard(benchmark::State& state)
+{
+    Pages pages;
+    const QList<OrloBallWidget*> balls = pages.grapes.orloView()->orloWidget()->balls();
+    qsizetype next = 0; // another pitch each time, so that the card is filled anew
+    for (auto _ : state) {
+        next = (next + 1) % balls.size();
+        pages.grapes.cardStack()->showCardForBall(balls[next]);
+        pages.grapes.cardStack()->hideCardForBall(balls[next]);
+    }
+}
+
+/// The question of all 22 buttons, after every transposition.
+void canTransposeTo(benchmark::State& state)
+{
+    Pages pages;
+    QList<OrloRatio> steps;
+    for (const int prime : OrloConstants::PRIMES) {
+        if (prime > 1) {
+            steps.append(OrloPath(static_cast<signed char>(prime)).toRatio());
+            steps.append(OrloPath(static_cast<signed char>(-prime)).toRatio());
+        }
+    }
+    for (auto _ : state) {
+        for (const OrloRatio& step : steps)
+            benchmark::DoNotOptimize(pages.orlo.canTransposeTo(step));
+    }
+    state.SetItemsProcessed(state.iterations() * steps.size());
+}
+
 BENCHMARK(repaintScene)->Arg(0)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(repaintPlainly)->Arg(0)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(pressFromEventToChunk)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queueAlone)->Unit(benchmark::kMicrosecond);
+BENCHMARK(transposeAndRepaint)
+    ->ArgNames({"notes", "pages"})
+    ->ArgsProduct({{0, 40}, {1, 2}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(repaintPages)->Arg(0)->Arg(40)->Unit(benchmark::kMillisecond);
+BENCHMARK(buildCard)->Unit(benchmark::kMicrosecond);
+BENCHMARK(showAndHideCard)->Unit(benchmark::kMicrosecond);
+BENCHMARK(canTransposeTo)->Unit(benchmark::kMicrosecond);
+BENCHMARK(placeNodes)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(sortPlainly)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 
@@ -148,6 +338,7 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
+    QApplication::setStyle(QStringLiteral("Fusion"));
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -8,6 +8,7 @@
 #include "ui/OrloLayer.h"
 #include "ui/OrloLeavesWidget.h"
 #include "ui/OrloView.h"
+#include "ui/PitchTexts.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
@@ -46,20 +47,9 @@ void setFraction(QSlider* slider, float value)
     slider->setValue(static_cast<int>(std::round(static_cast<float>(slider->minimum()) + span * value)));
 }
 
-int decimalsFor(float frequency)
-{
-    if (frequency >= 10000.0F)
-        return 1;
-    if (frequency >= 1000.0F)
-        return 2;
-    if (frequency >= 100.0F)
-        return 3;
-    return frequency >= 10.0F ? 4 : 5;
-}
-
 QString frequencyText(float frequency)
 {
-    return QString::number(static_cast<double>(frequency), 'f', decimalsFor(frequency));
+    return QString::number(static_cast<double>(frequency), 'f', texts::frequencyDecimals(frequency));
 }
 
 QString capitalised(const QString& name)
@@ -228,6 +218,7 @@ void MainWindow::updateOrloView()
 void MainWindow::updateCurrentPage()
 {
     orloView()->updateOrloBalls();
+    orloView()->updateCardStack();
 }
 
 void MainWindow::updateZoomMode()

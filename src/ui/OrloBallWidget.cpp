@@ -5,15 +5,15 @@
 #include "model/Orlo.h"
 #include "model/OrloBall.h"
 #include "sound/PdPlayer.h"
+#include "ui/BallPress.h"
+#include "ui/CardStackWidget.h"
 #include "ui/GeometryConstants.h"
 #include "ui/OrloStrutWidget.h"
 #include "ui/OrloWidget.h"
 
 #include <QDebug>
 #include <QGraphicsSceneMouseEvent>
-#include <QPainterPath>
-#include <QPen>
-#include <QRadialGradient>
+#include <QThread>
 
 #include <algorithm>
 
@@ -21,27 +21,15 @@ namespace {
 
 // Compared with the literal on purpose: a ball of another size takes a leaf's proportions.
 constexpr int TREE_BALL_DIAMETER = 28;
-constexpr double TREE_RING_FACTOR = 1.25;
-constexpr double LEAF_RING_FACTOR = 1.6;
-constexpr double HOLD_DOT_FACTOR = 0.3;
+constexpr BallCircles::Proportions TREE_PROPORTIONS{1.25, 1.25, 10};
+constexpr BallCircles::Proportions LEAF_PROPORTIONS{1.6, 1.6, 10};
 
-constexpr double MAIN_Z = 20;
-constexpr double RING_Z = 10;
-constexpr double ALTERED_Z = -10;
-constexpr double HOLD_Z = 100;
-constexpr double GLOW_Z = 10;
-
-constexpr int UNITY_FILL_FACTOR = 100;
-constexpr int UNITY_OUTLINE_FACTOR = 200;
 constexpr int CROWDED_KEY = 0; // of the prime colours
 constexpr int UNITY_KEY = 1;
 
-constexpr QColor TRANSPOSED_CENTRE(158, 158, 158);
+constexpr unsigned long HOVER_WAIT_MS = 100;
 
-QPen alteredPen(const QColor& color)
-{
-    return QPen(color, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
-}
+constexpr QColor TRANSPOSED_CENTRE(158, 158, 158);
 
 /// Transposed by two or more leaf steps: one colour for all would say nothing any more.
 bool isCrowded(const QList<int>& transposeSteps)
@@ -60,33 +48,15 @@ OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int
     : QGraphicsItemGroup(parent)
     , mBall(ball)
     , mOrloWidget(orloWidget)
+    , mCardStack(orloWidget->cardStack())
     , mDiameter(diameter)
+    , mCircles(this, diameter, diameter == TREE_BALL_DIAMETER ? TREE_PROPORTIONS : LEAF_PROPORTIONS)
     , mNoteEvent(ball->path())
     , mTransposeEvent(OrloRatio(ball->path()))
     , mSelectEvent(OrloRatio(ball->path()))
     , mResetEvent(OrloRatio(ball->path()), 0.0F)
     , mResetDeselectEvent(OrloRatio(ball->path()), 1.0F)
 {
-    const double ringDiameter = diameter * (diameter == TREE_BALL_DIAMETER ? TREE_RING_FACTOR : LEAF_RING_FACTOR);
-    mMain = addEllipse(diameter, MAIN_Z);
-    mSelectedRing = addEllipse(ringDiameter, RING_Z);
-    mSelectedRing->setBrush(Qt::gray);
-    mAlteredRing = addEllipse(ringDiameter, ALTERED_Z);
-    mAlteredRing->setBrush(Qt::transparent);
-    mAlteredRing->setPen(alteredPen(Qt::black));
-    mHoldDot = addEllipse(HOLD_DOT_FACTOR * diameter, HOLD_Z);
-    mHoldDot->setBrush(Qt::gray);
-
-    const double glowDiameter = diameter * BALL_GLOW_SIZE_FACTOR / 100.0;
-    mGlow = addEllipse(glowDiameter, GLOW_Z);
-    mGlow->setPen(Qt::NoPen);
-    QRadialGradient gradient(QPointF(0.0, 0.0), glowDiameter / 2);
-    gradient.setColorAt(0.0, QColor(255, 255, 255, qBound(0, GLOW_ALPHA_START, 255)));
-    gradient.setColorAt(1.0, QColor(255, 255, 255, 0));
-    mGlow->setBrush(gradient);
-    for (QGraphicsEllipseItem* item : {mSelectedRing, mAlteredRing, mHoldDot, mGlow})
-        item->setVisible(false);
-
     // A group would take its members' presses; here each ball takes its own.
     setHandlesChildEvents(false);
     if (parent)
@@ -101,33 +71,13 @@ OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int
     connect(mBall, &OrloBall::selectedChanged, this, &OrloBallWidget::onSelectedChanged, Qt::DirectConnection);
     connect(mBall, &OrloBall::holdChanged, this, &OrloBallWidget::onHoldChanged, Qt::DirectConnection);
     connect(mBall, &OrloBall::alteredChanged, this, &OrloBallWidget::onAlteredChanged, Qt::DirectConnection);
+    setFiltersChildEvents(true);
 }
 
-/// Centred on the ball. Decoration takes no presses: they fall through to the group.
-QGraphicsEllipseItem* OrloBallWidget::addEllipse(double diameter, double z)
+OrloBallWidget::~OrloBallWidget()
 {
-    auto* item = new QGraphicsEllipseItem(-diameter / 2, -diameter / 2, diameter, diameter, this);
-    item->setZValue(z);
-    item->setAcceptedMouseButtons(Qt::NoButton);
-    return item;
-}
-
-QRectF OrloBallWidget::boundingRect() const
-{
-    return mMain->boundingRect();
-}
-
-QPainterPath OrloBallWidget::shape() const
-{
-    QPainterPath path;
-    path.addEllipse(mMain->rect());
-    return path;
-}
-
-double OrloBallWidget::playingRadius() const
-{
-    const double width = mMain->rect().width();
-    return width * 0.5 + width / 10;
+    if (mCardStack)
+        mCardStack->hideCardForBall(this);
 }
 
 // ---------------------------------------------------------------- look
@@ -139,19 +89,8 @@ void OrloBallWidget::updateColor()
 
 void OrloBallWidget::updateColor(const QColor& color, bool unity)
 {
-    QColor fill = color.darker(BALL_DIM_FACTOR);
-    QPen outline(QColor(0, 0, 0, 128), 0);
-    const bool playing = mBall->isPlaying();
-    if (playing) {
-        fill = color.lighter(unity ? UNITY_FILL_FACTOR : BALL_BRIGHTEN_FACTOR);
-        outline = QPen(color.lighter(unity ? UNITY_OUTLINE_FACTOR : OUTLINE_BRIGHTEN_FACTOR),
-                       static_cast<int>(mMain->rect().width() / 10));
-    }
     prepareGeometryChange(); // a playing ball's outline is wider
-    mMain->setPen(outline);
-    mMain->setBrush(fill);
-    mGlow->setVisible(playing);
-    mAlteredRing->setPen(alteredPen(color));
+    mCircles.draw(color, unity, mBall->isPlaying());
 }
 
 OrloBallWidget::Paint OrloBallWidget::relativePaint() const
@@ -193,9 +132,9 @@ void OrloBallWidget::updateBall()
     if (paint.adjustStruts)
         updateStruts(absRelView == 1 || absRelView == 2);
 
-    mSelectedRing->setVisible(mBall->isSelected());
-    mHoldDot->setVisible(mBall->isHold());
-    mAlteredRing->setVisible(mBall->isAltered());
+    mCircles.show(BallCircles::Mark::Selected, mBall->isSelected());
+    mCircles.show(BallCircles::Mark::Hold, mBall->isHold());
+    mCircles.show(BallCircles::Mark::Altered, mBall->isAltered());
 }
 
 void OrloBallWidget::updateStruts(bool abs)
@@ -211,9 +150,21 @@ void OrloBallWidget::updateStruts(bool abs)
 
 // ---------------------------------------------------------------- what the model says
 
+void OrloBallWidget::updateCard()
+{
+    if (!mCardStack)
+        return;
+    if (mBall->isPlaying() && mBall->isEnabled())
+        mCardStack->showCardForBall(this);
+    else
+        mCardStack->hideCardForBall(this);
+}
+
 void OrloBallWidget::onPlayingChanged()
 {
     updateBall();
+    if (mBall->isEnabled())
+        updateCard();
 }
 
 void OrloBallWidget::onEnabledChanged(bool enabled)
@@ -221,45 +172,43 @@ void OrloBallWidget::onEnabledChanged(bool enabled)
     setVisible(enabled);
     for (OrloStrutWidget* strut : std::as_const(mStruts))
         strut->setVisible(enabled);
+    if (mBall->isPlaying())
+        updateCard();
 }
 
 void OrloBallWidget::onSelectedChanged(bool selected)
 {
-    mSelectedRing->setVisible(selected);
+    mCircles.show(BallCircles::Mark::Selected, selected);
 }
 
 void OrloBallWidget::onHoldChanged(bool hold)
 {
-    mHoldDot->setVisible(hold);
+    mCircles.show(BallCircles::Mark::Hold, hold);
 }
 
 void OrloBallWidget::onAlteredChanged(bool altered)
 {
-    mAlteredRing->setVisible(altered);
+    mCircles.show(BallCircles::Mark::Altered, altered);
 }
 
 // ---------------------------------------------------------------- what the player does
 
 const OrloEvent* OrloBallWidget::eventFor(Qt::KeyboardModifiers modifiers) const
 {
-    constexpr Qt::KeyboardModifiers altAndControl = Qt::AltModifier | Qt::ControlModifier;
-    if ((modifiers & altAndControl) == altAndControl) {
+    switch (ballPressFor(modifiers)) {
+    case BallPress::None:
+        break;
+    case BallPress::Note:
+        return &mNoteEvent;
+    case BallPress::Transpose:
+        return &mTransposeEvent;
+    case BallPress::SelectToggle:
+        return &mSelectEvent;
+    case BallPress::Reset:
+        return &mResetEvent;
+    case BallPress::ResetAndDeselect:
         qDebug() << "OrloBall: Alt + Ctrl + mouse click.";
         return &mResetDeselectEvent;
-    }
-    const struct
-    {
-        Qt::KeyboardModifiers modifiers;
-        const OrloEvent* event;
-    } rows[] = {
-        {Qt::ShiftModifier, &mTransposeEvent},
-        {Qt::AltModifier, &mSelectEvent},
-        {Qt::ControlModifier, &mResetEvent},
-        {Qt::NoModifier, &mNoteEvent},
-    };
-    for (const auto& row : rows) {
-        if (modifiers == row.modifiers)
-            return row.event;
     }
     return nullptr;
 }
@@ -275,3 +224,29 @@ void OrloBallWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 }
 
 void OrloBallWidget::mouseDoubleClickEvent(QGraphicsSceneMouseEvent*) {}
+
+void OrloBallWidget::raiseCard() const
+{
+    if (mCardStack)
+        mCardStack->raiseCardForBall(this);
+}
+
+void OrloBallWidget::hoverEnterEvent(QGraphicsSceneHoverEvent*)
+{
+    if (!mBall->isPlaying() || !mBall->isEnabled())
+        return;
+    if (mDiameter == TREE_BALL_DIAMETER) {
+        QThread::msleep(HOVER_WAIT_MS);
+        if (!isUnderMouse())
+            return;
+    }
+    raiseCard();
+}
+
+bool OrloBallWidget::sceneEventFilter(QGraphicsItem*, QEvent* event)
+{
+    if (event->type() == QEvent::GraphicsSceneHoverLeave && mBall->isPlaying() && mBall->isEnabled()
+        && isUnderMouse())
+        raiseCard();
+    return false;
+}

@@ -4,11 +4,14 @@
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/OrloTransposeEvent.h"
+#include "ui/BallCircles.h"
 
 #include <QGraphicsItemGroup>
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
+class CardStackWidget;
 class OrloBall;
 class OrloStrutWidget;
 class OrloWidget;
@@ -24,6 +27,8 @@ public:
 
     /// `ball` outlives this item. `diameter` is in scene units.
     OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int diameter, QGraphicsItem* parent);
+    /// Takes the ball's card along.
+    ~OrloBallWidget() override;
 
     /// Draws the ball anew from its model, by the option `absRelView`.
     void updateBall();
@@ -35,17 +40,20 @@ public:
     void updateStruts(bool abs);
 
     /// Radius of the ball with its outline when it plays, in scene units.
-    double playingRadius() const;
+    double playingRadius() const { return mCircles.playingRadius(); }
 
     const OrloBall* ball() const { return mBall; }
     int diameter() const { return mDiameter; }
     const QList<OrloStrutWidget*>& struts() const { return mStruts; }
     void addStrut(OrloStrutWidget* strut) { mStruts.append(strut); }
 
-    QRectF boundingRect() const override;
+    QRectF boundingRect() const override { return mCircles.boundingRect(); }
     /// The round ball, so that close neighbours do not catch each other's presses.
-    QPainterPath shape() const override;
+    QPainterPath shape() const override { return mCircles.shape(); }
     int type() const override { return Type; }
+
+    /// Opens the ball's card, or closes it, as the model has it; for a ball that was just made.
+    void updateCard();
 
 public slots:
     void onPlayingChanged();
@@ -58,6 +66,11 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
     /// Empty: the second press of a quick double click must not toggle the note back.
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+    /// Raises the card. A tree ball waits on this thread for as long as a pointer takes to pass
+    /// over, since the balls lie on the way to everything.
+    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
+    /// For a pointer that comes back to the ball from one of its leaves.
+    bool sceneEventFilter(QGraphicsItem* watched, QEvent* event) override;
 
 private:
     struct Paint
@@ -70,20 +83,15 @@ private:
     Paint absolutePaint() const;
     Paint highestStepPaint() const;
 
-    QGraphicsEllipseItem* addEllipse(double diameter, double z);
     const OrloEvent* eventFor(Qt::KeyboardModifiers modifiers) const;
+    void raiseCard() const;
 
     const OrloBall* const mBall;
     OrloWidget* const mOrloWidget;
+    const QPointer<CardStackWidget> mCardStack; // may die before the scene; null: no cards
     const int mDiameter;
+    BallCircles mCircles;
     QList<OrloStrutWidget*> mStruts; // at either end; not owned
-
-    // Children of this group, which owns them.
-    QGraphicsEllipseItem* mMain = nullptr;
-    QGraphicsEllipseItem* mSelectedRing = nullptr;
-    QGraphicsEllipseItem* mAlteredRing = nullptr;
-    QGraphicsEllipseItem* mHoldDot = nullptr;
-    QGraphicsEllipseItem* mGlow = nullptr;
 
     // Ready-made, so that a press allocates nothing.
     const OrloNoteEvent mNoteEvent;

@@ -1,6 +1,9 @@
 #include "ui/OrloView.h"
 
 #include "model/OrloBall.h"
+#include "ui/CardStackTwoWidget.h"
+#include "ui/CardStackWidget.h"
+#include "ui/NodeStackWidget.h"
 #include "ui/OrloBallWidget.h"
 #include "ui/OrloWidget.h"
 
@@ -59,11 +62,18 @@ OrloView::OrloView(QWidget* parent)
     setDragMode(ScrollHandDrag);
     viewport()->setCursor(Qt::ArrowCursor);
     setTransformationAnchor(AnchorUnderMouse);
+    // A transposition changes every ball; collecting their places one by one would cost more than
+    // painting all that lies between them.
+    setViewportUpdateMode(BoundingRectViewportUpdate);
 }
 
-void OrloView::init(OrloLeavesWidget::View view, Orlo* orlo)
+void OrloView::init(OrloLeavesWidget::View view, Orlo* orlo, CardStackWidget* cardStack,
+                    CardStackTwoWidget* cardStackTwo, NodeStackWidget* nodeStack)
 {
     mOrlo = orlo;
+    mCardStack = cardStack;
+    mCardStackTwo = cardStackTwo;
+    mNodeStack = nodeStack;
     buildScene(view);
 }
 
@@ -71,12 +81,15 @@ void OrloView::buildScene(OrloLeavesWidget::View view)
 {
     mOrloWidget = nullptr;
     scene()->clear();
-    auto* orloWidget = new OrloWidget(view, this);
+    auto* orloWidget = new OrloWidget(view, this, mCardStack);
     orloWidget->buildOrlo();
     scene()->addItem(orloWidget);
     orloWidget->setPos(0.0, 0.0);
     scene()->setSceneRect(orloWidget->sceneBoundingRect());
     mOrloWidget = orloWidget;
+    // The balls report changes only: those that sound already need their cards.
+    for (OrloBallWidget* ball : orloWidget->balls())
+        ball->updateCard();
 }
 
 OrloLeavesWidget::View OrloView::view() const
@@ -141,6 +154,7 @@ void OrloView::setTestingVariables(int value)
     mTotalScale = mFitScale;
     mCurrentScale = mFitScale; // or the next resize would bring the former zoom back
     applyCurrentScale();
+    updateStacksItemsPositions();
     mTouchZoom = value != 0;
     if (value < 0)
         mTouchStepThreshold = qAbs(qMax(value, -std::numeric_limits<int>::max()));
@@ -218,6 +232,32 @@ OrloView::Stacks OrloView::stacksToMove(int policy, bool final)
 
 void OrloView::updateStacksWhenZoom(bool final)
 {
-    // The stacks beside the view hold nothing yet that lies by a ball.
-    [[maybe_unused]] const Stacks stacks = stacksToMove(mStackUpdatePolicy, final);
+    switch (stacksToMove(mStackUpdatePolicy, final)) {
+    case Stacks::None: break;
+    case Stacks::Cards:
+        if (mCardStack)
+            mCardStack->updatePositions();
+        break;
+    case Stacks::All: updateStacksItemsPositions(); break;
+    }
+}
+
+void OrloView::updateStacksItemsPositions()
+{
+    if (mCardStack)
+        mCardStack->updatePositions();
+    if (mCardStackTwo)
+        mCardStackTwo->updatePositions();
+    if (mNodeStack)
+        mNodeStack->updatePositions();
+}
+
+void OrloView::updateCardStack()
+{
+    if (mCardStack)
+        mCardStack->updateCards();
+    if (mNodeStack)
+        mNodeStack->updateNodes();
+    if (mCardStackTwo)
+        mCardStackTwo->updateCards();
 }

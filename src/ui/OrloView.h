@@ -3,7 +3,11 @@
 #include "ui/OrloLeavesWidget.h"
 
 #include <QGraphicsView>
+#include <QPointer>
 
+class CardStackTwoWidget;
+class CardStackWidget;
+class NodeStackWidget;
 class Orlo;
 class OrloWidget;
 class QTouchEvent;
@@ -20,10 +24,18 @@ class OrloView : public QGraphicsView
 public:
     explicit OrloView(QWidget* parent = nullptr);
 
-    void init(OrloLeavesWidget::View view, Orlo* orlo);
+    /// The stacks stand on the same page; a view without them draws the lattice alone.
+    void init(OrloLeavesWidget::View view, Orlo* orlo, CardStackWidget* cardStack = nullptr,
+              CardStackTwoWidget* cardStackTwo = nullptr, NodeStackWidget* nodeStack = nullptr);
     /// Clears the scene and makes it anew from the lattice and the geometry constants.
     void buildScene(OrloLeavesWidget::View view);
     void updateOrloBalls();
+    /// Makes what stands in the stacks anew, by the present transposition and options.
+    void updateCardStack();
+    /// Moves what stands in the stacks to its place.
+    void updateStacksItemsPositions();
+    /// Moves what the policy says, while a gesture lasts or at its end.
+    void updateStacksWhenZoom(bool final);
     /// Back to the fit. Then `value` below 0: touch zoom on, with that many updates for a step;
     /// 0: touch zoom off; above 0: touch zoom on, with this policy for the stacks.
     void setTestingVariables(int value);
@@ -57,7 +69,6 @@ private:
     void zoomByTouch(QTouchEvent& event);
     void applyCurrentScale();
     void storeSceneCentre();
-    void updateStacksWhenZoom(bool final);
 
     double mTotalScale = 1.0;
     double mFitScale = 1.0;
@@ -70,4 +81,9 @@ private:
     int mTouchStepThreshold = 5; // updates for each step
     Orlo* mOrlo = nullptr;
     OrloWidget* mOrloWidget = nullptr; // owned by the scene
+
+    // Not owned; the page's, which may lose them before the view.
+    QPointer<CardStackWidget> mCardStack;
+    QPointer<CardStackTwoWidget> mCardStackTwo;
+    QPointer<NodeStackWidget> mNodeStack;
 };

@@ -40,9 +40,10 @@ QPointF pointOfStep(const QPointF& from, int step)
 
 } // namespace
 
-OrloWidget::OrloWidget(OrloLeavesWidget::View view, const OrloView* orloView)
+OrloWidget::OrloWidget(OrloLeavesWidget::View view, const OrloView* orloView, CardStackWidget* cardStack)
     : mView(view)
     , mOrlo(orloView->orlo())
+    , mCardStack(cardStack)
 {
     setFlag(ItemHasNoContents);
 }

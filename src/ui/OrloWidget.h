@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QList>
 
+class CardStackWidget;
 class Orlo;
 class OrloBall;
 class OrloBallWidget;
@@ -17,8 +18,8 @@ class OrloView;
 class OrloWidget : public QGraphicsItemGroup
 {
 public:
-    /// The view knows the lattice.
-    OrloWidget(OrloLeavesWidget::View view, const OrloView* orloView);
+    /// The view knows the lattice. Without a stack the balls have no cards.
+    OrloWidget(OrloLeavesWidget::View view, const OrloView* orloView, CardStackWidget* cardStack);
 
     /// Once.
     void buildOrlo();
@@ -30,6 +31,7 @@ public:
 
     OrloLeavesWidget::View view() const { return mView; }
     const Orlo* orlo() const { return mOrlo; }
+    CardStackWidget* cardStack() const { return mCardStack; }
     /// Leaves included; a tree ball stands behind everything beneath it.
     const QList<OrloBallWidget*>& balls() const { return mBalls; }
 
@@ -41,5 +43,6 @@ private:
 
     const OrloLeavesWidget::View mView;
     const Orlo* const mOrlo;
+    CardStackWidget* const mCardStack;
     QList<OrloBallWidget*> mBalls; // owned by the scene, as this is
 };

@@ -84,7 +84,7 @@ OrloBallWidget* ballAt(const OrloView& view, const char* path)
     return nullptr;
 }
 
-Circles circlesOf(const OrloBallWidget* ball)
+Circles circlesOf(const QGraphicsItem* ball)
 {
     QList<QGraphicsEllipseItem*> found;
     for (QGraphicsItem* item : ball->childItems()) {
@@ -120,14 +120,14 @@ QPoint centreOf(const OrloView& view, const char* path)
     return view.mapFromScene(ballAt(view, path)->scenePos());
 }
 
-void mouse(OrloView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
+void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
            Qt::KeyboardModifiers modifiers)
 {
     QMouseEvent event(type, point, view.viewport()->mapToGlobal(point), button, buttons, modifiers);
     QCoreApplication::sendEvent(view.viewport(), &event);
 }
 
-void click(OrloView& view, QPoint point, Qt::KeyboardModifiers modifiers, Qt::MouseButton button)
+void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers, Qt::MouseButton button)
 {
     mouse(view, QEvent::MouseButtonPress, point, button, button, modifiers);
     mouse(view, QEvent::MouseButtonRelease, point, button, Qt::NoButton, modifiers);

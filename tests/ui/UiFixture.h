@@ -17,6 +17,8 @@ class OrloBallWidget;
 class OrloStrutWidget;
 class OrloView;
 class QGraphicsEllipseItem;
+class QGraphicsItem;
+class QGraphicsView;
 
 /// The default lattice and a player without a patch, joined as in the program. The audio thread is
 /// this one: drain() plays its part.
@@ -47,7 +49,7 @@ private:
 namespace scene {
 
 OrloBallWidget* ballAt(const OrloView& view, const char* path);
-/// The five circles of a ball, from the lowest to the highest.
+/// The five circles of a ball, of the lattice or free, from the lowest to the highest.
 struct Circles
 {
     QGraphicsEllipseItem* altered;
@@ -56,7 +58,7 @@ struct Circles
     QGraphicsEllipseItem* main;
     QGraphicsEllipseItem* hold;
 };
-Circles circlesOf(const OrloBallWidget* ball);
+Circles circlesOf(const QGraphicsItem* ball);
 QList<OrloStrutWidget*> struts(const OrloView& view);
 /// In the direction of the tree or link; null: none.
 OrloStrutWidget* strutBetween(const OrloView& view, const char* from, const char* to);
@@ -64,9 +66,9 @@ OrloStrutWidget* strutBetween(const OrloView& view, const char* from, const char
 QPoint centreOf(const OrloView& view, const char* path);
 
 /// One click of the mouse on the view, at this point of the viewport.
-void click(OrloView& view, QPoint point, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
            Qt::MouseButton button = Qt::LeftButton);
-void mouse(OrloView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
+void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
            Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 } // namespace scene

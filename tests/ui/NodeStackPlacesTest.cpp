@@ -1,0 +1,209 @@
+#include "support/LogCatcher.h"
+#include "ui/NodeStackFixture.h"
+
+#include <set>
+
+namespace {
+
+struct Place
+{
+    OrloRatio ratio;
+    QPoint point;
+    bool atPitch;
+};
+
+class NodeStackPlaces : public NodeStackFixture
+{
+protected:
+    void expectPlaces(const QList<Place>& places)
+    {
+        for (const Place& place : places) {
+            SCOPED_TRACE(qPrintable(QString::number(place.ratio.numerator()) + u'/' +
+                                    QString::number(place.ratio.denominator())));
+            ASSERT_TRUE(ball(place.ratio));
+            EXPECT_EQ(ball(place.ratio)->pos(), QPointF(place.point));
+            EXPECT_EQ(ball(place.ratio)->isAtPitch(), place.atPitch);
+            EXPECT_TRUE(ball(place.ratio)->isVisible());
+        }
+    }
+    /// One pass over these balls alone.
+    void expectPass(const QList<Place>& places)
+    {
+        stack->reset();
+        for (const Place& place : places)
+            stack->addNodeForRatio(place.ratio);
+        stack->updatePositions();
+        expectPlaces(places);
+    }
+};
+
+TEST_F(NodeStackPlaces, ABallStandsAtTheHeightOfItsPitchOnTheAxisFromNinthToNine)
+{
+    EXPECT_EQ(stack->mapFromScene(QPointF(0, 0)), QPoint(0, 0));
+    expectPass({
+        {OrloRatio(9, 1), {10, 10}, false}, // 5, half the scene above: over the top line
+        {OrloRatio(3, 1), {10, 205}, true},
+        {OrloRatio(5, 4), {10, 364}, true}, // 400 * 0.22314 / 2.19722 = 40.6, so 405.5 - 41
+        {OrloRatio(1, 1), {10, 405}, true},
+        {OrloRatio(1, 3), {10, 605}, true},
+        {OrloRatio(1, 9), {74, 790}, false}, // 805: the last cell of the bottom grid
+    });
+    // The edges of the two rules: at the top below 26.2, at the bottom over 773.8.
+    expectPass({{OrloRatio(319, 40), {10, 27}, true}});
+    expectPass({{OrloRatio(401, 50), {10, 10}, false}}); // 26
+    expectPass({{OrloRatio(53, 400), {10, 773}, true}});
+    expectPass({{OrloRatio(1317, 10000), {74, 790}, false}}); // 774
+}
+
+TEST_F(NodeStackPlaces, TheHeightIsThatOfTheRelativeRatio)
+{
+    transposeBy({3});
+    expectPass({
+        {OrloRatio(3, 2), {10, 405}, true}, // 1/1
+        {OrloRatio(3, 1), {10, 279}, true}, // 2/1: 400 * 0.69315 / 2.19722 = 126.2
+    });
+}
+
+TEST_F(NodeStackPlaces, NeighboursGiveWayWithinFiveCellsAndTheSixthBeginsAgain)
+{
+    QList<Place> places;
+    const int heights[] = {404, 404, 404, 404, 405, 405, 405}; // 405.5 - 1 and 405.5 - 0
+    const int columns[] = {10, 26, 42, 58, 74, 10, 26};
+    for (int i = 0; i < 7; ++i)
+        places.append({OrloRatio(1006 - static_cast<unsigned>(i), 1000), {columns[i], heights[i]}, true});
+    expectPass(places);
+    // Further apart than a cell: 405 - 389 = 16 is not, 405 - 388 = 17 is.
+    expectPass({{OrloRatio(109, 100), {10, 389}, true}, {OrloRatio(1, 1), {26, 405}, true}});
+    expectPass({{OrloRatio(11, 10), {10, 388}, true}, {OrloRatio(1, 1), {10, 405}, true}});
+}
+
+TEST_F(NodeStackPlaces, AboveTheTopLineRowsOfFivePushTheLineDown)
+{
+    expectPass({
+        {OrloRatio(16, 1), {10, 10}, false},
+        {OrloRatio(15, 1), {26, 10}, false},
+        {OrloRatio(14, 1), {42, 10}, false},
+        {OrloRatio(13, 1), {58, 10}, false},
+        {OrloRatio(12, 1), {74, 10}, false},
+        {OrloRatio(11, 1), {10, 26}, false},
+        {OrloRatio(10, 1), {26, 26}, false},
+        {OrloRatio(15, 2), {42, 26}, false}, // 38, under the first line and over the second
+        {OrloRatio(7, 1), {10, 51}, true},
+    });
+}
+
+TEST_F(NodeStackPlaces, TheLowestFillAGridFromTheBottom)
+{
+    LogCatcher log;
+    expectPass({
+        {OrloRatio(1, 9), {42, 773}, false},
+        {OrloRatio(1, 10), {58, 773}, false},
+        {OrloRatio(1, 11), {74, 773}, false},
+        {OrloRatio(1, 12), {10, 790}, false},
+        {OrloRatio(1, 13), {26, 790}, false},
+        {OrloRatio(1, 14), {42, 790}, false},
+        {OrloRatio(1, 15), {58, 790}, false},
+        {OrloRatio(1, 16), {74, 790}, false},
+    });
+    EXPECT_EQ(log.count(QtDebugMsg, QStringLiteral("Node jumps into grid at bottom: Ratio ")), 8);
+}
+
+TEST_F(NodeStackPlaces, TheStartOfTheLastRowCarriesOverFromThePassBefore)
+{
+    QList<Place> places{
+        // Three jump, since five or more follow: over 757.6. From 763, 764 and 766.
+        {OrloRatio(140, 1000), {42, 773}, false},
+        {OrloRatio(139, 1000), {58, 773}, false},
+        {OrloRatio(138, 1000), {74, 773}, false},
+        // Four follow, so this one stays at its pitch. Nothing in this pass began a row.
+        {OrloRatio(137, 1000), {10, 767}, true},
+        {OrloRatio(1, 9), {26, 790}, false},
+        {OrloRatio(1, 10), {42, 790}, false},
+        {OrloRatio(1, 11), {58, 790}, false},
+        {OrloRatio(1, 12), {74, 790}, false},
+    };
+    expectPass(places);
+    // Now its own former place counts, and the three push it aside.
+    places[3].point = {58, 767};
+    stack->updatePositions();
+    expectPlaces(places);
+    stack->updatePositions();
+    expectPlaces(places);
+}
+
+// The columns and heights of the ratios (11 + 14 k) / 98 from k = 59 down to 0, worked out from the
+// rules by an independent program: at 800 and at 500 pixels of height.
+constexpr int SIXTY[60][4] = {
+    {10, 10, 10, 10},   {26, 10, 26, 10},   {42, 10, 42, 10},   {58, 10, 58, 10},   {10, 27, 74, 10},
+    {26, 30, 10, 26},   {42, 34, 26, 26},   {58, 37, 42, 26},   {74, 41, 58, 26},   {10, 44, 74, 26},
+    {74, 48, 10, 42},   {74, 52, 26, 42},   {74, 55, 42, 42},   {74, 59, 58, 42},   {10, 63, 74, 42},
+    {74, 67, 10, 58},   {74, 71, 26, 58},   {74, 75, 42, 58},   {10, 80, 58, 58},   {58, 84, 74, 58},
+    {58, 89, 10, 74},   {58, 93, 26, 74},   {10, 98, 42, 74},   {58, 103, 58, 74},  {58, 108, 74, 74},
+    {58, 113, 10, 90},  {10, 118, 26, 90},  {58, 124, 42, 90},  {42, 130, 58, 90},  {10, 135, 74, 90},
+    {42, 141, 10, 106}, {42, 148, 26, 106}, {10, 154, 42, 106}, {42, 161, 58, 106}, {42, 168, 74, 106},
+    {10, 175, 10, 122}, {42, 182, 26, 122}, {42, 190, 42, 122}, {10, 198, 58, 122}, {26, 207, 74, 122},
+    {10, 216, 10, 138}, {26, 225, 26, 138}, {10, 235, 42, 138}, {26, 246, 58, 138}, {10, 257, 10, 160},
+    {26, 269, 26, 168}, {10, 282, 42, 176}, {26, 295, 10, 184}, {10, 310, 26, 194}, {26, 326, 10, 204},
+    {10, 344, 26, 215}, {10, 364, 10, 227}, {10, 386, 26, 241}, {10, 411, 10, 257}, {10, 440, 10, 275},
+    {10, 474, 10, 296}, {10, 517, 10, 323}, {10, 573, 10, 358}, {10, 654, 10, 408}, {74, 790, 74, 490},
+};
+
+TEST_F(NodeStackPlaces, SixtySoundingPitchesStayInTheStackAndFollowAResize)
+{
+    const auto ratioOf = [](unsigned row) { return OrloRatio(11 + 14 * (59 - row), 98); };
+    for (unsigned row = 0; row < 60; ++row) {
+        ASSERT_EQ(orlo.ballFromRatio(ratioOf(row)), nullptr);
+        stack->addNodeForRatio(ratioOf(row));
+        stack->toggleNodeForRatio(ratioOf(row), true);
+    }
+    stack->showNodes();
+    for (const int side : {0, 2}) {
+        if (side == 2) {
+            view->resize(VIEW_WIDTH, 500);
+            stack->resize(STACK_WIDTH, 500);
+        }
+        std::set<std::pair<int, int>> taken;
+        for (unsigned row = 0; row < 60; ++row) {
+            const QPoint point = pointOf(ratioOf(row));
+            EXPECT_EQ(point, QPoint(SIXTY[row][side], SIXTY[row][side + 1])) << row;
+            EXPECT_TRUE(stack->rect().contains(QRect(point - QPoint(9, 9), QSize(18, 18)))) << row;
+            EXPECT_TRUE(taken.insert({point.x(), point.y()}).second) << "two in one place: " << row;
+        }
+    }
+    EXPECT_EQ(overlay->balls().size(), 60);
+}
+
+TEST_F(NodeStackPlaces, PitchesWithoutAHeightAndViewsWithoutOneBreakNothing)
+{
+    constexpr unsigned long long most = ~0ULL;
+    expectPass({
+        {OrloRatio(most, 1), {10, 10}, false},
+        {OrloRatio(1, 1), {10, 405}, true},
+        {OrloRatio(1, most), {58, 790}, false},
+        {OrloRatio(0, 1), {74, 790}, false}, // below everything
+    });
+    stack->updateNodes();
+    const auto expectSanePlaces = [this] {
+        for (const FreeBallWidget* item : stack->balls()) {
+            EXPECT_LT(qAbs(item->x()), 100.0);
+            EXPECT_LE(qAbs(item->y()), 1000.0);
+        }
+    };
+    view->scene()->setSceneRect(0, 0, 0, 0);
+    stack->updatePositions();
+    expectSanePlaces();
+    view->scene()->clear();
+    stack->resize(STACK_WIDTH, 0);
+    stack->updatePositions();
+    expectSanePlaces();
+
+    NodeStackWidget alone; // its first resize comes before init
+    alone.resize(100, 100);
+    alone.show();
+    alone.addNodeForRatio(OrloRatio(1, 1));
+    alone.toggleNodeForRatio(OrloRatio(1, 1), true);
+    alone.updateNodes();
+    alone.reset();
+}
+
+} // namespace
