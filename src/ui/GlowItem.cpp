@@ -49,9 +49,11 @@ void GlowItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
         drawing.end();
         QPixmapCache::insert(key, picture);
     }
-    // On whole pixels, where it is a mere copy; nobody sees a glow move by half a one.
-    const QPointF corner = toDevice.map(rect().center()) - QPointF(pixels, pixels) / 2;
+    // On whole pixels, where it is a mere copy; nobody sees a glow move by half a one. The place is
+    // taken without what lies below the world's transform: the view paints into its window.
     const qreal ratio = painter->device()->devicePixelRatio();
+    const QPointF centre = painter->worldTransform().map(rect().center()) * ratio;
+    const QPointF corner = centre - QPointF(pixels, pixels) / 2;
     picture.setDevicePixelRatio(ratio);
     painter->save();
     painter->setWorldTransform(QTransform());

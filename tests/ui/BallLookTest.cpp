@@ -189,3 +189,26 @@ TEST_F(BallLook, TheThickOctaveStrutsMoveWithTheOrigin)
 }
 
 } // namespace
+
+// The glow is drawn from a shared picture; a view paints into its window, at an offset.
+TEST_F(UiFixture, AGlowLiesUnderItsBallWhereverTheViewIs)
+{
+    QWidget window;
+    window.resize(900, 800);
+    OrloView view(&window);
+    view.init(OrloLeavesWidget::Grapes, &orlo);
+    view.setGeometry(120, 70, 700, 700);
+    view.setBackgroundBrush(QColor(88, 109, 97));
+    ballAt("/")->setPlaying(true);
+    window.show();
+    const QRect around(scene::centreOf(view, "/") - QPoint(40, 40), QSize(80, 80));
+    const QImage alone = view.viewport()->grab(around).toImage();
+    const QPoint offset = view.viewport()->mapTo(&window, QPoint());
+    const QImage inWindow = window.grab(around.translated(offset)).toImage();
+    EXPECT_EQ(alone.convertToFormat(QImage::Format_RGB32), inWindow.convertToFormat(QImage::Format_RGB32));
+
+    const QRgb glowing = inWindow.pixel(40 + 22, 40);
+    ballAt("/")->setPlaying(false);
+    const QRgb dark = window.grab(around.translated(offset)).toImage().pixel(40 + 22, 40);
+    EXPECT_GT(qGray(glowing), qGray(dark) + 20);
+}
