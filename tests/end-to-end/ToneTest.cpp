@@ -34,6 +34,20 @@ TEST(Tone, MeasuresASineThroughMissingBlocks)
     }
 }
 
+TEST(Tone, FindsThePitchOfAToneWithPartials)
+{
+    std::vector<float> rich = sine(441.0, 0.1);
+    for (const double partial : {2.0, 3.0, 5.003}) {
+        const std::vector<float> other = sine(441.0 * partial, 0.08);
+        for (size_t i = 0; i < rich.size(); ++i)
+            rich[i] += other[i];
+    }
+    std::fill(rich.begin() + 5000, rich.begin() + 5256, 0.0F);
+    for (const double near : {432.0, 441.0, 449.0})
+        EXPECT_LT(std::abs(tone::centsBetween(*tone::pitchNear(rich, near, RATE), 441.0)), 0.01) << near;
+    EXPECT_FALSE(tone::pitchNear(sine(441.0, 0.00001), 441.0, RATE));
+}
+
 TEST(Tone, TellsTonesApart)
 {
     std::vector<float> chord = sine(440.0, 0.1);
