@@ -1,8 +1,9 @@
 #include "app/TerminationSignals.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDebug>
 #include <QSocketNotifier>
+#include <QWidget>
 
 #include <csignal>
 #include <unistd.h>
@@ -51,5 +52,8 @@ void TerminationSignals::quit()
     char byte = 0;
     [[maybe_unused]] const auto taken = read(thePipe[0], &byte, 1);
     qWarning() << "The system asks the program to end.";
+    mAsked = true;
+    if (QWidget* box = QApplication::activeModalWidget())
+        box->close();
     QCoreApplication::quit();
 }

@@ -16,8 +16,13 @@ public:
     explicit TerminationSignals(QObject* parent = nullptr);
     ~TerminationSignals() override;
 
+    /// True once the system has asked. A wish that comes during start-up, while a message box is
+    /// open, finds no event loop to end and is kept for it.
+    bool wasAsked() const { return mAsked; }
+
 private:
     void quit();
 
     std::unique_ptr<QSocketNotifier> mNotifier;
+    bool mAsked = false;
 };

@@ -11,10 +11,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTextStream>
 #include <QTimer>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -35,6 +37,16 @@ std::nullptr_t setNames()
 QString mainPatchName(int voices)
 {
     return QStringLiteral("orlo_main_%1voice.pd").arg(voices);
+}
+
+/// False for a place on a screen that was taken away since.
+bool isOnAScreen(const QPoint& windowPos)
+{
+    constexpr QSize reachable(100, 30); // enough of a title bar to drag
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    return std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
+        return screen->availableGeometry().intersects(QRect(windowPos, reachable));
+    });
 }
 
 /// "src/sound/PdPlayer.cpp" is "PdPlayer"; empty for a name without a separator.
@@ -75,7 +87,8 @@ TuningOrloApplication::~TuningOrloApplication()
     mMainWindow.reset();
     qInstallMessageHandler(nullptr);
     // A start-up that failed half way leaves the stream running, and its callback reads the parts.
-    mAudioOutput.term();
+    if (mAudioOutput.selectedDevice() != -1)
+        mAudioOutput.term();
     app::setParts({});
 }
 
@@ -135,6 +148,8 @@ bool TuningOrloApplication::init()
             Qt::DirectConnection);
     startAutosave();
     mLicensing.check();
+    if (mTerminationSignals.wasAsked())
+        QMetaObject::invokeMethod(this, &QCoreApplication::quit, Qt::QueuedConnection);
     return true;
 }
 
@@ -331,8 +346,8 @@ void TuningOrloApplication::applyRestrictions(bool restricted)
 void TuningOrloApplication::syncFromSettings()
 {
     if (mSettings.windowSize != QSize(-1, -1))
-        mMainWindow->resize(mSettings.windowSize);
-    if (mSettings.windowPos != QPoint(-1, -1))
+        mMainWindow->resize(mSettings.windowSize.boundedTo(primaryScreen()->availableVirtualSize()));
+    if (mSettings.windowPos != QPoint(-1, -1) && isOnAScreen(mSettings.windowPos))
         mMainWindow->move(mSettings.windowPos);
     if (mSettings.windowMaximized)
         mMainWindow->showMaximized();

@@ -24,7 +24,7 @@ private:
 };
 
 /// Effect: calls `call` on another thread. True when it ended within `limit`; false leaves it to
-/// itself, so it must own all that it touches and end with Ticket::finish.
+/// itself, so it must own all that it touches; one that opens something ends with Ticket::finish.
 bool run(const std::function<void(Ticket&)>& call, std::chrono::milliseconds limit);
 
 } // namespace BoundedCall

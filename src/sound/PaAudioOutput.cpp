@@ -23,16 +23,11 @@ constexpr qint64 LONGEST_FADE_MS = 250;
 constexpr std::chrono::seconds LONGEST_CALL{3};
 constexpr std::chrono::seconds LONGEST_START{15};
 
-/// Between the two, how far the gain is at frame i of `frames`.
-float rampAt(float from, float to, unsigned long i, unsigned long frames)
-{
-    return from + (to - from) * static_cast<float>(i + 1) / static_cast<float>(frames);
-}
-
+/// Leads the gain in a straight line, to reach `to` with the last frame.
 void applyRamp(float* output, unsigned long frames, float from, float to)
 {
     for (unsigned long i = 0; i < frames; ++i) {
-        const float gain = rampAt(from, to, i, frames);
+        const float gain = from + (to - from) * static_cast<float>(i + 1) / static_cast<float>(frames);
         output[i * CHANNELS] *= gain;
         output[i * CHANNELS + 1] *= gain;
     }

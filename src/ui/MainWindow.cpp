@@ -15,6 +15,7 @@
 #include <QIcon>
 #include <QLabel>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
 #include <QThread>
@@ -99,9 +100,14 @@ MainWindow::MainWindow(Orlo* orlo)
     onTransposeChanged();
     ui->transposeWidget->highlight(mHighlightedRow, true);
 
+    // A small or finely scaled screen may be lower than the form.
+    resize(size().boundedTo(screen()->availableGeometry().size()));
     activateWindow();
     setFocusPolicy(Qt::StrongFocus);
     setFocus();
+    // These take the focus when they are clicked, and would keep the arrow keys with it.
+    for (QPushButton* button : {ui->circlesViewButton, ui->grapesViewButton, ui->expandOrloButton})
+        connect(button, &QPushButton::clicked, this, qOverload<>(&QWidget::setFocus));
 }
 
 MainWindow::~MainWindow() = default;

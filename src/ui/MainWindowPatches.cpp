@@ -57,13 +57,13 @@ void MainWindow::loadDefaultPatch()
 {
     const QString& name = app::settings()->defaultPatch;
     const QString chosen = patchDirectory() + u'/' + name;
-    if (!name.isEmpty() && QFileInfo::exists(chosen)) {
+    if (!name.isEmpty() && QFileInfo(chosen).isFile()) {
         loadPatch(chosen);
         return;
     }
     qWarning() << "No default patch name found, use Sine.";
     const QString sine = patchDirectory() + QStringLiteral("/Sine.pd");
-    if (QFileInfo::exists(sine)) {
+    if (QFileInfo(sine).isFile()) {
         loadPatch(sine);
         return;
     }

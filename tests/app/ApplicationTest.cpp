@@ -8,118 +8,96 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
-TuningOrloApplication& application()
+class Application : public ::testing::Test
 {
-    return *static_cast<TuningOrloApplication*>(QCoreApplication::instance());
-}
+protected:
+    void setModified(const QString& name, const QDateTime& time) const
+    {
+        QFile file(home.path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(time, QFileDevice::FileModificationTime));
+    }
+    bool copy(const QString& from, const QString& to, bool overwrite)
+    {
+        return application.copyFile(home.path(from), home.path(to), overwrite);
+    }
+    /// What a message from this source file shows.
+    QStringList diagnosticsOf(const char* file)
+    {
+        QStringList lines;
+        const auto connection = QObject::connect(&application, &TuningOrloApplication::diagnosticMessage,
+                                                 [&lines](const QString& line) { lines.append(line); });
+        TuningOrloApplication::loggingMessageHandler(QtDebugMsg, {file, 1, "f", "default"}, u"said"_s);
+        QObject::disconnect(connection);
+        return lines;
+    }
 
-void setModified(const QString& path, const QDateTime& time)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(file.setFileTime(time, QFileDevice::FileModificationTime));
-}
-
-QStringList diagnosticsOf(const char* file, QtMsgType type)
-{
-    QStringList lines;
-    const auto connection = QObject::connect(&application(), &TuningOrloApplication::diagnosticMessage,
-                                             [&lines](const QString& line) { lines.append(line); });
-    TuningOrloApplication::loggingMessageHandler(type, QMessageLogContext(file, 1, "f", "default"),
-                                                 QStringLiteral("said"));
-    QObject::disconnect(connection);
-    return lines;
-}
+    const TestHome home;
+    TuningOrloApplication& application = *static_cast<TuningOrloApplication*>(QCoreApplication::instance());
+};
 
 } // namespace
 
-TEST(Application, NamesItselfAndItsFolders)
+TEST_F(Application, CopiesWhatIsMissingOrOlder)
 {
-    EXPECT_EQ(QCoreApplication::applicationName(), QStringLiteral("Brevick Tuning Orlo"));
-    EXPECT_EQ(application().version(), QStringLiteral("2.0.0"));
-    EXPECT_TRUE(TuningOrloApplication::configDirectory().endsWith(QStringLiteral("/Brevick Tuning Orlo")));
-}
-
-// The source is newer, equally old or older than the target, and may overwrite it or not.
-TEST(Application, CopiesWhatIsMissingOrOlder)
-{
-    const TestHome home;
     const QDateTime noon(QDate(2026, 1, 1), QTime(12, 0));
-    struct Case
-    {
-        qint64 targetIsNewerBy; // seconds
-        bool overwrite;
-        bool copied;
+    const std::tuple<qint64, bool, bool> rows[] = { // seconds that the target is newer, overwrite, copied
+        {60, false, false}, {0, false, false}, {-60, false, true}, {60, true, true}, {0, true, true},
     };
-    for (const Case& c : {Case{60, false, false}, Case{0, false, false}, Case{-60, false, true},
-                          Case{60, true, true}, Case{0, true, true}}) {
-        home.write(QStringLiteral("source"), "new");
-        home.write(QStringLiteral("target"), "old");
-        setModified(home.path(QStringLiteral("source")), noon);
-        setModified(home.path(QStringLiteral("target")), noon.addSecs(c.targetIsNewerBy));
-        EXPECT_TRUE(application().copyFile(home.path(QStringLiteral("source")), home.path(QStringLiteral("target")),
-                                           c.overwrite));
-        EXPECT_EQ(home.read(QStringLiteral("target")), c.copied ? "new" : "old")
-            << c.targetIsNewerBy << ' ' << c.overwrite;
+    for (const auto& [newer, overwrite, copied] : rows) {
+        home.write(u"source"_s, "new");
+        home.write(u"target"_s, "old");
+        setModified(u"source"_s, noon);
+        setModified(u"target"_s, noon.addSecs(newer));
+        EXPECT_TRUE(copy(u"source"_s, u"target"_s, overwrite));
+        EXPECT_EQ(home.read(u"target"_s), copied ? "new" : "old") << newer << ' ' << overwrite;
     }
-    EXPECT_TRUE(application().copyFile(home.path(QStringLiteral("source")), home.path(QStringLiteral("third")), false));
-    EXPECT_EQ(home.read(QStringLiteral("third")), "new");
-}
+    EXPECT_TRUE(copy(u"source"_s, u"third"_s, false));
+    EXPECT_EQ(home.read(u"third"_s), "new");
 
-TEST(Application, SaysWhatItCouldNotCopy)
-{
-    const TestHome home;
     const LogCatcher log;
-    EXPECT_FALSE(application().copyFile(home.path(QStringLiteral("absent")), home.path(QStringLiteral("x")), true));
-    EXPECT_TRUE(log.has(QtCriticalMsg, QStringLiteral("Failed to copy")));
-
-    // A folder is no file that could be removed.
-    home.write(QStringLiteral("source"), "new");
-    home.configDir().mkpath(QStringLiteral("folder"));
-    EXPECT_FALSE(
-        application().copyFile(home.path(QStringLiteral("source")), home.path(QStringLiteral("folder")), true));
-    EXPECT_TRUE(log.has(QtCriticalMsg, QStringLiteral("Failed to delete")));
-    EXPECT_TRUE(log.has(QtCriticalMsg, QStringLiteral("before copying")));
+    EXPECT_FALSE(copy(u"absent"_s, u"x"_s, true));
+    EXPECT_TRUE(log.has(QtCriticalMsg, u"Failed to copy"_s));
+    home.configDir().mkpath(u"folder"_s); // no file that could be removed
+    EXPECT_FALSE(copy(u"source"_s, u"folder"_s, true));
+    EXPECT_TRUE(log.has(QtCriticalMsg, u"Failed to delete"_s));
+    EXPECT_TRUE(log.has(QtCriticalMsg, u"before copying"_s));
 }
 
 // The filter holds "-orlopath": of two dashes one is taken off.
-TEST(Application, FilterKeepsTheSecondDashOfItsWord)
+TEST_F(Application, FilterKeepsTheSecondDashOfItsWord)
 {
     EXPECT_TRUE(app::debugListening.load());
-    EXPECT_EQ(diagnosticsOf("src/model/-OrloPath.cpp", QtDebugMsg).size(), 1);
-    EXPECT_EQ(diagnosticsOf("src/model/OrloPath.cpp", QtDebugMsg).size(), 0);
-    EXPECT_EQ(diagnosticsOf("c:\\src\\-orlopath.old.cpp", QtDebugMsg).size(), 0); // its base name ends in .old
-    EXPECT_EQ(diagnosticsOf("-OrloPath.cpp", QtDebugMsg).size(), 0);            // no separator
-    EXPECT_EQ(diagnosticsOf(nullptr, QtDebugMsg).size(), 0);
-
-    const QStringList lines = diagnosticsOf("src/-ORLOPATH.cpp", QtWarningMsg);
-    ASSERT_EQ(lines.size(), 1);
+    const std::pair<const char*, int> rows[] = {
+        {"src/model/-OrloPath.cpp", 1}, {"src/model/OrloPath.cpp", 0}, {nullptr, 0},
+        {"c:\\src\\-orlopath.old.cpp", 0}, // its base name ends in .old
+        {"-OrloPath.cpp", 0},              // no separator
+    };
+    for (const auto& [file, shown] : rows)
+        EXPECT_EQ(diagnosticsOf(file).size(), shown) << (file ? file : "no file");
     // Stamp with its blank, one more blank, the text, the line's end.
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\]  said\\n$"))
-                    .match(lines.first())
-                    .hasMatch())
-        << lines.first().toStdString();
+    const QString line = diagnosticsOf("src/-ORLOPATH.cpp").value(0);
+    EXPECT_TRUE(QRegularExpression(u"^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\]  said\\n$"_s).match(line).hasMatch())
+        << line.toStdString();
 }
 
-TEST(Application, PutsThePatchIntoItsRuntimeFolder)
+TEST_F(Application, PutsThePatchIntoItsRuntimeFolder)
 {
-    const TestHome home;
-    ASSERT_TRUE(application().initPatchFolder());
-    const QDir patch(home.path(QStringLiteral("patch")));
-    EXPECT_EQ(patch.entryList(QDir::Files, QDir::Name),
-              QStringList({QStringLiteral("equal-loudness.pd"), QStringLiteral("orlo_main.pd"),
-                           QStringLiteral("orlo_vprep.pd"), QStringLiteral("tb_compressorUI.pd"),
-                           QStringLiteral("tb_compressor~.pd")}));
+    ASSERT_TRUE(application.initPatchFolder());
+    const QStringList files = QDir(home.path(u"patch"_s)).entryList(QDir::Files, QDir::Name);
+    EXPECT_EQ(files.join(u' ').toStdString(),
+              "equal-loudness.pd orlo_main.pd orlo_vprep.pd tb_compressorUI.pd tb_compressor~.pd");
 
     // The main patch is always replaced, the others only when they are older.
-    home.write(QStringLiteral("patch/orlo_main.pd"), "mine");
-    home.write(QStringLiteral("patch/orlo_vprep.pd"), "mine");
-    ASSERT_TRUE(application().initPatchFolder());
-    EXPECT_NE(home.read(QStringLiteral("patch/orlo_main.pd")), "mine");
-    EXPECT_EQ(home.read(QStringLiteral("patch/orlo_vprep.pd")), "mine");
+    home.write(u"patch/orlo_main.pd"_s, "mine");
+    home.write(u"patch/orlo_vprep.pd"_s, "mine");
+    ASSERT_TRUE(application.initPatchFolder());
+    EXPECT_NE(home.read(u"patch/orlo_main.pd"_s), "mine");
+    EXPECT_EQ(home.read(u"patch/orlo_vprep.pd"_s), "mine");
 }

@@ -1,8 +1,8 @@
 // What other programs make of the MIDI output: a plain listener, and a synthesiser that is heard.
 
 #include "end-to-end/PlayingFixture.h"
-#include "end-to-end/Tone.h"
 #include "end-to-end/Waiting.h"
+#include "support/Tone.h"
 
 #include <RtMidi.h>
 

@@ -1,6 +1,6 @@
 #include "end-to-end/PlayingFixture.h"
 
-#include "end-to-end/Tone.h"
+#include "support/Tone.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 #include "end-to-end/PlayingFixture.h"
-#include "end-to-end/Tone.h"
+#include "support/Tone.h"
 #include "end-to-end/Waiting.h"
 
 #include <cmath>

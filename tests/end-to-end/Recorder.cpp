@@ -1,6 +1,6 @@
 #include "end-to-end/Recorder.h"
 
-#include "end-to-end/Tone.h"
+#include "support/Tone.h"
 #include "end-to-end/VirtualDesk.h"
 #include "end-to-end/Waiting.h"
 

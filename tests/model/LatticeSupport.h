@@ -11,38 +11,37 @@
 #include <QJsonDocument>
 #include <QStringList>
 
-/// A lattice with a home of its own, and everything it reports, in order.
+using namespace Qt::StringLiterals;
+
+/// A lattice with a home and options of its own, and everything it reports, in order.
 class LatticeFixture
 {
 public:
     LatticeFixture()
     {
         app::setParts({.orlo = &orlo, .settings = &settings});
-        const auto ratio = [this](const char* name) {
-            return [this, name](const OrloRatio& r) { say(QLatin1StringView(name), r); };
+        const auto plain = [this](auto signal, const char* name) {
+            QObject::connect(&orlo, signal, [this, name] { said.append(QLatin1StringView(name)); });
         };
-        const auto flag = [this](const char* name) {
-            return [this, name](const OrloRatio& r, bool on) {
-                say(QLatin1StringView(name), r);
-                said.last() += on ? QStringLiteral(" on") : QStringLiteral(" off");
-            };
+        const auto ratio = [this](auto signal, const char* name) {
+            QObject::connect(&orlo, signal, [this, name](const OrloRatio& r) { say(name, r); });
         };
-        const auto plain = [this](const char* name) {
-            return [this, name] { said.append(QLatin1StringView(name)); };
+        const auto flag = [this](auto signal, const char* name) {
+            QObject::connect(&orlo, signal,
+                             [this, name](const OrloRatio& r, bool on) { say(name, r, on ? " on" : " off"); });
         };
-        const Orlo* from = &orlo;
-        QObject::connect(from, &Orlo::transposeOrBaseFrequencyChanged, plain("changed"));
-        QObject::connect(from, &Orlo::showCard, ratio("show card"));
-        QObject::connect(from, &Orlo::hideCard, ratio("hide card"));
-        QObject::connect(from, &Orlo::addNodeToStack, ratio("add"));
-        QObject::connect(from, &Orlo::showNodesInStack, plain("show nodes"));
-        QObject::connect(from, &Orlo::hideNodeInStack, ratio("hide node"));
-        QObject::connect(from, &Orlo::toggleNodeInStack, flag("toggle"));
-        QObject::connect(from, &Orlo::removeNodeInStack, ratio("remove"));
-        QObject::connect(from, &Orlo::selectNodeInStack, flag("select"));
-        QObject::connect(from, &Orlo::setHoldNodeInStack, flag("hold"));
-        QObject::connect(from, &Orlo::setAlteredNodeInStack, flag("alter"));
-        QObject::connect(from, &Orlo::resetNodeStack, plain("reset"));
+        plain(&Orlo::transposeOrBaseFrequencyChanged, "changed");
+        ratio(&Orlo::showCard, "show card");
+        ratio(&Orlo::hideCard, "hide card");
+        ratio(&Orlo::addNodeToStack, "add");
+        plain(&Orlo::showNodesInStack, "show nodes");
+        ratio(&Orlo::hideNodeInStack, "hide node");
+        flag(&Orlo::toggleNodeInStack, "toggle");
+        ratio(&Orlo::removeNodeInStack, "remove");
+        flag(&Orlo::selectNodeInStack, "select");
+        flag(&Orlo::setHoldNodeInStack, "hold");
+        flag(&Orlo::setAlteredNodeInStack, "alter");
+        plain(&Orlo::resetNodeStack, "reset");
     }
     ~LatticeFixture() { app::setParts({}); }
     LatticeFixture(const LatticeFixture&) = delete;
@@ -50,9 +49,7 @@ public:
 
     void readRoot(const QByteArray& root)
     {
-        const QJsonDocument document = QJsonDocument::fromJson(R"({"root": )" + root + '}');
-        ASSERT_TRUE(document.isObject());
-        orlo.read(document.object());
+        orlo.read(QJsonDocument::fromJson(R"({"root": )" + root + '}').object());
         said.clear();
     }
 
@@ -65,16 +62,17 @@ public:
     }
 
     /// What was reported since the last call.
-    QStringList takeSaid() { return std::exchange(said, {}); }
+    std::string takeSaid() { return std::exchange(said, {}).join(u", "_s).toStdString(); }
 
     const TestHome home;
     Settings settings;
     Orlo orlo;
 
 private:
-    void say(QLatin1StringView name, const OrloRatio& ratio)
+    void say(const char* name, const OrloRatio& ratio, const char* end = "")
     {
-        said.append(QStringLiteral("%1 %2/%3").arg(name).arg(ratio.numerator()).arg(ratio.denominator()));
+        said.append(u"%1 %2/%3"_s.arg(QLatin1StringView(name)).arg(ratio.numerator()).arg(ratio.denominator())
+                    + QLatin1StringView(end));
     }
 
     QStringList said;

@@ -2,6 +2,7 @@
 #include "support/LogCatcher.h"
 #include "support/SoundRig.h"
 
+#include "sound/MacroList.h"
 #include "sound/OrloNodeRemoveEvent.h"
 #include "sound/OrloNodeResetEvent.h"
 #include "sound/OrloNodeSelectToggleEvent.h"
@@ -13,8 +14,6 @@
 
 #include <cmath>
 #include <memory>
-
-using Chunk = PdMessageBuffer::Chunk;
 
 namespace {
 
@@ -33,16 +32,12 @@ TEST(CommandBuffer, Holds255ChunksInOrderAndDropsTheNext)
     // Three rounds, so that the ring also wraps in the middle of its memory.
     for (int round = 0; round < 3; ++round) {
         LogCatcher log;
-        for (int i = 0; i < 255; ++i) {
+        for (int i = 0; i < 256; ++i) {
+            EXPECT_TRUE(log.lines().isEmpty());
             const OrloEvent queued = event(19, static_cast<float>(i));
             buffer.queueEvent(&queued);
         }
-        EXPECT_TRUE(log.lines().isEmpty());
-        const OrloEvent tooMuch = event(19, 1000.0F);
-        buffer.queueEvent(&tooMuch);
-        ASSERT_EQ(log.lines().size(), 1);
-        EXPECT_TRUE(log.has(QtWarningMsg, QStringLiteral("Command buffer full")));
-
+        EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("Command buffer full")), 1);
         chunks.setSize(0);
         buffer.processEvents(chunks);
         ASSERT_EQ(chunks.size(), 255);
@@ -59,18 +54,10 @@ TEST(CommandBuffer, CarriesWhatEachKindOfEventHolds)
     const OrloRatio fifth(3, 2);
     const OrloRatio nothing;
     const OrloPath path(QStringLiteral("/3/-5"));
-    struct Row
-    {
-        std::shared_ptr<OrloEvent> event;
-        int type;
-        float value;
-        OrloPath path;
-        OrloRatio ratio;
-    };
-    const Row rows[] = {
+    const std::tuple<std::shared_ptr<OrloEvent>, int, float, OrloPath, OrloRatio> rows[] = {
         {std::make_shared<OrloEvent>(), -1, 0.0F, {}, nothing},
         {std::make_shared<OrloNoteEvent>(), 0, 1.0F, {}, nothing},
-        {std::make_shared<OrloNoteEvent>(QStringLiteral("/3/-5")), 0, 1.0F, path, nothing},
+        {std::make_shared<OrloNoteEvent>(path.toString()), 0, 1.0F, path, nothing},
         {std::make_shared<OrloNoteEvent>(path), 0, 1.0F, path, nothing},
         {std::make_shared<OrloNoteEvent>(fifth), 34, 1.0F, {}, fifth},
         {std::make_shared<OrloNoteEvent>(fifth, 2.0F), 34, 2.0F, {}, fifth},
@@ -81,17 +68,16 @@ TEST(CommandBuffer, CarriesWhatEachKindOfEventHolds)
     };
     PdMessageBuffer buffer;
     ASSERT_TRUE(buffer.init());
-    for (const Row& row : rows)
-        buffer.queueEvent(row.event.get());
     PdMessageBuffer::ChunkList chunks;
-    buffer.processEvents(chunks);
-    ASSERT_EQ(chunks.size(), static_cast<std::int64_t>(std::size(rows)));
-    for (std::int64_t i = 0; i < chunks.size(); ++i) {
-        const Row& row = rows[i];
-        EXPECT_EQ(chunks[i]->type, row.type) << i;
-        EXPECT_EQ(chunks[i]->value, row.value) << i;
-        EXPECT_EQ(chunks[i]->path, row.path) << i;
-        EXPECT_EQ(chunks[i]->ratio, row.ratio) << i;
+    for (const auto& [queued, type, value, steps, ratio] : rows) {
+        buffer.queueEvent(queued.get());
+        chunks.setSize(0);
+        buffer.processEvents(chunks);
+        ASSERT_EQ(chunks.size(), 1);
+        EXPECT_EQ(chunks[0]->type, type);
+        EXPECT_EQ(chunks[0]->value, value) << type;
+        EXPECT_EQ(chunks[0]->path, steps) << type;
+        EXPECT_EQ(chunks[0]->ratio, ratio) << type;
     }
 }
 
@@ -99,33 +85,21 @@ TEST(Commands, OfTheDeviceRunBeforeThoseOfTheScreen)
 {
     SoundRig rig;
     EngineLog log(rig.player);
-    const OrloEvent screen[] = {event(22, 441.0F), event(22, 442.0F)};
-    const OrloEvent device[] = {event(22, 443.0F), event(22, 444.0F)};
-    for (const OrloEvent& queued : screen)
-        rig.player.queueEventGui(&queued);
-    for (const OrloEvent& queued : device)
-        rig.player.queueEventSerial(&queued);
+    const OrloEvent events[] = {event(22, 441.0F), event(22, 442.0F), event(22, 443.0F), event(22, 444.0F)};
+    rig.player.queueEventGui(&events[2]);
+    rig.player.queueEventGui(&events[3]);
+    rig.player.queueEventSerial(&events[0]);
+    rig.player.queueEventSerial(&events[1]);
     rig.render();
-    EXPECT_EQ(log.take(), (QStringList{QStringLiteral("baseFrequencyChanged 443"),
-                                       QStringLiteral("baseFrequencyChanged 444"),
-                                       QStringLiteral("baseFrequencyChanged 441"),
-                                       QStringLiteral("baseFrequencyChanged 442")}));
+    EXPECT_EQ(log.said(), "baseFrequencyChanged 441; baseFrequencyChanged 442; "
+                          "baseFrequencyChanged 443; baseFrequencyChanged 444");
 }
 
 // Each row runs after those above it, on one engine.
 TEST(Commands, DoWhatTheirNumberSays)
 {
-    struct Row
-    {
-        int type;
-        float value;
-        const char* lines; // joined by "; "
-    };
-    const Row rows[] = {
-        {-1, 1.0F, ""},
-        {43, 1.0F, ""},
-        {-2147483647, 1.0F, ""},
-        {2147483647, 1.0F, ""},
+    const std::tuple<int, float, const char*> rows[] = {
+        {-1, 1.0F, ""}, {43, 1.0F, ""}, {-2147483647, 1.0F, ""}, {2147483647, 1.0F, ""},
         {15, -2.5F, "transposed 2/3 -3"}, // a half rounds away from zero
         {15, 2.4F, "transposed 4/3 2"},
         {15, 258.6F, "transposed 2/1 3"}, // 259 as a signed byte is 3
@@ -143,8 +117,7 @@ TEST(Commands, DoWhatTheirNumberSays)
         {23, 5.0F, "primeEnabledToggled 5 off"},
         {23, 5.9F, "primeEnabledToggled 5 on"},
         {23, 31.0F, "primeEnabledToggled 31 off"},
-        {23, 32.0F, ""},
-        {23, -7.0F, ""},
+        {23, 32.0F, ""}, {23, -7.0F, ""},
         {24, 0.25F, "macroValueChanged 1 0.25"},
         {31, 1.0F, "macroValueChanged 8 1"},
         {3, 1.0F, "removeNodeInStack 0/1"}, // deselecting runs on into removing
@@ -152,16 +125,35 @@ TEST(Commands, DoWhatTheirNumberSays)
         {36, 1.0F, ""}, // no transposition by 0/1
         {39, 1.0F, "nodesRecalled"},
         {40, 0.999F, ""},
-        {41, 0.0F, ""}, // no patch was named
-        {42, 0.0F, ""},
-        {19, NAN, ""},
-        {22, INFINITY, ""},
+        {41, 0.0F, ""}, {42, 0.0F, ""}, // no patch was named
+        {19, NAN, ""}, {22, INFINITY, ""},
     };
     SoundRig rig;
     EngineLog log(rig.player);
-    for (const Row& row : rows) {
-        rig.send(event(row.type, row.value));
-        EXPECT_EQ(log.take().join(QStringLiteral("; ")).toStdString(), row.lines)
-            << "type " << row.type << " value " << row.value;
+    for (const auto& [type, value, lines] : rows) {
+        rig.send(event(type, value));
+        EXPECT_EQ(log.said(), lines) << "type " << type << " value " << value;
+    }
+}
+
+TEST(MacroList, ReadsNamesAndDefaults)
+{
+    const std::tuple<const char*, const char*, QList<float>> rows[] = {
+        {"A(0.25):B::C(x)", "A|B||C", {0.25F, -1.0F, -1.0F, 0.0F}},
+        {"A)0.5(", "A)0.5(", {-1.0F}},
+        {")(0.5)", ")(0.5)", {-1.0F}}, // the first ")" counts
+        {"A(0.5", "A(0.5", {-1.0F}},
+        {"A(0.5)tail", "A", {0.5F}},
+        {"A(1)(0):(0.5)", "A|", {1.0F, 0.5F}},
+        {"A()", "A", {0.0F}},
+        {"A(0,5)", "A", {0.0F}}, // a point, whatever the locale
+        {"A(nan):B(inf)", "A|B", {0.0F, 0.0F}},
+        {"", "", {-1.0F}},
+        {"1:2:3:4:5:6:7:8:9(1)", "1|2|3|4|5|6|7|8|9", {-1, -1, -1, -1, -1, -1, -1, -1, 1}},
+    };
+    for (const auto& [text, names, defaults] : rows) {
+        const MacroList list = MacroList::parse(QString::fromLatin1(text));
+        EXPECT_EQ(list.names.join(u'|').toStdString(), names) << text;
+        EXPECT_EQ(list.defaults, defaults) << text;
     }
 }

@@ -3,10 +3,6 @@
 #include <cstddef>
 #include <cstdlib>
 
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define COUNTS_ALLOCATIONS
-#endif
-
 namespace {
 thread_local bool counting = false;
 thread_local int allocations = 0;
@@ -28,40 +24,25 @@ int AllocationCounter::count() const
     return allocations;
 }
 
-bool AllocationCounter::works()
-{
-#ifdef COUNTS_ALLOCATIONS
-    return true;
-#else
-    return false;
-#endif
-}
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-#ifdef COUNTS_ALLOCATIONS
+const bool AllocationCounter::WORKS = true;
 
+#define COUNTED(function, parameters, ...)                                                                    \
+    void* __libc_##function parameters;                                                                       \
+    void* function parameters                                                                                 \
+    {                                                                                                         \
+        allocations += counting ? 1 : 0;                                                                      \
+        return __libc_##function(__VA_ARGS__);                                                                \
+    }
 extern "C" {
-
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* memory, size_t size);
-
-void* malloc(size_t size)
-{
-    allocations += counting ? 1 : 0;
-    return __libc_malloc(size);
+COUNTED(malloc, (size_t size), size)
+COUNTED(calloc, (size_t count, size_t size), count, size)
+COUNTED(realloc, (void* memory, size_t size), memory, size)
 }
 
-void* calloc(size_t count, size_t size)
-{
-    allocations += counting ? 1 : 0;
-    return __libc_calloc(count, size);
-}
+#else
 
-void* realloc(void* memory, size_t size)
-{
-    allocations += counting ? 1 : 0;
-    return __libc_realloc(memory, size);
-}
-}
+const bool AllocationCounter::WORKS = false;
 
 #endif

@@ -12,5 +12,5 @@ public:
 
     int count() const;
     /// False where nothing can be counted: another C library, or a sanitizer that has its own.
-    static bool works();
+    static const bool WORKS;
 };

@@ -6,8 +6,6 @@
 
 #include <m_pd.h>
 
-#include <iterator>
-
 namespace {
 
 constexpr const char* SYMBOLS[] = {"orlo-in", "master-vol"};
@@ -30,6 +28,16 @@ QString text(bool on)
 QString text(int value)
 {
     return QString::number(value);
+}
+
+QString text(const QString& value)
+{
+    return value;
+}
+
+QString text(const QStringList& values)
+{
+    return values.join(u'|');
 }
 
 template <class T>
@@ -64,8 +72,30 @@ EngineLog::EngineLog(PdPlayer& player)
         mReceivers[i]->symbol = SYMBOLS[i];
         pd_bind(&mReceivers[i]->object, gensym(SYMBOLS[i]));
     }
-    connectSignals(player);
-    connectListSignals(player);
+    // Direct connections, so that the lines stand in the order of the engine's doings.
+    const auto hear = [this, &player]<class... Values>(void (PdPlayer::*signal)(Values...), const char* name) {
+        const auto write = [this, name](const Values&... values) {
+            add(QStringList{QLatin1StringView(name), text(values)...}.join(u' '));
+        };
+        connect(&player, signal, this, write, Qt::DirectConnection);
+    };
+    hear(&PdPlayer::noteToggled, "noteToggled");
+    hear(&PdPlayer::nodeHold, "nodeHold");
+    hear(&PdPlayer::removeNodeInStack, "removeNodeInStack");
+    hear(&PdPlayer::nodesRecalled, "nodesRecalled");
+    hear(&PdPlayer::transposed, "transposed");
+    hear(&PdPlayer::volumeChanged, "volumeChanged");
+    hear(&PdPlayer::voiceVolumeChanged, "voiceVolumeChanged");
+    hear(&PdPlayer::baseFrequencyChanged, "baseFrequencyChanged");
+    hear(&PdPlayer::monophonicChanged, "monophonicChanged");
+    hear(&PdPlayer::primeEnabledToggled, "primeEnabledToggled");
+    hear(&PdPlayer::macroNamesReceived, "macroNamesReceived");
+    hear(&PdPlayer::macroDefaultsReceived, "macroDefaultsReceived");
+    hear(qOverload<int, float>(&PdPlayer::macroValueChanged), "macroValueChanged");
+    hear(&PdPlayer::instructionsToInterface, "instruction");
+    hear(&PdPlayer::patchLoaded, "patchLoaded");
+    hear(&PdPlayer::patchDecRequested, "patchDecRequested");
+    hear(&PdPlayer::patchIncRequested, "patchIncRequested");
 }
 
 EngineLog::~EngineLog()
@@ -82,82 +112,6 @@ void EngineLog::onList(Receiver* receiver, void*, int count, _atom* atoms)
     for (int i = 0; i < count; ++i)
         line += u' ' + text(atom_getfloat(atoms + i));
     receiver->log->add(line);
-}
-
-// Direct connections, so that the lines stand in the order of the engine's doings.
-void EngineLog::connectSignals(PdPlayer& player)
-{
-    const auto toggled = [&player, this](auto signal, const char* name) {
-        connect(
-            &player, signal, this,
-            [this, name](const OrloRatio& ratio, bool on) {
-                add(QStringLiteral("%1 %2 %3").arg(QLatin1StringView(name), text(ratio), text(on)));
-            },
-            Qt::DirectConnection);
-    };
-    toggled(&PdPlayer::noteToggled, "noteToggled");
-    toggled(&PdPlayer::nodeHold, "nodeHold");
-
-    const auto oneValue = [&player, this](auto signal, const char* name) {
-        connect(
-            &player, signal, this,
-            [this, name](auto value) {
-                add(QStringLiteral("%1 %2").arg(QLatin1StringView(name), text(value)));
-            },
-            Qt::DirectConnection);
-    };
-    oneValue(&PdPlayer::volumeChanged, "volumeChanged");
-    oneValue(&PdPlayer::voiceVolumeChanged, "voiceVolumeChanged");
-    oneValue(&PdPlayer::baseFrequencyChanged, "baseFrequencyChanged");
-    oneValue(&PdPlayer::monophonicChanged, "monophonicChanged");
-    oneValue(&PdPlayer::removeNodeInStack, "removeNodeInStack");
-    oneValue(&PdPlayer::macroDefaultsReceived, "macroDefaultsReceived");
-
-    const auto bare = [&player, this](auto signal, const char* name) {
-        connect(
-            &player, signal, this, [this, name] { add(QString::fromLatin1(name)); }, Qt::DirectConnection);
-    };
-    bare(&PdPlayer::nodesRecalled, "nodesRecalled");
-    bare(&PdPlayer::patchDecRequested, "patchDecRequested");
-    bare(&PdPlayer::patchIncRequested, "patchIncRequested");
-}
-
-void EngineLog::connectListSignals(PdPlayer& player)
-{
-    connect(
-        &player, &PdPlayer::transposed, this,
-        [this](const OrloRatio& transposition, int step) {
-            add(QStringLiteral("transposed %1 %2").arg(text(transposition)).arg(step));
-        },
-        Qt::DirectConnection);
-    connect(
-        &player, &PdPlayer::primeEnabledToggled, this,
-        [this](int prime, bool on) {
-            add(QStringLiteral("primeEnabledToggled %1 %2").arg(prime).arg(text(on)));
-        },
-        Qt::DirectConnection);
-    connect(
-        &player, qOverload<int, float>(&PdPlayer::macroValueChanged), this,
-        [this](int macro, float value) {
-            add(QStringLiteral("macroValueChanged %1 %2").arg(macro).arg(text(value)));
-        },
-        Qt::DirectConnection);
-    connect(
-        &player, &PdPlayer::macroNamesReceived, this,
-        [this](const QStringList& names) { add(QStringLiteral("macroNamesReceived ") + names.join(u'|')); },
-        Qt::DirectConnection);
-    connect(
-        &player, &PdPlayer::instructionsToInterface, this,
-        [this](int instruction, const QList<int>& voices, const QList<float>& values1,
-               const QList<float>& values2) {
-            add(QStringLiteral("instruction %1 %2 %3 %4")
-                    .arg(instruction)
-                    .arg(text(voices), text(values1), text(values2)));
-        },
-        Qt::DirectConnection);
-    connect(
-        &player, &PdPlayer::patchLoaded, this,
-        [this](const QString& path) { add(QStringLiteral("patchLoaded ") + path); }, Qt::DirectConnection);
 }
 
 void EngineLog::add(const QString& line)

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <string>
+
 class PdPlayer;
 
 /// Writes down, in one order, what the engine sends to the patch and what it signals, while it
@@ -19,12 +21,12 @@ public:
     QStringList take();
     /// Of those, only the ones that begin so.
     QStringList take(const QString& beginning);
+    /// The same as one text, "; " between the lines.
+    std::string said(const QString& beginning = {}) { return take(beginning).join(u"; ").toStdString(); }
 
 private:
     struct Receiver;
     static void onList(Receiver* receiver, void* selector, int count, struct _atom* atoms);
-    void connectSignals(PdPlayer& player);
-    void connectListSignals(PdPlayer& player);
     void add(const QString& line);
 
     Receiver* mReceivers[2];

@@ -425,6 +425,14 @@ TEST_F(MainWindowTest, ArrowKeysChooseARowAndXSwitchesItsPrime)
     EXPECT_EQ(commands(), (QList<Command>{{OrloEvent::TransposeByPrimeStep, 0.0F}}));
 }
 
+TEST_F(MainWindowTest, TheArrowKeysStayTheWindowsAfterAClickOnAButtonThatTakesTheFocus)
+{
+    for (const char* name : {"circlesViewButton", "grapesViewButton", "expandOrloButton"}) {
+        click(name);
+        EXPECT_EQ(window->focusWidget(), window.get()) << name;
+    }
+}
+
 TEST_F(MainWindowTest, ModeButtonsExcludeEachOther)
 {
     button("shiftModeButton")->click();

@@ -1,4 +1,4 @@
-#include "end-to-end/Tone.h"
+#include "support/Tone.h"
 
 #include <algorithm>
 #include <cmath>
