@@ -6,6 +6,7 @@
 #include "external/RfidMap.h"
 
 #include <QHostAddress>
+#include <QNetworkProxy>
 #include <QUdpSocket>
 
 #include <array>
@@ -76,6 +77,7 @@ void UdpListener::run()
     }
     const auto port = static_cast<quint16>(app::settings()->udpPort);
     QUdpSocket socket;
+    socket.setProxy(QNetworkProxy::NoProxy); // the device is near; asking the system for one can take long
     if (!socket.bind(QHostAddress::Any, port)) {
         giveUp(QStringLiteral("Can't open UDP socket on port %1. UDP thread shutting down.").arg(port));
         return;

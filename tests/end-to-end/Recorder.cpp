@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const char* PROGRAM_OUTPUTS[] = {"PortAudio:out_0", "PortAudio:out_1"};
+constexpr std::array<const char*, Recorder::CHANNELS> PROGRAM_OUTPUTS{"PortAudio:out_0", "PortAudio:out_1"};
 constexpr double SILENT_BELOW = 1e-5;  // full scale is 1
 constexpr double SOUNDS_ABOVE = 1e-3;
 constexpr double SILENCE_SECONDS = 0.1;
@@ -51,10 +51,15 @@ int Recorder::processBlock(jack_nframes_t frames, void* self)
 
 bool Recorder::connectToProgram()
 {
+    return connectTo(PROGRAM_OUTPUTS);
+}
+
+bool Recorder::connectTo(const std::array<const char*, CHANNELS>& outputs)
+{
     if (!mClient)
         return false;
     for (size_t channel = 0; channel < CHANNELS; ++channel) {
-        const char* output = PROGRAM_OUTPUTS[channel];
+        const char* output = outputs[channel];
         const auto connected = [&] {
             return jack_port_by_name(mClient, output)
                    && (jack_port_connected_to(mPorts[channel], output)

@@ -22,6 +22,8 @@ public:
 
     /// Waits for the program's outputs. May be called anew for the next program.
     bool connectToProgram();
+    /// The same of another client's outputs.
+    bool connectTo(const std::array<const char*, CHANNELS>& outputs);
 
     /// Records this long from now on. Empty when no sound server is at work.
     std::vector<float> record(double seconds, int channel = 0);

@@ -11,6 +11,7 @@
 
 #include <QElapsedTimer>
 #include <QMutex>
+#include <QNetworkProxy>
 #include <QUdpSocket>
 
 #include <atomic>
@@ -20,9 +21,15 @@ namespace {
 
 const QString FATAL_MAP = QStringLiteral("Failed to load RFID mapping file, UDP thread shutting down.");
 
+/// No proxy, which could be asked for on two threads at once.
+struct Socket : QUdpSocket
+{
+    Socket() { setProxy(QNetworkProxy::NoProxy); }
+};
+
 quint16 freePort()
 {
-    QUdpSocket socket;
+    Socket socket;
     socket.bind(QHostAddress::Any, 0);
     return socket.localPort();
 }
@@ -86,7 +93,7 @@ protected:
     }
 
     SoundRig rig{4};
-    QUdpSocket sender;
+    Socket sender;
     UdpListener listener;
     QMutex mutex;
     QList<int> events;
@@ -198,7 +205,7 @@ TEST_F(Device, StopsInTimeWhilePacketsStream)
     ASSERT_TRUE(start(MAP));
     std::atomic<bool> sending{true};
     std::thread device([&] {
-        QUdpSocket socket;
+        Socket socket;
         const QByteArray bytes = packet("ABCDEF0123");
         while (sending)
             socket.writeDatagram(bytes, QHostAddress::LocalHost, static_cast<quint16>(rig.settings.udpPort));
@@ -228,7 +235,7 @@ TEST_F(Device, StopsWithinAboutASecondOfSilence)
 
 TEST_F(Device, GivesUpOnAPortThatIsTaken)
 {
-    QUdpSocket other;
+    Socket other;
     ASSERT_TRUE(other.bind(QHostAddress::Any, static_cast<quint16>(rig.settings.udpPort),
                            QAbstractSocket::DontShareAddress));
     rig.home.write(QStringLiteral("rfid_map.json"), MAP);

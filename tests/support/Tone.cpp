@@ -55,7 +55,15 @@ double roughPitch(std::span<const float> frames, double rate)
     return crossings < 3 ? 0.0 : (crossings - 1) * rate / (last - first);
 }
 
-/// Between the two halves of a window the phase moves on by what the rough pitch is wrong.
+/// Between the two halves of a window the phase moves on by what the supposed pitch is wrong.
+double pitchBetweenHalves(std::complex<double> before, std::complex<double> after, double supposed, double rate)
+{
+    const double halfSeconds = static_cast<double>(HALF_WINDOW) / rate;
+    const double expected = TWO_PI * supposed * halfSeconds;
+    const double error = std::remainder(std::arg(after) - std::arg(before) - expected, TWO_PI);
+    return supposed + error / (TWO_PI * halfSeconds);
+}
+
 std::optional<double> windowPitch(std::span<const float> window, double rate)
 {
     const double rough = roughPitch(window, rate);
@@ -68,10 +76,7 @@ std::optional<double> windowPitch(std::span<const float> window, double rate)
         if (std::abs(std::abs(half) / amplitude - 1.0) > PURE_WITHIN)
             return std::nullopt;
     }
-    const double halfSeconds = static_cast<double>(HALF_WINDOW) / rate;
-    const double expected = TWO_PI * rough * halfSeconds;
-    const double error = std::remainder(std::arg(after) - std::arg(before) - expected, TWO_PI);
-    return rough + error / (TWO_PI * halfSeconds);
+    return pitchBetweenHalves(before, after, rough, rate);
 }
 
 } // namespace
@@ -104,6 +109,24 @@ std::optional<double> pitch(std::span<const float> recording, double rate)
     if (windows == 0 || pitches.size() * 3 < windows)
         return std::nullopt;
     return median(pitches);
+}
+
+std::optional<double> pitchNear(std::span<const float> recording, double frequency, double rate)
+{
+    if (level(recording) < 1e-4)
+        return std::nullopt;
+    // Twice, since the window's measure is best close to the frequency that it is told.
+    for (int pass = 0; pass < 2; ++pass) {
+        std::vector<double> pitches;
+        for (size_t from = 0; from + WINDOW <= recording.size(); from += HALF_WINDOW) {
+            const auto window = recording.subspan(from, WINDOW);
+            pitches.push_back(pitchBetweenHalves(partial(window.first(HALF_WINDOW), frequency, rate),
+                                                 partial(window.last(HALF_WINDOW), frequency, rate), frequency,
+                                                 rate));
+        }
+        frequency = median(pitches);
+    }
+    return frequency;
 }
 
 double centsBetween(double frequency, double reference)

@@ -17,6 +17,10 @@ double amplitudeAt(std::span<const float> recording, double frequency, double ra
 /// windows that hold a sine and nothing else. Empty when fewer than a third of them do.
 std::optional<double> pitch(std::span<const float> recording, double rate);
 
+/// The pitch of the partial that lies next to this frequency, within half a semitone, of any steady
+/// tone whose other partials are 90 Hz or more away. Empty when there is hardly any.
+std::optional<double> pitchNear(std::span<const float> recording, double frequency, double rate);
+
 double centsBetween(double frequency, double reference);
 
 } // namespace tone

@@ -35,6 +35,17 @@ TEST(Tone, MeasuresASineThroughMissingBlocks)
     }
 }
 
+TEST(Tone, FindsThePitchOfAToneWithPartials)
+{
+    std::vector<float> rich = sine(441.0);
+    for (const double partial : {2.0, 3.0, 5.003})
+        std::ranges::transform(rich, sine(441.0 * partial), rich.begin(), std::plus());
+    std::fill(rich.begin() + 5000, rich.begin() + 5256, 0.0F);
+    for (const double near : {432.0, 441.0, 449.0})
+        EXPECT_LT(std::abs(tone::centsBetween(*tone::pitchNear(rich, near, RATE), 441.0)), 0.01) << near;
+    EXPECT_FALSE(tone::pitchNear(std::vector<float>(22050), 441.0, RATE));
+}
+
 TEST(Tone, TellsTonesApart)
 {
     std::vector<float> chord = sine(440.0);

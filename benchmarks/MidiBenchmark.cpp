@@ -1,0 +1,140 @@
+// What the MIDI output adds to RtMidi: the time of a call against that of RtMidi's own sendMessage of
+// the same bytes, measured in turn in the same run. `of_baseline` is the one over the other.
+
+#include "external/MidiOutRtMidi.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+
+#include <algorithm>
+#include <chrono>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+using Messages = std::vector<midi::Bytes>;
+
+constexpr int VOICES = 16;
+constexpr int CALLS = 100; // of a batch: what they send fits into RtMidi's buffer, which nobody empties
+
+/// Without a port. Made anew for each batch, since JACK's buffer fills up.
+std::unique_ptr<RtMidiOut> freshOutput()
+{
+    std::vector<RtMidi::Api> apis;
+    RtMidi::getCompiledApi(apis);
+    return std::make_unique<RtMidiOut>(apis.back(), "bench");
+}
+
+class BenchedOutput : public MidiOutRtMidi
+{
+protected:
+    std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api) const override { return freshOutput(); }
+};
+
+template <class Work>
+double secondsOf(Work&& work)
+{
+    const auto start = Clock::now();
+    work();
+    return Seconds(Clock::now() - start).count();
+}
+
+/// `call` sends `messages`. Of each, the fastest batch counts: what else runs only makes it slower.
+template <class Call>
+void measure(benchmark::State& state, BenchedOutput& output, const Messages& messages, Call&& call)
+{
+    double own = 1.0;
+    double base = 1.0;
+    for (auto _ : state) {
+        output.init();
+        const double seconds = secondsOf([&] {
+            for (int i = 0; i < CALLS; ++i)
+                call();
+        });
+        own = std::min(own, seconds / CALLS);
+        state.SetIterationTime(seconds / CALLS);
+
+        const std::unique_ptr<RtMidiOut> plain = freshOutput();
+        base = std::min(base, secondsOf([&] {
+            for (int i = 0; i < CALLS; ++i) {
+                for (const midi::Bytes& message : messages)
+                    plain->sendMessage(message.data(), message.size());
+            }
+        }) / CALLS);
+    }
+    state.counters["own_ns"] = own * 1e9;
+    state.counters["baseline_ns"] = base * 1e9;
+    state.counters["of_baseline"] = own / base;
+}
+
+midi::Bytes bytes(const midi::ShortMessage& message)
+{
+    return midi::Bytes(message.begin(), message.end());
+}
+
+midi::Bytes tuningChange(const QList<float>& frequencies)
+{
+    midi::Bytes message;
+    midi::beginTuningChange(message, frequencies.size());
+    for (int i = 0; i < frequencies.size(); ++i)
+        midi::addKeyTuning(message, 32 + i, midi::tuningOfNote(midi::noteOfFrequency(frequencies.at(i))));
+    midi::endTuningChange(message);
+    return message;
+}
+
+void noteOnAndOff(benchmark::State& state, bool mpe)
+{
+    BenchedOutput output;
+    output.init();
+    output.setChannel(mpe ? MidiOutput::MPE : 0);
+    const QList<int> voices{0};
+    const QList<float> frequencies{550.0F};
+    const int key = mpe ? 73 : 32;
+    const Messages messages{mpe ? bytes(midi::pitchBend(0, 0x2E, 0x3E)) : tuningChange(frequencies),
+                            bytes(midi::noteOn(0, key, 100)), bytes(midi::noteOff(0, key))};
+    measure(state, output, messages, [&] {
+        output.setKeyFrequency(voices, frequencies);
+        output.voiceOn(0, 100);
+        output.voiceOff(0);
+    });
+}
+BENCHMARK_CAPTURE(noteOnAndOff, mts, false)->UseManualTime()->Iterations(50);
+BENCHMARK_CAPTURE(noteOnAndOff, mpe, true)->UseManualTime()->Iterations(50);
+
+void bend16Voices(benchmark::State& state, bool mpe)
+{
+    BenchedOutput output;
+    output.init();
+    output.setChannel(mpe ? MidiOutput::MPE : 0);
+    QList<int> voices;
+    QList<float> frequencies;
+    for (int i = 0; i < VOICES; ++i) {
+        voices.append(i);
+        frequencies.append(220.0F * static_cast<float>(9 + i) / 8.0F);
+    }
+    Messages messages;
+    for (int i = 0; mpe && i < VOICES; ++i)
+        messages.push_back(bytes(midi::pitchBend(i, 0x40, 0)));
+    if (!mpe)
+        messages.push_back(tuningChange(frequencies));
+    measure(state, output, messages, [&] { output.setKeyFrequency(voices, frequencies); });
+}
+BENCHMARK_CAPTURE(bend16Voices, mts, false)->UseManualTime()->Iterations(50);
+BENCHMARK_CAPTURE(bend16Voices, mpe, true)->UseManualTime()->Iterations(50);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
