@@ -1,56 +1,53 @@
 #include "end-to-end/PlayingFixture.h"
 #include "end-to-end/Waiting.h"
 
-// What happens when the sound device goes away or stands still under the running program.
+using namespace Qt::StringLiterals;
 
+/// What happens when the sound device goes away or stands still under the running program.
 class LostSound : public PlayingFixture
 {
 protected:
+    void play()
+    {
+        start();
+        ASSERT_TRUE(press("/"));
+        ASSERT_TRUE(soundsAt(ROOT));
+    }
+    /// The keys still work: what changes here is saved.
+    void expectOrderlyEnd()
+    {
+        ASSERT_TRUE(program->type(u"f"_s));
+        EXPECT_EQ(program->quit(), 0);
+        EXPECT_TRUE(options()[u"circlesView"_s].toBool());
+    }
     /// The recorder cannot leave a server that stands still.
     void TearDown() override { desk.thawSound(); }
 };
 
 TEST_F(LostSound, EndsInOrderAfterTheSoundServerDied)
 {
-    start();
-    ASSERT_TRUE(program->click(screen->ball("/")));
-    ASSERT_TRUE(soundsAt(ROOT));
+    ASSERT_NO_FATAL_FAILURE(play());
     desk.killSound();
-    // The keys still work: what changes here is saved.
-    ASSERT_TRUE(program->type(QStringLiteral("f")));
-    EXPECT_EQ(program->quit(), 0);
-    EXPECT_TRUE(options()[QStringLiteral("circlesView")].toBool());
+    expectOrderlyEnd();
 }
 
-TEST_F(LostSound, EndsInOrderWhileTheSoundServerStandsStill)
+TEST_F(LostSound, ChangesThePatchAndEndsWhileTheSoundServerStandsStill)
 {
-    start();
-    ASSERT_TRUE(program->click(screen->ball("/")));
-    ASSERT_TRUE(soundsAt(ROOT));
+    ASSERT_NO_FATAL_FAILURE(play());
     desk.freezeSound();
-    ASSERT_TRUE(program->type(QStringLiteral("f")));
-    EXPECT_EQ(program->quit(), 0);
-    EXPECT_TRUE(options()[QStringLiteral("circlesView")].toBool());
-}
-
-TEST_F(LostSound, ChangesThePatchWhileTheSoundServerStandsStill)
-{
-    start();
-    ASSERT_TRUE(program->click(screen->ball("/")));
-    ASSERT_TRUE(soundsAt(ROOT));
-    desk.freezeSound();
-    const auto openings = [this] { return log().count(QStringLiteral("Opening PD patch: ")); };
+    const auto openings = [this] { return log().count(u"Opening PD patch: "_s); };
     const auto before = openings();
-    ASSERT_TRUE(program->type(patchKey(QStringLiteral("Sine"))));
+    ASSERT_TRUE(program->type(patchKey(u"Sine"_s)));
     EXPECT_TRUE(waitUntil([&] { return openings() > before; }));
-    EXPECT_TRUE(log().contains(QStringLiteral("No audio stream is running")));
+    EXPECT_TRUE(log().contains(u"No audio stream is running"_s));
     desk.thawSound();
 
     // The note goes on under the new patch, and ends as any other.
     EXPECT_TRUE(soundsAt(ROOT));
     ASSERT_TRUE(program->click(screen->ball("/")));
     ASSERT_TRUE(recorder->waitForSilence());
-    ASSERT_TRUE(program->click(screen->ball("/3")));
+    ASSERT_TRUE(press("/3"));
     EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
-    EXPECT_EQ(program->quit(), 0);
+    desk.freezeSound();
+    expectOrderlyEnd();
 }

@@ -1,14 +1,19 @@
 #include "end-to-end/PlayingFixture.h"
 
+#include "end-to-end/Waiting.h"
 #include "support/Tone.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonDocument>
 
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 void PlayingFixture::SetUp()
 {
-    EndToEndTest::SetUp();
-    if (HasFatalFailure())
-        return;
+    ASSERT_TRUE(desk.isReady()) << "Xvfb or jackd does not start.";
     screen = std::make_unique<ScreenMap>(desk);
     ASSERT_TRUE(screen->isValid()) << "print_screen_map gave no map.";
     recorder = std::make_unique<Recorder>(desk.soundServer());
@@ -46,4 +51,43 @@ double PlayingFixture::amplitudeNow(double frequency)
     if (std::abs(off) > MOST_CENTS_OFF)
         return ::testing::AssertionFailure() << *found << " Hz, which is " << off << " cents off " << frequency;
     return ::testing::AssertionSuccess();
+}
+
+bool PlayingFixture::hears(double frequency)
+{
+    return waitUntil([&] { return amplitudeNow(frequency) > 0.01; });
+}
+
+bool PlayingFixture::hearsNoMore(double frequency)
+{
+    return waitUntil([&] { return amplitudeNow(frequency) < 0.0001; });
+}
+
+QJsonObject PlayingFixture::options() const
+{
+    return QJsonDocument::fromJson(home.read(u"options.json"_s)).object();
+}
+
+void PlayingFixture::writeOptions(const QJsonObject& options) const
+{
+    home.write(u"options.json"_s, QJsonDocument(options).toJson());
+}
+
+QString PlayingFixture::log() const
+{
+    return QString::fromUtf8(home.read(u"log.txt"_s));
+}
+
+QStringList PlayingFixture::voicePatches()
+{
+    const QDir folder(QCoreApplication::applicationDirPath() + u"/patches"_s);
+    return folder.entryList({u"*.pd"_s}, QDir::Files, QDir::Name).replaceInStrings(u".pd"_s, QString());
+}
+
+QString PlayingFixture::patchKey(const QString& patch)
+{
+    const qsizetype index = voicePatches().indexOf(patch);
+    if (index < 0 || index > 9)
+        qFatal("No key chooses the patch %s.", qPrintable(patch));
+    return u"ctrl+%1"_s.arg((index + 1) % 10);
 }

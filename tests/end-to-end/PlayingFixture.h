@@ -1,15 +1,21 @@
 #pragma once
 
-#include "end-to-end/EndToEndTest.h"
 #include "end-to-end/Recorder.h"
 #include "end-to-end/RunningProgram.h"
 #include "end-to-end/ScreenMap.h"
+#include "end-to-end/VirtualDesk.h"
+#include "support/TestHome.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonObject>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
 
-/// The program, running, played and recorded.
-class PlayingFixture : public EndToEndTest
+/// The whole program, running, played and recorded: a desk and an empty home for each test.
+class PlayingFixture : public ::testing::Test
 {
 protected:
     static constexpr double ROOT = 440.0;          // Hz, of ratio 1/1
@@ -19,12 +25,28 @@ protected:
     void SetUp() override;
     /// With the options that the test wrote before.
     void start();
+    bool press(const char* ball, const char* view = "grapes") { return program->click(screen->ball(ball, view)); }
 
     /// What sounds now, when it is one sine.
     std::optional<double> pitchNow();
     double amplitudeNow(double frequency);
     ::testing::AssertionResult soundsAt(double frequency);
+    /// Wait for a partial to be there, among others, or to have gone.
+    bool hears(double frequency);
+    bool hearsNoMore(double frequency);
 
+    /// "options.json" as it lies on the disk.
+    QJsonObject options() const;
+    /// Before a start.
+    void writeOptions(const QJsonObject& options) const;
+    QString log() const;
+    /// In the order of the patch menu, without the ending.
+    static QStringList voicePatches();
+    /// What chooses this one of them.
+    static QString patchKey(const QString& patch);
+
+    TestHome home;
+    VirtualDesk desk;
     std::unique_ptr<ScreenMap> screen;
     std::unique_ptr<Recorder> recorder;
     std::unique_ptr<RunningProgram> program;

@@ -1,8 +1,9 @@
 #include "end-to-end/PlayingFixture.h"
-#include "support/Tone.h"
 #include "end-to-end/Waiting.h"
 
 #include <cmath>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -12,6 +13,7 @@ struct Pressed
     // Each step of 2 is an octave; a step of another prime is that prime over the largest power of 2
     // below it, a step down its reciprocal.
     double ratio;
+    const char* view = "grapes";
 };
 
 /// Of the first over the second.
@@ -27,40 +29,29 @@ using Playing = PlayingFixture;
 TEST_F(Playing, EachPressedBallSoundsAtItsRatioUntilPressedAgain)
 {
     start();
-    const Pressed grapes[] = {
-        {"/", 1.0},                         //
-        {"/3", 3.0 / 2.0},                  //
-        {"/2", 2.0},                        //
-        {"/-2/-2/3/3", 9.0 / 16.0},         // two octaves down, two fifths up
-        {"/-3/-3/-3", 8.0 / 27.0},          //
-        {"/5", 5.0 / 4.0},                  // leaves from here
-        {"/2/3/-7", 2.0 * 3 / 2 * 4 / 7},   //
-        {"/2/-3/31", 2.0 * 2 / 3 * 31 / 16} //
+    const Pressed balls[] = {
+        {"/", 1.0}, {"/3", 3.0 / 2}, {"/2", 2.0}, {"/-2/-2/3/3", 9.0 / 16}, {"/-3/-3/-3", 8.0 / 27},
+        {"/5", 5.0 / 4}, {"/2/3/-7", 2.0 * 3 / 2 * 4 / 7}, {"/2/-3/31", 2.0 * 2 / 3 * 31 / 16}, // leaves
+        // The other view has its leaves elsewhere.
+        {"/-3/11", 2.0 / 3 * 11 / 8, "circles"}, {"/-2/-13", 1.0 / 2 * 8 / 13, "circles"},
     };
-    for (const auto& [path, ratio] : grapes) {
-        SCOPED_TRACE(path);
-        const QPoint ball = screen->ball(path);
-        ASSERT_TRUE(program->click(ball));
-        EXPECT_TRUE(soundsAt(ROOT * ratio));
+    const char* view = "grapes";
+    for (const Pressed& ball : balls) {
+        SCOPED_TRACE(ball.path);
+        if (view != std::string(ball.view)) {
+            // A note goes on through the change.
+            ASSERT_TRUE(press("/3"));
+            ASSERT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
+            ASSERT_TRUE(program->click(screen->widget("circlesViewButton")));
+            EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
+            view = ball.view;
+            ASSERT_TRUE(press("/3", view));
+            ASSERT_TRUE(recorder->waitForSilence());
+        }
+        ASSERT_TRUE(press(ball.path, view));
+        EXPECT_TRUE(soundsAt(ROOT * ball.ratio));
         EXPECT_GT(recorder->level(1), 0.001) << "The right side is silent.";
-        ASSERT_TRUE(program->click(ball));
-        ASSERT_TRUE(recorder->waitForSilence());
-    }
-
-    // The other view has its leaves elsewhere; a note goes on through the change.
-    ASSERT_TRUE(program->click(screen->ball("/3")));
-    ASSERT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
-    ASSERT_TRUE(program->click(screen->widget("circlesViewButton")));
-    EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
-    ASSERT_TRUE(program->click(screen->ball("/3", "circles")));
-    ASSERT_TRUE(recorder->waitForSilence());
-    const Pressed circles[] = {{"/-3/11", 2.0 / 3 * 11 / 8}, {"/-2/-13", 1.0 / 2 * 8 / 13}};
-    for (const auto& [path, ratio] : circles) {
-        SCOPED_TRACE(path);
-        const QPoint ball = screen->ball(path, "circles");
-        ASSERT_TRUE(program->click(ball));
-        EXPECT_TRUE(soundsAt(ROOT * ratio));
-        ASSERT_TRUE(program->click(ball));
+        ASSERT_TRUE(press(ball.path, view));
         ASSERT_TRUE(recorder->waitForSilence());
     }
     EXPECT_EQ(program->quit(), 0);
@@ -70,37 +61,34 @@ TEST_F(Playing, AFadedNoteFreesItsVoice)
 {
     // Of four voices three are held. A voice that was not freed would make a later note steal the
     // oldest, which is a held one.
-    writeOptions({{QStringLiteral("mainPatchNumberOfVoices"), 4}});
+    writeOptions({{u"mainPatchNumberOfVoices"_s, 4}});
     start();
     const Pressed held[] = {{"/", 1.0}, {"/3", 3.0 / 2.0}, {"/2", 2.0}};
     for (const Pressed& note : held)
-        ASSERT_TRUE(program->click(screen->ball(note.path)));
+        ASSERT_TRUE(press(note.path));
     double before[3];
     for (size_t i = 0; i < 3; ++i) {
-        ASSERT_TRUE(waitUntil([&] { return amplitudeNow(ROOT * held[i].ratio) > 0.01; })) << held[i].path;
+        ASSERT_TRUE(hears(ROOT * held[i].ratio)) << held[i].path;
         before[i] = amplitudeNow(ROOT * held[i].ratio);
     }
-
     const Pressed passing[] = {{"/-2", 1.0 / 2}, {"/2/3", 3.0}, {"/3/3", 9.0 / 4}, {"/-2/3", 3.0 / 4}};
     for (int round = 0; round < 8; ++round) {
         const Pressed& note = passing[round % 4];
         SCOPED_TRACE(note.path);
-        const auto sounds = [&] { return amplitudeNow(ROOT * note.ratio); };
-        ASSERT_TRUE(program->click(screen->ball(note.path)));
-        ASSERT_TRUE(waitUntil([&] { return sounds() > 0.01; }));
-        ASSERT_TRUE(program->click(screen->ball(note.path)));
-        ASSERT_TRUE(waitUntil([&] { return sounds() < 0.0001; }));
+        ASSERT_TRUE(press(note.path));
+        ASSERT_TRUE(hears(ROOT * note.ratio));
+        ASSERT_TRUE(press(note.path));
+        ASSERT_TRUE(hearsNoMore(ROOT * note.ratio));
     }
     for (size_t i = 0; i < 3; ++i)
         EXPECT_NEAR(decibels(amplitudeNow(ROOT * held[i].ratio), before[i]), 0.0, 1.0) << held[i].path;
 
     // There really are four only: the fifth takes the oldest one's place.
-    for (const Pressed* note : {&passing[0], &passing[1]})
-        ASSERT_TRUE(program->click(screen->ball(note->path)));
-    EXPECT_TRUE(waitUntil([&] { return amplitudeNow(ROOT) < 0.0001; }));
-    EXPECT_GT(amplitudeNow(ROOT * passing[0].ratio), 0.01);
-    EXPECT_GT(amplitudeNow(ROOT * passing[1].ratio), 0.01);
-    EXPECT_GT(amplitudeNow(ROOT * held[1].ratio), 0.01);
+    ASSERT_TRUE(press(passing[0].path));
+    ASSERT_TRUE(press(passing[1].path));
+    EXPECT_TRUE(hearsNoMore(ROOT));
+    for (const Pressed& note : {passing[0], passing[1], held[1]})
+        EXPECT_GT(amplitudeNow(ROOT * note.ratio), 0.01) << note.path;
 }
 
 TEST_F(Playing, ADoubleClickIsOneToggle)
@@ -119,56 +107,51 @@ TEST_F(Playing, KeysStopNotesAndChooseMonoAndPoly)
 {
     start();
     const double fifth = ROOT * 3.0 / 2.0;
-    for (const char* stop : {"Escape", "ctrl+Escape"}) {
-        SCOPED_TRACE(stop);
-        ASSERT_TRUE(program->click(screen->ball("/")));
-        ASSERT_TRUE(program->click(screen->ball("/3")));
-        ASSERT_TRUE(waitUntil([&] { return amplitudeNow(ROOT) > 0.01 && amplitudeNow(fifth) > 0.01; }));
-        ASSERT_TRUE(program->type(QLatin1StringView(stop)));
-        ASSERT_TRUE(recorder->waitForSilence());
+    for (const QString& stop : {u"Escape"_s, u"ctrl+Escape"_s}) {
+        ASSERT_TRUE(press("/"));
+        ASSERT_TRUE(press("/3"));
+        ASSERT_TRUE(hears(ROOT) && hears(fifth));
+        ASSERT_TRUE(program->type(stop));
+        ASSERT_TRUE(recorder->waitForSilence()) << stop.toStdString();
     }
-
-    ASSERT_TRUE(program->type(QStringLiteral("m")));
-    ASSERT_TRUE(program->click(screen->ball("/")));
+    ASSERT_TRUE(program->type(u"m"_s));
+    ASSERT_TRUE(press("/"));
     ASSERT_TRUE(soundsAt(ROOT));
-    ASSERT_TRUE(program->click(screen->ball("/3")));
-    ASSERT_TRUE(waitUntil([&] { return amplitudeNow(ROOT) < 0.0001; }));
+    ASSERT_TRUE(press("/3"));
+    ASSERT_TRUE(hearsNoMore(ROOT));
     EXPECT_TRUE(soundsAt(fifth));
 
-    ASSERT_TRUE(program->type(QStringLiteral("p")));
-    ASSERT_TRUE(program->click(screen->ball("/")));
-    ASSERT_TRUE(waitUntil([&] { return amplitudeNow(ROOT) > 0.01; }));
+    ASSERT_TRUE(program->type(u"p"_s));
+    ASSERT_TRUE(press("/"));
+    ASSERT_TRUE(hears(ROOT));
     EXPECT_GT(amplitudeNow(fifth), 0.01);
 }
 
 TEST_F(Playing, VolumeKeysChangeTheLevel)
 {
     start();
-    ASSERT_TRUE(program->click(screen->ball("/")));
+    ASSERT_TRUE(press("/"));
     ASSERT_TRUE(soundsAt(ROOT));
-    // The slider goes from 0 to 140, and three quarters of it are 105.
     const auto steady = [this] {
-        double last = -1.0;
         double now = amplitudeNow(ROOT);
         waitUntil([&] {
-            last = now;
-            now = amplitudeNow(ROOT);
+            const double last = std::exchange(now, amplitudeNow(ROOT));
             return std::abs(now - last) <= 0.01 * now + 1e-6;
         });
         return now;
     };
+    // The slider goes from 0 to 140, and three quarters of it are 105; twenty steps are 40.
     const double atStart = steady();
     for (int i = 0; i < 20; ++i)
-        ASSERT_TRUE(program->type(QStringLiteral("k"))); // 105 - 40 = 65
-    const double lower = steady();
-    EXPECT_LT(decibels(lower, atStart), -3.0);
+        ASSERT_TRUE(program->type(u"k"_s));
+    EXPECT_LT(decibels(steady(), atStart), -3.0);
     for (int i = 0; i < 20; ++i)
-        ASSERT_TRUE(program->type(QStringLiteral("o")));
+        ASSERT_TRUE(program->type(u"o"_s));
     EXPECT_NEAR(decibels(steady(), atStart), 0.0, 0.3);
 
-    ASSERT_TRUE(program->type(QStringLiteral("ctrl+k")));
+    ASSERT_TRUE(program->type(u"ctrl+k"_s));
     EXPECT_TRUE(recorder->waitForSilence());
-    ASSERT_TRUE(program->type(QStringLiteral("ctrl+o")));
+    ASSERT_TRUE(program->type(u"ctrl+o"_s));
     ASSERT_TRUE(recorder->waitForSound());
     EXPECT_NEAR(decibels(steady(), atStart), 0.0, 0.3);
     EXPECT_TRUE(soundsAt(ROOT));

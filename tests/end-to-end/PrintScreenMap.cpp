@@ -10,18 +10,15 @@
 #include "ui/OrloView.h"
 #include "ui/OrloWidget.h"
 
-#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStackedWidget>
-#include <QWindow>
+#include <QTest>
 
 #include <cstdio>
 
 namespace {
-
-constexpr qint64 LONGEST_SHOW_MS = 20000;
 
 MainWindow* mainWindow()
 {
@@ -30,19 +27,6 @@ MainWindow* mainWindow()
             return window;
     }
     return nullptr;
-}
-
-bool waitForExposure(const QWidget* window)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!window->windowHandle() || !window->windowHandle()->isExposed()) {
-        if (timer.elapsed() > LONGEST_SHOW_MS)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    QCoreApplication::processEvents();
-    return true;
 }
 
 QJsonArray toJson(QPoint point)
@@ -79,16 +63,16 @@ int main(int argc, char** argv)
     if (!application.init())
         return 1;
     MainWindow* window = mainWindow();
-    if (!window || !waitForExposure(window))
+    if (!window || !QTest::qWaitForWindowExposed(window, 20000))
         return 2;
+    QCoreApplication::processEvents();
 
     QJsonObject map{{QStringLiteral("widgets"), widgets(window)}};
     auto* pages = window->findChild<QStackedWidget*>(QStringLiteral("centralStack"));
-    const char* const names[] = {"circles", "grapes"};
-    for (int page = 0; page < 2; ++page) {
+    for (const auto& [page, name] : {std::pair{0, "circles"}, {1, "grapes"}}) {
         pages->setCurrentIndex(page);
         QCoreApplication::processEvents();
-        map.insert(QLatin1StringView(names[page]), balls(window));
+        map.insert(QLatin1StringView(name), balls(window));
     }
     application.term();
     std::puts(QJsonDocument(map).toJson(QJsonDocument::Compact).constData());

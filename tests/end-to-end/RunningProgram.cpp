@@ -8,16 +8,18 @@
 
 #include <sys/prctl.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString MAIN_TITLE = QStringLiteral("Brevick Tuning Orlo 2");
-const QString BOX_TITLE = QStringLiteral("Brevick Tuning Orlo");
+const QString MAIN_TITLE = u"Brevick Tuning Orlo 2"_s;
+const QString BOX_TITLE = u"Brevick Tuning Orlo"_s;
 
 } // namespace
 
 QString RunningProgram::executable()
 {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/brevick-tuning-orlo");
+    return QCoreApplication::applicationDirPath() + u"/brevick-tuning-orlo"_s;
 }
 
 RunningProgram::RunningProgram(VirtualDesk& desk, const QStringList& arguments, const QString& executable)
@@ -26,7 +28,7 @@ RunningProgram::RunningProgram(VirtualDesk& desk, const QStringList& arguments, 
     mProcess.setProcessEnvironment([&desk] {
         QProcessEnvironment environment = desk.environment();
         // The desk may be older than the test's home.
-        environment.insert(QStringLiteral("XDG_DATA_HOME"), qEnvironmentVariable("XDG_DATA_HOME"));
+        environment.insert(u"XDG_DATA_HOME"_s, qEnvironmentVariable("XDG_DATA_HOME"));
         return environment;
     }());
     mProcess.setStandardOutputFile(QProcess::nullDevice());
@@ -51,7 +53,7 @@ bool RunningProgram::waitForWindow()
         return false;
     const auto window = mDesk.window(MAIN_TITLE);
     // No window manager gives the keys to anyone.
-    return window && mDesk.act({QStringLiteral("windowfocus"), QString::number(window->id)});
+    return window && mDesk.act({u"windowfocus"_s, QString::number(window->id)});
 }
 
 bool RunningProgram::waitForBox()
@@ -70,10 +72,9 @@ bool RunningProgram::moveTo(const QRect& wanted)
     if (!window)
         return false;
     const QString id = QString::number(window->id);
-    return mDesk.act({QStringLiteral("windowmove"), id, QString::number(wanted.x()), QString::number(wanted.y()),
-                      QStringLiteral("windowsize"), id, QString::number(wanted.width()),
-                      QString::number(wanted.height())})
-           && waitUntil([&] { return place() == wanted; });
+    const QString move = u"windowmove %1 %2 %3 "_s.arg(id).arg(wanted.x()).arg(wanted.y());
+    const QString resize = u"windowsize %1 %2 %3"_s.arg(id).arg(wanted.width()).arg(wanted.height());
+    return mDesk.act((move + resize).split(u' ')) && waitUntil([&] { return place() == wanted; });
 }
 
 QRect RunningProgram::place() const
@@ -82,42 +83,37 @@ QRect RunningProgram::place() const
     return window ? window->place : QRect();
 }
 
-bool RunningProgram::press(QPoint point, const QStringList& how)
+bool RunningProgram::press(QPoint point, const QString& how)
 {
     const QRect window = place();
     if (window.isEmpty())
         return false;
     const QPoint there = window.topLeft() + point;
     const QPoint away = window.topLeft() + QPoint(2, 2);
-    const auto move = [](QPoint to) {
-        return QStringList{QStringLiteral("mousemove"), QString::number(to.x()), QString::number(to.y())};
-    };
-    return mDesk.act(move(there) + how + move(away));
+    const auto move = [](QPoint to) { return u"mousemove %1 %2"_s.arg(to.x()).arg(to.y()); };
+    return mDesk.act((move(there) + u' ' + how + u' ' + move(away)).split(u' '));
 }
 
 bool RunningProgram::click(QPoint point)
 {
-    return press(point, {QStringLiteral("click"), QStringLiteral("1")});
+    return press(point, u"click 1"_s);
 }
 
 bool RunningProgram::doubleClick(QPoint point)
 {
-    return press(point, {QStringLiteral("click"), QStringLiteral("--repeat"), QStringLiteral("2"),
-                         QStringLiteral("--delay"), QStringLiteral("40"), QStringLiteral("1")});
+    return press(point, u"click --repeat 2 --delay 40 1"_s);
 }
 
 bool RunningProgram::type(const QString& keys)
 {
-    return mDesk.act({QStringLiteral("key"), keys});
+    return mDesk.act({u"key"_s, keys});
 }
 
 bool RunningProgram::confirmBox()
 {
     const auto box = mDesk.window(BOX_TITLE);
-    if (!box || !mDesk.act({QStringLiteral("windowfocus"), QString::number(box->id), QStringLiteral("key"),
-                            QStringLiteral("Return")}))
-        return false;
-    return waitUntil([this] { return !hasBox(); });
+    return box && mDesk.act({u"windowfocus"_s, QString::number(box->id), u"key"_s, u"Return"_s})
+           && waitUntil([this] { return !hasBox(); });
 }
 
 void RunningProgram::requestClose()

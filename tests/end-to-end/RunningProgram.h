@@ -49,7 +49,7 @@ public:
     qint64 processId() const { return mProcess.processId(); }
 
 private:
-    bool press(QPoint point, const QStringList& how);
+    bool press(QPoint point, const QString& how);
 
     VirtualDesk& mDesk;
     QProcess mProcess;

@@ -8,22 +8,18 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-namespace {
-
-constexpr int LONGEST_RUN_MS = 60000;
-
-} // namespace
+using namespace Qt::StringLiterals;
 
 ScreenMap::ScreenMap(const VirtualDesk& desk)
 {
     const QTemporaryDir home; // it must not leave files in the test's
     QProcessEnvironment environment = desk.environment();
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
+    environment.insert(u"XDG_DATA_HOME"_s, home.path());
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setStandardErrorFile(QProcess::nullDevice());
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/print_screen_map"), QStringList());
-    if (!process.waitForFinished(LONGEST_RUN_MS) || process.exitCode() != 0)
+    process.start(QCoreApplication::applicationDirPath() + u"/print_screen_map"_s, QStringList());
+    if (!process.waitForFinished(60000) || process.exitCode() != 0)
         return;
     // The line may stand behind others: the sound libraries print too.
     for (const QByteArray& line : process.readAllStandardOutput().split('\n')) {

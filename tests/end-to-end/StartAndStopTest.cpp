@@ -1,6 +1,5 @@
 #include "app/Settings.h"
-#include "end-to-end/EndToEndTest.h"
-#include "end-to-end/ScreenMap.h"
+#include "end-to-end/PlayingFixture.h"
 #include "end-to-end/Waiting.h"
 
 #include <QCoreApplication>
@@ -10,94 +9,95 @@
 
 #include <csignal>
 
-class StartAndStop : public EndToEndTest
+using namespace Qt::StringLiterals;
+
+class StartAndStop : public PlayingFixture
 {
 protected:
+    /// Neither plays nor, for the most part, presses.
+    void SetUp() override { ASSERT_TRUE(desk.isReady()) << "Xvfb or jackd does not start."; }
+
+    /// Starts of the program that the log tells of.
+    qsizetype banners() const { return log().count(u'\n' + QString(78, u'-') + u"\nStarting app at "_s); }
+
     /// One box, then the end, with this in the log.
-    void expectFatalBox(RunningProgram& program, const char* text) const
+    void expectFatalBox(RunningProgram& failing, const QString& text) const
     {
-        ASSERT_TRUE(program.waitForBox());
-        EXPECT_TRUE(program.place().isEmpty()) << "The main window is there.";
-        ASSERT_TRUE(program.confirmBox());
-        EXPECT_EQ(program.waitForExit(), 1);
-        EXPECT_TRUE(log().contains(QLatin1StringView(text))) << log().toStdString();
+        ASSERT_TRUE(failing.waitForBox());
+        EXPECT_TRUE(failing.place().isEmpty()) << "The main window is there.";
+        ASSERT_TRUE(failing.confirmBox());
+        EXPECT_EQ(failing.waitForExit(), 1);
+        EXPECT_TRUE(log().contains(text + u"\n\nThe program will now shut down.\n"_s)) << log().toStdString();
     }
 };
 
 TEST_F(StartAndStop, AFirstStartMakesEveryFile)
 {
     ASSERT_TRUE(home.configDir().removeRecursively());
-    RunningProgram program(desk);
-    ASSERT_TRUE(program.waitForWindow());
-    EXPECT_TRUE(QDir(home.path(QStringLiteral("chord_presets"))).exists());
+    RunningProgram first(desk);
+    ASSERT_TRUE(first.waitForWindow());
+    EXPECT_TRUE(QDir(home.path(u"chord_presets"_s)).exists());
     EXPECT_EQ(banners(), 1);
-    EXPECT_FALSE(log().contains(QStringLiteral("CRITICAL"))) << log().toStdString();
-    const QStringList runtime = QDir(home.path(QStringLiteral("patch"))).entryList(QDir::Files, QDir::Name);
+    EXPECT_FALSE(log().contains(u"CRITICAL"_s)) << log().toStdString();
+    const QStringList runtime = QDir(home.path(u"patch"_s)).entryList(QDir::Files, QDir::Name);
     EXPECT_EQ(runtime.join(u' ').toStdString(), "equal-loudness.pd orlo_main.pd orlo_voice.pd orlo_vprep.pd "
                                                 "tb_compressorUI.pd tb_compressor~.pd");
-    EXPECT_EQ(home.read(QStringLiteral("patch/orlo_voice.pd")),
-              [] {
-                  QFile sine(QCoreApplication::applicationDirPath() + QStringLiteral("/patches/Sine.pd"));
-                  return sine.open(QIODevice::ReadOnly) ? sine.readAll() : QByteArray("no Sine.pd");
-              }());
+    QFile sine(QCoreApplication::applicationDirPath() + u"/patches/Sine.pd"_s);
+    ASSERT_TRUE(sine.open(QIODevice::ReadOnly));
+    EXPECT_EQ(home.read(u"patch/orlo_voice.pd"_s), sine.readAll());
 
-    const QJsonObject first = options();
     QJsonObject wanted;
     Settings().write(wanted);
-    EXPECT_EQ(first.keys(), wanted.keys());
-    EXPECT_EQ(first.size(), 33);
-    EXPECT_EQ(first[QStringLiteral("windowSize")].toString(), QStringLiteral("-1,-1"));
+    EXPECT_EQ(options().keys(), wanted.keys());
+    EXPECT_EQ(options()[u"windowSize"_s].toString(), u"-1,-1"_s);
 
-    const QByteArray lattice = home.read(QStringLiteral("orlo_v2.json"));
+    const QByteArray lattice = home.read(u"orlo_v2.json"_s);
     EXPECT_TRUE(lattice.contains("\"root\""));
-    EXPECT_EQ(program.quit(), 0);
-    EXPECT_EQ(home.read(QStringLiteral("orlo_v2.json")), lattice);
+    EXPECT_EQ(first.quit(), 0);
+    EXPECT_EQ(home.read(u"orlo_v2.json"_s), lattice);
 }
 
 TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
 {
-    const ScreenMap screen(desk);
-    ASSERT_TRUE(screen.isValid());
+    const ScreenMap map(desk);
+    ASSERT_TRUE(map.isValid());
     const QRect place(40, 30, 1220, 765);
     QStringList patches = voicePatches().mid(0, 10);
-    patches.removeAll(QStringLiteral("Sine")); // the default
+    patches.removeAll(u"Sine"_s); // the default
     ASSERT_FALSE(patches.isEmpty());
     const QString patch = patches.last();
-    const QString patchFile = QStringLiteral("/patches/%1.pd\"").arg(patch);
+    const QString patchFile = u"/patches/%1.pd\""_s.arg(patch);
     {
-        RunningProgram program(desk);
-        ASSERT_TRUE(program.waitForWindow());
-        ASSERT_TRUE(program.click(screen.widget("circlesViewButton")));
-        ASSERT_TRUE(program.click(screen.widget("monoButton")));
-        ASSERT_TRUE(program.type(QStringLiteral("r")));
-        for (int i = 0; i < 5; ++i)
-            ASSERT_TRUE(program.type(QStringLiteral("k"))); // from 105 of 140 to 95
-        ASSERT_TRUE(program.type(patchKey(patch)));
+        RunningProgram first(desk);
+        ASSERT_TRUE(first.waitForWindow());
+        ASSERT_TRUE(first.click(map.widget("circlesViewButton")));
+        ASSERT_TRUE(first.click(map.widget("monoButton")));
+        for (const QString& key : {u"r"_s, u"k"_s, u"k"_s, u"k"_s, u"k"_s, u"k"_s, patchKey(patch)})
+            ASSERT_TRUE(first.type(key)); // the volume goes from 105 of 140 to 95
         ASSERT_TRUE(waitUntil([&] { return log().contains(patchFile); }));
-        ASSERT_TRUE(program.moveTo(place));
-        EXPECT_EQ(program.quit(), 0);
+        ASSERT_TRUE(first.moveTo(place));
+        EXPECT_EQ(first.quit(), 0);
     }
-    const auto check = [&](const QJsonObject& saved) {
-        EXPECT_TRUE(saved[QStringLiteral("circlesView")].toBool());
-        EXPECT_TRUE(saved[QStringLiteral("monophonic")].toBool());
-        EXPECT_EQ(saved[QStringLiteral("absRelView")].toInt(-1), 0);
-        EXPECT_NEAR(saved[QStringLiteral("masterVolume")].toDouble(), 95.0 / 140.0, 1e-6);
-        EXPECT_EQ(saved[QStringLiteral("defaultPatch")].toString(), patch + QStringLiteral(".pd"));
-        EXPECT_EQ(saved[QStringLiteral("windowSize")].toString(), QStringLiteral("1220,765"));
-        EXPECT_EQ(saved[QStringLiteral("windowPos")].toString(), QStringLiteral("40,30"));
-        EXPECT_EQ(saved[QStringLiteral("audioDevice")].toInt(-1), 0);
+    const auto check = [&](const char* when) {
+        SCOPED_TRACE(when);
+        QJsonObject saved = options();
+        EXPECT_NEAR(saved.take(u"masterVolume"_s).toDouble(), 95.0 / 140.0, 1e-6);
+        const QJsonObject wanted{{u"circlesView"_s, true}, {u"monophonic"_s, true}, {u"absRelView"_s, 0},
+                                 {u"defaultPatch"_s, patch + u".pd"_s}, {u"windowSize"_s, u"1220,765"_s},
+                                 {u"windowPos"_s, u"40,30"_s}, {u"audioDevice"_s, 0}};
+        for (auto it = wanted.begin(); it != wanted.end(); ++it)
+            EXPECT_EQ(saved[it.key()], it.value()) << it.key().toStdString();
     };
-    check(options());
+    check("after the first run");
     {
-        RunningProgram program(desk);
-        ASSERT_TRUE(program.waitForWindow());
-        EXPECT_TRUE(waitUntil([&] { return program.place() == place; }));
+        RunningProgram second(desk);
+        ASSERT_TRUE(second.waitForWindow());
+        EXPECT_TRUE(waitUntil([&] { return second.place() == place; }));
         EXPECT_EQ(banners(), 2);
-        EXPECT_TRUE(log().section(QStringLiteral("Starting app at"), -1).contains(patchFile));
-        EXPECT_EQ(program.quit(), 0);
+        EXPECT_TRUE(log().section(u"Starting app at"_s, -1).contains(patchFile));
+        EXPECT_EQ(second.quit(), 0);
     }
-    SCOPED_TRACE("after a second run, in which nothing was touched");
-    check(options());
+    check("after a second run, in which nothing was touched");
 }
 
 TEST_F(StartAndStop, AnEndBySignalSavesTheOptions)
@@ -105,60 +105,59 @@ TEST_F(StartAndStop, AnEndBySignalSavesTheOptions)
     for (const int signal : {SIGTERM, SIGINT}) {
         SCOPED_TRACE(signal);
         writeOptions({});
-        RunningProgram program(desk);
-        ASSERT_TRUE(program.waitForWindow());
-        ASSERT_TRUE(program.type(QStringLiteral("r")));
-        ASSERT_TRUE(program.type(QStringLiteral("f")));
-        ::kill(static_cast<pid_t>(program.processId()), signal);
-        EXPECT_EQ(program.waitForExit(), 0);
-        EXPECT_TRUE(options()[QStringLiteral("circlesView")].toBool());
-        EXPECT_EQ(options()[QStringLiteral("absRelView")].toInt(-1), 0);
+        RunningProgram ended(desk);
+        ASSERT_TRUE(ended.waitForWindow());
+        ASSERT_TRUE(ended.type(u"r"_s));
+        ASSERT_TRUE(ended.type(u"f"_s));
+        ::kill(static_cast<pid_t>(ended.processId()), signal);
+        EXPECT_EQ(ended.waitForExit(), 0);
+        EXPECT_TRUE(options()[u"circlesView"_s].toBool());
+        EXPECT_EQ(options()[u"absRelView"_s].toInt(-1), 0);
     }
 }
 
 TEST_F(StartAndStop, BrokenOptionsGiveOneBoxAndDefaults)
 {
     const QByteArray broken = "{ \"masterVolume\": 0.1, ";
-    home.write(QStringLiteral("options.json"), broken);
-    RunningProgram program(desk);
-    ASSERT_TRUE(program.waitForBox());
-    EXPECT_FALSE(log().contains(QStringLiteral("All options will be reset"))); // not before the box is closed
-    EXPECT_TRUE(log().contains(QStringLiteral("Couldn't parse file ")));
-    ASSERT_TRUE(program.confirmBox());
-    ASSERT_TRUE(program.waitForWindow());
-    EXPECT_FALSE(program.hasBox());
-    EXPECT_TRUE(log().contains(
-        QStringLiteral("Failed to read saved options. All options will be reset to defaults.\n")));
-    EXPECT_EQ(home.read(QStringLiteral("options.json")), broken);
-    EXPECT_EQ(program.quit(), 0);
-    EXPECT_EQ(options()[QStringLiteral("masterVolume")].toDouble(), 0.75);
+    const QString reset = u"Failed to read saved options. All options will be reset to defaults.\n"_s;
+    home.write(u"options.json"_s, broken);
+    RunningProgram started(desk);
+    ASSERT_TRUE(started.waitForBox());
+    EXPECT_FALSE(log().contains(reset)); // not before the box is closed
+    EXPECT_TRUE(log().contains(u"Couldn't parse file "_s));
+    ASSERT_TRUE(started.confirmBox());
+    ASSERT_TRUE(started.waitForWindow());
+    EXPECT_FALSE(started.hasBox());
+    EXPECT_TRUE(log().contains(reset));
+    EXPECT_EQ(home.read(u"options.json"_s), broken);
+    EXPECT_EQ(started.quit(), 0);
+    EXPECT_EQ(options()[u"masterVolume"_s].toDouble(), 0.75);
     EXPECT_EQ(options().size(), 33);
 }
 
 TEST_F(StartAndStop, ABrokenLatticeEndsTheProgramAndIsLeftAsItIs)
 {
     const QByteArray broken = "{ \"root\": { \"children\": ";
-    home.write(QStringLiteral("orlo_v2.json"), broken);
-    RunningProgram program(desk);
-    expectFatalBox(program, "Orlo initialisation failed.\n\nThe program will now shut down.\n");
-    EXPECT_EQ(home.read(QStringLiteral("orlo_v2.json")), broken);
+    home.write(u"orlo_v2.json"_s, broken);
+    RunningProgram failing(desk);
+    expectFatalBox(failing, u"Orlo initialisation failed."_s);
+    EXPECT_EQ(home.read(u"orlo_v2.json"_s), broken);
 }
 
 TEST_F(StartAndStop, AMissingStyleSheetEndsTheProgram)
 {
     const QTemporaryDir elsewhere;
-    const QString copy = elsewhere.filePath(QStringLiteral("brevick-tuning-orlo"));
+    const QString copy = elsewhere.filePath(u"brevick-tuning-orlo"_s);
     ASSERT_TRUE(QFile::copy(RunningProgram::executable(), copy));
-    RunningProgram program(desk, {}, copy);
-    expectFatalBox(program, "Initialisation of style sheet failed.\n\nThe program will now shut down.\n");
-    EXPECT_TRUE(log().contains(QStringLiteral("Failed to find style sheet file %1/style.qss.").arg(elsewhere.path())));
+    RunningProgram failing(desk, {}, copy);
+    expectFatalBox(failing, u"Initialisation of style sheet failed."_s);
+    EXPECT_TRUE(log().contains(u"Failed to find style sheet file %1/style.qss."_s.arg(elsewhere.path())));
 }
 
 TEST_F(StartAndStop, NoSoundDeviceEndsTheProgram)
 {
     desk.killSound();
-    RunningProgram program(desk);
-    expectFatalBox(program, "Initialisation of audio device failed. This means no audio playback will be "
-                            "possible.\n\nThe program will now shut down.\n");
-    EXPECT_TRUE(log().contains(QStringLiteral("Number of audio devices found: 0")));
+    RunningProgram failing(desk);
+    expectFatalBox(failing, u"Initialisation of audio device failed. This means no audio playback will be possible."_s);
+    EXPECT_TRUE(log().contains(u"Number of audio devices found: 0"_s));
 }

@@ -13,6 +13,8 @@
 
 #include <sys/prctl.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int SOUND_SERVERS = 3;
@@ -50,7 +52,7 @@ VirtualDesk::VirtualDesk()
     for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "QT_SCALE_FACTOR", "QT_STYLE_OVERRIDE",
                              "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI", "QT_LOGGING_RULES"})
         mEnvironment.remove(QLatin1StringView(name));
-    mEnvironment.insert(QStringLiteral("JACK_NO_START_SERVER"), QStringLiteral("1"));
+    mEnvironment.insert(u"JACK_NO_START_SERVER"_s, u"1"_s);
     hideSoundCards();
     // libjack writes on standard error otherwise, whenever it looks for a server.
     jack_set_error_function([](const char*) {});
@@ -71,15 +73,12 @@ void VirtualDesk::startScreen()
 {
     endWithTest(mScreenServer);
     mScreenServer.setStandardErrorFile(QProcess::nullDevice());
-    mScreenServer.start(QStringLiteral("Xvfb"),
-                        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                         QStringLiteral("0"), QStringLiteral("1280x800x24"), QStringLiteral("-noreset"),
-                         QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    mScreenServer.startCommand(u"Xvfb -displayfd 1 -screen 0 1280x800x24 -noreset -nolisten tcp"_s);
     const auto hasNumber = [this] { return mScreenServer.canReadLine(); };
     if (!mScreenServer.waitForStarted() || !waitUntil(hasNumber))
         return;
     const QByteArray display = ':' + mScreenServer.readLine().trimmed();
-    mEnvironment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display));
+    mEnvironment.insert(u"DISPLAY"_s, QString::fromLatin1(display));
     mScreen = xcb_connect(display.constData(), nullptr);
     if (xcb_connection_has_error(mScreen) != 0) {
         xcb_disconnect(mScreen);
@@ -92,9 +91,9 @@ void VirtualDesk::startSound()
     // JACK remembers few servers, and a killed one until the next of its name. So there are few
     // names; one that is in use belongs to another run of the tests.
     for (int number = 1; number <= SOUND_SERVERS; ++number) {
-        mSoundServer = QStringLiteral("orlo-test-%1").arg(number);
+        mSoundServer = u"orlo-test-%1"_s.arg(number);
         if (startSoundServer()) {
-            mEnvironment.insert(QStringLiteral("JACK_DEFAULT_SERVER"), mSoundServer);
+            mEnvironment.insert(u"JACK_DEFAULT_SERVER"_s, mSoundServer);
             mHasSound = true;
             return;
         }
@@ -107,10 +106,8 @@ bool VirtualDesk::startSoundServer()
     mJackServer.setStandardOutputFile(QProcess::nullDevice());
     mJackServer.setStandardErrorFile(QProcess::nullDevice());
     // Few ports: each reserves memory in every client.
-    mJackServer.start(QStringLiteral("jackd"),
-                      {QStringLiteral("-n"), mSoundServer, QStringLiteral("-r"), QStringLiteral("-p"),
-                       QStringLiteral("128"), QStringLiteral("-d"), QStringLiteral("dummy"), QStringLiteral("-r"),
-                       QString::number(SAMPLE_RATE), QStringLiteral("-p"), QString::number(BLOCK)});
+    mJackServer.startCommand(
+        u"jackd -n %1 -r -p 128 -d dummy -r %2 -p %3"_s.arg(mSoundServer).arg(SAMPLE_RATE).arg(BLOCK));
     const QByteArray server = mSoundServer.toLatin1();
     bool answered = false;
     const auto settled = [&] {
@@ -129,10 +126,10 @@ bool VirtualDesk::startSoundServer()
 /// one name to look at, so there is one of a card that is not there.
 void VirtualDesk::hideSoundCards()
 {
-    QFile file(mFiles.filePath(QStringLiteral("alsa.conf")));
+    QFile file(mFiles.filePath(u"alsa.conf"_s));
     if (file.open(QIODevice::WriteOnly))
         file.write("pcm.none { type hw card 99 }\n");
-    mEnvironment.insert(QStringLiteral("ALSA_CONFIG_PATH"), file.fileName());
+    mEnvironment.insert(u"ALSA_CONFIG_PATH"_s, file.fileName());
 }
 
 // ---------------------------------------------------------------- the screen
@@ -190,7 +187,7 @@ bool VirtualDesk::act(const QStringList& words) const
     QProcess xdotool;
     xdotool.setProcessEnvironment(mEnvironment);
     xdotool.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    xdotool.start(QStringLiteral("xdotool"), words);
+    xdotool.start(u"xdotool"_s, words);
     return xdotool.waitForFinished() && xdotool.exitStatus() == QProcess::NormalExit && xdotool.exitCode() == 0;
 }
 
