@@ -91,10 +91,6 @@ TEST_F(Application, FilterKeepsTheSecondDashOfItsWord)
 TEST_F(Application, PutsThePatchIntoItsRuntimeFolder)
 {
     ASSERT_TRUE(application.initPatchFolder());
-    const QStringList files = QDir(home.path(u"patch"_s)).entryList(QDir::Files, QDir::Name);
-    EXPECT_EQ(files.join(u' ').toStdString(),
-              "equal-loudness.pd orlo_main.pd orlo_vprep.pd tb_compressorUI.pd tb_compressor~.pd");
-
     // The main patch is always replaced, the others only when they are older.
     home.write(u"patch/orlo_main.pd"_s, "mine");
     home.write(u"patch/orlo_vprep.pd"_s, "mine");

@@ -183,7 +183,6 @@ TEST_P(SettingsTest, AFolderOrFileWithoutPermission)
         EXPECT_FALSE(settings.save());
         EXPECT_FALSE(settings.init());
     }
-    ASSERT_EQ(log.lines().size(), 2);
     EXPECT_TRUE(log.has(QtCriticalMsg, u"Couldn't open file %1 for saving."_s.arg(home.path(FILE_NAME))));
     EXPECT_TRUE(log.has(QtCriticalMsg, u"Couldn't open file %1 for loading."_s.arg(home.path(FILE_NAME))));
     ASSERT_EQ(chmod(folder, 0755), 0);

@@ -10,8 +10,7 @@ protected:
     void play()
     {
         start();
-        ASSERT_TRUE(press("/"));
-        ASSERT_TRUE(soundsAt(ROOT));
+        ASSERT_TRUE(press("/") && soundsAt(ROOT));
     }
     /// The keys still work: what changes here is saved.
     void expectOrderlyEnd()
@@ -44,9 +43,7 @@ TEST_F(LostSound, ChangesThePatchAndEndsWhileTheSoundServerStandsStill)
 
     // The note goes on under the new patch, and ends as any other.
     EXPECT_TRUE(soundsAt(ROOT));
-    ASSERT_TRUE(program->click(screen->ball("/")));
-    ASSERT_TRUE(recorder->waitForSilence());
-    ASSERT_TRUE(press("/3"));
+    ASSERT_TRUE(press("/") && recorder->waitForSilence() && press("/3"));
     EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
     desk.freezeSound();
     expectOrderlyEnd();

@@ -27,11 +27,6 @@ void PlayingFixture::start()
     ASSERT_TRUE(recorder->waitForSilence());
 }
 
-std::optional<double> PlayingFixture::pitchNow()
-{
-    return tone::pitch(recorder->record(LISTENING), VirtualDesk::SAMPLE_RATE);
-}
-
 double PlayingFixture::amplitudeNow(double frequency)
 {
     return tone::amplitudeAt(recorder->record(LISTENING), frequency, VirtualDesk::SAMPLE_RATE);
@@ -44,7 +39,7 @@ double PlayingFixture::amplitudeNow(double frequency)
     std::optional<double> found;
     // The stroke's first moment is no steady sine, nor is a stretch with missing blocks.
     for (int attempt = 0; attempt < 10 && !found; ++attempt)
-        found = pitchNow();
+        found = tone::pitch(recorder->record(LISTENING), VirtualDesk::SAMPLE_RATE);
     if (!found)
         return ::testing::AssertionFailure() << "what sounds is no sine";
     const double off = tone::centsBetween(*found, frequency);

@@ -12,7 +12,6 @@
 #include <QStringList>
 
 #include <memory>
-#include <optional>
 
 /// The whole program, running, played and recorded: a desk and an empty home for each test.
 class PlayingFixture : public ::testing::Test
@@ -27,9 +26,8 @@ protected:
     void start();
     bool press(const char* ball, const char* view = "grapes") { return program->click(screen->ball(ball, view)); }
 
-    /// What sounds now, when it is one sine.
-    std::optional<double> pitchNow();
     double amplitudeNow(double frequency);
+    /// What sounds now is one sine, of this pitch.
     ::testing::AssertionResult soundsAt(double frequency);
     /// Wait for a partial to be there, among others, or to have gone.
     bool hears(double frequency);

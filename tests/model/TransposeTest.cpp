@@ -88,11 +88,9 @@ TEST_F(TransposeTest, EveryBallMustFit)
     readRoot(R"({"children": {"3": {}}})");
     const LogCatcher log;
     EXPECT_FALSE(orlo.canTransposeTo(huge));
-    ASSERT_EQ(log.lines().size(), 2);
-    EXPECT_TRUE(log.lines()[0].text.startsWith(u"canMultiply fail on 3/2 * "_s));
-    EXPECT_EQ(log.lines()[1].text.toStdString(),
-              "canTransposeTo fail on 1/1 to 9223372036854775813/9223372036854775811:\n"
-              "  ball: /3 at 3/2 can't be played");
+    EXPECT_TRUE(log.has(QtDebugMsg, u"canMultiply fail on 3/2 * "_s));
+    EXPECT_TRUE(log.has(QtDebugMsg, u"canTransposeTo fail on 1/1 to 9223372036854775813/9223372036854775811:\n"
+                                    u"  ball: /3 at 3/2 can't be played"_s));
 }
 
 TEST_F(TransposeTest, BallsAreColouredByTheirStepFromTheAbsoluteOrigin)

@@ -28,17 +28,6 @@ TEST(AudioOutput, CorrectsFramesThatLibpdCannotRender)
     }
 }
 
-TEST(AudioOutput, WithoutAStreamClosingDoesNothing)
-{
-    PaAudioOutput output;
-    LogCatcher log;
-    int changes = 0;
-    QObject::connect(&output, &AudioOutput::selectedDeviceChanged, &output, [&] { ++changes; });
-    EXPECT_TRUE(output.closeDevice());
-    EXPECT_EQ(changes, 0);
-    EXPECT_TRUE(log.lines().isEmpty());
-}
-
 TEST(AudioOutput, WithoutAPatchABlockDrainsTheCommandsAndIsExactlySilent)
 {
     SoundRig rig;

@@ -10,37 +10,25 @@ namespace {
 
 constexpr const char* SYMBOLS[] = {"orlo-in", "master-vol"};
 
-QString text(float value)
+template <class T>
+QString text(const T& value)
 {
-    return QString::number(static_cast<double>(value), 'g', 7);
-}
-
-QString text(const OrloRatio& ratio)
-{
-    return QStringLiteral("%1/%2").arg(ratio.numerator()).arg(ratio.denominator());
-}
-
-QString text(bool on)
-{
-    return on ? QStringLiteral("on") : QStringLiteral("off");
-}
-
-QString text(int value)
-{
-    return QString::number(value);
-}
-
-QString text(const QString& value)
-{
-    return value;
-}
-
-QString text(const QStringList& values)
-{
-    return values.join(u'|');
+    if constexpr (std::is_same_v<T, OrloRatio>)
+        return QStringLiteral("%1/%2").arg(value.numerator()).arg(value.denominator());
+    else if constexpr (std::is_same_v<T, bool>)
+        return value ? QStringLiteral("on") : QStringLiteral("off");
+    else if constexpr (std::is_same_v<T, QString>)
+        return value;
+    else if constexpr (std::is_same_v<T, QStringList>)
+        return value.join(u'|');
+    else if constexpr (std::is_same_v<T, float>)
+        return QString::number(static_cast<double>(value), 'g', 7);
+    else
+        return QString::number(value);
 }
 
 template <class T>
+    requires(!std::is_same_v<T, QString>)
 QString text(const QList<T>& values)
 {
     QStringList texts;
