@@ -72,6 +72,13 @@ struct Reader
         if (const QJsonValue value = at(key); value.isString())
             field = value.toString();
     }
+    template <class T>
+    void operator()(const char* key, SharedOption<T>& field) const
+    {
+        T value = field;
+        (*this)(key, value);
+        field = value;
+    }
     void operator()(const char* key, QSize& field) const { readPair(at(key), field.rwidth(), field.rheight()); }
     void operator()(const char* key, QPoint& field) const { readPair(at(key), field.rx(), field.ry()); }
 };
@@ -84,6 +91,11 @@ struct Writer
     void operator()(const char* key, const T& field) const
     {
         json.insert(QLatin1StringView(key), QJsonValue(field));
+    }
+    template <class T>
+    void operator()(const char* key, const SharedOption<T>& field) const
+    {
+        (*this)(key, static_cast<T>(field));
     }
     void operator()(const char* key, const float& field) const { (*this)(key, static_cast<double>(field)); }
     void operator()(const char* key, const QSize& field) const

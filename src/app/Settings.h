@@ -2,6 +2,7 @@
 
 #include "app/SerializableRoot.h"
 #include "app/SettingsHidden.h"
+#include "app/SharedOption.h"
 
 #include <QList>
 #include <QPoint>
@@ -9,8 +10,9 @@
 
 /// All options as plain fields, stored in "options.json" at each autosave and at exit.
 ///
-/// Written on the graphical thread only; the sound engine reads some fields directly. Values are
-/// not checked for range here: each consumer takes what it finds and guards what it needs.
+/// Written on the graphical thread only. What the sound engine reads directly, on the audio thread,
+/// is a `SharedOption`. Values are not checked for range here: each consumer takes what it finds
+/// and guards what it needs.
 class Settings : public SerializableRoot
 {
     Q_OBJECT
@@ -40,7 +42,7 @@ public:
     float masterVolume = 0.75F;                    // 0 to 1
     bool monophonic = false;
     QString defaultPatch = QStringLiteral("Sine.pd");
-    bool softNodeReset = false;
+    SharedOption<bool> softNodeReset = false;
     bool circlesView = false; // false: the grapes view
     int absRelView = 1;       // 0 relative, 1 absolute, 2 second absolute mode
     int udpPort = 8888;
@@ -56,10 +58,10 @@ public:
     bool oneOneMenuSplitOctaves = false;
     QString lastBrowsedPatchPath;
     QString lastDirPath;
-    float glissOneRangeCents = 1200.0F;
-    float glissTwoRangeCents = 100.0F;
+    SharedOption<float> glissOneRangeCents = 1200.0F;
+    SharedOption<float> glissTwoRangeCents = 100.0F;
     int glissRangeMPECents = 0;
-    bool maintainMacroParameters = false;
+    SharedOption<bool> maintainMacroParameters = false;
     int centsShowDecimals = 0;
     int mainPatchNumberOfVoices = 128;
     const QList<int> mainPatchVoiceChoices{4, 8, 12, 16, 24, 32, 48, 64, 96, 128}; // not stored

@@ -132,6 +132,7 @@ bool TuningOrloApplication::init()
     qRegisterMetaType<OrloRatio>();
     qRegisterMetaType<QList<float>>();
     setStyle(QStringLiteral("Fusion"));
+    setLinkColours();
     if (!makeDirectories())
         return false;
     startLog();
@@ -162,6 +163,15 @@ bool TuningOrloApplication::init()
     if (mTerminationSignals.wasAsked())
         QMetaObject::invokeMethod(this, &QCoreApplication::quit, Qt::QueuedConnection);
     return true;
+}
+
+/// Style sheets do not reach the links in texts, and Qt's blue is too dark for these grounds.
+void TuningOrloApplication::setLinkColours()
+{
+    QPalette colours = palette();
+    for (const QPalette::ColorRole role : {QPalette::Link, QPalette::LinkVisited})
+        colours.setColor(role, QColor(0x8a, 0xb8, 0xff));
+    setPalette(colours);
 }
 
 bool TuningOrloApplication::makeDirectories()

@@ -75,6 +75,7 @@ signals:
 
 private:
     void readLogFilter(int argc, char** argv);
+    static void setLinkColours();
     bool makeDirectories();
     void startLog();
     bool startSound();

@@ -26,6 +26,9 @@ public:
 
     explicit MidiOutput(QObject* parent = nullptr);
 
+    /// What `portName` says while no port is open.
+    static QString deactivatedName();
+
     virtual bool init() = 0;
     /// [stopped] Silences and closes the port. Nothing may be called afterwards.
     virtual void term() = 0;
@@ -83,8 +86,6 @@ signals:
     void portLost(QString name);
 
 protected:
-    static QString deactivatedName();
-
     int firstKey = 32; // of voice 0
     /// Each once, in order of first tuning. Appended on [audio] and emptied on [gui] when the port
     /// closes, so it has room for every voice from the start and never moves.

@@ -5,6 +5,7 @@
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "sound/PdPlayer.h"
+#include "ui/OptionsDialog.h"
 #include "ui/OrloLayer.h"
 #include "ui/OrloLeavesWidget.h"
 #include "ui/OrloView.h"
@@ -82,13 +83,13 @@ MainWindow::MainWindow(Orlo* orlo)
     makeSwitcherLabels();
     connectSliders();
     connectPlayer();
-    ui->optionsButton->setEnabled(false); // its dialog is built later
     collectChordButtons();
     buildKeyMap();
 
     initPatchMenu();
     loadDefaultPatch();
     onTransposeChanged();
+    mOptionsDialog = new OptionsDialog(this);
     ui->transposeWidget->highlight(mHighlightedRow, true);
     repopulateChordBankMenu();
 
@@ -102,7 +103,11 @@ MainWindow::MainWindow(Orlo* orlo)
         connect(button, &QPushButton::clicked, this, qOverload<>(&QWidget::setFocus));
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    // What is being edited in it ends with it, and still reaches the window.
+    delete mOptionsDialog;
+}
 
 // ---------------------------------------------------------------- construction
 
@@ -457,6 +462,29 @@ void MainWindow::applyRestrictions(bool restricted)
                                        ui->chordHoldButton, ui->glissSliderBig,  ui->glissFineSliderBig};
     for (QWidget* widget : restrictedOnes)
         widget->setEnabled(!restricted);
+    mOptionsDialog->applyRestrictions(restricted);
+}
+
+// ---------------------------------------------------------------- options dialog
+
+void MainWindow::on_optionsButton_clicked()
+{
+    if (mOptionsDialog->isVisible()) {
+        mOptionsDialogPosition = mOptionsDialog->pos();
+        mOptionsDialog->close();
+        return;
+    }
+    delete mOptionsDialog;
+    mOptionsDialog = new OptionsDialog(this);
+    mOptionsDialog->applyRestrictions(mRestricted);
+    if (!mOptionsDialogPosition.isNull())
+        mOptionsDialog->rePosition(mOptionsDialogPosition);
+    mOptionsDialog->show();
+}
+
+void MainWindow::setOptionsDialogPosition(QPoint position)
+{
+    mOptionsDialogPosition = position;
 }
 
 // ---------------------------------------------------------------- mode buttons

@@ -5,11 +5,13 @@
 #include <QHash>
 #include <QList>
 #include <QMainWindow>
+#include <QPoint>
 
 #include <functional>
 #include <memory>
 
 class ChordPresets;
+class OptionsDialog;
 class Orlo;
 class OrloLayer;
 class OrloView;
@@ -45,6 +47,8 @@ public:
     /// The chord panel and the two big glissando sliders are unavailable.
     void applyRestrictions(bool restricted);
 
+    /// Where the options dialog opens the next time.
+    void setOptionsDialogPosition(QPoint position);
     /// Stores what sounds once more and recalls it, by way of the scratch slot.
     void reloadAllSoundingRatios();
     /// Stores without asking, an empty chord too.
@@ -90,6 +94,7 @@ private slots:
     void on_soundgrapeColourButton_clicked();
     void on_soundgrapeBWButton_clicked();
     void on_expandOrloButton_clicked();
+    void on_optionsButton_clicked();
     void on_monoButton_clicked();
     void on_polyButton_clicked();
     void on_stopAllButton_clicked();
@@ -215,6 +220,8 @@ private:
     bool mAltDown = false;
     bool mRestricted = false;
     int mCurrentPatch = -1; // index in the menu
+    OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
+    QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
 
     const OrloEvent mAllNotesOff{OrloEvent::AllNotesOff, 1.0F};
     const OrloEvent mAllNotesOffForced{OrloEvent::AllNotesOffForced, 1.0F};

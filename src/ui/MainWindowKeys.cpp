@@ -123,6 +123,7 @@ void MainWindow::buildKeyMap()
     addKey(Qt::Key_X, {Row::Any, none, [this] { ui->transposeWidget->toggle(mHighlightedRow); }});
     addKey(Qt::Key_Z, {Row::With, alt | control, event(OrloEvent::NodesResetSelectedDeselect)});
     addKey(Qt::Key_Z, {Row::Exactly, alt, event(OrloEvent::NodesResetSelected)});
+    addKey(Qt::Key_Comma, {Row::Exactly, control, [this] { on_optionsButton_clicked(); }});
     for (const int key : {Qt::Key_Equal, Qt::Key_Backspace})
         addKey(key, {Row::Any, none, [this] { ui->transposeWidget->resetTranspose(); }});
     addKey(Qt::Key_Escape, {Row::With, control, click(ui->stopAllButton)});

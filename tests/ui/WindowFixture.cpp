@@ -54,6 +54,8 @@ WindowFixture::WindowFixture()
     app::Parts parts = app::parts();
     parts.application = &services;
     parts.storeAndRecall = &chords;
+    parts.audioOutput = &soundDevice;
+    parts.midiOutput = &midi;
     app::setParts(parts);
     settings.lastDirPath = home.path(QStringLiteral("chord_presets"));
     QDir().mkpath(settings.lastDirPath);

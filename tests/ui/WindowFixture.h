@@ -1,10 +1,12 @@
 #pragma once
 
 #include "app/ApplicationServices.h"
+#include "external/MidiDouble.h"
 #include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
 #include "support/TestHome.h"
 #include "ui/MainWindow.h"
+#include "ui/SoundDeviceDouble.h"
 #include "ui/UiFixture.h"
 
 #include <memory>
@@ -65,5 +67,7 @@ protected:
     TestHome home; // before the window, whose options name its folders
     StoreAndRecall chords{&player};
     Services services;
+    SoundDeviceDouble soundDevice;
+    MidiOutOverDouble midi;
     std::unique_ptr<MainWindow> window;
 };

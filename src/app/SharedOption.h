@@ -1,0 +1,27 @@
+#pragma once
+
+#include <atomic>
+
+/// An option that the audio thread reads while the graphical thread writes it: used as the plain
+/// value, and never torn or a race.
+template <class T>
+class SharedOption
+{
+public:
+    SharedOption(T value) // NOLINT(google-explicit-constructor): it stands for the plain value
+        : mValue(value)
+    {
+    }
+    SharedOption& operator=(T value)
+    {
+        mValue.store(value, std::memory_order_relaxed);
+        return *this;
+    }
+    operator T() const
+    {
+        return mValue.load(std::memory_order_relaxed);
+    } // NOLINT(google-explicit-constructor)
+
+private:
+    std::atomic<T> mValue;
+};
