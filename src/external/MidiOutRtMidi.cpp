@@ -1,7 +1,6 @@
 #include "external/MidiOutRtMidi.h"
 
 #include "app/DebugLog.h"
-#include "sound/BoundedCall.h"
 
 #include <cstdlib>
 #include <optional>
@@ -24,15 +23,6 @@ constexpr bool CALLS_CAN_HANG = true;
 QList<int> asList(const midi::Bytes& bytes)
 {
     return QList<int>(bytes.begin(), bytes.end());
-}
-
-/// Runs it bounded where it could hang. False when it was given up.
-bool runBounded(const std::function<void()>& call, std::chrono::milliseconds limit = LONGEST_CALL)
-{
-    if (CALLS_CAN_HANG)
-        return BoundedCall::run([call](BoundedCall::Ticket&) { call(); }, limit);
-    call();
-    return true;
 }
 
 } // namespace
@@ -79,7 +69,6 @@ bool MidiOutRtMidi::init()
         });
         if (!answered) {
             qCritical() << "The MIDI system does not answer, there will be no MIDI output.";
-            mGaveUp = true;
             return true;
         }
         if (job->made) {
@@ -103,16 +92,28 @@ void MidiOutRtMidi::term()
     // Its end disconnects from the server too; one that hangs in a call is not waited for again.
     const auto last = std::make_shared<std::shared_ptr<RtMidiOut>>(std::move(rtMidiOut));
     rtMidiOut.reset();
-    if (!runBounded([last] { last->reset(); }, mGaveUp ? std::chrono::milliseconds(0) : LONGEST_CALL))
+    const auto limit = mGate.isStuck() ? std::chrono::milliseconds(0) : LONGEST_CALL;
+    if (!CALLS_CAN_HANG)
+        last->reset();
+    else if (!BoundedCall::run([last](BoundedCall::Ticket&) { last->reset(); }, limit))
         qCritical() << "The MIDI system does not answer, it is left as it is.";
 }
 
 // ---------------------------------------------------------------- calls into RtMidi
 
+/// Bounded where it could hang. False when it was given up, or an earlier one has not come back.
+bool MidiOutRtMidi::runBounded(const std::function<void()>& call) const
+{
+    if (CALLS_CAN_HANG)
+        return mGate.run([call](BoundedCall::Ticket&) { call(); }, LONGEST_CALL);
+    call();
+    return true;
+}
+
 /// [gui] False when RtMidi reported an error or does not answer.
 bool MidiOutRtMidi::callRtMidi(const char* what, const Work& work) const
 {
-    if (!rtMidiOut || mGaveUp)
+    if (!rtMidiOut)
         return false;
     struct Job
     {
@@ -129,7 +130,6 @@ bool MidiOutRtMidi::callRtMidi(const char* what, const Work& work) const
         }
     });
     if (!answered) {
-        mGaveUp = true;
         reportError(what, "The MIDI system does not answer.");
         return false;
     }
@@ -147,7 +147,7 @@ void MidiOutRtMidi::reportError(const char* what, const std::string& message) co
 
 bool MidiOutRtMidi::isRtMidiOpen() const
 {
-    return rtMidiOut && !mGaveUp && rtMidiOut->isPortOpen();
+    return rtMidiOut && !mGate.isStuck() && rtMidiOut->isPortOpen();
 }
 
 void MidiOutRtMidi::send(const midi::ShortMessage& message)
@@ -348,6 +348,7 @@ void MidiOutRtMidi::resetTuningAlteredVoices()
     }
     midi::endTuningChange(message);
     send(message);
-    qDebug() << "Midi message sent to reset MTS to standard for previously altered voices: " << asList(message);
+    qDebug() << "Midi message sent to reset MTS to standard for previously altered voices: "
+             << asList(message);
     tunedKeys.clear();
 }

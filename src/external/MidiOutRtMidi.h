@@ -2,6 +2,7 @@
 
 #include "external/MidiBytes.h"
 #include "external/MidiOutput.h"
+#include "sound/CallGate.h"
 
 #include <RtMidi.h>
 
@@ -63,6 +64,7 @@ protected:
 
 private:
     using Work = std::function<void(RtMidiOut&)>;
+    bool runBounded(const std::function<void()>& call) const;
     bool callRtMidi(const char* what, const Work& work) const;
     void reportError(const char* what, const std::string& message) const;
     bool isRtMidiOpen() const;
@@ -78,6 +80,6 @@ private:
 
     std::shared_ptr<RtMidiOut> rtMidiOut; // shared with a call that had to be given up
     midi::Bytes mTuningChange;            // [audio]
-    mutable bool mGaveUp = false;         // [gui] RtMidi hangs in a call, it must not be called again
+    mutable CallGate mGate;               // [gui]
     mutable std::atomic<bool> mErrorReported{false};
 };

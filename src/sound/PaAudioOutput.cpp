@@ -1,7 +1,6 @@
 #include "sound/PaAudioOutput.h"
 
 #include "app/DebugLog.h"
-#include "sound/BoundedCall.h"
 #include "sound/FloatMode.h"
 #include "sound/PdPlayer.h"
 
@@ -10,12 +9,13 @@
 
 #include <z_libpd.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
 
 constexpr int CHANNELS = 2;
-constexpr double PREFERRED_RATE = 44100.0; // Hz
+constexpr double PREFERRED_RATE = 44100.0;  // Hz
 constexpr unsigned long PD_BLOCK_SHIFT = 6; // 64 frames a tick
 // A fade is one block; a callback that does not come is not waited for.
 constexpr qint64 LONGEST_FADE_MS = 250;
@@ -61,7 +61,6 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
     const auto error = std::make_shared<PaError>(paNoError);
     if (!BoundedCall::run([error](BoundedCall::Ticket&) { *error = Pa_Initialize(); }, LONGEST_START)) {
         qCritical() << "The sound system does not answer: Pa_Initialize was given up.";
-        mGaveUp = true;
         return false;
     }
     if (*error != paNoError) {
@@ -83,7 +82,7 @@ void PaAudioOutput::term()
     if (!mInitialised)
         return;
     mInitialised = false;
-    if (mGaveUp)
+    if (hasStuckCall()) // PortAudio cannot be ended then
         return;
     qWarning() << "Calling Pa_Terminate...";
     const auto error = std::make_shared<PaError>(paNoError);
@@ -159,8 +158,9 @@ bool PaAudioOutput::selectDevice(int index)
         return false;
     const int count = Pa_GetDeviceCount();
     if (paIndex < 0 || paIndex >= count) {
-        qCritical().noquote() << QStringLiteral("Device index %1 passed to PaAudioOutput::selectDevice did not "
-                                                "translate to valid paIndex %2. Device count: %3.")
+        qCritical().noquote() << QStringLiteral(
+                                     "Device index %1 passed to PaAudioOutput::selectDevice did not "
+                                     "translate to valid paIndex %2. Device count: %3.")
                                      .arg(index)
                                      .arg(paIndex)
                                      .arg(count);
@@ -249,9 +249,10 @@ bool PaAudioOutput::openStream(int paIndex, int index)
     job->frames = static_cast<unsigned long>(framesPerBuffer());
     job->context = std::make_shared<StreamContext>();
     job->context->output = this;
-    if (!BoundedCall::run([job](BoundedCall::Ticket& ticket) { job->run(ticket); }, LONGEST_CALL)) {
+    if (!callHostApi(
+            device->hostApi, [job](BoundedCall::Ticket& ticket) { job->run(ticket); },
+            [job] { return job->call.load(); })) {
         job->context->retired = true;
-        giveStreamUp(job->call);
         return false;
     }
     if (job->opened)
@@ -263,15 +264,31 @@ bool PaAudioOutput::openStream(int paIndex, int index)
     }
     mStream = job->stream;
     mContext = job->context;
+    mStreamApi = device->hostApi;
     qWarning() << "PaStream started";
     return true;
 }
 
-void PaAudioOutput::giveStreamUp(const char* call)
+/// False when the call was given up, or not made because an earlier one is still inside. `name` is
+/// that of PortAudio's function under way.
+bool PaAudioOutput::callHostApi(int hostApi, const std::function<void(BoundedCall::Ticket&)>& call,
+                                const std::function<const char*()>& name)
 {
-    qCritical().noquote() << QStringLiteral("The sound device does not answer: %1 was given up. Choose another device.")
-                                 .arg(QLatin1StringView(call));
-    mGaveUp = true;
+    CallGate& gate = mGates[hostApi];
+    const bool wasStuck = gate.isStuck();
+    if (gate.run(call, LONGEST_CALL))
+        return true;
+    const QString text =
+        wasStuck
+            ? QStringLiteral("The sound server still does not answer, so %1 was not called.")
+            : QStringLiteral("The sound device does not answer: %1 was given up. Choose another device.");
+    qCritical().noquote() << text.arg(QLatin1StringView(name()));
+    return false;
+}
+
+bool PaAudioOutput::hasStuckCall() const
+{
+    return std::any_of(mGates.begin(), mGates.end(), [](const auto& gate) { return gate.second.isStuck(); });
 }
 
 bool PaAudioOutput::closeDevice()
@@ -287,17 +304,17 @@ bool PaAudioOutput::closeDevice()
     };
     const auto job = std::make_shared<CloseJob>(CloseJob{mStream, mContext});
     qWarning() << "Stopping stream...";
-    const bool answered = BoundedCall::run(
+    const bool answered = callHostApi(
+        mStreamApi,
         [job](BoundedCall::Ticket&) {
             job->stopError = Pa_StopStream(job->stream);
             job->closeError = Pa_CloseStream(job->stream);
         },
-        LONGEST_CALL);
+        [] { return "Pa_StopStream"; });
     mContext->retired = true;
     mStream = nullptr;
     mContext.reset();
     if (!answered) {
-        giveStreamUp("Pa_StopStream");
         setSelectedDevice(-1);
         return true;
     }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "sound/AudioOutput.h"
+#include "sound/CallGate.h"
 
 #include <QHash>
 
 #include <portaudio.h>
 
 #include <atomic>
+#include <map>
 #include <memory>
 
 /// The sound device on PortAudio: two output channels, no input. Its callback is the clock of the
@@ -14,7 +16,8 @@
 ///
 /// A sound server that was killed or frozen keeps PortAudio waiting for minutes. Calls that reach
 /// it are bounded: after a few seconds the stream is given up, its callback retired, and the
-/// program goes on without sound until another device is chosen.
+/// program goes on without sound until a device is chosen: one of another host API, or one of the
+/// same when the server has answered after all.
 class PaAudioOutput : public AudioOutput
 {
     Q_OBJECT
@@ -53,7 +56,9 @@ private:
     struct OpenJob;
 
     static void report(const char* call, int error);
-    void giveStreamUp(const char* call);
+    bool callHostApi(int hostApi, const std::function<void(BoundedCall::Ticket&)>& call,
+                     const std::function<const char*()>& name);
+    bool hasStuckCall() const;
     int paIndexOf(int& index) const;
     bool findSampleRate(const PaStreamParameters& parameters, double& sampleRate);
     bool openStream(int paIndex, int index);
@@ -62,7 +67,8 @@ private:
     PaStream* mStream = nullptr;
     std::shared_ptr<StreamContext> mContext;
     bool mInitialised = false;
-    bool mGaveUp = false; // a call is still inside PortAudio, which cannot be ended then
+    std::map<int, CallGate> mGates; // by PortAudio's host API
+    int mStreamApi = -1;
     mutable QHash<int, int> mDeviceMap; // device list index to PortAudio's
     std::atomic<bool> mMuted{false};
     // Either way the mute fades over one block, so that it does not click.
