@@ -1,0 +1,54 @@
+#include "end-to-end/PlayingFixture.h"
+#include "end-to-end/Waiting.h"
+
+using namespace Qt::StringLiterals;
+
+/// The options dialog of the running program, by its keys. The recorder is the second sound device.
+class RunningOptions : public PlayingFixture
+{
+protected:
+    void openAtTheSoundDevice()
+    {
+        ASSERT_TRUE(program->type(u"ctrl+comma"_s));
+        ASSERT_TRUE(waitUntil([this] { return desk.window(u"Options"_s).has_value(); }));
+        const QString dialog = QString::number(desk.window(u"Options"_s)->id);
+        ASSERT_TRUE(desk.act({u"windowfocus"_s, dialog, u"key"_s, u"Tab"_s, u"Tab"_s}));
+    }
+    bool waitForLog(const QString& text)
+    {
+        return waitUntil([&] { return log().contains(text); });
+    }
+    void TearDown() override { desk.thawSound(); }
+};
+
+TEST_F(RunningOptions, ANoteOutlivesEveryChangeOfTheSoundDevice)
+{
+    start();
+    ASSERT_TRUE(press("/3"));
+    const double note = ROOT * 1.5;
+    ASSERT_TRUE(soundsAt(note));
+    ASSERT_NO_FATAL_FAILURE(openAtTheSoundDevice());
+
+    ASSERT_TRUE(program->type(u"Down"_s)); // PortAudio numbers the ports of each stream anew
+    ASSERT_TRUE(recorder->connectTo({"PortAudio:out_2", "PortAudio:out_3"}));
+    EXPECT_TRUE(soundsAt(note));
+    ASSERT_TRUE(program->type(u"Up"_s));
+    ASSERT_TRUE(recorder->connectTo({"PortAudio:out_4", "PortAudio:out_5"}));
+    EXPECT_TRUE(soundsAt(note));
+
+    // A server that stands still is given up once, and not called again before it is back.
+    desk.freezeSound();
+    ASSERT_TRUE(program->type(u"Down"_s));
+    EXPECT_TRUE(waitForLog(u"Pa_StopStream was given up"_s));
+    ASSERT_TRUE(program->waitForBox());
+    EXPECT_TRUE(log().contains(u"still does not answer, so Pa_OpenStream was not called"_s));
+    desk.thawSound();
+    ASSERT_TRUE(program->confirmBox());
+    const QString dialog = QString::number(desk.window(u"Options"_s)->id);
+    ASSERT_TRUE(desk.act({u"windowfocus"_s, dialog, u"key"_s, u"Down"_s}));
+    ASSERT_TRUE(recorder->connectTo({"PortAudio:out_6", "PortAudio:out_7"}));
+    EXPECT_TRUE(soundsAt(note));
+
+    EXPECT_EQ(program->quit(), 0);
+    EXPECT_EQ(options()[u"audioDevice"_s].toInt(), 0);
+}
