@@ -11,8 +11,10 @@
 #include "ui/OrloView.h"
 #include "ui/PitchTexts.h"
 #include "ui_MainWindow.h"
+#include "update/UpdateDialog.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDebug>
 #include <QIcon>
 #include <QLabel>
@@ -91,6 +93,7 @@ MainWindow::MainWindow(Orlo* orlo)
     onTransposeChanged();
     mOptionsDialog = new OptionsDialog(this);
     ui->transposeWidget->highlight(mHighlightedRow, true);
+    applicationUpdateCheck();
     repopulateChordBankMenu();
 
     // A small or finely scaled screen may be lower than the form.
@@ -201,6 +204,14 @@ void MainWindow::connectSliders()
     connect(ui->volumeSlider, &QSlider::sliderReleased, this, [this] {
         snapBack(ui->volumeSlider, static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
     });
+}
+
+void MainWindow::applicationUpdateCheck()
+{
+    const Settings* settings = app::settings();
+    if (UpdateDialog::isCheckDue(settings->updateCheckInterval, settings->tSysLastUpdateCheck,
+                                 QDateTime::currentDateTime()))
+        UpdateDialog::startCheck(this, false);
 }
 
 // ---------------------------------------------------------------- pages

@@ -159,6 +159,8 @@ private:
     void makeSwitcherLabels();
     void connectPlayer();
     void connectSliders();
+    /// Asks for a newer version, as often as the options want it.
+    void applicationUpdateCheck();
     void updateReadout();
     void updateCurrentPage();
     OrloLayer* currentLayer() const;

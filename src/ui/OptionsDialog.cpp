@@ -8,6 +8,7 @@
 #include "ui/FrequencySpinBox.h"
 #include "ui/MainWindow.h"
 #include "ui/Notice.h"
+#include "update/UpdateDialog.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -389,4 +390,7 @@ void OptionsDialog::onUpdateCheckFrequencyActivated(int index)
     app::settings()->updateCheckInterval = index;
 }
 
-void OptionsDialog::onUpdateButtonClicked() {}
+void OptionsDialog::onUpdateButtonClicked()
+{
+    UpdateDialog::startCheck(this, true);
+}

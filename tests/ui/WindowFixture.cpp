@@ -57,6 +57,7 @@ WindowFixture::WindowFixture()
     parts.audioOutput = &soundDevice;
     parts.midiOutput = &midi;
     app::setParts(parts);
+    settings.updateCheckInterval = 4; // never, in a build that knows an address too
     settings.lastDirPath = home.path(QStringLiteral("chord_presets"));
     QDir().mkpath(settings.lastDirPath);
     const QDir patch(home.path(QStringLiteral("patch")));

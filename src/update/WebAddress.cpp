@@ -1,0 +1,31 @@
+#include "update/WebAddress.h"
+
+#include <QNetworkRequest>
+#include <QUrl>
+
+namespace web {
+
+bool isWebAddress(const QUrl& url)
+{
+    const QString scheme = url.scheme(); // lower case already
+    return url.isValid() && !url.host().isEmpty()
+           && (scheme == QStringLiteral("http") || scheme == QStringLiteral("https"));
+}
+
+bool mayRedirect(const QUrl& from, const QUrl& to)
+{
+    return isWebAddress(to) && (from.scheme() != QStringLiteral("https") || to.scheme() == from.scheme());
+}
+
+QNetworkRequest request(const QUrl& url, const QString& userAgent, int timeoutMs)
+{
+    QNetworkRequest request(url);
+    if (!userAgent.isEmpty())
+        request.setRawHeader("User-Agent", userAgent.toUtf8());
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setTransferTimeout(timeoutMs);
+    return request;
+}
+
+} // namespace web

@@ -1,0 +1,353 @@
+#include "update/Downloader.h"
+
+#include "update/UpdateFixture.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QUrl>
+
+#include <csignal>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString FAILED = u"<h3>The update could not be downloaded</h3>|"_s;
+const QString INSTALL = u"<h3>In order to use the new version, quit the application and replace it in your "
+                        "applications folder.</h3>|Click \"OK\" to open the downloaded file now"_s;
+
+/// Bytes that differ from their neighbours, so that no piece can be lost or come twice unseen.
+QByteArray pattern(qsizetype size)
+{
+    QByteArray bytes(size, '\0');
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i * 31 + i / 251);
+    return bytes;
+}
+
+class DownloaderTest : public UpdateFixture
+{
+protected:
+    DownloaderTest() { renew(); }
+
+    void renew()
+    {
+        downloader = std::make_unique<Downloader>();
+        downloader->setDownloadDir(downloads);
+        downloader->setUrlId(u"id"_s);
+        downloader->setFileName(u"new.dmg"_s);
+    }
+    void start(const QByteArray& answer, bool leaveOpen = false)
+    {
+        server.put(u"/new.dmg"_s, answer, leaveOpen);
+        downloader->startDownload(QUrl(server.url(u"/new.dmg"_s)));
+    }
+    /// One that never ends, with its first bytes on the disk.
+    bool startEndless()
+    {
+        start(LoopbackServer::cut("begun", 1000), true);
+        return soon([this] { return content(u"new.dmg.part"_s) == "begun"; });
+    }
+    template <class Widget>
+    Widget* find(const char* name) const
+    {
+        return downloader->findChild<Widget*>(QLatin1StringView(name));
+    }
+    QString label(const char* name) const { return find<QLabel>(name)->text(); }
+
+    std::unique_ptr<Downloader> downloader;
+};
+
+/// Files of this process may not grow beyond it, as on a full disk.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &mFormer);
+        const rlimit limit{bytes, mFormer.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &mFormer);
+        std::signal(SIGXFSZ, mHandler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit mFormer{};
+    void (*const mHandler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+} // namespace
+
+TEST_F(DownloaderTest, BringsTheWholeFileAndAsksWhetherToOpenIt)
+{
+    const QByteArray file = pattern(5000000);
+    const QByteArray answers[] = {LoopbackServer::ok(file), LoopbackServer::withoutLength(file),
+                                  LoopbackServer::redirect(u"/elsewhere/x"_s)};
+    server.put(u"/elsewhere/x"_s, LoopbackServer::ok(file));
+    const QString path = downloads + u"new.dmg"_s;
+    downloader->setUserAgentString(u"me/1"_s);
+    for (const QByteArray& answer : answers) {
+        QSignalSpy done(downloader.get(), &Downloader::downloadFinished);
+        start(answer);
+        EXPECT_TRUE(downloader->isVisible());
+        EXPECT_EQ(downloaded(), QStringList()); // the former is gone
+        EXPECT_EQ(label("downloadLabel"), u"Downloading updates"_s);
+        EXPECT_EQ(label("timeLabel"), u"Time remaining: unknown"_s);
+        EXPECT_EQ(nextBox(), INSTALL);
+        EXPECT_EQ(content(u"new.dmg"_s), file);
+        EXPECT_EQ(downloaded(), QStringList(u"new.dmg"_s));
+        EXPECT_EQ(done.size(), 1);
+        EXPECT_EQ(done.value(0), (QVariantList{u"id"_s, path}));
+        EXPECT_EQ(label("downloadLabel"), u"Download complete!"_s);
+        EXPECT_EQ(label("timeLabel"), u"The installer will open separately..."_s);
+        EXPECT_EQ(find<QPushButton>("stopButton")->text(), u"Close"_s);
+        EXPECT_TRUE(press(QMessageBox::Ok));
+        EXPECT_EQ(opened.take(), QStringList(u"file://"_s + path));
+        EXPECT_FALSE(downloader->isVisible());
+    }
+    EXPECT_TRUE(server.requests().last().contains("User-Agent: me/1"));
+
+    start(answers[0]);
+    EXPECT_EQ(nextBox(), INSTALL);
+    EXPECT_TRUE(press(QMessageBox::Cancel));
+    EXPECT_FALSE(downloader->isVisible());
+    EXPECT_EQ(label("timeLabel"), u"Click the \"Open\" button to apply the update"_s);
+    ASSERT_TRUE(find<QPushButton>("openButton")->isEnabled());
+    find<QPushButton>("openButton")->click();
+    EXPECT_EQ(opened.take().size(), 1);
+    QFile::remove(path);
+    find<QPushButton>("openButton")->click();
+    EXPECT_EQ(boxText(), u"Cannot find downloaded update!|"_s);
+
+    downloader->setUseCustomInstallProcedures(true);
+    start(answers[0]);
+    EXPECT_TRUE(soon([this] { return !downloader->isVisible(); }));
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_EQ(content(u"new.dmg"_s), file);
+}
+
+TEST_F(DownloaderTest, WhatIsNotWholeIsNeitherKeptNorOffered)
+{
+    const QByteArray file = pattern(100000);
+    const struct
+    {
+        const char* name;
+        QByteArray answer;
+        bool leaveOpen;
+        QString reason;
+    } rows[] = {
+        {"404", LoopbackServer::notFound(), false, u"The server answered with the code 404."_s},
+        {"cut off", LoopbackServer::cut(file, 100001), false, u"The connection was interrupted."_s},
+        {"stalled", LoopbackServer::cut(file, 100001), true, u"The connection was interrupted."_s},
+        {"cut off in a chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n8\r\nfour", false,
+         u"The connection was interrupted."_s},
+        {"other status", "HTTP/1.1 300 Choose\r\nContent-Length: 3\r\n\r\nabc", false,
+         u"The server answered with the code 300."_s},
+        {"empty", LoopbackServer::ok(""), false, u"The server sent an empty file."_s},
+        {"in a circle", LoopbackServer::redirect(u"/new.dmg"_s), false,
+         u"The server sends on to an address that is not followed."_s},
+        {"led to a file", LoopbackServer::redirect(u"file:///etc/hostname"_s), false,
+         u"The server sends on to an address that is not followed."_s},
+    };
+    for (const auto& row : rows) {
+        QSignalSpy done(downloader.get(), &Downloader::downloadFinished);
+        downloader->setTransferTimeout(300);
+        start(row.answer, row.leaveOpen);
+        EXPECT_EQ(nextBox(), FAILED + row.reason) << row.name;
+        EXPECT_EQ(downloaded(), QStringList()) << row.name;
+        EXPECT_FALSE(downloader->isVisible()) << row.name;
+        EXPECT_TRUE(done.isEmpty()) << row.name;
+        EXPECT_TRUE(press(QMessageBox::Close));
+        downloader->openDownload();
+        EXPECT_EQ(boxText(), u"Cannot find downloaded update!|"_s) << row.name;
+    }
+    EXPECT_TRUE(opened.take().isEmpty());
+}
+
+TEST_F(DownloaderTest, NoNameLeadsOutOfTheFolder)
+{
+    const QString outside = root.filePath(u"sub/outside"_s);
+    QDir().mkpath(downloads);
+    QFile file(outside);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("mine") == 4);
+    file.close();
+    const QString hostile[] = {
+        QString(),
+        u"."_s,
+        u".."_s,
+        u"../outside"_s,
+        u"a/../../outside"_s,
+        u"..%2foutside"_s,
+        u"%2e%2e%2Fx"_s,
+        u"..\\x"_s,
+        u"%5cx"_s,
+        u".hidden"_s,
+        u"%2ehidden"_s,
+        u"c:x"_s,
+        outside,
+        u"a%00b"_s,
+        u"a\nb"_s,
+        u"a\u202Egpj"_s,
+        QString(251, u'x'),
+        QString(u'\0') + u"x"_s,
+    };
+    for (const QString& name : hostile) {
+        downloader->setFileName(name);
+        start(LoopbackServer::ok("theirs"));
+        EXPECT_EQ(boxText(), FAILED + u"The address that the server gave has no usable file name."_s)
+            << qPrintable(name);
+        EXPECT_FALSE(downloader->isVisible());
+    }
+    EXPECT_TRUE(server.requests().isEmpty());
+    EXPECT_EQ(downloaded(), QStringList());
+    EXPECT_EQ(QDir(root.filePath(u"sub"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 2);
+    EXPECT_EQ(content(u"../outside"_s), "mine");
+    for (const QString& name :
+         {u"Brevick Tuning Orlo 2.1.dmg"_s, u"a%20b..dmg"_s, u"f.dmg?x=1"_s, u"ü.dmg"_s})
+        EXPECT_TRUE(Downloader::isSafeFileName(name)) << qPrintable(name);
+
+    // Of links only the links are taken away, the one to nowhere too.
+    downloader->setFileName(u"new.dmg"_s);
+    ASSERT_TRUE(QFile::link(outside, downloads + u"new.dmg"_s));
+    ASSERT_TRUE(QFile::link(u"/nonexistent/x"_s, downloads + u"new.dmg.part"_s));
+    start(LoopbackServer::ok("theirs"));
+    EXPECT_EQ(nextBox(), INSTALL);
+    EXPECT_EQ(content(u"new.dmg"_s), "theirs");
+    EXPECT_EQ(content(u"../outside"_s), "mine");
+}
+
+TEST_F(DownloaderTest, TellsWhatCannotBeWritten)
+{
+    const QString target = QDir(downloads).filePath(u"new.dmg"_s);
+    {
+        const FileSizeLimit full(4096);
+        start(LoopbackServer::ok(pattern(100000)));
+        EXPECT_EQ(nextBox(), FAILED + u"&quot;"_s + target + u".part&quot; cannot be written."_s);
+    }
+    EXPECT_EQ(downloaded(), QStringList());
+
+    for (const QString& taken : {target, target + u".part"_s}) {
+        QDir().mkpath(taken);
+        start(LoopbackServer::ok("x"));
+        EXPECT_EQ(boxText(), FAILED + u"&quot;"_s + taken + u"&quot; is in the way."_s);
+        QDir().rmdir(taken);
+    }
+    QFile file(root.filePath(u"file"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    downloader->setDownloadDir(root.filePath(u"file/downloads"_s));
+    start(LoopbackServer::ok("x"));
+    EXPECT_TRUE(boxText().startsWith(FAILED + u"The folder"_s)) << qPrintable(boxText());
+}
+
+TEST_F(DownloaderTest, CancelsOnlyWhenAskedTwice)
+{
+    const QString question = u"Are you sure you want to cancel the download?"_s;
+    auto* stop = find<QPushButton>("stopButton");
+    ASSERT_TRUE(startEndless());
+    stop->click();
+    stop->click();
+    EXPECT_EQ(boxText(), question + u'|');
+    EXPECT_EQ(box()->windowTitle(), u"Updater"_s);
+    EXPECT_TRUE(press(QMessageBox::No));
+    EXPECT_TRUE(downloader->isVisible());
+    EXPECT_EQ(content(u"new.dmg.part"_s), "begun");
+    stop->click();
+    EXPECT_TRUE(press(QMessageBox::Yes));
+    EXPECT_FALSE(downloader->isVisible());
+    EXPECT_EQ(downloaded(), QStringList());
+    EXPECT_EQ(box(), nullptr); // and that is no failure to tell of
+
+    // The question goes when the download is done meanwhile.
+    start(LoopbackServer::ok("x"));
+    stop->click();
+    EXPECT_TRUE(soon([] { return boxText() == INSTALL; })) << qPrintable(boxText());
+    stop->click();
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_FALSE(downloader->isVisible());
+}
+
+TEST_F(DownloaderTest, AMandatoryUpdateEndsTheProgramInsteadOfBeingLeftOut)
+{
+    downloader->setMandatoryUpdate(true);
+    ASSERT_TRUE(startEndless());
+    EXPECT_TRUE(endsBy([this] {
+        downloader->cancelDownload();
+        EXPECT_EQ(boxText(),
+                  u"Are you sure you want to cancel the download? This is a mandatory update, exiting now "
+                  "will close the application|"_s);
+        press(QMessageBox::Yes);
+    }));
+    EXPECT_EQ(downloaded(), QStringList());
+
+    start(LoopbackServer::ok("x"));
+    EXPECT_TRUE(nextBox().startsWith(
+        u"<h3>In order to install the update, you may need to quit the application. This "
+        "is a mandatory update, exiting now will close the application</h3>|"_s));
+    EXPECT_TRUE(endsBy([] { press(QMessageBox::Cancel); }));
+    EXPECT_EQ(downloaded(), QStringList(u"new.dmg"_s));
+    downloader->show();
+    EXPECT_TRUE(endsBy([this] { downloader->cancelDownload(); }));
+}
+
+TEST_F(DownloaderTest, TheProgramEndsInTheMiddle)
+{
+    ASSERT_TRUE(startEndless());
+    downloader->cancelDownload();
+    QWidget mainWindow;
+    mainWindow.show();
+    // Neither window keeps the program running.
+    EXPECT_TRUE(endsBy([&mainWindow] { mainWindow.close(); }));
+    EXPECT_EQ(downloaded(), QStringList());
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_FALSE(downloader->isVisible());
+
+    ASSERT_TRUE(startEndless());
+    downloader.reset();
+    EXPECT_EQ(downloaded(), QStringList());
+}
+
+TEST_F(DownloaderTest, TellsSizesAndTheTimeThatRemains)
+{
+    const std::pair<qint64, const char*> sizes[] = {
+        {0, "0 bytes"},       {1023, "1023 bytes"}, {1024, "1 KB"},
+        {1048575, "1023 KB"}, {1048576, "1 MB"},    {3 * 1048576 - 1, "2 MB"},
+    };
+    for (const auto& [bytes, text] : sizes)
+        EXPECT_EQ(Downloader::sizeText(bytes), QLatin1StringView(text));
+    const std::pair<qint64, const char*> times[] = {
+        {0, "0 seconds"},      {1, "1 second"},         {60, "60 seconds"},
+        {61, "1 minute"},      {89, "1 minute"},        {90, "2 minutes"},
+        {7200, "120 minutes"}, {7201, "about 2 hours"}, {9000, "about 3 hours"},
+    };
+    for (const auto& [seconds, text] : times)
+        EXPECT_EQ(Downloader::remainingText(seconds), QLatin1StringView(text));
+
+    // Two tenths come; the rest would take four times as long as they took in whole seconds.
+    start(LoopbackServer::cut(QByteArray(1024, 'x'), 10240), true);
+    EXPECT_TRUE(soon([this] { return content(u"new.dmg.part"_s).size() == 1024; }));
+    QTest::qWait(1100);
+    server.sendMore(QByteArray(1024, 'x'));
+    EXPECT_TRUE(soon([this] { return label("downloadLabel") == u"Downloading updates (2 KB of 10 KB)"_s; }));
+    EXPECT_EQ(find<QProgressBar>("progressBar")->value(), 20);
+    const QString time = label("timeLabel");
+    EXPECT_TRUE(time == u"Time remaining: 4 seconds"_s || time == u"Time remaining: 8 seconds"_s)
+        << qPrintable(time);
+
+    start(LoopbackServer::withoutLength("x"), true);
+    EXPECT_TRUE(soon([this] { return content(u"new.dmg.part"_s).size() == 1; }));
+    QTest::qWait(200); // the toolkit leaves out progress that follows too soon
+    server.sendMore("x");
+    EXPECT_TRUE(soon([this] { return label("downloadLabel") == u"Downloading Updates..."_s; }));
+    EXPECT_EQ(label("timeLabel"), u"Time Remaining: Unknown"_s);
+    EXPECT_EQ(find<QProgressBar>("progressBar")->maximum(), 0);
+}

@@ -1,0 +1,191 @@
+#include "update/UpdateDialog.h"
+
+#include "app/Accessors.h"
+#include "app/Settings.h"
+#include "support/LocaleTest.h"
+#include "update/QSimpleUpdater.h"
+#include "update/UpdateFixture.h"
+
+#include <QCheckBox>
+#include <QDateTime>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class UpdateIntervalTest : public LocaleTest
+{
+};
+
+class UpdateDialogTest : public UpdateFixture
+{
+protected:
+    UpdateDialogTest()
+    {
+        app::Parts parts;
+        parts.settings = &settings;
+        app::setParts(parts);
+        owner.setGeometry(600, 300, 400, 400);
+        owner.show();
+    }
+    ~UpdateDialogTest() override { app::setParts({}); }
+
+    QByteArray feed(const QByteArray& version) const
+    {
+        return LoopbackServer::ok(R"({"updates": {"osx": {"latest-version": ")" + version
+                                  + R"(", "changelog": "<b>All</b> new", "download-url": ")"
+                                  + server.url(u"/files/new.dmg"_s).toUtf8() + R"("}}})");
+    }
+    QList<UpdateDialog*> dialogs() const { return owner.findChildren<UpdateDialog*>(); }
+    UpdateDialog* startCheck(bool notifyOnFinish)
+    {
+        UpdateDialog::startCheck(&owner, notifyOnFinish, url);
+        return dialogs().last();
+    }
+
+    Settings settings;
+    QWidget owner;
+    const QString url = server.url(u"/updates.json"_s);
+};
+
+} // namespace
+
+TEST_P(UpdateIntervalTest, ChecksWhenTheIntervalHasPassed)
+{
+    const QDateTime now(QDate(2026, 3, 31), QTime(12, 0));
+    const auto ago = [&now](qint64 seconds) { return now.addSecs(-seconds).toString(Qt::TextDate); };
+    const auto on = [](int year, int month, int day, int hour) {
+        return QDateTime(QDate(year, month, day), QTime(hour, 0)).toString(Qt::TextDate);
+    };
+    const struct
+    {
+        int interval;
+        QString last;
+        bool due;
+    } rows[] = {
+        {0, ago(0), true},
+        {1, on(2026, 3, 24, 11), true},
+        {1, on(2026, 3, 24, 12), false},
+        {1, on(2026, 3, 24, 13), false},
+        {2, on(2026, 2, 28, 11), true},
+        {2, on(2026, 3, 1, 11), false},
+        {3, on(2025, 12, 31, 11), true},
+        {3, on(2025, 12, 31, 13), false},
+        {4, QString(), false},
+        {4, on(1999, 1, 1, 0), false},
+        {5, ago(301), true},
+        {5, ago(300), false},
+        {-1, QString(), false},
+        {6, QString(), false},
+        // Never yet, unreadable, or ahead of the clock by more than a change of zones.
+        {1, QString(), true},
+        {2, QString(), true},
+        {3, QString(), true},
+        {2, u"no date"_s, true},
+        {3, u"2026-03-30T12:00:00"_s, true},
+        {1, on(2090, 1, 1, 0), true},
+        {1, on(2026, 4, 1, 12), false},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(UpdateDialog::isCheckDue(row.interval, row.last, now), row.due)
+            << row.interval << qPrintable(row.last);
+}
+
+IN_ALL_LOCALES(UpdateIntervalTest);
+
+TEST_F(UpdateDialogTest, WithoutAnAddressOnlyThePlayerWhoAsksIsTold)
+{
+    UpdateDialog::startCheck(&owner, false, QString());
+    EXPECT_EQ(box(), nullptr);
+    UpdateDialog::startCheck(&owner, true, QString());
+    UpdateDialog::startCheck(&owner, true, QString());
+    EXPECT_EQ(boxText(), u"This build of the program knows no address for updates.|"_s);
+    EXPECT_TRUE(dialogs().isEmpty());
+    EXPECT_EQ(settings.tSysLastUpdateCheck, QString());
+}
+
+TEST_F(UpdateDialogTest, ShowsItselfForANewerVersionAndGoesWithTheAnswer)
+{
+    server.put(u"/moved"_s, feed("2.1.0"));
+    server.put(u"/updates.json"_s, LoopbackServer::redirect(u"/moved"_s));
+    const UpdateDialog* dialog = startCheck(false);
+    const QPointer<const UpdateDialog> alive = dialog;
+    EXPECT_FALSE(UpdateDialog::isCheckDue(5, settings.tSysLastUpdateCheck, QDateTime::currentDateTime()));
+    EXPECT_FALSE(dialog->isVisible());
+    nextBox();
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->findChild<QPlainTextEdit*>(u"changelogText"_s)->toPlainText(), u"<b>All</b> new"_s);
+    // The owner's centre is at 800, 500.
+    const QPoint place(800 - dialog->width() / 2 - 450, 500 - dialog->height() / 2 - 50);
+    EXPECT_LT((dialog->pos() - place).manhattanLength(), 20); // by the window's frame
+
+    server.put(u"/files/new.dmg"_s, LoopbackServer::ok("file"));
+    QSimpleUpdater* all = QSimpleUpdater::getInstance();
+    all->setDownloadDir(url, downloads);
+    QString path;
+    QObject::connect(all, &QSimpleUpdater::downloadFinished, &owner,
+                     [&path](const QString&, const QString& to) { path = to; });
+    EXPECT_TRUE(press(QMessageBox::Yes));
+    EXPECT_TRUE(soon([&] { return alive.isNull() && !path.isEmpty(); }));
+    EXPECT_EQ(path, downloads + u"new.dmg"_s);
+    EXPECT_EQ(content(u"new.dmg"_s), "file");
+}
+
+TEST_F(UpdateDialogTest, StaysHiddenForOldNewsUntilTheNextCheck)
+{
+    server.put(u"/updates.json"_s, feed("2.0.0"));
+    const QPointer<const UpdateDialog> silent = startCheck(false);
+    ASSERT_TRUE(soon([this] { return !QSimpleUpdater::getInstance()->changelog(url).isEmpty(); }));
+    EXPECT_EQ(box(), nullptr);
+    EXPECT_FALSE(dialogs().first()->isVisible());
+
+    const QPointer<const UpdateDialog> asked = startCheck(true);
+    nextBox();
+    EXPECT_TRUE(soon([&silent] { return silent.isNull(); }));
+    EXPECT_FALSE(dialogs().first()->isVisible());
+    EXPECT_TRUE(press(QMessageBox::Close));
+    EXPECT_TRUE(soon([&asked] { return asked.isNull(); }));
+
+    // A parent that goes takes the dialog along; the updater goes on alone.
+    server.put(u"/updates.json"_s, feed("2.1.0"));
+    auto options = std::make_unique<QWidget>();
+    UpdateDialog::startCheck(options.get(), true, url);
+    options.reset();
+    nextBox();
+    EXPECT_TRUE(press(QMessageBox::No));
+
+    // The process ends in the middle of the last one.
+    server.put(u"/updates.json"_s, LoopbackServer::cut("{", 1000), true);
+    const qsizetype before = server.requests().size();
+    startCheck(true);
+    EXPECT_TRUE(soon([&] { return server.requests().size() > before; }));
+}
+
+TEST_F(UpdateDialogTest, ChecksForTheVersionInItsField)
+{
+    server.put(u"/updates.json"_s, feed("2.1.0"));
+    QSimpleUpdater* all = QSimpleUpdater::getInstance();
+    UpdateDialog dialog(nullptr, url);
+    dialog.setAttribute(Qt::WA_DeleteOnClose, false);
+    auto* version = dialog.findChild<QLineEdit*>(u"installedVersion"_s);
+    auto* onFinish = dialog.findChild<QCheckBox*>(u"notifyOnFinish"_s);
+    EXPECT_EQ(version->text(), u"2.0.0"_s);
+    version->setText(u"3.0"_s);
+    onFinish->click();
+    EXPECT_TRUE(all->notifyOnFinish(url));
+    all->setCustomAppcast(url, true);
+    all->setDownloaderEnabled(url, false);
+    all->setMandatoryUpdate(url, true);
+    dialog.findChild<QPushButton*>(u"checkButton"_s)->click();
+    EXPECT_TRUE(nextBox().startsWith(u"<h3>You are running the latest version"_s));
+    EXPECT_EQ(all->moduleVersion(url), u"3.0"_s);
+    EXPECT_TRUE(all->downloaderEnabled(url) && !all->customAppcast(url) && !all->mandatoryUpdate(url));
+
+    dialog.findChild<QPushButton*>(u"resetButton"_s)->click();
+    EXPECT_EQ(version->text(), u"2.0.0"_s);
+    EXPECT_FALSE(onFinish->isChecked() || all->notifyOnFinish(url));
+}
