@@ -5,10 +5,13 @@
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "sound/PdPlayer.h"
+#include "ui/DiagnosticsDialog.h"
+#include "ui/GeometryConstants.h"
 #include "ui/OrloLayer.h"
 #include "ui/OrloLeavesWidget.h"
 #include "ui/OrloView.h"
 #include "ui/PitchTexts.h"
+#include "ui/TweakDialog.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
@@ -89,6 +92,7 @@ MainWindow::MainWindow(Orlo* orlo)
     initPatchMenu();
     loadDefaultPatch();
     onTransposeChanged();
+    makeDevelopmentDialogs();
     ui->transposeWidget->highlight(mHighlightedRow, true);
     repopulateChordBankMenu();
 
@@ -196,6 +200,14 @@ void MainWindow::connectSliders()
     connect(ui->volumeSlider, &QSlider::sliderReleased, this, [this] {
         snapBack(ui->volumeSlider, static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
     });
+}
+
+void MainWindow::makeDevelopmentDialogs()
+{
+    mDiagnosticsDialog = new DiagnosticsDialog(this);
+    mTweakDialog = new TweakDialog(this);
+    for (const GeometryConstant& constant : GEOMETRY_CONSTANTS)
+        mTweakDialog->addInt(QLatin1StringView(constant.name), constant.value);
 }
 
 // ---------------------------------------------------------------- pages

@@ -10,12 +10,14 @@
 #include <memory>
 
 class ChordPresets;
+class DiagnosticsDialog;
 class Orlo;
 class OrloLayer;
 class OrloView;
 class QComboBox;
 class QPushButton;
 class QSlider;
+class TweakDialog;
 
 namespace Ui {
 class MainWindow;
@@ -154,6 +156,7 @@ private:
     void makeSwitcherLabels();
     void connectPlayer();
     void connectSliders();
+    void makeDevelopmentDialogs();
     void updateReadout();
     void updateCurrentPage();
     OrloLayer* currentLayer() const;
@@ -215,6 +218,9 @@ private:
     bool mAltDown = false;
     bool mRestricted = false;
     int mCurrentPatch = -1; // index in the menu
+    // Child dialogs that only a developer shows.
+    DiagnosticsDialog* mDiagnosticsDialog = nullptr;
+    TweakDialog* mTweakDialog = nullptr;
 
     const OrloEvent mAllNotesOff{OrloEvent::AllNotesOff, 1.0F};
     const OrloEvent mAllNotesOffForced{OrloEvent::AllNotesOffForced, 1.0F};
