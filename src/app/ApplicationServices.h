@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QMetaObject>
 
+class DiagnosticsDialog;
 class QDir;
 
 /// What the application does for the rooms below it, which do not know its class. Graphical thread.
@@ -12,6 +13,9 @@ public:
 
     /// Reads both style sheets again; nothing is applied unless both could be read.
     virtual bool loadStyleSheet() = 0;
+    /// Connects the log lines that the filter lets through, which come from any thread, to the
+    /// dialog's onMessage().
+    virtual QMetaObject::Connection connectDiagnostics(DiagnosticsDialog* dialog) = 0;
     /// What a press was meant to do by the mode buttons; nothing reads it.
     virtual void setPressMode(qint16 mode) = 0;
     /// The chord memory from a chord file, whose path the QDir carries, and into one. Always true:

@@ -5,6 +5,7 @@
 #include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
 #include "sound/OrloEvent.h"
+#include "ui/DiagnosticsDialog.h"
 #include "ui/MainWindow.h"
 #include "ui/OrloView.h"
 
@@ -464,6 +465,12 @@ void TuningOrloApplication::term()
 }
 
 // ---------------------------------------------------------------- log
+
+QMetaObject::Connection TuningOrloApplication::connectDiagnostics(DiagnosticsDialog* dialog)
+{
+    return connect(this, &TuningOrloApplication::diagnosticMessage, dialog, &DiagnosticsDialog::onMessage,
+                   Qt::AutoConnection);
+}
 
 void TuningOrloApplication::loggingMessageHandler(QtMsgType type, const QMessageLogContext& context,
                                                   const QString& message)

@@ -59,6 +59,7 @@ public:
     /// Called by licensing; hands the flag on.
     void applyRestrictions(bool restricted);
     void setPressMode(qint16 mode) override { mPressMode = mode; }
+    QMetaObject::Connection connectDiagnostics(DiagnosticsDialog* dialog) override;
 
     MainWindow* mainWindow() const { return mMainWindow.get(); }
 

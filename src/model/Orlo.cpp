@@ -7,6 +7,7 @@
 
 #include <QDebug>
 #include <QJsonArray>
+#include <QPointer>
 
 #include <limits>
 #include <memory>
@@ -58,13 +59,40 @@ constexpr float HIGHEST_FREQUENCY = 20000.0F;
 
 constexpr int LEAF_PRIMES[] = {5, 7, 11, 13, 17, 19, 23, 29, 31};
 
+void clearMarks(OrloBall* ball)
+{
+    ball->setPlaying(false);
+    ball->setSelected(false);
+    ball->setHold(false);
+    ball->setAltered(false);
+}
+
+/// For a tree that hears no more of the player.
+void clearAllMarks(OrloBall* ball)
+{
+    clearMarks(ball);
+    for (OrloBall* child : ball->children())
+        clearAllMarks(child);
+}
+
+/// The primes that are switched off stay so.
+void copyEnabled(const OrloBall* from, OrloBall* to)
+{
+    to->setEnabled(from->isEnabled());
+    const QMap<int, OrloBall*>& children = to->children();
+    for (auto it = children.begin(); it != children.end(); ++it) {
+        if (const OrloBall* former = from->childAtPrime(it.key()))
+            copyEnabled(former, it.value());
+    }
+}
+
 } // namespace
 
 Orlo::Orlo(QObject* parent)
     : SerializableRoot(parent)
-    , mRootBall(new OrloBall(OrloPath(QStringLiteral("/")), Qt::white, this))
 {
     setSaveOnTerm(false);
+    replaceRoot();
 }
 
 bool Orlo::init(PdPlayer* player)
@@ -85,8 +113,10 @@ void Orlo::read(const QJsonObject& json)
         if (qAbs(prime) <= std::numeric_limits<int>::max() && color.isValid())
             mPrimeColors.insert(static_cast<int>(prime), color);
     }
-    replaceRoot(new OrloBall(OrloPath(QStringLiteral("/")), lookupColor(1), this));
+    const std::shared_ptr<const OrloBall> former = tree();
+    replaceRoot();
     mRootBall->read(json.value(QStringLiteral("root")).toObject());
+    copyEnabled(former.get(), mRootBall.get());
     buildBallMap();
 }
 
@@ -109,8 +139,8 @@ void Orlo::initWithDefaults()
         mPrimeColors.insert(entry.prime, QColor(QLatin1StringView(entry.color)));
     qDebug() << "Orlo::initWithDefaults - mPrimeColors:" << mPrimeColors;
 
-    replaceRoot(new OrloBall(OrloPath(QStringLiteral("/")), lookupColor(1), this));
-    addLeaves(mRootBall);
+    replaceRoot();
+    addLeaves(rootBall());
     for (const TreeBall& entry : DEFAULT_BALLS) {
         OrloBall* ball = addTreeBall(QLatin1StringView(entry.path));
         if (entry.octaveLink)
@@ -120,18 +150,20 @@ void Orlo::initWithDefaults()
     buildBallMap();
 }
 
-void Orlo::replaceRoot(OrloBall* root)
+void Orlo::replaceRoot()
 {
-    // A page that still draws the former tree keeps pointers into it, so it lives as long as its
-    // owner: a change of the tree at run time is a developer's act.
-    mRootBall = root;
+    mBallMap.clear();
+    if (mRootBall)
+        clearAllMarks(rootBall());
+    const QPointer<OrloBall> root(new OrloBall(OrloPath(QStringLiteral("/")), lookupColor(1), this));
+    mRootBall.reset(root.data(), [root](OrloBall*) { delete root.data(); });
 }
 
 OrloBall* Orlo::addTreeBall(const QString& pathText)
 {
     const OrloPath path(pathText);
     const QList<int> steps = path.toList();
-    OrloBall* parent = mRootBall;
+    OrloBall* parent = rootBall();
     for (qsizetype i = 0; i + 1 < steps.size(); ++i)
         parent = parent->childAtPrime(steps[i]);
     auto* ball = new OrloBall(path, lookupColor(steps.last()), parent);
@@ -163,7 +195,7 @@ QColor Orlo::lookupColor(int prime) const
 void Orlo::buildBallMap()
 {
     mBallMap.clear();
-    buildBallMapFrom(mRootBall);
+    buildBallMapFrom(rootBall());
     emit resetNodeStack();
     markSurvivors();
 }
@@ -173,10 +205,7 @@ void Orlo::buildBallMapFrom(OrloBall* ball)
     OrloRatio key(mTransposition);
     key *= OrloRatio(OrloRatio::productOfSteps(ball->path().toCharArray()));
     mBallMap.insert(key, ball);
-    ball->setPlaying(false);
-    ball->setSelected(false);
-    ball->setHold(false);
-    ball->setAltered(false);
+    clearMarks(ball);
     for (OrloBall* child : ball->children())
         buildBallMapFrom(child);
 }
@@ -371,7 +400,7 @@ void Orlo::onPrimeEnabledToggled(int prime, bool on)
     if (prime == 1)
         mRootBall->setEnabled(on);
     else
-        togglePrimeFrom(mRootBall, prime, on);
+        togglePrimeFrom(rootBall(), prime, on);
 }
 
 void Orlo::togglePrimeFrom(OrloBall* ball, int prime, bool on)

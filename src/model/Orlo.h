@@ -10,6 +10,8 @@
 #include <QMap>
 #include <QSet>
 
+#include <memory>
+
 class OrloBall;
 class OrloEvent;
 class PdPlayer;
@@ -65,7 +67,10 @@ public:
     /// memory of why it was disabled: the last call wins.
     void togglePrimeFrom(OrloBall* ball, int prime, bool on);
 
-    OrloBall* rootBall() const { return mRootBall; }
+    OrloBall* rootBall() const { return mRootBall.get(); }
+    /// For whoever draws the tree: a tree that was replaced lives as long as somebody holds it, but
+    /// no longer than the lattice.
+    std::shared_ptr<const OrloBall> tree() const { return mRootBall; }
     const OrloRatio& transposition() const { return mTransposition; }
     const QList<int>& transposeSteps() const { return mTransposeSteps; }
     float baseFrequency() const { return mBaseFrequency; }
@@ -107,13 +112,13 @@ signals:
     void resetNodeStack();
 
 private:
-    void replaceRoot(OrloBall* root);
+    void replaceRoot();
     OrloBall* addTreeBall(const QString& path);
     void setTransposition(const OrloRatio& ratio);
     void markSurvivors();
     static void setContained(QSet<OrloRatio>& set, const OrloRatio& ratio, bool contained);
 
-    OrloBall* mRootBall = nullptr; // a child QObject
+    std::shared_ptr<OrloBall> mRootBall; // a child QObject too
     OrloRatio mTransposition{1, 1};
     PublishedRatio mPublishedTransposition;
     float mBaseFrequency = 440.0F; // Hz of ratio 1/1

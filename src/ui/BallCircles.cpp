@@ -25,9 +25,11 @@ QPen alteredPen(const QColor& color)
     return QPen(color, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
 }
 
+/// Below 0, as the edited constants may have it, there is nothing to see.
 template <class Item>
-QGraphicsEllipseItem* add(QGraphicsItem* ball, double diameter, double z)
+QGraphicsEllipseItem* add(QGraphicsItem* ball, double edited, double z)
 {
+    const double diameter = qMax(0.0, edited);
     auto* item = new Item(-diameter / 2, -diameter / 2, diameter, diameter, ball);
     item->setZValue(z);
     item->setAcceptedMouseButtons(Qt::NoButton);

@@ -27,13 +27,14 @@ void GlowItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
     const QGradient* gradient = brush().gradient();
     const double diameter = rect().width();
     const QTransform& toDevice = painter->deviceTransform();
-    const int pixels = qCeil(diameter * std::hypot(toDevice.m11(), toDevice.m12()));
-    if (!gradient || pixels < 1)
+    const double extent = diameter * std::hypot(toDevice.m11(), toDevice.m12());
+    if (!gradient || extent <= 0.0)
         return;
-    if (pixels > LARGEST) { // far zoomed in, where few are to be seen
+    if (extent > LARGEST) { // far zoomed in, where few are to be seen
         QGraphicsEllipseItem::paint(painter, option, widget);
         return;
     }
+    const int pixels = qCeil(extent);
     const QString key = keyFor(*gradient, diameter, pixels);
     QPixmap picture;
     if (!QPixmapCache::find(key, &picture)) {

@@ -5,11 +5,14 @@
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "sound/PdPlayer.h"
+#include "ui/DiagnosticsDialog.h"
+#include "ui/GeometryConstants.h"
 #include "ui/OptionsDialog.h"
 #include "ui/OrloLayer.h"
 #include "ui/OrloLeavesWidget.h"
 #include "ui/OrloView.h"
 #include "ui/PitchTexts.h"
+#include "ui/TweakDialog.h"
 #include "ui_MainWindow.h"
 #include "update/UpdateDialog.h"
 
@@ -91,6 +94,7 @@ MainWindow::MainWindow(Orlo* orlo)
     initPatchMenu();
     loadDefaultPatch();
     onTransposeChanged();
+    makeDevelopmentDialogs();
     mOptionsDialog = new OptionsDialog(this);
     ui->transposeWidget->highlight(mHighlightedRow, true);
     applicationUpdateCheck();
@@ -206,6 +210,14 @@ void MainWindow::connectSliders()
     });
 }
 
+void MainWindow::makeDevelopmentDialogs()
+{
+    mDiagnosticsDialog = new DiagnosticsDialog(this);
+    mTweakDialog = new TweakDialog(this);
+    for (const GeometryConstant& constant : GEOMETRY_CONSTANTS)
+        mTweakDialog->addInt(QLatin1StringView(constant.name), constant.value);
+}
+
 void MainWindow::applicationUpdateCheck()
 {
     const Settings* settings = app::settings();
@@ -227,11 +239,6 @@ OrloView* MainWindow::orloView() const
 }
 
 void MainWindow::updateOrloView()
-{
-    updateCurrentPage();
-}
-
-void MainWindow::updateCurrentPage()
 {
     orloView()->updateOrloBalls();
     orloView()->updateCardStack();
@@ -275,7 +282,7 @@ void MainWindow::onSwitcherClicked(QString link)
     ui->centralStack->setCurrentIndex(circles ? CIRCLES_PAGE : GRAPES_PAGE);
     app::settings()->circlesView = circles;
     setButtons();
-    updateCurrentPage();
+    updateOrloView();
 }
 
 void MainWindow::onAbsRelSwitcherClicked(QString link)
@@ -288,7 +295,7 @@ void MainWindow::onAbsRelSwitcherClicked(QString link)
         return;
     app::settings()->absRelView = mode.value();
     setButtons();
-    updateCurrentPage();
+    updateOrloView();
 }
 
 void MainWindow::on_circlesViewButton_clicked()
@@ -314,21 +321,21 @@ void MainWindow::on_relativeModeButton_clicked()
 void MainWindow::on_normalizeRatiosButton_clicked()
 {
     app::settings()->ratiosWithinOctave = ui->normalizeRatiosButton->isChecked();
-    updateCurrentPage();
+    updateOrloView();
 }
 
 void MainWindow::on_soundgrapeColourButton_clicked()
 {
     app::settings()->soundGrapeNotation = ui->soundgrapeColourButton->isChecked() ? 1 : 0;
     ui->soundgrapeBWButton->setChecked(false);
-    updateCurrentPage();
+    updateOrloView();
 }
 
 void MainWindow::on_soundgrapeBWButton_clicked()
 {
     app::settings()->soundGrapeNotation = ui->soundgrapeBWButton->isChecked() ? 2 : 0;
     ui->soundgrapeColourButton->setChecked(false);
-    updateCurrentPage();
+    updateOrloView();
 }
 
 void MainWindow::on_expandOrloButton_clicked()
@@ -540,7 +547,7 @@ void MainWindow::on_selectApplyModeButton_clicked()
 void MainWindow::onTransposeChanged()
 {
     updateReadout();
-    updateCurrentPage();
+    updateOrloView();
 }
 
 void MainWindow::updateReadout()

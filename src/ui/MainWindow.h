@@ -11,6 +11,7 @@
 #include <memory>
 
 class ChordPresets;
+class DiagnosticsDialog;
 class OptionsDialog;
 class Orlo;
 class OrloLayer;
@@ -18,6 +19,7 @@ class OrloView;
 class QComboBox;
 class QPushButton;
 class QSlider;
+class TweakDialog;
 
 namespace Ui {
 class MainWindow;
@@ -36,6 +38,7 @@ public:
 
     /// Of the page now shown.
     OrloView* orloView() const;
+    /// Balls and cards of the page now shown, by the present options.
     void updateOrloView();
     /// After the geometry constants were edited. Rebuilds the page now shown only.
     void updateTweaks();
@@ -161,8 +164,8 @@ private:
     void connectSliders();
     /// Asks for a newer version, as often as the options want it.
     void applicationUpdateCheck();
+    void makeDevelopmentDialogs();
     void updateReadout();
-    void updateCurrentPage();
     OrloLayer* currentLayer() const;
 
     void queue(OrloEvent::Type type, float value);
@@ -224,6 +227,9 @@ private:
     int mCurrentPatch = -1; // index in the menu
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
+    // Child dialogs that only a developer shows.
+    DiagnosticsDialog* mDiagnosticsDialog = nullptr;
+    TweakDialog* mTweakDialog = nullptr;
 
     const OrloEvent mAllNotesOff{OrloEvent::AllNotesOff, 1.0F};
     const OrloEvent mAllNotesOffForced{OrloEvent::AllNotesOffForced, 1.0F};

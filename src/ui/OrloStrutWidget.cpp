@@ -6,6 +6,16 @@
 
 #include <QPen>
 
+namespace {
+
+/// The constants may be edited to anything; a pen takes no width below 0.
+int penWidth(int edited)
+{
+    return qMax(0, edited);
+}
+
+} // namespace
+
 OrloStrutWidget::OrloStrutWidget(OrloBallWidget* first, OrloBallWidget* second, int width, const QColor* color,
                                  QGraphicsItem* parent)
     : QGraphicsLineItem(QLineF(first->pos(), second->pos()), parent)
@@ -13,7 +23,7 @@ OrloStrutWidget::OrloStrutWidget(OrloBallWidget* first, OrloBallWidget* second, 
     , mSecond(second)
 {
     const QColor base = color ? *color : second->ball()->color();
-    setPen(QPen(base.darker(BALL_DIM_FACTOR), width, Qt::SolidLine));
+    setPen(QPen(base.darker(BALL_DIM_FACTOR), penWidth(width), Qt::SolidLine));
     setAcceptedMouseButtons(Qt::NoButton);
     first->addStrut(this);
     second->addStrut(this);
@@ -22,7 +32,7 @@ OrloStrutWidget::OrloStrutWidget(OrloBallWidget* first, OrloBallWidget* second, 
 void OrloStrutWidget::setWidth(int width)
 {
     QPen changed = pen();
-    changed.setWidth(width);
+    changed.setWidth(penWidth(width));
     setPen(changed);
 }
 

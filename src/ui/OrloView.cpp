@@ -16,6 +16,9 @@
 
 namespace {
 
+/// In pixels. Beyond this Qt cuts each shape to the screen by itself, at a hundred times the cost.
+constexpr double LARGEST_PICTURE = 32767.0;
+
 struct StackPolicy
 {
     int policy;
@@ -87,9 +90,13 @@ void OrloView::buildScene(OrloLeavesWidget::View view)
     orloWidget->setPos(0.0, 0.0);
     scene()->setSceneRect(orloWidget->sceneBoundingRect());
     mOrloWidget = orloWidget;
+    // The next resize fits it. But the scale of a picture of a few units must not meet one of thousands.
+    if (qMax(sceneRect().width(), sceneRect().height()) * mCurrentScale > LARGEST_PICTURE)
+        followFit();
     // The balls report changes only: those that sound already need their cards.
     for (OrloBallWidget* ball : orloWidget->balls())
         ball->updateCard();
+    updateStacksItemsPositions();
 }
 
 OrloLeavesWidget::View OrloView::view() const

@@ -43,15 +43,21 @@ QPointF pointOfStep(const QPointF& from, int step)
 OrloWidget::OrloWidget(OrloLeavesWidget::View view, const OrloView* orloView, CardStackWidget* cardStack)
     : mView(view)
     , mOrlo(orloView->orlo())
+    , mTree(mOrlo->tree())
     , mCardStack(cardStack)
 {
     setFlag(ItemHasNoContents);
 }
 
+OrloWidget::~OrloWidget()
+{
+    qDeleteAll(childItems()); // before the tree that they show
+}
+
 void OrloWidget::buildOrlo()
 {
     QHash<OrloPath, OrloBallWidget*> built;
-    buildOrloFrom(*mOrlo->rootBall(), QPointF(0.0, 0.0), built);
+    buildOrloFrom(*mTree, QPointF(0.0, 0.0), built);
     buildLinks(built);
     // The balls report changes only: what is switched off already must be hidden here.
     for (OrloBallWidget* ball : std::as_const(mBalls)) {

@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QList>
 
+#include <memory>
+
 class CardStackWidget;
 class Orlo;
 class OrloBall;
@@ -20,6 +22,7 @@ class OrloWidget : public QGraphicsItemGroup
 public:
     /// The view knows the lattice. Without a stack the balls have no cards.
     OrloWidget(OrloLeavesWidget::View view, const OrloView* orloView, CardStackWidget* cardStack);
+    ~OrloWidget() override;
 
     /// Once.
     void buildOrlo();
@@ -43,6 +46,7 @@ private:
 
     const OrloLeavesWidget::View mView;
     const Orlo* const mOrlo;
+    const std::shared_ptr<const OrloBall> mTree; // what is drawn here, whatever was loaded since
     CardStackWidget* const mCardStack;
     QList<OrloBallWidget*> mBalls; // owned by the scene, as this is
 };

@@ -4,12 +4,17 @@
 #include "app/DebugLog.h"
 #include "support/LogCatcher.h"
 #include "support/TestHome.h"
+#include "ui/DiagnosticsDialog.h"
 
 #include <gtest/gtest.h>
 
 #include <QDateTime>
 #include <QFile>
+#include <QPlainTextEdit>
 #include <QRegularExpression>
+
+#include <memory>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -28,13 +33,17 @@ protected:
     {
         return application.copyFile(home.path(from), home.path(to), overwrite);
     }
+    static void say(const QString& text, const char* file = "src/-orlopath.cpp")
+    {
+        TuningOrloApplication::loggingMessageHandler(QtDebugMsg, {file, 1, "f", "default"}, text);
+    }
     /// What a message from this source file shows.
     QStringList diagnosticsOf(const char* file)
     {
         QStringList lines;
         const auto connection = QObject::connect(&application, &TuningOrloApplication::diagnosticMessage,
                                                  [&lines](const QString& line) { lines.append(line); });
-        TuningOrloApplication::loggingMessageHandler(QtDebugMsg, {file, 1, "f", "default"}, u"said"_s);
+        say(u"said"_s, file);
         QObject::disconnect(connection);
         return lines;
     }
@@ -86,6 +95,38 @@ TEST_F(Application, FilterKeepsTheSecondDashOfItsWord)
     const QString line = diagnosticsOf("src/-ORLOPATH.cpp").value(0);
     EXPECT_TRUE(QRegularExpression(u"^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\]  said\\n$"_s).match(line).hasMatch())
         << line.toStdString();
+}
+
+TEST_F(Application, TheDiagnosticsDialogCollectsWithoutBeingSeen)
+{
+    auto dialog = std::make_unique<DiagnosticsDialog>(nullptr);
+    auto* area = dialog->findChild<QPlainTextEdit*>();
+    // Each line ends with a line's end of its own.
+    const auto lines = [&] {
+        return area->toPlainText().replace(QRegularExpression(u"\\[.*?\\]  "_s), u""_s);
+    };
+    say(u"one"_s);
+    std::thread([] { say(u"two"_s); }).join();
+    EXPECT_EQ(lines(), u"one\n"_s);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(lines(), u"one\n\ntwo\n"_s);
+    dialog->show();
+    EXPECT_EQ(dialog->size(), QSize(600, 500));
+    EXPECT_TRUE(dialog->windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+    EXPECT_TRUE(dialog->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+
+    // Appending that logs appends nothing more.
+    const auto noisy = QObject::connect(area, &QPlainTextEdit::textChanged, [] { say(u"echo"_s); });
+    say(u"three"_s);
+    QObject::disconnect(noisy);
+    EXPECT_EQ(lines(), u"one\n\ntwo\n\nthree\n"_s);
+
+    // A line on its way, and one from the dialog's own end, find nobody.
+    QObject::connect(area, &QObject::destroyed, [] { say(u"late"_s); });
+    std::thread([] { say(u"late"_s); }).join();
+    dialog.reset();
+    QCoreApplication::processEvents();
+    say(u"later"_s);
 }
 
 TEST_F(Application, PutsThePatchIntoItsRuntimeFolder)

@@ -30,6 +30,7 @@ protected:
     {
     public:
         bool loadStyleSheet() override { return true; }
+        QMetaObject::Connection connectDiagnostics(DiagnosticsDialog*) override { return {}; }
         void setPressMode(qint16 mode) override { pressMode = mode; }
         bool loadChordsFromDiskToStorage(QDir* file) override;
         bool saveStoredChordsToDisk(QDir* file) override;
