@@ -67,11 +67,6 @@ void NodeModel::toggle(Ratio ratio, bool evenIfHeld)
         stop(ratio);
 }
 
-void NodeModel::press(Ratio ratio)
-{
-    toggle(ratio, true);
-}
-
 void NodeModel::stopAll(bool evenIfHeld)
 {
     for (const Ratio& ratio : sounding()) {

@@ -42,13 +42,11 @@ public:
     /// At the beginning of each block.
     void beginBlock();
     void toggle(Ratio ratio, bool evenIfHeld = false);
-    void press(Ratio ratio); // a ball
     void stop(Ratio ratio);
     void stopAll(bool evenIfHeld);
     void hold(bool on);
     void select(Ratio ratio);
     void selectSounding();
-    void deselectAll() { selected.clear(); }
     void toggleSelected() { mLater.insert(mLater.end(), selected.begin(), selected.end()); }
     void moveMacro(int macro, double value); // macro from 0
     void moveGliss(int which, double value); // 1 or 2
@@ -57,8 +55,6 @@ public:
     void resetAll(bool controls, bool deselect);
     void resetGliss(int which); // 0 both
     void changePatch(const std::vector<double>& defaults);
-    /// The voice of the note has faded.
-    void faded(Ratio ratio) { notes.erase(ratio); }
 
     std::map<Ratio, Note> notes; // sounding or fading
     std::map<Ratio, Node> altered;

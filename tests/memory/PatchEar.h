@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sound/PdPlayer.h"
+#include "support/PdReceiver.h"
 
 #include <QList>
 #include <QObject>
@@ -9,8 +10,7 @@
 #include <map>
 #include <set>
 
-/// Hears what the patch really receives on its input, and which voice each note was given. One at
-/// a time; libpd must have been started.
+/// Hears what the patch really receives on its input, and which voice each note was given.
 class PatchEar : public QObject
 {
 public:
@@ -32,7 +32,6 @@ public:
     using Key = std::pair<quint64, quint64>; // numerator, denominator
 
     explicit PatchEar(PdPlayer& player);
-    ~PatchEar() override;
 
     QList<Message> take() { return std::exchange(mMessages, {}); }
     int voiceOf(Key ratio) const { return mVoiceOf.at(ratio); }
@@ -43,13 +42,11 @@ public:
     void forget(int voice) { mFading.erase(voice); }
 
 private:
-    struct Receiver;
-    static void onList(Receiver* receiver, void* selector, int count, struct _atom* atoms);
     void hear(const Message& message);
 
-    Receiver* mReceiver;
     QList<Message> mMessages;
     std::array<Voice, 129> mVoices;
     std::map<Key, int> mVoiceOf;
     std::set<int> mFading;
+    const PdReceiver mReceiver;
 };

@@ -1,17 +1,15 @@
 #pragma once
 
+#include "support/PdReceiver.h"
+
 #include <array>
 
 /// Books what each slot of the patch is told and what it reports, while it lives: every note that
-/// begins must end, by the patch's report or by its slot being taken. One at a time; libpd must
-/// have been started.
+/// begins must end, by the patch's report or by its slot being taken.
 class SlotLedger
 {
 public:
     SlotLedger();
-    ~SlotLedger();
-    SlotLedger(const SlotLedger&) = delete;
-    SlotLedger& operator=(const SlotLedger&) = delete;
 
     int begun() const { return mBegun; }
     int stopped() const { return mStopped; } // reported as faded
@@ -20,15 +18,14 @@ public:
     int unended() const { return mBegun - mStopped - mStolen; }
 
 private:
-    struct Receiver;
-    static void onVoiceMessage(Receiver* receiver, void* selector, int count, struct _atom* atoms);
-    static void onVoiceStop(Receiver* receiver, void* selector, int count, struct _atom* atoms);
+    void onVoiceMessage(const std::vector<float>& list);
+    void onVoiceStop(const std::vector<float>& list);
 
-    Receiver* mVoiceMessages;
-    Receiver* mVoiceStops;
     std::array<bool, 129> mPending{}; // by slot, from 1
     int mBegun = 0;
     int mStopped = 0;
     int mStolen = 0;
     int mSpurious = 0;
+    const PdReceiver mVoiceMessages;
+    const PdReceiver mVoiceStops;
 };
