@@ -83,23 +83,6 @@ TEST(RfidMap, FindsEventsByTheFirstTenCharactersCaseAside)
     EXPECT_EQ(written, QJsonDocument::fromJson(expected).object());
 }
 
-TEST(RfidMap, TakesFilesOfAnySize)
-{
-    QByteArray many = "{\"t\": {}";
-    for (int i = 0; i < 30000; ++i)
-        many += ", \"t" + QByteArray::number(i) + "\": {\"event\": 1, \"value\": 0.5}";
-    RfidMap map;
-    EXPECT_EQ(readingOf(many + '}', map).size(), 30001);
-    EXPECT_NE(map.lookup(u"T29999"_s), nullptr);
-
-    const auto nested = [&map](int depth) {
-        return readingOf("{\"a\": {\"event\": 1, \"value\": " + QByteArray(depth, '[') + QByteArray(depth, ']') + "}}",
-                         map);
-    };
-    EXPECT_EQ(nested(500), QStringList(u"RFID a mapped to: event 1, value 0"_s));
-    EXPECT_EQ(nested(100000), QStringList(u"FAILED"_s));
-}
-
 TEST(RfidMap, AMissingFileIsMadeEmpty)
 {
     const TestHome home;

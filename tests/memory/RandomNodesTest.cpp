@@ -28,7 +28,7 @@ const QByteArray PATCH = "#N canvas 0 0 200 200 12;\n"
                          "#X msg 20 50 list info A(0.25):B(0.5):C(0.75):D(0.125):E(0.9):F(0.1):G(0):H(1);\n"
                          "#X obj 20 80 s output-voice-info;\n"
                          "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n";
-const std::vector<double> DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, 1.0};
+const NodeModel::Macros DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, 1.0};
 
 // With paths, as balls have them, and the ratio of each.
 struct Ball
@@ -71,7 +71,7 @@ protected:
         EXPECT_TRUE(rig.loadMainText(PATCH));
         model.changePatch(DEFAULTS);
         // The current ones of a player that has no window are the patch's.
-        std::copy(DEFAULTS.begin(), DEFAULTS.end(), model.sliders.begin());
+        model.sliders = DEFAULTS;
     }
 
     int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); }
@@ -231,8 +231,7 @@ protected:
         std::set<Ratio> altered;
         for (const auto& [ratio, node] : model.altered)
             altered.insert(ratio);
-        const std::vector<Ratio> sounding = model.sounding();
-        EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), std::set<Ratio>(sounding.begin(), sounding.end()));
+        EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), model.sounding());
         EXPECT_EQ(setOf(rig.player.getAllSelectedRatios()), model.selected);
         EXPECT_EQ(setOf(rig.player.getAllRatiosWithAlteredParameters()), altered);
         for (const auto& [ratio, note] : model.notes) {

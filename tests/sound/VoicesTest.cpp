@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cmath>
 
 namespace {
@@ -91,19 +90,6 @@ TEST_F(Voices, ANoteSendsMacrosThenFrequencyVolumeAndGate)
     EXPECT_EQ(after(B), stopped(1, "3/2"));
 }
 
-TEST_F(Voices, AnOpenPortHearsOfEachNoteBeforeTheSignal)
-{
-    std::atomic<bool> open{true};
-    rig.player.setPortOpenFlag(&open);
-    send(OrloEvent::Macro1Set, 0.75F);
-    toggle(A);
-    EXPECT_TRUE(after(B).ends_with("orlo-in 1 1 2; instruction 1 [1] [660] [0.75]; noteToggled 3/2 on"));
-    EXPECT_EQ(after(B), "orlo-in 0 1 2; instruction -1 [1] [-1] [-1]; noteToggled 3/2 off");
-    open = false;
-    EXPECT_EQ(after(A), stopped(1, "1/1"));
-    rig.player.setPortOpenFlag(nullptr);
-}
-
 TEST_F(Voices, AThirdNoteStealsTheOldestOfTwo)
 {
     EXPECT_EQ(after(A), started(1, "440", "1/1"));
@@ -130,16 +116,6 @@ TEST_F(Voices, OnlyAReportThatNamesItFreesAVoice)
     toggle(C);
     rig.reportVoiceStop(1);
     EXPECT_EQ(after(A), started(1, "440", "1/1")); // and now it is free, though B's is older
-}
-
-TEST_F(ManyVoices, ANotePlayedAgainInItsReleaseTakesAnotherVoice)
-{
-    toggle(A);
-    toggle(A); // off
-    EXPECT_EQ(after(A), started(2, "440", "1/1"));
-    rig.reportVoiceStop(1);
-    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 1); // the map still points to voice 2
-    EXPECT_EQ(after(A), stopped(2, "1/1"));
 }
 
 TEST_F(Voices, FrequenciesAtTheBoundsAreMarkedButNotGated)

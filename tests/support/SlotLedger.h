@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sound/PdPlayer.h"
 #include "support/PdReceiver.h"
 
 #include <array>
@@ -9,8 +10,6 @@
 class SlotLedger
 {
 public:
-    SlotLedger();
-
     int begun() const { return mBegun; }
     int stopped() const { return mStopped; } // reported as faded
     int stolen() const { return mStolen; }   // begun anew before the report
@@ -18,14 +17,29 @@ public:
     int unended() const { return mBegun - mStopped - mStolen; }
 
 private:
-    void onVoiceMessage(const std::vector<float>& list);
-    void onVoiceStop(const std::vector<float>& list);
+    void onVoiceMessage(const std::vector<float>& list) // value, type, slot
+    {
+        if (list.size() != 3 || static_cast<int>(list[1]) != voiceGate || list[0] == 0.0F)
+            return;
+        bool& pending = mPending.at(static_cast<size_t>(list[2]));
+        ++mBegun;
+        mStolen += pending ? 1 : 0;
+        pending = true;
+    }
+    void onVoiceStop(const std::vector<float>& list) // slot
+    {
+        if (list.empty())
+            return;
+        bool& pending = mPending.at(static_cast<size_t>(list[0]));
+        ++(pending ? mStopped : mSpurious);
+        pending = false;
+    }
 
     std::array<bool, 129> mPending{}; // by slot, from 1
     int mBegun = 0;
     int mStopped = 0;
     int mStolen = 0;
     int mSpurious = 0;
-    const PdReceiver mVoiceMessages;
-    const PdReceiver mVoiceStops;
+    const PdReceiver mVoiceMessages{"orlo-in", [this](const auto& list) { onVoiceMessage(list); }};
+    const PdReceiver mVoiceStops{"voice-stop", [this](const auto& list) { onVoiceStop(list); }};
 };
