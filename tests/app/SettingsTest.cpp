@@ -173,8 +173,9 @@ TEST_P(SettingsTest, AFolderOrFileWithoutPermission)
     EXPECT_TRUE(log.lines().isEmpty());
     EXPECT_EQ(object(home.read(FILE_NAME))[u"udpPort"_s].toInt(), 9999);
     EXPECT_FALSE(save(0555, 0000));
-    for (const QString& what : {u"saving"_s, u"loading"_s})
-        EXPECT_TRUE(log.has(QtCriticalMsg, u"Couldn't open file %1 for %2."_s.arg(home.path(FILE_NAME), what)));
+    const QString couldNot = u"Couldn't open file %1 for "_s.arg(home.path(FILE_NAME));
+    EXPECT_TRUE(log.has(QtCriticalMsg, couldNot + u"saving."_s));
+    EXPECT_TRUE(log.has(QtCriticalMsg, couldNot + u"loading."_s));
     ASSERT_EQ(chmod(folder, 0755), 0);
     ASSERT_TRUE(QDir(home.configDir()).removeRecursively());
     EXPECT_FALSE(settings.init()) << "not even the folder is there";

@@ -21,8 +21,8 @@ protected:
     {
         router.midiOutput = &out;
         rig.player.setPortOpenFlag(&out.portOpen);
-        QObject::connect(&rig.player, &PdPlayer::instructionsToInterface, &router, &Interface::receiveInstructions,
-                         Qt::DirectConnection);
+        QObject::connect(&rig.player, &PdPlayer::instructionsToInterface, &router,
+                         &Interface::receiveInstructions, Qt::DirectConnection);
         ASSERT_TRUE(out.selectPort(0));
         out.system->take();
     }

@@ -97,8 +97,8 @@ TEST(MidiBytes, AGlissandoEndsAtTheLimit)
 TEST(MidiBytes, SetsTheRangeInSemitonesAndCents)
 {
     const std::tuple<int, const char*, const char*> rows[] = {
-        {50, "00", "32"},   {200, "02", "00"}, {250, "02", "32"}, {1250, "0C", "32"},       {1299, "0C", "63"},
-        {0, "00", "00"},    {-50, "00", "00"}, {2000000000, "7F", "00"}, {-2000000000, "00", "00"},
+        {50, "00", "32"}, {200, "02", "00"}, {250, "02", "32"}, {1250, "0C", "32"}, {1299, "0C", "63"},
+        {0, "00", "00"},  {-50, "00", "00"}, {2000000000, "7F", "00"}, {-2000000000, "00", "00"},
     };
     for (const auto& [cents, semitones, rest] : rows) {
         MidiSystem sent;

@@ -246,7 +246,7 @@ private:
     {
         const auto found = altered.find(ratio);
         const Node node = found != altered.end() ? found->second : Node{};
-        const double cents = 2.0 * mRangeOne * (node.glissOne - 0.5) + 2.0 * mRangeTwo * (node.glissTwo - 0.5);
+        const double cents = 2.0 * (mRangeOne * (node.glissOne - 0.5) + mRangeTwo * (node.glissTwo - 0.5));
         return 440.0 * static_cast<double>(ratio.first) / static_cast<double>(ratio.second)
                * std::pow(2.0, cents / 1200.0);
     }

@@ -164,8 +164,7 @@ protected:
             return model.resetSelected(deselect);
         case 2: {
             const int which = below(3);
-            const int types[] = {OrloEvent::GlissBothReset, OrloEvent::GlissOneReset, OrloEvent::GlissTwoReset};
-            queue(types[which]);
+            queue(OrloEvent::GlissOneReset + (which + 2) % 3); // one, two, both
             return model.resetGliss(which);
         }
         default: {
@@ -241,10 +240,10 @@ protected:
             if (note.frequencyTold && std::abs(note.frequency / 20.0 - 1.0) > 1e-3
                 && std::abs(note.frequency / 20000.0 - 1.0) > 1e-3) {
                 const double off = 1200.0 * std::log2(static_cast<double>(voice.frequency) / note.frequency);
-                EXPECT_LT(std::abs(off), MOST_CENTS_OFF) << voice.frequency << " Hz instead of " << note.frequency;
+                EXPECT_LT(std::abs(off), MOST_CENTS_OFF) << voice.frequency << " Hz, not " << note.frequency;
             }
             for (size_t i = 0; i < note.macros.size(); ++i)
-                EXPECT_NEAR(static_cast<double>(voice.macros[i]), note.macros[i], MOST_MACRO_OFF) << "macro " << i + 1;
+                EXPECT_NEAR(static_cast<double>(voice.macros[i]), note.macros[i], MOST_MACRO_OFF) << i;
             if (note.released) {
                 EXPECT_EQ(voice.gate, 0.0F);
             }
