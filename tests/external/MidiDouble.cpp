@@ -1,17 +1,23 @@
 #include "external/MidiDouble.h"
 
-QString hex(const unsigned char* bytes, size_t size)
+std::string hex(const unsigned char* bytes, size_t size)
 {
     const auto all = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
-    return QString::fromLatin1(all.toHex(' ')).toUpper();
+    return all.toHex(' ').toUpper().toStdString();
 }
 
-QStringList onAllChannels(int status, const char* data)
+std::string onAllChannels(int status, const char* data)
 {
-    QStringList messages;
-    for (int channel = 0; channel < 16; ++channel)
-        messages.append(QStringLiteral("%1 %2").arg(status + channel, 2, 16).arg(QLatin1StringView(data)).toUpper());
-    return messages;
+    MidiSystem list;
+    for (int channel = 0; channel < MidiOutput::CHANNELS; ++channel)
+        list.add(QByteArray::number(status + channel, 16).toUpper().toStdString() + ' ' + data);
+    return list.sent;
+}
+
+std::string bendRange(const char* semitones, const char* cents)
+{
+    using namespace std::string_literals;
+    return "B0 64 00, B0 65 00, B0 06 "s + semitones + ", B0 26 " + cents + ", B0 64 7F, B0 65 7F";
 }
 
 namespace {
@@ -29,14 +35,14 @@ public:
     {
         if (mSystem->opensFail)
             throw RtMidiError("no such device", RtMidiError::DRIVER_ERROR);
-        mSystem->sent.append(QStringLiteral("open %1 as %2").arg(port).arg(QString::fromStdString(name)));
+        mSystem->add("open " + std::to_string(port) + " as " + name);
         connected_ = true;
     }
     void openVirtualPort(const std::string&) override {}
     void closePort() override
     {
         if (connected_)
-            mSystem->sent.append(QStringLiteral("close"));
+            mSystem->add("close");
         connected_ = false;
     }
     void setClientName(const std::string&) override {}
@@ -48,7 +54,7 @@ public:
         if (mSystem->sendsFail)
             throw RtMidiError("the device is gone", RtMidiError::DRIVER_ERROR);
         if (!mSystem->discard)
-            mSystem->sent.append(hex(message, size));
+            mSystem->add(hex(message, size));
     }
 
 protected:

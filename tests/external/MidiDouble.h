@@ -2,23 +2,24 @@
 
 #include "external/MidiOutRtMidi.h"
 
-#include <QStringList>
+#include <QList>
 
 #include <memory>
+#include <string>
 
 /// A MIDI system of the test's own behind RtMidi: its ports, and what was sent.
 struct MidiSystem
 {
     std::vector<std::string> ports{"Synth:in", "Other:in", "Other:in", "Third:in"};
-    int open = -1;
-    QStringList sent; // as hexadecimal bytes, and "open 1" or "close" among them
+    std::string sent; // messages as hexadecimal bytes, and "open 1" or "close", with ", " between them
     int apisThatFail = 0;
     QList<int> apisTried;
     bool opensFail = false;
     bool sendsFail = false;
     bool discard = false; // what is sent, so that the double allocates nothing
 
-    QStringList take() { return std::exchange(sent, {}); }
+    void add(const std::string& message) { sent += (sent.empty() ? "" : ", ") + message; }
+    std::string take() { return std::exchange(sent, {}); }
 };
 
 /// The MIDI output over such a system.
@@ -39,11 +40,8 @@ protected:
     std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api api) const override;
 };
 
-QString hex(const unsigned char* bytes, size_t size);
-template <class Bytes>
-QString hex(const Bytes& bytes)
-{
-    return hex(bytes.data(), bytes.size());
-}
-/// "Bn 7B 00" for each channel.
-QStringList onAllChannels(int status, const char* data);
+std::string hex(const unsigned char* bytes, size_t size);
+/// One message for each channel, such as "Bn 7B 00".
+std::string onAllChannels(int status, const char* data);
+/// What sets the range of the bend.
+std::string bendRange(const char* semitones, const char* cents);

@@ -13,7 +13,6 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
-#include <random>
 #include <thread>
 
 namespace {
@@ -41,17 +40,16 @@ protected:
     /// What a player does to come back to a plain state.
     void restore()
     {
-        serial(OrloEvent(OrloEvent::AllNotesOffForced, 0.0F));
-        serial(OrloEvent(OrloEvent::NodesHold, 0.0F));
-        serial(OrloEvent(OrloEvent::TransposeByPrimeStep, 0.0F));
-        serial(OrloEvent(OrloEvent::BaseFrequencySet, 440.0F));
-        serial(OrloEvent(OrloEvent::MasterVolumeSet, 0.75F));
-        serial(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
-        serial(OrloEvent(OrloEvent::MonophonicSet, 0.0F));
-        serial(OrloEvent(OrloEvent::NodesResetAllAndControlsDeselect, 0.0F));
+        const std::pair<int, float> commands[] = {
+            {OrloEvent::AllNotesOffForced, 0.0F}, {OrloEvent::NodesHold, 0.0F},
+            {OrloEvent::TransposeByPrimeStep, 0.0F}, {OrloEvent::BaseFrequencySet, 440.0F},
+            {OrloEvent::MasterVolumeSet, 0.75F}, {OrloEvent::VoiceVolumeSet, 1.0F},
+            {OrloEvent::MonophonicSet, 0.0F}, {OrloEvent::NodesResetAllAndControlsDeselect, 0.0F},
+        };
+        for (const auto& [type, value] : commands)
+            serial(command(type, value));
         for (int macro = OrloEvent::Macro1Set; macro <= OrloEvent::Macro8Set; ++macro)
-            serial(command(macro, 0.5F));
-        serial(OrloEvent(OrloEvent::Macro1Set, 0.8F));
+            serial(command(macro, macro == OrloEvent::Macro1Set ? 0.8F : 0.5F));
     }
 
     SoundRig rig{4};
@@ -81,32 +79,10 @@ TEST_F(Hardening, NoCommandWithAnyValueHarmsThePlayer)
             serial(OrloNoteEvent(FIFTH));
             const QStringList told = log.take();
             EXPECT_TRUE(told.contains(QStringLiteral("noteToggled 3/2 on"))) << told.join(u'\n').toStdString();
-            EXPECT_TRUE(told.filter(QRegularExpression(QStringLiteral("^orlo-in 660 2 "))).size() == 1)
-                << told.join(u'\n').toStdString();
+            EXPECT_EQ(told.filter(QRegularExpression(QStringLiteral("^orlo-in 660 2 "))).size(), 1);
             EXPECT_EQ(rig.player.getAllSoundingRatios(), QList<OrloRatio>({FIFTH}));
             serial(OrloNoteEvent(FIFTH));
         }
-    }
-}
-
-TEST_F(Hardening, RandomCommandsLeaveAPlayerThatPlays)
-{
-    std::mt19937 random(20240611); // the same every time
-    EngineLog log(rig.player);
-    for (int round = 0; round < 200; ++round) {
-        for (int i = 0; i < 100; ++i) {
-            const int type = static_cast<int>(random() % 43);
-            const float value = ODD_VALUES[random() % std::size(ODD_VALUES)];
-            if (random() % 4 == 0)
-                serial(OrloNoteEvent(OrloRatio(random() % 7 + 1, random() % 5 + 1)));
-            else
-                serial(command(type, value));
-        }
-        restore();
-        log.take();
-        serial(OrloNoteEvent(FIFTH));
-        ASSERT_TRUE(log.take().contains(QStringLiteral("noteToggled 3/2 on"))) << "round " << round;
-        serial(OrloNoteEvent(FIFTH));
     }
 }
 
@@ -136,19 +112,7 @@ TEST_F(Hardening, ThePatchSoundsAsBeforeAfterWildValues)
     }
 }
 
-TEST_F(Hardening, OnlyTheProgramItselfOpensAndClosesThePatch)
-{
-    ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
-    serial(OrloNoteEvent(FIFTH));
-    for (const auto type : {OrloEvent::PatchClose, OrloEvent::PatchOpen, OrloEvent::PatchOpen}) {
-        serial(OrloEvent(type, 0.0F));
-        EXPECT_TRUE(rig.player.isPatchOpen());
-        EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 1);
-    }
-    EXPECT_GT(peak(rig.render(50)), 0.01F);
-}
-
-TEST_F(Hardening, ADeviceThatNamesThemDuringAHandOverChangesNothing)
+TEST_F(Hardening, ADeviceThatOpensAndClosesThePatchChangesNothing)
 {
     LogCatcher messages;
     std::atomic<bool> flooding{true};

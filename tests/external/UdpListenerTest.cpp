@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
-#include <QMutex>
 #include <QNetworkProxy>
 #include <QUdpSocket>
 
@@ -18,8 +17,6 @@
 #include <thread>
 
 namespace {
-
-const QString FATAL_MAP = QStringLiteral("Failed to load RFID mapping file, UDP thread shutting down.");
 
 /// No proxy, which could be asked for on two threads at once.
 struct Socket : QUdpSocket
@@ -65,14 +62,11 @@ protected:
     {
         rig.settings.udpPort = freePort();
         QObject::connect(&listener, &UdpListener::eventReceived, &listener, [this](const OrloEvent* event) {
-            const QMutexLocker locker(&mutex);
-            events.append(event->type());
+            lastType = event->type();
             ++received;
         }, Qt::DirectConnection);
-        QObject::connect(&listener, &UdpListener::fatalError, &listener, [this](const QString& error) {
-            const QMutexLocker locker(&mutex);
-            errors.append(error);
-        }, Qt::DirectConnection);
+        QObject::connect(&listener, &UdpListener::fatalError, &listener,
+                         [this](const QString& error) { errors.append(error); }, Qt::DirectConnection);
     }
     ~Device() override { listener.term(); }
 
@@ -95,9 +89,8 @@ protected:
     SoundRig rig{4};
     Socket sender;
     UdpListener listener;
-    QMutex mutex;
-    QList<int> events;
-    QStringList errors;
+    QStringList errors; // to be read when the thread has ended
+    std::atomic<int> lastType{OrloEvent::None};
     std::atomic<int> received{0};
     LogCatcher log; // ends first, while no thread logs
 };
@@ -109,18 +102,23 @@ const QByteArray MAP = R"({"abcdef0123": {"event": 17, "value": 0.5}, "000000000
 TEST_F(Device, TakesTheTagFromTheFourthBytes)
 {
     app::debugListening = true;
+    listener.term(); // never ran
+    EXPECT_TRUE(log.lines().isEmpty());
     ASSERT_TRUE(start(MAP));
     send(packet("ABCDEF0123", '\xFF'));
+    ASSERT_TRUE(soon([this] { return received == 1; }));
+    EXPECT_EQ(lastType, OrloEvent::VoiceVolumeSet);
     send(packet("0000000001"));
     ASSERT_TRUE(soon([this] { return received == 2; }));
+    EXPECT_EQ(lastType, OrloEvent::NoteToggleByPath);
     app::debugListening = false;
-    EXPECT_EQ(events, QList<int>({OrloEvent::VoiceVolumeSet, OrloEvent::NoteToggleByPath}));
     EXPECT_TRUE(log.has(QtDebugMsg, QStringLiteral("Wand ID: -1 , RFID: \"ABCDEF0123\"")));
-    EXPECT_TRUE(log.has(QtDebugMsg, QStringLiteral(" on port %1").arg(rig.settings.udpPort)));
+    // Silence keeps it from its end for about a second.
+    QElapsedTimer timer;
+    timer.start();
     listener.term();
     EXPECT_TRUE(listener.isFinished());
-    EXPECT_TRUE(log.has(QtWarningMsg, QStringLiteral("Stopping UDP thread...")));
-    EXPECT_TRUE(log.has(QtWarningMsg, QStringLiteral("UDP thread exits run")));
+    EXPECT_LT(timer.elapsed(), 1900);
     EXPECT_TRUE(errors.isEmpty());
 }
 
@@ -134,18 +132,11 @@ TEST_F(Device, DropsWhatIsNoPacketOfItsOwn)
         send(bytes);
         EXPECT_TRUE(says(QStringLiteral("Discarding UDP packet due to wrong size %1").arg(size)));
     }
-    const struct
-    {
-        QByteArray rfid;
-        const char* text;
-    } unknown[] = {{"abcdef0124", "abcdef0124"},
-                   {"\xff\xfe\xc3\x28gh\xf0\x9f\x98j", "gh"},
-                   {QByteArray(10, '\0'), "RFID "}};
-    for (const auto& [rfid, text] : unknown) {
+    for (const QByteArray& unknown :
+         {QByteArray("abcdef0124"), QByteArray("\xff\xfe\xc3\x28gh\xf0\x9f\x98j"), QByteArray(10, '\0')}) {
         log.clear();
-        send(packet(rfid));
-        EXPECT_TRUE(says(QStringLiteral("not found in mapping table. Ignoring.")));
-        EXPECT_TRUE(log.has(QtWarningMsg, QString::fromLatin1(text)));
+        send(packet(unknown));
+        EXPECT_TRUE(says(QStringLiteral("not found in mapping table. Ignoring."))) << unknown.toStdString();
     }
     EXPECT_EQ(received, 0);
     // It still listens.
@@ -175,16 +166,6 @@ TEST_F(Device, ABurstWhilePlayingLosesNothingButToAFullBuffer)
             }
         }
         EXPECT_TRUE(soon([&] { return carriedOut + dropped() == burst; })) << carriedOut << " and " << dropped();
-        // As fast as can be; the system drops what the socket does not hold.
-        for (int i = 0; i < burst; ++i)
-            send(bytes);
-        ASSERT_TRUE(soon([&] { return received > burst; }));
-        ASSERT_TRUE(soon([&] { // until all that arrived is read
-            const int soFar = received;
-            QThread::msleep(100);
-            return received == soFar;
-        }));
-        EXPECT_TRUE(soon([&] { return carriedOut + dropped() == received; }));
     }
     EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 1);
 
@@ -221,37 +202,21 @@ TEST_F(Device, StopsInTimeWhilePacketsStream)
     EXPECT_FALSE(log.has(QtCriticalMsg, QStringLiteral("UDP thread couldn't be stopped, exiting anyway")));
 }
 
-TEST_F(Device, StopsWithinAboutASecondOfSilence)
-{
-    listener.term(); // never ran
-    EXPECT_TRUE(log.lines().isEmpty());
-    ASSERT_TRUE(start(MAP));
-    QElapsedTimer timer;
-    timer.start();
-    listener.term();
-    EXPECT_TRUE(listener.isFinished());
-    EXPECT_LT(timer.elapsed(), 1900);
-}
-
-TEST_F(Device, GivesUpOnAPortThatIsTaken)
+TEST_F(Device, GivesUpOnATakenPortOrAMapThatCannotBeRead)
 {
     Socket other;
-    ASSERT_TRUE(other.bind(QHostAddress::Any, static_cast<quint16>(rig.settings.udpPort),
-                           QAbstractSocket::DontShareAddress));
-    rig.home.write(QStringLiteral("rfid_map.json"), MAP);
-    listener.start();
-    ASSERT_TRUE(listener.wait(5000));
-    const QString text =
-        QStringLiteral("Can't open UDP socket on port %1. UDP thread shutting down.").arg(rig.settings.udpPort);
-    EXPECT_EQ(errors, QStringList(text));
-    EXPECT_TRUE(log.has(QtCriticalMsg, text));
-}
-
-TEST_F(Device, GivesUpOnAMapThatCannotBeRead)
-{
-    rig.home.write(QStringLiteral("rfid_map.json"), "{ \"a\": ");
-    listener.start();
-    ASSERT_TRUE(listener.wait(5000));
-    EXPECT_EQ(errors, QStringList(FATAL_MAP));
-    EXPECT_TRUE(log.has(QtCriticalMsg, FATAL_MAP));
+    const int port = rig.settings.udpPort;
+    ASSERT_TRUE(other.bind(QHostAddress::Any, static_cast<quint16>(port), QAbstractSocket::DontShareAddress));
+    const std::pair<QByteArray, QString> rows[] = {
+        {MAP, QStringLiteral("Can't open UDP socket on port %1. UDP thread shutting down.").arg(port)},
+        {"{ \"a\": ", QStringLiteral("Failed to load RFID mapping file, UDP thread shutting down.")},
+    };
+    for (const auto& [map, text] : rows) {
+        rig.home.write(QStringLiteral("rfid_map.json"), map);
+        listener.start();
+        ASSERT_TRUE(listener.wait(5000));
+        EXPECT_EQ(errors.takeLast(), text);
+        EXPECT_TRUE(log.has(QtCriticalMsg, text));
+    }
+    EXPECT_TRUE(errors.isEmpty());
 }

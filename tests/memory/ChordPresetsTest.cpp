@@ -7,86 +7,71 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace Qt::StringLiterals;
+
 class Presets : public ::testing::Test
 {
 protected:
     Presets()
     {
-        home.configDir().mkpath(QStringLiteral("chord_presets"));
-        home.configDir().mkpath(QStringLiteral("outside"));
-        home.write(QStringLiteral("outside/dear.txt"), "dear");
+        home.configDir().mkpath(u"chord_presets"_s);
+        home.configDir().mkpath(u"outside"_s);
+        home.write(u"outside/dear.txt"_s, "dear");
     }
 
-    bool dearIsThere() const { return home.read(QStringLiteral("outside/dear.txt")) == "dear"; }
+    bool dearIsThere() const { return home.read(u"outside/dear.txt"_s) == "dear"; }
     /// Everything in the home, but for what is in the presets directory.
     QStringList outside() const
     {
         return home.configDir().entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)
-               + QDir(home.path(QStringLiteral("outside"))).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+               + QDir(home.path(u"outside"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     }
 
     const TestHome home;
-    const ChordPresets presets{home.path(QStringLiteral("chord_presets"))};
-    const QString bank = QStringLiteral("Bank");
+    const ChordPresets presets{home.path(u"chord_presets"_s)};
+    const QString bank = u"Bank"_s;
 };
 
 TEST_F(Presets, MakesListsAndRemoves)
 {
-    EXPECT_TRUE(presets.makeBank(QStringLiteral("Zweite Bänke")));
+    EXPECT_TRUE(presets.makeBank(u"Zweite Bänke"_s));
     EXPECT_TRUE(presets.makeBank(bank));
     EXPECT_FALSE(presets.makeBank(bank));
-    EXPECT_EQ(presets.banks(), (QStringList{bank, QStringLiteral("Zweite Bänke")}));
+    EXPECT_EQ(presets.banks(), (QStringList{bank, u"Zweite Bänke"_s}));
 
-    EXPECT_TRUE(presets.makePreset(bank, QStringLiteral("My chords.v2")));
-    EXPECT_FALSE(presets.makePreset(bank, QStringLiteral("My chords.v2")));
-    EXPECT_TRUE(presets.presetExists(bank, QStringLiteral("My chords.v2")));
-    EXPECT_EQ(home.read(QStringLiteral("chord_presets/Bank/My chords.v2.btoc")), "");
-    home.write(QStringLiteral("chord_presets/Bank/other.txt"), "x");
-    EXPECT_EQ(presets.presets(bank), QStringList{QStringLiteral("My chords.v2")});
-
-    presets.removePreset(bank, QStringLiteral("My chords.v2"));
-    presets.removePreset(bank, QStringLiteral("absent"));
+    const QString preset = u"My chords.v2"_s;
+    EXPECT_TRUE(presets.makePreset(bank, preset));
+    EXPECT_FALSE(presets.makePreset(bank, preset));
+    EXPECT_TRUE(presets.presetExists(bank, preset));
+    EXPECT_EQ(home.read(u"chord_presets/Bank/My chords.v2.btoc"_s), "");
+    home.write(u"chord_presets/Bank/other.txt"_s, "x");
+    EXPECT_EQ(presets.presets(bank), QStringList{preset});
+    presets.removePreset(bank, preset);
+    presets.removePreset(bank, u"absent"_s);
     EXPECT_TRUE(presets.presets(bank).isEmpty());
-    presets.removeBank(bank);
-    presets.removeBank(bank);
-    EXPECT_EQ(presets.banks(), QStringList{QStringLiteral("Zweite Bänke")});
+    for (int twice = 0; twice < 2; ++twice)
+        presets.removeBank(bank);
+    EXPECT_EQ(presets.banks(), QStringList{u"Zweite Bänke"_s});
 }
 
 TEST_F(Presets, WhatIsNoNameTouchesNothing)
 {
     ASSERT_TRUE(presets.makeBank(bank));
     const QStringList before = outside();
-    const QStringList bad{QString(),
-                          QStringLiteral("."),
-                          QStringLiteral(".."),
-                          QStringLiteral("..."),
-                          QStringLiteral("   "),
-                          QStringLiteral("*"),
-                          QStringLiteral("12"),
-                          QStringLiteral("/"),
-                          QStringLiteral("a/b"),
-                          QStringLiteral("/tmp/a"),
-                          QStringLiteral("../a"),
-                          QStringLiteral("a/../../outside/b"),
-                          QStringLiteral("a..b"),
-                          QStringLiteral("..a"),
-                          QStringLiteral(".hidden"),
-                          QStringLiteral("a\\b"),
-                          QStringLiteral("a\nb"),
-                          QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b")),
-                          QString(300, u'n')};
+    QStringList bad = u".|..|...|   |*|12|/|a/b|/tmp/a|../a|a/../../outside/b|a..b|..a|.hidden|a\\b|a\nb"_s.split(u'|');
+    bad << QString() << u"a"_s + QChar(0) + u'b' << QString(300, u'n');
     for (const QString& name : bad) {
         SCOPED_TRACE(name.toStdString());
         EXPECT_FALSE(presets.makeBank(name));
         EXPECT_FALSE(presets.makePreset(bank, name));
         EXPECT_FALSE(presets.presetExists(bank, name));
     }
-    for (const QString& name : {QStringLiteral(".."), QStringLiteral("."), QString(), QStringLiteral("../outside")}) {
+    for (const QString& name : {u".."_s, u"."_s, QString(), u"../outside"_s}) {
         presets.removeBank(name);
         EXPECT_TRUE(presets.presets(name).isEmpty());
-        EXPECT_FALSE(presets.makePreset(name, QStringLiteral("a")));
+        EXPECT_FALSE(presets.makePreset(name, u"a"_s));
     }
-    presets.removePreset(bank, QStringLiteral("../../outside/dear"));
+    presets.removePreset(bank, u"../../outside/dear"_s);
     EXPECT_EQ(outside(), before);
     EXPECT_TRUE(dearIsThere());
     EXPECT_EQ(presets.banks(), QStringList{bank});
@@ -96,40 +81,40 @@ TEST_F(Presets, WhatIsNoNameTouchesNothing)
 TEST_F(Presets, RemovingABankNeverFollowsALink)
 {
     ASSERT_TRUE(presets.makeBank(bank));
-    const QString target = home.path(QStringLiteral("outside"));
+    const QString target = home.path(u"outside"_s);
     const QString inside = presets.bankPath(bank);
-    ASSERT_TRUE(QDir().mkpath(inside + QStringLiteral("/deep/er")));
-    ASSERT_TRUE(QFile::link(target, inside + QStringLiteral("/folder")));
-    ASSERT_TRUE(QFile::link(target, inside + QStringLiteral("/deep/er/folder")));
-    ASSERT_TRUE(QFile::link(target + QStringLiteral("/dear.txt"), inside + QStringLiteral("/dear.btoc")));
-    presets.removePreset(bank, QStringLiteral("dear"));
+    ASSERT_TRUE(QDir().mkpath(inside + u"/deep/er"_s));
+    ASSERT_TRUE(QFile::link(target, inside + u"/folder"_s));
+    ASSERT_TRUE(QFile::link(target, inside + u"/deep/er/folder"_s));
+    ASSERT_TRUE(QFile::link(target + u"/dear.txt"_s, inside + u"/dear.btoc"_s));
+    presets.removePreset(bank, u"dear"_s);
     EXPECT_TRUE(dearIsThere());
-    ASSERT_TRUE(QFile::link(target + QStringLiteral("/dear.txt"), inside + QStringLiteral("/dear.btoc")));
+    ASSERT_TRUE(QFile::link(target + u"/dear.txt"_s, inside + u"/dear.btoc"_s));
     presets.removeBank(bank);
     EXPECT_FALSE(QFileInfo::exists(inside));
     EXPECT_TRUE(dearIsThere());
 
-    ASSERT_TRUE(QFile::link(target, presets.bankPath(QStringLiteral("Linked"))));
-    EXPECT_EQ(presets.banks(), QStringList{QStringLiteral("Linked")});
-    presets.removeBank(QStringLiteral("Linked"));
+    ASSERT_TRUE(QFile::link(target, presets.bankPath(u"Linked"_s)));
+    EXPECT_EQ(presets.banks(), QStringList{u"Linked"_s});
+    presets.removeBank(u"Linked"_s);
     EXPECT_TRUE(presets.banks().isEmpty());
     EXPECT_TRUE(dearIsThere());
 
     // Nor does a new preset write through a link that leads nowhere.
     ASSERT_TRUE(presets.makeBank(bank));
-    ASSERT_TRUE(QFile::link(target + QStringLiteral("/new.txt"), inside + QStringLiteral("/new.btoc")));
-    EXPECT_FALSE(presets.makePreset(bank, QStringLiteral("new")));
-    EXPECT_FALSE(QFileInfo::exists(target + QStringLiteral("/new.txt")));
+    ASSERT_TRUE(QFile::link(target + u"/new.txt"_s, inside + u"/new.btoc"_s));
+    EXPECT_FALSE(presets.makePreset(bank, u"new"_s));
+    EXPECT_FALSE(QFileInfo::exists(target + u"/new.txt"_s));
 }
 
 TEST_F(Presets, WithoutADirectoryThereIsNothing)
 {
-    for (const QString& path : {QString(), home.path(QStringLiteral("absent")), home.path(QStringLiteral("outside/dear.txt"))}) {
+    for (const QString& path : {QString(), home.path(u"absent"_s), home.path(u"outside/dear.txt"_s)}) {
         const ChordPresets none(path);
         EXPECT_FALSE(none.directoryExists());
         EXPECT_TRUE(none.banks().isEmpty());
         EXPECT_FALSE(none.makeBank(bank));
-        EXPECT_FALSE(none.makePreset(bank, QStringLiteral("a")));
+        EXPECT_FALSE(none.makePreset(bank, u"a"_s));
         none.removeBank(bank);
     }
     EXPECT_TRUE(dearIsThere());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sound/PdPlayer.h"
+#include "support/PdReceiver.h"
 
 #include <QList>
 #include <QObject>
@@ -9,8 +10,7 @@
 #include <map>
 #include <set>
 
-/// Hears what the patch really receives on its input, and which voice each note was given. One at
-/// a time; libpd must have been started.
+/// Hears what the patch really receives on its input, and which voice each note was given.
 class PatchEar : public QObject
 {
 public:
@@ -31,8 +31,14 @@ public:
     };
     using Key = std::pair<quint64, quint64>; // numerator, denominator
 
-    explicit PatchEar(PdPlayer& player);
-    ~PatchEar() override;
+    explicit PatchEar(PdPlayer& player)
+    {
+        // A starting note is told its macros, frequency, volume and gate, and then it is signalled.
+        connect(&player, &PdPlayer::noteToggled, this, [this](const OrloRatio& ratio, bool on) {
+            if (on && !mMessages.isEmpty())
+                mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mMessages.last().voice;
+        }, Qt::DirectConnection);
+    }
 
     QList<Message> take() { return std::exchange(mMessages, {}); }
     int voiceOf(Key ratio) const { return mVoiceOf.at(ratio); }
@@ -43,13 +49,29 @@ public:
     void forget(int voice) { mFading.erase(voice); }
 
 private:
-    struct Receiver;
-    static void onList(Receiver* receiver, void* selector, int count, struct _atom* atoms);
-    void hear(const Message& message);
+    void hear(const Message& message)
+    {
+        mMessages.append(message);
+        Voice& voice = mVoices.at(static_cast<size_t>(message.voice));
+        if (message.type == voiceGate) {
+            voice.gate = message.value;
+            if (message.value == 0.0F)
+                mFading.insert(message.voice);
+            else
+                mFading.erase(message.voice);
+        } else if (message.type == voiceFrequency) {
+            voice.frequency = message.value;
+        } else if (message.type >= voiceMacro1) {
+            voice.macros.at(static_cast<size_t>(message.type - voiceMacro1)) = message.value;
+        }
+    }
 
-    Receiver* mReceiver;
     QList<Message> mMessages;
     std::array<Voice, 129> mVoices;
     std::map<Key, int> mVoiceOf;
     std::set<int> mFading;
+    const PdReceiver mReceiver{"orlo-in", [this](const auto& list) {
+        if (list.size() == 3)
+            hear({list[0], static_cast<int>(list[1]), static_cast<int>(list[2])});
+    }};
 };

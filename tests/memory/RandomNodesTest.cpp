@@ -28,7 +28,7 @@ const QByteArray PATCH = "#N canvas 0 0 200 200 12;\n"
                          "#X msg 20 50 list info A(0.25):B(0.5):C(0.75):D(0.125):E(0.9):F(0.1):G(0):H(1);\n"
                          "#X obj 20 80 s output-voice-info;\n"
                          "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n";
-const std::vector<double> DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, 1.0};
+const NodeModel::Macros DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, 1.0};
 
 // With paths, as balls have them, and the ratio of each.
 struct Ball
@@ -57,15 +57,6 @@ std::set<Ratio> setOf(const QList<OrloRatio>& ratios)
     return set;
 }
 
-template <class Keys>
-std::set<Ratio> keysOf(const Keys& keys)
-{
-    std::set<Ratio> set;
-    for (const auto& entry : keys)
-        set.insert(entry.first);
-    return set;
-}
-
 } // namespace
 
 class RandomNodes : public ::testing::TestWithParam<unsigned>
@@ -80,30 +71,185 @@ protected:
         EXPECT_TRUE(rig.loadMainText(PATCH));
         model.changePatch(DEFAULTS);
         // The current ones of a player that has no window are the patch's.
-        std::copy(DEFAULTS.begin(), DEFAULTS.end(), model.sliders.begin());
+        model.sliders = DEFAULTS;
     }
 
     int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); }
     bool chance(int percent) { return below(100) < percent; }
     const Ball& anyBall() { return BALLS[below(static_cast<int>(std::size(BALLS)))]; }
-    /// A slider's step, exact in single precision.
-    double slide() { return below(257) / 256.0; }
     Ratio absolute(Ratio relative) const { return NodeModel::times(relative, transposition); }
 
-    void queue(OrloEvent::Type type, double value = 1.0) { rig.queue(OrloEvent(type, static_cast<float>(value))); }
-    void anyNoteEvent();
-    void anySelection();
-    void anySlide();
-    void anyReset();
-    void transposeAnyhow();
-    void anyOption();
-    void letVoicesEnd();
-    void changePatch();
-    void anyEvent();
+    void queue(int type, double value = 1.0)
+    {
+        rig.queue(OrloEvent(static_cast<OrloEvent::Type>(type), static_cast<float>(value)));
+    }
 
-    void block(int events);
+    void anyNoteEvent()
+    {
+        const Ball& ball = anyBall();
+        const Ratio ratio = absolute(ball.ratio);
+        switch (below(8)) {
+        case 0:
+        case 1:
+            rig.queue(OrloNoteEvent(QString::fromLatin1(ball.path)));
+            return model.toggle(ratio, true);
+        case 2:
+        case 3:
+            rig.queue(OrloNoteEvent(orlo(ratio)));
+            return model.toggle(ratio);
+        case 4:
+            rig.queue(OrloNoteEvent(orlo(ratio), 2.0F));
+            return model.toggle(ratio, true);
+        case 5:
+            rig.queue(OrloNodeRemoveEvent(orlo(ratio)));
+            return model.stop(ratio);
+        case 6: {
+            const bool on = chance(60);
+            queue(OrloEvent::NodesHold, on ? 1.0 : 0.0);
+            return model.hold(on);
+        }
+        default:
+            if (chance(70))
+                return; // seldom, so that chords grow
+            const bool forced = chance(50);
+            queue(forced ? OrloEvent::AllNotesOffForced : OrloEvent::AllNotesOff);
+            return model.stopAll(forced);
+        }
+    }
+
+    void anySelection()
+    {
+        switch (below(12)) {
+        case 0:
+            queue(OrloEvent::NodesSelectAllSounding);
+            return model.selectSounding();
+        case 1:
+            queue(OrloEvent::NodesDeselectAll);
+            return model.selected.clear();
+        case 2:
+            queue(OrloEvent::NodesToggleAllSelected);
+            return model.toggleSelected();
+        default: {
+            const Ratio relative = anyBall().ratio;
+            rig.queue(OrloNodeSelectToggleEvent(orlo(relative)));
+            return model.select(absolute(relative));
+        }
+        }
+    }
+
+    void anySlide()
+    {
+        const double value = below(257) / 256.0; // exact in single precision
+        if (chance(50)) {
+            const int macro = below(8);
+            queue(OrloEvent::Macro1Set + macro, value);
+            return model.moveMacro(macro, value);
+        }
+        const int which = 1 + below(2);
+        queue(which == 1 ? OrloEvent::GlissOneSet : OrloEvent::GlissTwoSet, value);
+        model.moveGliss(which, value);
+    }
+
+    void anyReset()
+    {
+        const bool deselect = chance(50);
+        switch (below(6)) {
+        case 0: {
+            const bool controls = chance(50);
+            queue(OrloEvent::NodesResetAll + (controls ? 2 : 0) + (deselect ? 1 : 0));
+            return model.resetAll(controls, deselect);
+        }
+        case 1:
+            queue(deselect ? OrloEvent::NodesResetSelectedDeselect : OrloEvent::NodesResetSelected);
+            return model.resetSelected(deselect);
+        case 2: {
+            const int which = below(3);
+            queue(OrloEvent::GlissOneReset + (which + 2) % 3); // one, two, both
+            return model.resetGliss(which);
+        }
+        default: {
+            const Ratio relative = anyBall().ratio;
+            rig.queue(OrloNodeResetEvent(orlo(relative), deselect ? 1.0F : 0.0F));
+            return model.reset(absolute(relative), deselect);
+        }
+        }
+    }
+
+    void anyOption()
+    {
+        rig.settings.softNodeReset = model.softReset = chance(50);
+        rig.settings.maintainMacroParameters = model.maintainMacros = chance(50);
+        const float ranges[] = {600.0F, 1200.0F, 2400.0F};
+        model.newRangeOne = rig.settings.glissOneRangeCents = ranges[below(3)];
+        model.newRangeTwo = rig.settings.glissTwoRangeCents = ranges[below(3)] / 12.0F;
+    }
+
+    /// In a block of its own: the lattice must have heard of it before its balls are pressed again.
+    void transposeAnyhow()
+    {
+        model.beginBlock();
+        const int step = steps >= 2 ? -3 : steps <= -2 ? 3 : chance(50) ? 3 : -3;
+        queue(OrloEvent::TransposeByPrimeStep, step);
+        steps += step / 3;
+        transposition = NodeModel::times(transposition, step > 0 ? Ratio{3, 2} : Ratio{2, 3});
+        render();
+    }
+
+    void block()
+    {
+        if (chance(5)) // between blocks: the engine reads options when it runs a command
+            anyOption();
+        model.beginBlock();
+        for (int i = below(3); i >= 0; --i) {
+            const int kind = below(100);
+            kind < 40 ? anyNoteEvent() : kind < 58 ? anySelection() : kind < 88 ? anySlide() : anyReset();
+        }
+        render();
+    }
+
+    void render()
+    {
+        rig.render();
+        QCoreApplication::processEvents();
+    }
+
+    void letVoicesEnd()
+    {
+        for (const int voice : std::set<int>(ear.fading())) {
+            if (!chance(70))
+                continue;
+            SoundRig::reportVoiceStop(static_cast<float>(voice));
+            ear.forget(voice);
+            std::erase_if(model.notes, [&](const auto& note) { return ear.voiceOf(note.first) == voice; });
+        }
+    }
+
     /// False at the first difference.
-    bool agrees();
+    bool agrees()
+    {
+        std::set<Ratio> altered;
+        for (const auto& [ratio, node] : model.altered)
+            altered.insert(ratio);
+        EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), model.sounding());
+        EXPECT_EQ(setOf(rig.player.getAllSelectedRatios()), model.selected);
+        EXPECT_EQ(setOf(rig.player.getAllRatiosWithAlteredParameters()), altered);
+        for (const auto& [ratio, note] : model.notes) {
+            SCOPED_TRACE(QStringLiteral("%1/%2").arg(ratio.first).arg(ratio.second).toStdString());
+            const PatchEar::Voice& voice = ear.voice(ear.voiceOf(ratio));
+            // At the very limits single precision may decide the other way.
+            if (note.frequencyTold && std::abs(note.frequency / 20.0 - 1.0) > 1e-3
+                && std::abs(note.frequency / 20000.0 - 1.0) > 1e-3) {
+                const double off = 1200.0 * std::log2(static_cast<double>(voice.frequency) / note.frequency);
+                EXPECT_LT(std::abs(off), MOST_CENTS_OFF) << voice.frequency << " Hz, not " << note.frequency;
+            }
+            for (size_t i = 0; i < note.macros.size(); ++i)
+                EXPECT_NEAR(static_cast<double>(voice.macros[i]), note.macros[i], MOST_MACRO_OFF) << i;
+            if (note.released) {
+                EXPECT_EQ(voice.gate, 0.0F);
+            }
+        }
+        return !HasFailure();
+    }
 
     std::mt19937 random;
     const LogCatcher quiet;
@@ -114,190 +260,6 @@ protected:
     int steps = 0; // of the prime 3
 };
 
-void RandomNodes::anyNoteEvent()
-{
-    const Ball& ball = anyBall();
-    const Ratio ratio = absolute(ball.ratio);
-    switch (below(8)) {
-    case 0:
-    case 1:
-        rig.queue(OrloNoteEvent(QString::fromLatin1(ball.path)));
-        return model.press(ratio);
-    case 2:
-    case 3:
-        rig.queue(OrloNoteEvent(orlo(ratio)));
-        return model.toggle(ratio);
-    case 4:
-        rig.queue(OrloNoteEvent(orlo(ratio), 2.0F));
-        return model.toggle(ratio, true);
-    case 5:
-        rig.queue(OrloNodeRemoveEvent(orlo(ratio)));
-        return model.stop(ratio);
-    case 6: {
-        const bool on = chance(60);
-        queue(OrloEvent::NodesHold, on ? 1.0 : 0.0);
-        return model.hold(on);
-    }
-    default:
-        if (chance(70))
-            return; // seldom, so that chords grow
-        const bool forced = chance(50);
-        queue(forced ? OrloEvent::AllNotesOffForced : OrloEvent::AllNotesOff);
-        return model.stopAll(forced);
-    }
-}
-
-void RandomNodes::anySelection()
-{
-    switch (below(12)) {
-    case 0:
-        queue(OrloEvent::NodesSelectAllSounding);
-        return model.selectSounding();
-    case 1:
-        queue(OrloEvent::NodesDeselectAll);
-        return model.deselectAll();
-    case 2:
-        queue(OrloEvent::NodesToggleAllSelected);
-        return model.toggleSelected();
-    default: {
-        const Ratio relative = anyBall().ratio;
-        rig.queue(OrloNodeSelectToggleEvent(orlo(relative)));
-        return model.select(absolute(relative));
-    }
-    }
-}
-
-void RandomNodes::anySlide()
-{
-    const double value = slide();
-    if (chance(50)) {
-        const int macro = below(8);
-        queue(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + macro), value);
-        return model.moveMacro(macro, value);
-    }
-    const int which = 1 + below(2);
-    queue(which == 1 ? OrloEvent::GlissOneSet : OrloEvent::GlissTwoSet, value);
-    model.moveGliss(which, value);
-}
-
-void RandomNodes::anyReset()
-{
-    const bool deselect = chance(50);
-    switch (below(6)) {
-    case 0: {
-        const bool controls = chance(50);
-        const int type = OrloEvent::NodesResetAll + (controls ? 2 : 0) + (deselect ? 1 : 0);
-        queue(static_cast<OrloEvent::Type>(type));
-        return model.resetAll(controls, deselect);
-    }
-    case 1:
-        queue(deselect ? OrloEvent::NodesResetSelectedDeselect : OrloEvent::NodesResetSelected);
-        return model.resetSelected(deselect);
-    case 2: {
-        const int which = below(3);
-        const OrloEvent::Type types[] = {OrloEvent::GlissBothReset, OrloEvent::GlissOneReset,
-                                         OrloEvent::GlissTwoReset};
-        queue(types[which]);
-        return model.resetGliss(which);
-    }
-    default: {
-        const Ratio relative = anyBall().ratio;
-        rig.queue(OrloNodeResetEvent(orlo(relative), deselect ? 1.0F : 0.0F));
-        return model.reset(absolute(relative), deselect);
-    }
-    }
-}
-
-/// In a block of its own: the lattice must have heard of it before its balls are pressed again.
-void RandomNodes::transposeAnyhow()
-{
-    const int step = steps >= 2 ? -3 : steps <= -2 ? 3 : chance(50) ? 3 : -3;
-    queue(OrloEvent::TransposeByPrimeStep, step);
-    steps += step / 3;
-    transposition = NodeModel::times(transposition, step > 0 ? Ratio{3, 2} : Ratio{2, 3});
-}
-
-void RandomNodes::anyOption()
-{
-    rig.settings.softNodeReset = model.softReset = chance(50);
-    rig.settings.maintainMacroParameters = model.maintainMacros = chance(50);
-    const float ranges[] = {600.0F, 1200.0F, 2400.0F};
-    model.newRangeOne = rig.settings.glissOneRangeCents = ranges[below(3)];
-    model.newRangeTwo = rig.settings.glissTwoRangeCents = ranges[below(3)] / 12.0F;
-}
-
-void RandomNodes::letVoicesEnd()
-{
-    const std::set<int> fading = ear.fading();
-    for (const int voice : fading) {
-        if (!chance(70))
-            continue;
-        SoundRig::reportVoiceStop(static_cast<float>(voice));
-        ear.forget(voice);
-        for (auto note = model.notes.begin(); note != model.notes.end(); ++note) {
-            if (ear.voiceOf(note->first) == voice) {
-                model.notes.erase(note);
-                break;
-            }
-        }
-    }
-}
-
-void RandomNodes::changePatch()
-{
-    ASSERT_TRUE(rig.loadMainText(PATCH));
-    model.beginBlock();
-    model.changePatch(DEFAULTS);
-}
-
-void RandomNodes::anyEvent()
-{
-    const int kind = below(100);
-    if (kind < 40)
-        anyNoteEvent();
-    else if (kind < 58)
-        anySelection();
-    else if (kind < 88)
-        anySlide();
-    else
-        anyReset();
-}
-
-void RandomNodes::block(int events)
-{
-    if (chance(5)) // between blocks: the engine reads options when it runs a command
-        anyOption();
-    model.beginBlock();
-    for (int i = 0; i < events; ++i)
-        anyEvent();
-    rig.render();
-    QCoreApplication::processEvents();
-}
-
-bool RandomNodes::agrees()
-{
-    const std::vector<Ratio> sounding = model.sounding();
-    EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), std::set<Ratio>(sounding.begin(), sounding.end()));
-    EXPECT_EQ(setOf(rig.player.getAllSelectedRatios()), model.selected);
-    EXPECT_EQ(setOf(rig.player.getAllRatiosWithAlteredParameters()), keysOf(model.altered));
-    for (const auto& [ratio, note] : model.notes) {
-        SCOPED_TRACE(QStringLiteral("%1/%2").arg(ratio.first).arg(ratio.second).toStdString());
-        const PatchEar::Voice& voice = ear.voice(ear.voiceOf(ratio));
-        // At the very limits single precision may decide the other way.
-        if (note.frequencyTold && std::abs(note.frequency / 20.0 - 1.0) > 1e-3
-            && std::abs(note.frequency / 20000.0 - 1.0) > 1e-3) {
-            const double off = 1200.0 * std::log2(static_cast<double>(voice.frequency) / note.frequency);
-            EXPECT_LT(std::abs(off), MOST_CENTS_OFF) << voice.frequency << " Hz instead of " << note.frequency;
-        }
-        for (size_t i = 0; i < note.macros.size(); ++i)
-            EXPECT_NEAR(static_cast<double>(voice.macros[i]), note.macros[i], MOST_MACRO_OFF) << "macro " << i + 1;
-        if (note.released) {
-            EXPECT_EQ(voice.gate, 0.0F);
-        }
-    }
-    return !HasFailure();
-}
-
 TEST_P(RandomNodes, ThePatchHearsWhatTheRulesSay)
 {
     constexpr int blocks = 10000;
@@ -306,16 +268,14 @@ TEST_P(RandomNodes, ThePatchHearsWhatTheRulesSay)
     size_t mostSelected = 0;
     for (int i = 1; i <= blocks; ++i) {
         SCOPED_TRACE(i);
-        // A transposition is a block of its own.
-        if (chance(2)) {
-            model.beginBlock();
+        if (chance(2))
             transposeAnyhow();
-            rig.render();
-            QCoreApplication::processEvents();
+        block();
+        if (i % patchChangeEvery == 0) {
+            ASSERT_TRUE(rig.loadMainText(PATCH));
+            model.beginBlock();
+            model.changePatch(DEFAULTS);
         }
-        block(1 + below(3));
-        if (i % patchChangeEvery == 0)
-            changePatch();
         ASSERT_TRUE(agrees());
         if (i % 3 == 0)
             letVoicesEnd();

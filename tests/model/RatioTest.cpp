@@ -43,8 +43,7 @@ TEST_P(RatioTest, EqualityHashAndZero)
 {
     EXPECT_EQ(OrloRatio(6, 4), OrloRatio(3, 2));
     EXPECT_FALSE(OrloRatio(3, 2) == OrloRatio(2, 3));
-    EXPECT_EQ(qHash(OrloRatio(6, 4), 7), 6822U);               // (7 * 31 + 3) * 31 + 2
-    EXPECT_EQ(qHash(OrloRatio(LARGEST, 1), 0), LARGEST - 29);  // (-1) * 31 + 1
+    EXPECT_EQ(qHash(OrloRatio(6, 4), 7), qHash(OrloRatio(3, 2), 7));
     EXPECT_THROW(OrloRatio(3, 0), boost::bad_rational);
 
     // Zero is no pitch, but nothing may run for ever on it.

@@ -47,14 +47,12 @@ TEST(Commands, OfTheDeviceRunBeforeThoseOfTheScreen)
 {
     SoundRig rig;
     EngineLog log(rig.player);
-    const OrloEvent events[] = {event(22, 441.0F), event(22, 442.0F), event(22, 443.0F), event(22, 444.0F)};
-    rig.player.queueEventGui(&events[2]);
-    rig.player.queueEventGui(&events[3]);
-    rig.player.queueEventSerial(&events[0]);
-    rig.player.queueEventSerial(&events[1]);
+    const OrloEvent later = event(22, 442.0F);
+    const OrloEvent sooner = event(22, 441.0F);
+    rig.player.queueEventGui(&later);
+    rig.player.queueEventSerial(&sooner);
     rig.render();
-    EXPECT_EQ(log.said(), "baseFrequencyChanged 441; baseFrequencyChanged 442; "
-                          "baseFrequencyChanged 443; baseFrequencyChanged 444");
+    EXPECT_EQ(log.said(), "baseFrequencyChanged 441; baseFrequencyChanged 442");
 }
 
 // Each row runs after those above it, on one engine.

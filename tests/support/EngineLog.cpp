@@ -4,11 +4,7 @@
 
 #include <QMutexLocker>
 
-#include <m_pd.h>
-
 namespace {
-
-constexpr const char* SYMBOLS[] = {"orlo-in", "master-vol"};
 
 template <class T>
 QString text(const T& value)
@@ -39,27 +35,10 @@ QString text(const QList<T>& values)
 
 } // namespace
 
-/// A Pure Data object beside the patch's own receivers of the same symbol.
-struct EngineLog::Receiver
-{
-    t_pd object;
-    EngineLog* log;
-    const char* symbol;
-};
-
 EngineLog::EngineLog(PdPlayer& player)
+    : mVoiceMessages("orlo-in", [this](const auto& list) { add(QStringLiteral("orlo-in"), list); })
+    , mVolumes("master-vol", [this](const auto& list) { add(QStringLiteral("master-vol"), list); })
 {
-    static t_class* receiverClass = [] {
-        t_class* made = class_new(gensym("engine_log"), nullptr, nullptr, sizeof(Receiver), CLASS_PD, A_NULL);
-        class_addlist(made, reinterpret_cast<t_method>(&EngineLog::onList));
-        return made;
-    }();
-    for (size_t i = 0; i < std::size(SYMBOLS); ++i) {
-        mReceivers[i] = reinterpret_cast<Receiver*>(pd_new(receiverClass));
-        mReceivers[i]->log = this;
-        mReceivers[i]->symbol = SYMBOLS[i];
-        pd_bind(&mReceivers[i]->object, gensym(SYMBOLS[i]));
-    }
     // Direct connections, so that the lines stand in the order of the engine's doings.
     const auto hear = [this, &player]<class... Values>(void (PdPlayer::*signal)(Values...), const char* name) {
         const auto write = [this, name](const Values&... values) {
@@ -86,20 +65,11 @@ EngineLog::EngineLog(PdPlayer& player)
     hear(&PdPlayer::patchIncRequested, "patchIncRequested");
 }
 
-EngineLog::~EngineLog()
+void EngineLog::add(QString line, const std::vector<float>& numbers)
 {
-    for (Receiver* receiver : mReceivers) {
-        pd_unbind(&receiver->object, gensym(receiver->symbol));
-        pd_free(&receiver->object);
-    }
-}
-
-void EngineLog::onList(Receiver* receiver, void*, int count, _atom* atoms)
-{
-    QString line = QString::fromLatin1(receiver->symbol);
-    for (int i = 0; i < count; ++i)
-        line += u' ' + text(atom_getfloat(atoms + i));
-    receiver->log->add(line);
+    for (const float number : numbers)
+        line += u' ' + text(number);
+    add(line);
 }
 
 void EngineLog::add(const QString& line)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/PdReceiver.h"
+
 #include <QMutex>
 #include <QObject>
 #include <QStringList>
@@ -9,13 +11,12 @@
 class PdPlayer;
 
 /// Writes down, in one order, what the engine sends to the patch and what it signals, while it
-/// lives. One at a time; libpd must have been started. Lines are like
+/// lives. Lines are like
 /// "orlo-in 440 2 1" (value, type, voice from 1), "master-vol 0.5", "noteToggled 3/2 on".
 class EngineLog : public QObject
 {
 public:
     explicit EngineLog(PdPlayer& player);
-    ~EngineLog() override;
 
     /// All lines so far; empties the log.
     QStringList take();
@@ -25,11 +26,11 @@ public:
     std::string said(const QString& beginning = {}) { return take(beginning).join(u"; ").toStdString(); }
 
 private:
-    struct Receiver;
-    static void onList(Receiver* receiver, void* selector, int count, struct _atom* atoms);
     void add(const QString& line);
+    void add(QString line, const std::vector<float>& numbers);
 
-    Receiver* mReceivers[2];
     QMutex mMutex;
     QStringList mLines;
+    const PdReceiver mVoiceMessages;
+    const PdReceiver mVolumes;
 };
