@@ -8,7 +8,7 @@ template <class T>
 class SharedOption
 {
 public:
-    SharedOption(T value) // NOLINT(google-explicit-constructor): it stands for the plain value
+    SharedOption(T value)
         : mValue(value)
     {
     }
@@ -17,10 +17,7 @@ public:
         mValue.store(value, std::memory_order_relaxed);
         return *this;
     }
-    operator T() const
-    {
-        return mValue.load(std::memory_order_relaxed);
-    } // NOLINT(google-explicit-constructor)
+    operator T() const { return mValue.load(std::memory_order_relaxed); }
 
 private:
     std::atomic<T> mValue;
