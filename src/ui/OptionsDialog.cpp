@@ -15,10 +15,10 @@
 #include <QDebug>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QSignalBlocker>
 #include <QTabWidget>
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -83,8 +83,6 @@ void OptionsDialog::rePosition(QPoint position)
 
 void OptionsDialog::applyRestrictions(bool restricted)
 {
-    const QSignalBlocker deviceBlocker(mMidiDeviceMenu);
-    const QSignalBlocker channelBlocker(mMidiChannelMenu);
     if (restricted) {
         mMidiDeviceMenu->setCurrentIndex(0);
         mMidiChannelMenu->setCurrentIndex(0);
@@ -128,10 +126,16 @@ int OptionsDialog::getFloatDecimalPrecision(float frequency)
 
 bool OptionsDialog::isOneOneFreqTempered(float calibration, float frequency, int noteIndex)
 {
-    const float tempered = mNoteTable.frequency(noteIndex) * calibration / static_cast<float>(REFERENCE_A4);
-    const double difference = std::abs(static_cast<double>(tempered) - static_cast<double>(frequency));
+    const double tempered = static_cast<double>(mNoteTable.frequency(noteIndex))
+                            * static_cast<double>(calibration) / REFERENCE_A4;
+    const double given = static_cast<double>(frequency);
+    const double difference = std::abs(tempered - given);
     qDebug() << "Options: 1/1 equal tempered? " << tempered << frequency << difference;
-    const bool isTempered = difference < std::pow(10.0, -getFloatDecimalPrecision(frequency)) / 2.0;
+    // A note just chosen is rounded to its decimals as a float: that may go one float too far, as
+    // with "Ab 5" at A4 = 442 Hz.
+    const double roundingOfFloat = given * std::numeric_limits<float>::epsilon();
+    const bool isTempered =
+        difference < std::pow(10.0, -getFloatDecimalPrecision(frequency)) / 2.0 + roundingOfFloat;
     qDebug() << "Is equal tempered" << isTempered;
 
     const QString menuLook =
@@ -142,6 +146,12 @@ bool OptionsDialog::isOneOneFreqTempered(float calibration, float frequency, int
         menu->setStyleSheet(menuLook);
     mOneOneNoteLabel->setStyleSheet(labelLook);
     return isTempered;
+}
+
+void OptionsDialog::markNote()
+{
+    isOneOneFreqTempered(static_cast<float>(mCalibration), static_cast<float>(mOneOneFrequency),
+                         mOneOneNoteIndex);
 }
 
 void OptionsDialog::updateCentsDisplay()
@@ -173,8 +183,7 @@ void OptionsDialog::onCalibrationFreqEditValueChanged(double value)
 {
     mCalibration = value;
     app::settings()->calibrationFrequency = value;
-    isOneOneFreqTempered(static_cast<float>(mCalibration), static_cast<float>(mOneOneFrequency),
-                         mOneOneNoteIndex);
+    markNote();
     mMainWindow->updateOrloView();
     updateCentsDisplay();
 }
@@ -206,7 +215,10 @@ void OptionsDialog::onOneOneNoteChanged(int)
 
     const double tempered =
         static_cast<double>(mNoteTable.frequency(mOneOneNoteIndex)) * mCalibration / REFERENCE_A4;
-    if (tempered != mOneOneFrequency) {
+    if (tempered == mOneOneFrequency) { // the former note may have been marked
+        markNote();
+        updateCentsDisplay();
+    } else {
         const float value = static_cast<float>(tempered);
         mOneOneFreqEdit->setShownDecimals(getFloatDecimalPrecision(value));
         mOneOneFreqEdit->setValue(static_cast<double>(value));
@@ -253,7 +265,7 @@ void OptionsDialog::onOneOneFreqEditEditingFinished()
         mOneOneFreqEdit->setValue(static_cast<double>(frequency));
     mOneOneFrequency = static_cast<double>(frequency);
     app::settings()->baseFrequency = mOneOneFrequency;
-    isOneOneFreqTempered(static_cast<float>(mCalibration), frequency, mOneOneNoteIndex);
+    markNote();
     queue(OrloEvent::BaseFrequencySet, frequency);
     updateCentsDisplay();
 }

@@ -87,6 +87,7 @@ private:
     void loadData();
     void showAudioDevice();
     void showMidi();
+    void markNote();
     void showSplitMenus(bool split);
     void chooseSplitNote();
 

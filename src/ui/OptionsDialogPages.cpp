@@ -165,8 +165,7 @@ QWidget* OptionsDialog::buildOptionsPage()
 
     showSplitMenus(app::settings()->oneOneMenuSplitOctaves);
     populateOneOneSplitMenu();
-    isOneOneFreqTempered(static_cast<float>(mCalibration), static_cast<float>(mOneOneFrequency),
-                         mOneOneNoteIndex);
+    markNote();
     updateCentsDisplay();
     return widget;
 }
