@@ -7,9 +7,9 @@
 #include "ui/FrequencySpinBox.h"
 #include "ui/MainWindow.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFrame>
@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QStyledItemDelegate>
 #include <QTabWidget>
 
@@ -145,6 +146,12 @@ OptionsDialog::OptionsDialog(MainWindow* mainWindow)
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
     layout->addWidget(buttons);
+
+    // A menu that has the focus looks for an entry of this key instead of passing it on.
+    auto* closing = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma), this);
+    connect(closing, &QShortcut::activated, this, &QWidget::close);
+    // Before the options are stored for the last time: it ends what is being edited.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &QWidget::hide);
 }
 
 // ---------------------------------------------------------------- options
@@ -194,6 +201,8 @@ void OptionsDialog::addDeviceRows(QGridLayout* grid)
     mMidiChannelMenu->setAccessibleName(QStringLiteral("MIDI mode and channel"));
     for (QComboBox* menu : {mAudioDeviceMenu, mMidiDeviceMenu, mMidiChannelMenu})
         setUpMenu(menu);
+    for (QComboBox* menu : {mAudioDeviceMenu, mMidiDeviceMenu}) // names longer than the menu
+        connect(menu, &QComboBox::currentTextChanged, menu, &QWidget::setToolTip);
     mAudioDeviceMenu->addItems(app::audioOutput()->devices());
     mMidiDeviceMenu->addItem(MidiOutput::deactivatedName());
     mMidiDeviceMenu->addItems(app::midiOutput()->availablePorts());
