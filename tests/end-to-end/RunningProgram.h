@@ -4,7 +4,7 @@
 
 #include <QPoint>
 #include <QProcess>
-#include <QStringList>
+#include <QString>
 
 #include <optional>
 
@@ -16,8 +16,7 @@ public:
     /// Beside the test's own executable.
     static QString executable();
 
-    explicit RunningProgram(VirtualDesk& desk, const QStringList& arguments = {},
-                            const QString& executable = RunningProgram::executable());
+    explicit RunningProgram(VirtualDesk& desk, const QString& executable = RunningProgram::executable());
     ~RunningProgram();
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
@@ -34,23 +33,18 @@ public:
     bool moveTo(const QRect& place);
     /// One click. The pointer leaves afterwards, so that two of them never are a double click.
     bool click(QPoint point);
-    bool doubleClick(QPoint point);
     bool type(const QString& keys);
     /// Return on the box.
     bool confirmBox();
 
     bool isRunning() const { return mProcess.state() != QProcess::NotRunning; }
-    /// The window's close button.
-    void requestClose();
     /// Empty when it does not end by itself, or ends by a signal.
     std::optional<int> waitForExit(int longestMs = 20000);
-    /// Both of them.
+    /// By the window's close button.
     std::optional<int> quit();
     qint64 processId() const { return mProcess.processId(); }
 
 private:
-    bool press(QPoint point, const QString& how);
-
     VirtualDesk& mDesk;
     QProcess mProcess;
 };

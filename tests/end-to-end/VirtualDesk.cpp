@@ -26,12 +26,6 @@ struct FreeReply
 template <class Reply>
 using ReplyPointer = std::unique_ptr<Reply, FreeReply>;
 
-/// A test that is killed must not leave its servers behind.
-void endWithTest(QProcess& process)
-{
-    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-}
-
 void stop(QProcess& process)
 {
     if (process.state() == QProcess::NotRunning)
@@ -45,6 +39,11 @@ void stop(QProcess& process)
 }
 
 } // namespace
+
+void endWithTest(QProcess& process)
+{
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+}
 
 VirtualDesk::VirtualDesk()
     : mEnvironment(QProcessEnvironment::systemEnvironment())
@@ -111,15 +110,17 @@ bool VirtualDesk::startSoundServer()
     const QByteArray server = mSoundServer.toLatin1();
     bool answered = false;
     const auto settled = [&] {
-        jack_client_t* client = jack_client_open(
-            "looking", static_cast<jack_options_t>(JackNoStartServer | JackServerName), nullptr, server.constData());
+        jack_client_t* client =
+            jack_client_open("looking", static_cast<jack_options_t>(JackNoStartServer | JackServerName),
+                             nullptr, server.constData());
         if (client)
             jack_client_close(client);
         answered = client != nullptr;
         return answered || mJackServer.state() == QProcess::NotRunning;
     };
     // The one that answers could be the other run's.
-    return mJackServer.waitForStarted() && waitUntil(settled) && answered && !mJackServer.waitForFinished(200);
+    return mJackServer.waitForStarted() && waitUntil(settled) && answered
+           && !mJackServer.waitForFinished(200);
 }
 
 /// A card of the machine's own would be the default device, before JACK's. PortAudio wants at least
@@ -182,13 +183,14 @@ void VirtualDesk::requestClose(const Window& window) const
     xcb_flush(mScreen);
 }
 
-bool VirtualDesk::act(const QStringList& words) const
+bool VirtualDesk::act(const QString& commands) const
 {
     QProcess xdotool;
     xdotool.setProcessEnvironment(mEnvironment);
     xdotool.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    xdotool.start(u"xdotool"_s, words);
-    return xdotool.waitForFinished() && xdotool.exitStatus() == QProcess::NormalExit && xdotool.exitCode() == 0;
+    xdotool.start(u"xdotool"_s, commands.split(u' '));
+    return xdotool.waitForFinished() && xdotool.exitStatus() == QProcess::NormalExit
+           && xdotool.exitCode() == 0;
 }
 
 // ---------------------------------------------------------------- the sound server

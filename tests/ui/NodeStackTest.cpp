@@ -1,4 +1,3 @@
-#include "model/OrloPath.h"
 #include "support/LogCatcher.h"
 #include "ui/CardWidget.h"
 #include "ui/NodeStackFixture.h"
@@ -8,36 +7,30 @@
 #include <QPointer>
 
 #include <algorithm>
-#include <functional>
 
 namespace {
 
-class NodeStack : public NodeStackFixture
-{
-};
+using NodeStack = NodeStackFixture;
 
 // ---------------------------------------------------------------- coming and going
 
 TEST_F(NodeStack, ABallComesOnceAndGoesForGood)
 {
     const OrloRatio ratio(25, 16);
-    stack->addNodeForRatio(ratio);
+    add({ratio});
     EXPECT_FALSE(ball(ratio)->isVisible()) << "without a place yet";
     stack->toggleNodeForRatio(ratio, true);
-    stack->setHoldNodeForRatio(ratio, true);
     stack->showNodes();
-    FreeBallWidget* const first = ball(ratio);
-    const QPointer<FreeBallWidget> alive(first);
-    stack->addNodeForRatio(ratio);
-    EXPECT_EQ(ball(ratio), first);
-    EXPECT_TRUE(first->isPlaying() && first->isHold());
+    const QPointer<FreeBallWidget> first = ball(ratio);
+    add({ratio});
+    EXPECT_EQ(ball(ratio), first.data());
+    EXPECT_TRUE(ball(ratio)->isPlaying());
 
     stack->removeNodeForRatio(ratio);
-    EXPECT_FALSE(ball(ratio));
     EXPECT_TRUE(overlay->balls().isEmpty());
     EXPECT_TRUE(stack->scene()->items().isEmpty());
     deleteLater();
-    EXPECT_TRUE(alive.isNull());
+    EXPECT_TRUE(first.isNull());
 
     // No ball, no change.
     stack->removeNodeForRatio(ratio);
@@ -55,19 +48,17 @@ TEST_F(NodeStack, AThousandChordsLeaveNothingBehind)
     for (unsigned chord = 0; chord < 1000; ++chord) {
         for (unsigned note = 0; note < 6; ++note) {
             const OrloRatio ratio(97 + chord % 7 + 5 * note, 89);
-            stack->addNodeForRatio(ratio);
+            add({ratio});
             stack->toggleNodeForRatio(ratio, true);
             former.append(ball(ratio));
         }
         stack->showNodes();
         if (chord % 3 == 0)
             stack->updateNodes();
-        if (chord % 2 == 0) {
+        if (chord % 2 == 0)
             stack->reset();
-        } else {
-            for (const OrloRatio& ratio : stack->balls().keys())
-                stack->removeNodeForRatio(ratio);
-        }
+        for (const OrloRatio& ratio : stack->balls().keys())
+            stack->removeNodeForRatio(ratio);
         deleteLater();
     }
     EXPECT_TRUE(std::all_of(former.begin(), former.end(), [](const auto& ball) { return ball.isNull(); }));
@@ -76,64 +67,15 @@ TEST_F(NodeStack, AThousandChordsLeaveNothingBehind)
     EXPECT_TRUE(stack->findChildren<FreeBallWidget*>().isEmpty());
 }
 
-/// Acts when a card is raised, which happens in the middle of the event that its ball handles.
-class RaiseWatcher : public QObject
-{
-public:
-    explicit RaiseWatcher(std::function<void()> act)
-        : mAct(std::move(act))
-    {
-    }
-    int raised = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (event->type() == QEvent::ZOrderChange) {
-            ++raised;
-            mAct();
-        }
-        return false;
-    }
-
-private:
-    const std::function<void()> mAct;
-};
-
-TEST_F(NodeStack, ABallThatGoesUnderThePointerOrDuringItsEventHurtsNobody)
+TEST_F(NodeStack, ABallThatGoesUnderThePointerHurtsNobody)
 {
     const OrloRatio ratio(25, 16);
-    const auto show = [&] {
-        stack->addNodeForRatio(ratio);
+    // Cleared or made anew, hovered or pressed.
+    for (const bool pressed : {false, true}) {
+        add({ratio});
         stack->toggleNodeForRatio(ratio, true);
         stack->showNodes();
-        return stack->mapFromScene(ball(ratio)->pos());
-    };
-    const std::function<void()> ends[] = {
-        [&] { stack->removeNodeForRatio(ratio); },
-        [&] { stack->reset(); },
-        [&] { stack->updateNodes(); },
-    };
-    for (const auto& end : ends) {
-        const QPoint point = show();
-        const QPointer<FreeBallWidget> former = ball(ratio);
-        RaiseWatcher watcher(end);
-        cards->showCardForRatio(ratio)->installEventFilter(&watcher);
-        cards->showCardForRatio(OrloRatio(35, 32)); // lies over it
-        hover(point + QPoint(30, 0));
-        hover(point);
-        EXPECT_EQ(watcher.raised, 1);
-        EXPECT_NE(ball(ratio), former.data());
-        scene::click(*stack, point);
-        deleteLater();
-        EXPECT_TRUE(former.isNull());
-        cards->hideCardForRatio(ratio);
-        cards->hideCardForRatio(OrloRatio(35, 32));
-        stack->reset();
-    }
-    // Cleared or made anew under the pointer, hovered or pressed.
-    for (const bool pressed : {false, true}) {
-        const QPoint point = show();
+        const QPoint point = pointOf(ratio);
         hover(point + QPoint(30, 0));
         hover(point);
         if (pressed)
@@ -150,8 +92,8 @@ TEST_F(NodeStack, ABallThatGoesUnderThePointerOrDuringItsEventHurtsNobody)
         page.grab();
     }
     // The stack goes first, with a ball that still sounds and one that is about to be deleted.
-    show();
-    stack->addNodeForRatio(OrloRatio(35, 32));
+    add({ratio, OrloRatio(35, 32)});
+    stack->toggleNodeForRatio(ratio, true);
     stack->removeNodeForRatio(OrloRatio(35, 32));
     delete stack;
     EXPECT_TRUE(overlay->balls().isEmpty());
@@ -162,7 +104,7 @@ TEST_F(NodeStack, UpdateNodesKeepsEveryFlagAndTakesTheColourOfTheMode)
 {
     transposeBy({7});
     const OrloRatio ratio(35, 16); // 5/4 as seen from the root
-    stack->addNodeForRatio(ratio);
+    add({ratio});
     const QColor red(QStringLiteral("#9c0404"));
     const QColor blue(QStringLiteral("#2838d0"));
     for (int flags = 0; flags < 16; ++flags) {
@@ -178,8 +120,7 @@ TEST_F(NodeStack, UpdateNodesKeepsEveryFlagAndTakesTheColourOfTheMode)
         for (const int mode : {0, 1, 2}) {
             settings.absRelView = mode;
             stack->updateNodes();
-            const FreeBallWidget* item = ball(ratio);
-            const scene::Circles circles = scene::circlesOf(item);
+            const scene::Circles circles = scene::circlesOf(ball(ratio));
             const QColor color = mode == 0 ? red : blue;
             EXPECT_EQ(circles.main->brush().color(), playing ? color.lighter(130) : color.darker(115));
             EXPECT_EQ(circles.altered->pen().color(), color);
@@ -187,17 +128,9 @@ TEST_F(NodeStack, UpdateNodesKeepsEveryFlagAndTakesTheColourOfTheMode)
             EXPECT_EQ(circles.selected->isVisible(), selected);
             EXPECT_EQ(circles.hold->isVisible(), hold);
             EXPECT_EQ(circles.altered->isVisible(), altered);
-            EXPECT_EQ(overlay->balls().contains(item), playing);
+            EXPECT_EQ(overlay->balls().size(), playing ? 1 : 0);
         }
     }
-    EXPECT_EQ(overlay->balls().size(), 1);
-    const scene::Circles circles = scene::circlesOf(ball(ratio));
-    EXPECT_EQ(circles.main->rect(), QRectF(-5, -5, 10, 10));
-    EXPECT_EQ(circles.selected->rect(), QRectF(-8, -8, 16, 16));
-    EXPECT_EQ(circles.altered->rect(), QRectF(-7, -7, 14, 14));
-    EXPECT_EQ(circles.hold->rect(), QRectF(-1.5, -1.5, 3, 3));
-    EXPECT_EQ(circles.glow->rect(), QRectF(-10, -10, 20, 20));
-    EXPECT_EQ(circles.main->pen().width(), 1);
 }
 
 // ---------------------------------------------------------------- the pointer
@@ -207,7 +140,6 @@ TEST_F(NodeStack, ModifiersChooseTheCommand)
     const Qt::KeyboardModifiers shift = Qt::ShiftModifier;
     const Qt::KeyboardModifiers alt = Qt::AltModifier;
     const Qt::KeyboardModifiers control = Qt::ControlModifier;
-    const Qt::KeyboardModifiers meta = Qt::MetaModifier;
     constexpr int nothing = -1;
     const OrloRatio absolute(25, 16);
     const OrloRatio relative(25, 24);
@@ -224,33 +156,24 @@ TEST_F(NodeStack, ModifiersChooseTheCommand)
         {Qt::LeftButton, alt, 37, 1.0F, relative},
         {Qt::LeftButton, control, 38, 0.0F, relative},
         {Qt::LeftButton, alt | control, 38, 1.0F, relative},
-        {Qt::LeftButton, alt | control | shift, 38, 1.0F, relative},
-        {Qt::LeftButton, alt | control | meta, 38, 1.0F, relative},
         {Qt::LeftButton, shift | alt, nothing, 0.0F, relative},
-        {Qt::LeftButton, shift | control, nothing, 0.0F, relative},
-        {Qt::LeftButton, meta, nothing, 0.0F, relative},
-        {Qt::LeftButton, alt | meta, nothing, 0.0F, relative},
         {Qt::RightButton, Qt::NoModifier, 35, 1.0F, absolute},
         {Qt::RightButton, alt | control, 35, 1.0F, absolute},
-        {Qt::RightButton, meta, 35, 1.0F, absolute},
         {Qt::MiddleButton, Qt::NoModifier, nothing, 0.0F, absolute},
     };
     transposeBy({3});
     add({absolute});
     stack->showNodes();
-    for (const int mode : {0, 1, 2}) {
-        settings.absRelView = mode;
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.modifiers.toInt());
-            scene::click(*stack, stack->mapFromScene(ball(absolute)->pos()), row.modifiers, row.button);
-            const QList<PdMessageBuffer::Chunk> commands = drain();
-            ASSERT_EQ(commands.size(), row.type == nothing ? 0 : 1);
-            if (row.type == nothing)
-                continue;
-            EXPECT_EQ(commands[0].type, row.type);
-            EXPECT_EQ(commands[0].value, row.value);
-            EXPECT_EQ(commands[0].ratio.ratio(), row.ratio.ratio());
-        }
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.modifiers.toInt());
+        scene::click(*stack, pointOf(absolute), row.modifiers, row.button);
+        const QList<PdMessageBuffer::Chunk> commands = drain();
+        ASSERT_EQ(commands.size(), row.type == nothing ? 0 : 1);
+        if (row.type == nothing)
+            continue;
+        EXPECT_EQ(commands[0].type, row.type);
+        EXPECT_EQ(commands[0].value, row.value);
+        EXPECT_EQ(commands[0].ratio.ratio(), row.ratio.ratio());
     }
     EXPECT_FALSE(ball(absolute)->isPlaying()) << "a press changes nothing by itself";
 }
@@ -329,7 +252,7 @@ TEST_F(NodeStack, LinesRunLevelToTheCardsAndToAnAxisOfPitch)
     const OrloRatio aside(999, 1000); // pushed by the one before, still at its height
     const OrloRatio low(1, 9);
     for (const OrloRatio& ratio : {high, atPitch, aside, low}) {
-        stack->addNodeForRatio(ratio);
+        add({ratio});
         stack->toggleNodeForRatio(ratio, true);
         EXPECT_TRUE(overlay->linesOf(ball(ratio)).isEmpty()) << "without a place yet";
     }
@@ -341,7 +264,6 @@ TEST_F(NodeStack, LinesRunLevelToTheCardsAndToAnAxisOfPitch)
     EXPECT_EQ(overlay->linesOf(ball(low)), (Lines{{980, 790, 992, 790}}));
 
     stack->toggleNodeForRatio(low, false);
-    EXPECT_FALSE(overlay->balls().contains(ball(low)));
     stack->updatePositions();
     EXPECT_EQ(overlay->balls().size(), 3) << "each once, however many passes there were";
 
@@ -349,42 +271,32 @@ TEST_F(NodeStack, LinesRunLevelToTheCardsAndToAnAxisOfPitch)
     EXPECT_TRUE(overlay->linesOf(ball(atPitch)).isEmpty()) << "the stacks are switched off";
     stack->show();
     view->buildScene(OrloLeavesWidget::Circles);
-    view->scene()->setSceneRect(-450, -400, VIEW_WIDTH, WINDOW_HEIGHT);
     EXPECT_EQ(overlay->linesOf(ball(atPitch)).size(), 1) << "no axis of pitch in this view";
 }
 
-TEST_F(NodeStack, LinesAreDottedAndGreyOverTheStylesBackground)
+TEST_F(NodeStack, LinesAreDottedAndGrey)
 {
     add({OrloRatio(1, 1)});
     stack->toggleNodeForRatio(OrloRatio(1, 1), true);
     stack->showNodes();
     QImage image(overlay->size(), QImage::Format_ARGB32);
-    const auto draw = [&] {
-        image.fill(Qt::transparent);
-        overlay->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-    };
+    image.fill(Qt::transparent);
+    overlay->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
     const auto painted = [&image](int y, int from, int to) {
         int count = 0;
         for (int x = from; x < to; ++x)
             count += qAlpha(image.pixel(x, y)) > 0;
         return count;
     };
-    draw();
-    const int dots = painted(405, 916, 992);
-    EXPECT_GT(dots, 20);
-    EXPECT_LT(dots, 60);
-    EXPECT_GT(painted(406, 0, 904), 200);
+    // Of three pixels one: 77 from edge to edge, and 905.
+    EXPECT_NEAR(painted(405, 916, 993), 26, 1);
+    EXPECT_NEAR(painted(406, 0, 905), 302, 1);
     EXPECT_EQ(painted(405, 0, 904), 0);
     EXPECT_EQ(painted(404, 0, 1200), 0);
     const QColor first = image.pixelColor(916, 405);
     EXPECT_EQ(first.alpha(), 64);
     EXPECT_NEAR(first.red(), 142, 3); // premultiplied on the way
     EXPECT_EQ(first.red(), first.blue());
-
-    overlay->setStyleSheet(QStringLiteral("FreeConnectorOverlay { background: #ff0000; }"));
-    draw();
-    EXPECT_EQ(image.pixelColor(5, 5), QColor(255, 0, 0));
-    EXPECT_TRUE(overlay->testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
 } // namespace
