@@ -84,7 +84,7 @@ struct Ramp
     float value;
     float step = 0.0F;
 
-    float next() { return value += step; }
+    float at(size_t frame) const { return value + step * static_cast<float>(frame); }
 };
 
 /// The sine as a table, read between its points.
@@ -97,15 +97,24 @@ public:
             mTable[i] = static_cast<float>(std::sin(2.0 * std::numbers::pi * static_cast<double>(i) / TABLE));
         for (size_t i = 0; i < mVoices.size(); ++i) {
             const double frequency = 440.0 * static_cast<double>(23 + i) / 92.0;
-            mVoices[i].frequency.value = static_cast<float>(frequency / SoundRig::RATE * 4294967296.0);
+            mVoices[i].frequency = static_cast<std::uint32_t>(frequency / SoundRig::RATE * 4294967296.0);
         }
     }
 
-    /// Does what the Sine voice does: the frequency may glide, the envelope is squared, the gains
-    /// of either side and the volume are ramped.
-    void render(float* output) { render(output, &TableBank::addLikeSine); }
-    /// Oscillators and nothing else: no glide, no envelope, fixed gains.
-    void renderBare(float* output) { render(output, &TableBank::addBare); }
+    /// A phase and a gain for each voice, summed to one side. Nothing may change without a click.
+    void renderBare(float* output)
+    {
+        Side sum{};
+        for (Voice& voice : mVoices)
+            addBare(voice, sum);
+        for (size_t i = 0; i < FRAMES; ++i)
+            output[2 * i] = output[2 * i + 1] = sum[i];
+    }
+    /// With an envelope, and a gain for each side.
+    void renderEnvelopes(float* output) { renderSides(output, &TableBank::addEnvelope); }
+    /// Does what the Sine voice does: the frequency may glide too, the envelope is squared, and the
+    /// gains of either side are ramped.
+    void renderLikeSine(float* output) { renderSides(output, &TableBank::addLikeSine); }
 
 private:
     static constexpr unsigned BITS = 11;
@@ -113,45 +122,59 @@ private:
     using Side = std::array<float, FRAMES>;
     struct Voice
     {
-        std::uint32_t phase = 0; // 2^32 is a turn
-        Ramp frequency{0.0F};    // of that, a frame
+        std::uint32_t phase = 0;     // 2^32 is a turn
+        std::uint32_t frequency = 0; // of that, a frame
+        std::uint32_t glide = 0;     // of that, a frame
         Ramp envelope{1.0F};
         Ramp left{0.12F};
         Ramp right{0.12F};
-        Ramp volume{1.0F};
     };
 
-    float read(Voice& voice, std::uint32_t frequency) const
+    float read(std::uint32_t phase) const
     {
         constexpr unsigned rest = 32 - BITS;
-        const size_t index = voice.phase >> rest;
-        const float between = static_cast<float>(voice.phase & ((1U << rest) - 1U)) * (1.0F / (1U << rest));
-        voice.phase += frequency;
-        return mTable[index] + between * (mTable[index + 1] - mTable[index]);
+        const size_t index = phase >> rest;
+        const auto between = static_cast<float>(static_cast<int>(phase & ((1U << rest) - 1U)));
+        return mTable[index] + between * (1.0F / (1U << rest)) * (mTable[index + 1] - mTable[index]);
     }
 
-    void addLikeSine(Voice& voice, Side& left, Side& right) const
+    void addBare(Voice& kept, Side& sum) const
     {
+        Voice voice = kept; // in registers
         for (size_t i = 0; i < FRAMES; ++i) {
-            const float envelope = voice.envelope.next();
-            const auto frequency = static_cast<std::uint32_t>(voice.frequency.next());
-            const float sample = read(voice, frequency) * envelope * envelope * voice.volume.next();
-            left[i] += sample * voice.left.next();
-            right[i] += sample * voice.right.next();
+            sum[i] += read(voice.phase) * voice.left.value;
+            voice.phase += voice.frequency;
         }
+        kept = voice;
     }
 
-    void addBare(Voice& voice, Side& left, Side& right) const
+    void addEnvelope(Voice& kept, Side& left, Side& right) const
     {
-        const auto frequency = static_cast<std::uint32_t>(voice.frequency.value);
+        Voice voice = kept;
         for (size_t i = 0; i < FRAMES; ++i) {
-            const float sample = read(voice, frequency);
+            const float sample = read(voice.phase) * voice.envelope.at(i);
+            voice.phase += voice.frequency;
             left[i] += sample * voice.left.value;
             right[i] += sample * voice.right.value;
         }
+        kept = voice;
     }
 
-    void render(float* output, void (TableBank::*add)(Voice&, Side&, Side&) const)
+    void addLikeSine(Voice& kept, Side& left, Side& right) const
+    {
+        Voice voice = kept;
+        for (size_t i = 0; i < FRAMES; ++i) {
+            const float envelope = voice.envelope.at(i);
+            const float sample = read(voice.phase) * envelope * envelope;
+            voice.phase += voice.frequency;
+            voice.frequency += voice.glide;
+            left[i] += sample * voice.left.at(i);
+            right[i] += sample * voice.right.at(i);
+        }
+        kept = voice;
+    }
+
+    void renderSides(float* output, void (TableBank::*add)(Voice&, Side&, Side&) const)
     {
         Side left{};
         Side right{};
@@ -264,7 +287,8 @@ void printComparison()
     play(rig, 0, VOICES);
 
     TableBank bank;
-    std::vector<std::function<void()>> ways{engine, [&] { bank.render(output.data()); },
+    std::vector<std::function<void()>> ways{engine, [&] { bank.renderLikeSine(output.data()); },
+                                            [&] { bank.renderEnvelopes(output.data()); },
                                             [&] { bank.renderBare(output.data()); }};
 #ifdef ORLO_HAVE_FLUIDSYNTH
     Fluid fluid;
@@ -278,9 +302,10 @@ void printComparison()
         std::printf("%-40s%8.1f, Sine is %.2f times that\n", what, cost, costs[0] / cost);
     };
     print("Table bank, all that Sine does", costs[1]);
-    print("Table bank, bare", costs[2]);
+    print("Table bank, envelopes and sides", costs[2]);
+    print("Table bank, bare", costs[3]);
 #ifdef ORLO_HAVE_FLUIDSYNTH
-    print(qPrintable(QStringLiteral("FluidSynth, %1 voices").arg(fluid.voices())), costs[3]);
+    print(qPrintable(QStringLiteral("FluidSynth, %1 voices").arg(fluid.voices())), costs[4]);
 #endif
     std::printf("%-40s%8.1f, %.1f per cent of Sine\n", "Idle", idle, 100.0 * idle / costs[0]);
 }

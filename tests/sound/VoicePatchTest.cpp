@@ -222,6 +222,46 @@ TEST(VoicePatches, MacrosHaveOnePlaceEverywhereAndTheSameChordIsEquallyLoud)
         << qPrintable(quietest->second) << " and " << qPrintable(loudest->second);
 }
 
+TEST(VoicePatches, VolumeLevelAndPlaceAreOneRampedGainOfEachSideInEachSlot)
+{
+    Player player("Sine", 4);
+    ASSERT_TRUE(player.loaded);
+    SlotLedger ledger;
+    player.base(220.0);
+    player.toggle(UNISON);
+    player.render(SECOND / 2);
+    const float full = ::peak(player.render(20).left);
+    struct Row
+    {
+        int type;
+        float value;
+        float left; // as a share of what it was at first
+        float right;
+    };
+    const Row rows[] = {
+        {voiceVolume, 0.5F, 0.5F, 0.5F},
+        {voiceMacro1 + 5, 0.0F, 0.7071F, 0.0F}, // place: all to the left, of equal power
+        {voiceMacro1, 0.4F, 0.1768F, 0.0F},     // half the default level, squared
+        {voiceVolume, 2.0F, 0.3536F, 0.0F},     // no louder than 1
+        {voiceMacro1 + 5, 1.0F, 0.0F, 0.3536F},
+    };
+    for (const Row& row : rows) {
+        player.rig.player.sendPdVoiceMessage(static_cast<PdVoiceMessageType>(row.type), row.value, 0.0F);
+        EXPECT_LT(clickLevel(player.render(SECOND / 4)), -70.0) << row.type << ' ' << row.value;
+        const Stereo sound = player.render(20);
+        EXPECT_NEAR(::peak(sound.left) / full, row.left, 0.01F) << row.type << ' ' << row.value;
+        EXPECT_NEAR(::peak(sound.right) / full, row.right, 0.01F) << row.type << ' ' << row.value;
+    }
+    player.toggle(UNISON);
+    ASSERT_GT(player.renderUntilEnded(ledger, 10 * SECOND), 0);
+    player.toggle(UNISON); // takes the same slot, from its first sample with gains of its own
+    const Stereo begun = player.render(SECOND / 2);
+    EXPECT_LT(clickLevel(begun), -70.0);
+    EXPECT_NEAR(::peak(player.render(20).left) / full, 1.0F, 0.01F);
+    EXPECT_NEAR(::peak(begun.left), ::peak(begun.right), 0.01F * full)
+        << "slid in from where the last note was";
+}
+
 TEST_P(VoicePatch, HasTheExactPitchWhateverItsMacros)
 {
     Player player(GetParam().name, 4);
