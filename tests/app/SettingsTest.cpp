@@ -78,17 +78,10 @@ protected:
 };
 IN_ALL_LOCALES(SettingsTest);
 
-TEST_P(SettingsTest, AFirstStartWritesAllDefaults)
-{
-    ASSERT_EQ(defaults().size(), 33);
-    EXPECT_TRUE(settings.init());
-    EXPECT_EQ(home.read(FILE_NAME), QJsonDocument(defaults()).toJson(QJsonDocument::Indented));
-    EXPECT_TRUE(settings.oneOneFreqTempered);
-    EXPECT_EQ(settings.mainPatchVoiceChoices, (QList<int>{4, 8, 12, 16, 24, 32, 48, 64, 96, 128}));
-}
-
 TEST_P(SettingsTest, EveryKeyIsReadAndWrittenBack)
 {
+    EXPECT_TRUE(settings.init()); // a first start writes all defaults
+    EXPECT_EQ(home.read(FILE_NAME), QJsonDocument(defaults()).toJson(QJsonDocument::Indented));
     for (const char* json : {"{}", "[]", R"({"unknown": 1})"}) {
         load(json);
         EXPECT_EQ(written(settings), defaults()) << json;

@@ -41,6 +41,7 @@ public:
     double newRangeTwo = 100.0;
 
     std::map<Ratio, Note> notes; // sounding or fading
+    int starts = 0;              // of notes, so far
     std::map<Ratio, Node> altered;
     std::set<Ratio> selected;
     std::set<Ratio> held;
@@ -234,6 +235,7 @@ public:
 private:
     void start(Ratio ratio)
     {
+        ++starts;
         const auto node = altered.find(ratio);
         const double frequency = frequencyOf(ratio);
         notes[ratio] = {false, frequency > 20.0 && frequency < 20000.0, frequency,

@@ -3,7 +3,6 @@
 #include "sound/PdPlayer.h"
 #include "support/PdReceiver.h"
 
-#include <QList>
 #include <QObject>
 
 #include <array>
@@ -14,14 +13,6 @@
 class PatchEar : public QObject
 {
 public:
-    struct Message
-    {
-        float value;
-        int type;
-        int voice; // from 1
-
-        bool operator==(const Message&) const = default;
-    };
     /// What a voice has been told last.
     struct Voice
     {
@@ -35,12 +26,15 @@ public:
     {
         // A starting note is told its macros, frequency, volume and gate, and then it is signalled.
         connect(&player, &PdPlayer::noteToggled, this, [this](const OrloRatio& ratio, bool on) {
-            if (on && !mMessages.isEmpty())
-                mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mMessages.last().voice;
+            if (!on)
+                return;
+            mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mLastVoice;
+            ++mStarts;
         }, Qt::DirectConnection);
     }
 
-    QList<Message> take() { return std::exchange(mMessages, {}); }
+    /// Notes so far, those that started anew among them.
+    int starts() const { return mStarts; }
     int voiceOf(Key ratio) const { return mVoiceOf.at(ratio); }
     const Voice& voice(int number) const { return mVoices.at(static_cast<size_t>(number)); }
     /// Voices that have been let go and not been started since; the test may report their end.
@@ -49,29 +43,30 @@ public:
     void forget(int voice) { mFading.erase(voice); }
 
 private:
-    void hear(const Message& message)
+    void hear(float value, int type, int number)
     {
-        mMessages.append(message);
-        Voice& voice = mVoices.at(static_cast<size_t>(message.voice));
-        if (message.type == voiceGate) {
-            voice.gate = message.value;
-            if (message.value == 0.0F)
-                mFading.insert(message.voice);
+        mLastVoice = number;
+        Voice& voice = mVoices.at(static_cast<size_t>(number));
+        if (type == voiceGate) {
+            voice.gate = value;
+            if (value == 0.0F)
+                mFading.insert(number);
             else
-                mFading.erase(message.voice);
-        } else if (message.type == voiceFrequency) {
-            voice.frequency = message.value;
-        } else if (message.type >= voiceMacro1) {
-            voice.macros.at(static_cast<size_t>(message.type - voiceMacro1)) = message.value;
+                mFading.erase(number);
+        } else if (type == voiceFrequency) {
+            voice.frequency = value;
+        } else if (type >= voiceMacro1) {
+            voice.macros.at(static_cast<size_t>(type - voiceMacro1)) = value;
         }
     }
 
-    QList<Message> mMessages;
+    int mStarts = 0;
+    int mLastVoice = 0;
     std::array<Voice, 129> mVoices;
     std::map<Key, int> mVoiceOf;
     std::set<int> mFading;
     const PdReceiver mReceiver{"orlo-in", [this](const auto& list) {
         if (list.size() == 3)
-            hear({list[0], static_cast<int>(list[1]), static_cast<int>(list[2])});
+            hear(list[0], static_cast<int>(list[1]), static_cast<int>(list[2]));
     }};
 };

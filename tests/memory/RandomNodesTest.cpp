@@ -231,6 +231,7 @@ protected:
         for (const auto& [ratio, node] : model.altered)
             altered.insert(ratio);
         EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), model.sounding());
+        EXPECT_EQ(ear.starts(), model.starts);
         EXPECT_EQ(setOf(rig.player.getAllSelectedRatios()), model.selected);
         EXPECT_EQ(setOf(rig.player.getAllRatiosWithAlteredParameters()), altered);
         for (const auto& [ratio, note] : model.notes) {

@@ -76,11 +76,7 @@ TEST_P(RatioTest, TheSecondFieldIsAssignedButNotCopied)
 
 TEST_P(RatioTest, TextsReduceIntoOneOctaveForDisplayOnly)
 {
-    const struct
-    {
-        Integer n, d;
-        const char *within, *plain;
-    } rows[] = {
+    const std::tuple<Integer, Integer, const char*, const char*> rows[] = { // ratio, within an octave, plain
         {1, 1, "1/1", "1/1"}, {3, 1, "3/2", "3/1"}, {2, 3, "4/3", "2/3"}, {2, 1, "1/1", "2/1"},
         {1, 2, "1/1", "1/2"}, {0, 1, "0/1", "0/1"}, {16, 27, "32/27", "16/27"}, {12, 5, "6/5", "12/5"},
         // The edges of 64 bits: what does not fit stays out of the octave.
@@ -90,11 +86,11 @@ TEST_P(RatioTest, TextsReduceIntoOneOctaveForDisplayOnly)
         {1, LARGEST, "9223372036854775808/18446744073709551615", "1/18446744073709551615"},
         {TWO_63 + 1, LARGEST - 2, "9223372036854775809/18446744073709551613", "9223372036854775809/18446744073709551613"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [n, d, within, plain] : rows) {
         settings.ratiosWithinOctave = true;
-        EXPECT_EQ(OrloRatio(row.n, row.d).toString().toStdString(), row.within) << row.plain;
+        EXPECT_EQ(OrloRatio(n, d).toString().toStdString(), within) << plain;
         settings.ratiosWithinOctave = false;
-        EXPECT_EQ(OrloRatio(row.n, row.d).toString().toStdString(), row.plain);
+        EXPECT_EQ(OrloRatio(n, d).toString().toStdString(), plain);
     }
 }
 
