@@ -14,12 +14,12 @@ PublishedRatio::Value PublishedRatio::read() const
 {
     Value value;
     unsigned published = mPublished.load(std::memory_order_acquire);
-    // Two rounds at the most: the writer is a player's hand, not a loop.
-    for (int attempt = 0; attempt < 2; ++attempt) {
+    // A round fails only when this thread was held up in its middle, for all of SLOTS publications.
+    for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
         const Slot& slot = mSlots[published % SLOTS];
         value.numerator = slot.numerator.load(std::memory_order_acquire);
         value.denominator = slot.denominator.load(std::memory_order_acquire);
-        const unsigned now = mPublished.load(std::memory_order_relaxed);
+        const unsigned now = mPublished.load(std::memory_order_acquire);
         if (now - published < SLOTS - 1)
             break;
         published = now;

@@ -24,6 +24,7 @@ public:
 
 private:
     static constexpr unsigned SLOTS = 64;
+    static constexpr int MOST_ATTEMPTS = 100;
 
     struct Slot
     {
