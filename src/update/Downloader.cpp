@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QScreen>
 #include <QUrl>
 
 #include <algorithm>
@@ -60,6 +61,8 @@ Downloader::Downloader(QWidget* parent)
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint);
     setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its main window
     setAttribute(Qt::WA_StyledBackground);
+    const QRect area = screen()->availableGeometry();
+    move(area.center().x() - width() / 2, area.top() + area.height() / 5); // its boxes come in the middle
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
         stop();
         hide();

@@ -46,7 +46,7 @@ QByteArray LoopbackServer::cut(const QByteArray& body, qsizetype promised)
 
 QByteArray LoopbackServer::redirect(const QString& to)
 {
-    return "HTTP/1.1 302 Found\r\nContent-Length: 4\r\nLocation: " + to.toUtf8() + "\r\n\r\nAway";
+    return "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: " + to.toUtf8() + "\r\n\r\n";
 }
 
 QByteArray LoopbackServer::notFound()

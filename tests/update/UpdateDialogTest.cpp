@@ -61,38 +61,29 @@ TEST_P(UpdateIntervalTest, ChecksWhenTheIntervalHasPassed)
     const auto on = [](int year, int month, int day, int hour) {
         return QDateTime(QDate(year, month, day), QTime(hour, 0)).toString(Qt::TextDate);
     };
-    const struct
-    {
-        int interval;
-        QString last;
-        bool due;
-    } rows[] = {
-        {0, ago(0), true},
-        {1, on(2026, 3, 24, 11), true},
-        {1, on(2026, 3, 24, 12), false},
-        {1, on(2026, 3, 24, 13), false},
-        {2, on(2026, 2, 28, 11), true},
-        {2, on(2026, 3, 1, 11), false},
-        {3, on(2025, 12, 31, 11), true},
-        {3, on(2025, 12, 31, 13), false},
-        {4, QString(), false},
-        {4, on(1999, 1, 1, 0), false},
-        {5, ago(301), true},
-        {5, ago(300), false},
-        {-1, QString(), false},
-        {6, QString(), false},
-        // Never yet, unreadable, or ahead of the clock by more than a change of zones.
-        {1, QString(), true},
-        {2, QString(), true},
-        {3, QString(), true},
-        {2, u"no date"_s, true},
-        {3, u"2026-03-30T12:00:00"_s, true},
-        {1, on(2090, 1, 1, 0), true},
-        {1, on(2026, 4, 1, 12), false},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(UpdateDialog::isCheckDue(row.interval, row.last, now), row.due)
-            << row.interval << qPrintable(row.last);
+    const QString never;
+    const std::tuple<int, QString, bool> rows[] = {{0, ago(0), true},
+                                                   {1, on(2026, 3, 24, 11), true},
+                                                   {1, u"Tue Mar 24 12:00:00 2026"_s, false},
+                                                   {2, on(2026, 2, 28, 11), true},
+                                                   {2, on(2026, 3, 1, 11), false},
+                                                   {3, on(2025, 12, 31, 11), true},
+                                                   {3, on(2025, 12, 31, 13), false},
+                                                   {4, never, false},
+                                                   {4, on(1999, 1, 1, 0), false},
+                                                   {5, ago(301), true},
+                                                   {5, ago(300), false},
+                                                   {-1, never, false},
+                                                   {6, never, false},
+                                                   {1, never, true},
+                                                   {2, never, true},
+                                                   {3, never, true}};
+    for (const auto& [interval, last, due] : rows)
+        EXPECT_EQ(UpdateDialog::isCheckDue(interval, last, now), due) << interval << qPrintable(last);
+    // Unreadable, or ahead of the clock by more than a change of zones: as if never.
+    for (const QString& wrong : {u"no date"_s, u"2026-03-30T12:00:00"_s, on(2090, 1, 1, 0)})
+        EXPECT_TRUE(UpdateDialog::isCheckDue(3, wrong, now)) << qPrintable(wrong);
+    EXPECT_FALSE(UpdateDialog::isCheckDue(1, on(2026, 4, 1, 12), now));
 }
 
 IN_ALL_LOCALES(UpdateIntervalTest);
@@ -157,6 +148,12 @@ TEST_F(UpdateDialogTest, StaysHiddenForOldNewsUntilTheNextCheck)
     options.reset();
     nextBox();
     EXPECT_TRUE(press(QMessageBox::No));
+
+    // That news is old when the next check fails.
+    server.put(u"/updates.json"_s, LoopbackServer::notFound());
+    startCheck(false);
+    EXPECT_TRUE(nextBox().startsWith(u"<h3>A network error occurred"_s));
+    EXPECT_FALSE(dialogs().first()->isVisible());
 
     // The process ends in the middle of the last one.
     server.put(u"/updates.json"_s, LoopbackServer::cut("{", 1000), true);
