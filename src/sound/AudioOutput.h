@@ -22,7 +22,7 @@ public:
     /// Closes the stream and opens this device, -1 for the system's default. On failure no stream
     /// is open.
     virtual bool selectDevice(int index) = 0;
-    /// Returns when the output has faded to silence and stays silent.
+    /// Returns when the output has faded to silence and stays silent, or soon when no callback comes.
     virtual void muteOutput() = 0;
     virtual void unmuteOutput() = 0;
 

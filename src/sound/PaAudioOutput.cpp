@@ -334,7 +334,7 @@ void PaAudioOutput::muteOutput()
     mMuted = true;
     QElapsedTimer timer;
     timer.start();
-    while (mStream && !mSilent && timer.elapsed() < LONGEST_FADE_MS)
+    while (!mSilent && timer.elapsed() < LONGEST_FADE_MS)
         QThread::msleep(1);
 }
 
@@ -343,9 +343,9 @@ void PaAudioOutput::unmuteOutput()
     mMuted = false;
 }
 
-void PaAudioOutput::applyMute(float* output, unsigned long frames)
+void PaAudioOutput::applyMute(float* output, unsigned long frames, bool muted)
 {
-    const float gain = mMuted ? 0.0F : 1.0F;
+    const float gain = muted ? 0.0F : 1.0F;
     if (gain != mGain)
         applyRamp(output, frames, mGain, gain);
     else if (gain == 0.0F)
@@ -360,18 +360,25 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
 {
     setFlushToZero();
     unsigned long rendered = 0; // frames
+    const bool muted = mMuted;
+    // A callback that comes late finds a mute and, in the ring, the closing of the patch at once:
+    // the block that fades must still have the patch.
+    const bool fadesOut = muted && mGain > 0.0F;
     PdPlayer* engine = player();
     if (engine->handOver().enterBlock()) {
-        engine->processEvents();
+        if (!fadesOut)
+            engine->processEvents();
         if (engine->isPatchOpen()) {
             const unsigned long ticks = frames >> PD_BLOCK_SHIFT;
             libpd_process_float(static_cast<int>(ticks), nullptr, output);
             rendered = ticks << PD_BLOCK_SHIFT;
         }
+        if (fadesOut)
+            engine->processEvents();
         engine->handOver().leaveBlock();
     }
     std::memset(output + rendered * CHANNELS, 0, (frames - rendered) * CHANNELS * sizeof(float));
-    applyMute(output, frames);
+    applyMute(output, frames, muted);
 }
 
 int PaAudioOutput::portAudioCallback(const void*, void* output, unsigned long frames,

@@ -37,9 +37,9 @@ public:
     /// With no stream it does nothing and returns true.
     bool closeDevice();
 
-    /// [audio] One block: drains the commands, then renders interleaved stereo. Frames beyond a
-    /// multiple of 64 stay silent. Never blocks but for a patch change, and allocates nothing of
-    /// its own.
+    /// [audio] One block: drains the commands, then renders interleaved stereo; in the block that
+    /// fades to a mute it renders first. Frames beyond a multiple of 64 stay silent. Never blocks but
+    /// for a patch change, and allocates nothing of its own.
     void renderBlock(float* output, unsigned long frames);
 
     static int portAudioCallback(const void* input, void* output, unsigned long frames,
@@ -62,7 +62,7 @@ private:
     int paIndexOf(int& index) const;
     bool findSampleRate(const PaStreamParameters& parameters, double& sampleRate);
     bool openStream(int paIndex, int index);
-    void applyMute(float* output, unsigned long frames);
+    void applyMute(float* output, unsigned long frames, bool muted);
 
     PaStream* mStream = nullptr;
     std::shared_ptr<StreamContext> mContext;
