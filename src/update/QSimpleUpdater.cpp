@@ -2,17 +2,17 @@
 
 #include <QCoreApplication>
 
-#include <memory>
+#include <utility>
 
 QSimpleUpdater* QSimpleUpdater::getInstance()
 {
-    static std::unique_ptr<QSimpleUpdater> instance;
+    // Not a static object: its windows and connections must end before the application object does.
+    static QSimpleUpdater* instance = nullptr;
     if (!instance) {
-        instance.reset(new QSimpleUpdater);
-        // Windows and connections must end before the application object does.
-        qAddPostRoutine([] { instance.reset(); });
+        instance = new QSimpleUpdater;
+        qAddPostRoutine([] { delete std::exchange(instance, nullptr); });
     }
-    return instance.get();
+    return instance;
 }
 
 Updater* QSimpleUpdater::getUpdater(const QString& url)

@@ -250,7 +250,7 @@ void Updater::openAddress(const QString& address)
     const QUrl url(address);
     if (web::isWebAddress(url) && QDesktopServices::openUrl(url))
         return;
-    qWarning().noquote() << "The update's address could not be opened:" << address.left(200);
+    qWarning() << "The update's address could not be opened:" << address.left(200);
     mBox.show({.icon = QMessageBox::Warning,
                .title = mModuleName,
                .text = OpenBox::h3(QStringLiteral("The update's page cannot be opened")),
