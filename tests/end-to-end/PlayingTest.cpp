@@ -1,8 +1,6 @@
 #include "end-to-end/PlayingFixture.h"
 #include "end-to-end/Waiting.h"
 
-#include <cmath>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -76,32 +74,4 @@ TEST_F(Playing, AFadedNoteFreesItsVoice)
     EXPECT_TRUE(hearsNoMore(ROOT));
     for (const Pressed& note : {passing[0], passing[1], held[1]})
         EXPECT_GT(amplitudeNow(ROOT * note.ratio), 0.01) << note.path;
-}
-
-TEST_F(Playing, KeysStopNotesAndChooseMonoAndPoly)
-{
-    start();
-    const double fifth = ROOT * 3.0 / 2.0;
-    for (const QString& stop : {u"Escape"_s, u"ctrl+Escape"_s}) {
-        ASSERT_TRUE(press("/") && press("/3") && hears(ROOT) && hears(fifth));
-        ASSERT_TRUE(program->type(stop) && recorder->waitForSilence()) << stop.toStdString();
-    }
-    ASSERT_TRUE(program->type(u"m"_s) && press("/") && hears(ROOT) && press("/3") && hearsNoMore(ROOT));
-    EXPECT_TRUE(soundsAt(fifth));
-    ASSERT_TRUE(program->type(u"p"_s) && press("/") && hears(ROOT));
-    EXPECT_GT(amplitudeNow(fifth), 0.01);
-}
-
-TEST_F(Playing, VolumeKeysChangeTheLevel)
-{
-    start();
-    ASSERT_TRUE(press("/") && soundsAt(ROOT));
-    const double atStart = amplitudeNow(ROOT);
-    for (int i = 0; i < 20; ++i)
-        ASSERT_TRUE(program->type(u"k"_s));
-    // The slider goes from 0 to 140, and three quarters of it are 105; twenty steps are 40.
-    EXPECT_TRUE(waitUntil([&] { return amplitudeNow(ROOT) < 0.7 * atStart; }));
-    ASSERT_TRUE(program->type(u"ctrl+k"_s) && recorder->waitForSilence());
-    ASSERT_TRUE(program->type(u"ctrl+o"_s));
-    EXPECT_TRUE(waitUntil([&] { return std::abs(amplitudeNow(ROOT) / atStart - 1.0) < 0.03; }));
 }

@@ -135,25 +135,17 @@ TEST_F(BallLook, ASwitchedOffBallTakesItsStrutsAlong)
 
 TEST_F(BallLook, TheThickOctaveStrutsMoveWithTheOrigin)
 {
-    const struct
-    {
-        QList<int> steps;
-        int mode;
-        int atCentre;  // from / to /2
-        int oneFourth; // from /-3 to /2/-3
-    } rows[] = {
-        {{}, 1, 4, 2},
-        // Up a fifth, the origin lies on the ball of -3: its octave is the one without a 3.
-        {{3}, 1, 2, 4},
-        {{}, 0, 4, 2},
-    };
-    for (const auto& row : rows) {
-        transposeBy(row.steps);
-        show(row.mode);
-        EXPECT_EQ(scene::strutBetween(view, "/", "/2")->pen().width(), row.atCentre);
-        EXPECT_EQ(scene::strutBetween(view, "/-3", "/2/-3")->pen().width(), row.oneFourth);
+    const auto expectWidths = [this](int mode, int octave, int octaveOfFifth) {
+        show(mode);
+        EXPECT_EQ(scene::strutBetween(view, "/", "/2")->pen().width(), octave);
+        EXPECT_EQ(scene::strutBetween(view, "/-3", "/2/-3")->pen().width(), octaveOfFifth);
         EXPECT_EQ(scene::strutBetween(view, "/", "/3")->pen().width(), 4) << "rising struts keep their width";
-    }
+    };
+    expectWidths(1, 4, 2);
+    // Up a fifth, the origin lies on the ball of -3: its octave is the one without a 3.
+    transposeBy({3});
+    expectWidths(1, 2, 4);
+    expectWidths(0, 4, 2);
 }
 
 } // namespace

@@ -94,25 +94,23 @@ TEST_F(CardStack, ModifiersAndButtonsOnACardChooseTheCommand)
         bool twice;
         Qt::MouseButton button;
         Qt::KeyboardModifiers modifiers;
-        int type; // -1: no command
+        std::string first;  // of 9/8, a ball's
+        std::string second; // of 25/16
     } rows[] = {
-        {false, Qt::RightButton, Qt::NoModifier, 34},
-        {false, Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier, 34},
-        {false, Qt::LeftButton, Qt::ControlModifier, 34},
-        {false, Qt::LeftButton, Qt::ShiftModifier, 36},
-        {false, Qt::LeftButton, Qt::NoModifier, -1},
-        {true, Qt::LeftButton, Qt::NoModifier, 34},
-        {false, Qt::LeftButton, Qt::AltModifier, -1},
-        {false, Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier, -1},
-        {false, Qt::MiddleButton, Qt::NoModifier, -1},
+        {false, Qt::RightButton, Qt::NoModifier, "34 1 9/8", "34 1 25/16"},
+        {false, Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier, "34 1 9/8", "34 1 25/16"},
+        {false, Qt::LeftButton, Qt::ControlModifier, "34 1 9/8", "34 1 25/16"},
+        {false, Qt::LeftButton, Qt::ShiftModifier, "36 1 3/4", "36 1 25/24"},
+        {false, Qt::LeftButton, Qt::NoModifier, "", ""},
+        {true, Qt::LeftButton, Qt::NoModifier, "34 1 9/8", "34 1 25/16"},
+        {false, Qt::LeftButton, Qt::AltModifier, "", ""},
+        {false, Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier, "", ""},
+        {false, Qt::MiddleButton, Qt::NoModifier, "", ""},
     };
-    for (const OrloRatio& absolute : {OrloRatio(9, 8), OrloRatio(25, 16)}) {
-        OrloRatio relative(absolute);
-        relative *= OrloRatio(2, 3);
+    for (const bool second : {false, true}) {
         for (const auto& row : rows) {
-            SCOPED_TRACE(static_cast<int>(row.button) * 1000 + row.modifiers.toInt());
-            CardWidget* card = cardFor(absolute.numerator(), absolute.denominator());
-            EXPECT_EQ(card->isAtStackTwo(), absolute == OrloRatio(25, 16));
+            CardWidget* card = second ? cardFor(25, 16) : cardFor(9, 8);
+            EXPECT_EQ(card->isAtStackTwo(), second);
             card->raise();
             // On a text, so that the card's parts are seen to let the press through.
             const QPoint at = label(card, "noteLabel")->mapTo(&page, QPoint(4, 8));
@@ -120,13 +118,8 @@ TEST_F(CardStack, ModifiersAndButtonsOnACardChooseTheCommand)
                 QTest::mouseDClick(page.windowHandle(), row.button, row.modifiers, at);
             else
                 QTest::mouseClick(page.windowHandle(), row.button, row.modifiers, at);
-            const QList<PdMessageBuffer::Chunk> commands = drain();
+            EXPECT_EQ(said(), second ? row.second : row.first) << row.button << ' ' << row.modifiers.toInt();
             report();
-            ASSERT_EQ(commands.size(), row.type < 0 ? 0 : 1);
-            if (row.type < 0)
-                continue;
-            EXPECT_EQ(commands[0].type, row.type);
-            EXPECT_EQ(commands[0].ratio.ratio(), (row.type == 34 ? absolute : relative).ratio());
             orlo.onTransposed(OrloRatio(3, 2), Orlo::FREE_TRANSPOSITION); // wherever the player is now
             updatePage();
         }
@@ -348,8 +341,10 @@ TEST_F(CardStack, AThousandChordsLeaveNothingBehind)
             orlo.onNoteToggled(OrloRatio(balls[i]->ball()->path()), on);
             orlo.onNoteToggled(OrloRatio(1000 + static_cast<unsigned>(i), 997), on);
         }
-        if (!on)
+        if (!on) {
+            emit orlo.resetNodeStack();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
     };
     const auto objects = [this] { return page.findChildren<QObject*>().size(); };
     play(30, true);

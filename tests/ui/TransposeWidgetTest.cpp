@@ -42,10 +42,10 @@ protected:
     bool canReset() const { return widget.findChild<QWidget*>(QStringLiteral("resetButton"))->isEnabled(); }
 
     /// Long enough for an animated click, then through the player and back.
-    QList<PdMessageBuffer::Chunk> settle()
+    std::string settle()
     {
         QTest::qWait(150);
-        const QList<PdMessageBuffer::Chunk> commands = drain();
+        const std::string commands = said();
         report();
         return commands;
     }
@@ -79,22 +79,18 @@ TEST_F(Transpose, ClicksAndKeysQueueTheSameCommands)
     const struct
     {
         std::function<void()> act;
-        int type;
-        float value;
+        const char* command;
         QList<int> steps;
     } rows[] = {
-        {[&] { up(3)->click(); }, OrloEvent::TransposeByPrimeStep, 5.0F, {5}},
-        {[&] { widget.transposeUp(2); }, OrloEvent::TransposeByPrimeStep, 3.0F, {5, 3}},
-        {[&] { widget.transposeDown(11); }, OrloEvent::TransposeByPrimeStep, -31.0F, {5, 3, -31}},
-        {[&] { widget.toggle(4); }, OrloEvent::PrimeEnabledToggle, 7.0F, {5, 3, -31}},
-        {[&] { widget.resetTranspose(); }, OrloEvent::TransposeByPrimeStep, 0.0F, {}},
+        {[&] { up(3)->click(); }, "15 5 0/1", {5}},
+        {[&] { widget.transposeUp(2); }, "15 3 0/1", {5, 3}},
+        {[&] { widget.transposeDown(11); }, "15 -31 0/1", {5, 3, -31}},
+        {[&] { widget.toggle(4); }, "23 7 0/1", {5, 3, -31}},
+        {[&] { widget.resetTranspose(); }, "15 0 0/1", {}},
     };
     for (const auto& row : rows) {
         row.act();
-        const QList<PdMessageBuffer::Chunk> commands = settle();
-        ASSERT_EQ(commands.size(), 1) << row.value;
-        EXPECT_EQ(commands[0].type, row.type);
-        EXPECT_EQ(commands[0].value, row.value);
+        EXPECT_EQ(settle(), row.command);
         EXPECT_EQ(orlo.transposeSteps(), row.steps);
     }
     EXPECT_FALSE(prime(4)->isChecked());
@@ -106,7 +102,7 @@ TEST_F(Transpose, ClicksAndKeysQueueTheSameCommands)
     widget.transposeDown(12);
     for (const int row : {-1, 0, 1, 2})
         widget.toggle(row);
-    EXPECT_TRUE(settle().isEmpty());
+    EXPECT_EQ(settle(), "");
 }
 
 TEST_F(Transpose, AStepBeyondTheRangeVanishes)

@@ -50,6 +50,18 @@ QList<PdMessageBuffer::Chunk> UiFixture::drain()
     return commands;
 }
 
+std::string UiFixture::said()
+{
+    QStringList texts;
+    for (const PdMessageBuffer::Chunk& chunk : drain()) {
+        const QString ratio =
+            QStringLiteral("%1/%2").arg(chunk.ratio.numerator()).arg(chunk.ratio.denominator());
+        const QString pitch = chunk.type == OrloEvent::NoteToggleByPath ? chunk.path.toString() : ratio;
+        texts.append(QStringLiteral("%1 %2 %3").arg(chunk.type).arg(chunk.value).arg(pitch));
+    }
+    return texts.join(u"; ").toStdString();
+}
+
 void UiFixture::report()
 {
     QCoreApplication::processEvents();
@@ -120,8 +132,8 @@ QPoint centreOf(const OrloView& view, const char* path)
     return view.mapFromScene(ballAt(view, path)->scenePos());
 }
 
-void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
-           Qt::KeyboardModifiers modifiers)
+void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button,
+           Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers)
 {
     QMouseEvent event(type, point, view.viewport()->mapToGlobal(point), button, buttons, modifiers);
     QCoreApplication::sendEvent(view.viewport(), &event);

@@ -30,6 +30,8 @@ protected:
 
     /// Lets the player read its commands, and gives them. What it reports arrives with report().
     QList<PdMessageBuffer::Chunk> drain();
+    /// The same as one text, "type value ratio" of each or, of a ball's note, "0 value path".
+    std::string said();
     /// Delivers queued signals.
     static void report();
 
@@ -68,8 +70,8 @@ QPoint centreOf(const OrloView& view, const char* path);
 /// One click of the mouse on the view, at this point of the viewport.
 void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
            Qt::MouseButton button = Qt::LeftButton);
-void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button, Qt::MouseButtons buttons,
-           Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button,
+           Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 } // namespace scene
 
