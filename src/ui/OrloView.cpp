@@ -10,14 +10,23 @@
 #include <QDebug>
 #include <QGraphicsScene>
 #include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QScrollBar>
 #include <QTouchEvent>
+#include <QWheelEvent>
 
+#include <cmath>
 #include <limits>
 
 namespace {
 
 /// In pixels. Beyond this Qt cuts each shape to the screen by itself, at a hundred times the cost.
 constexpr double LARGEST_PICTURE = 32767.0;
+
+/// Eighths of a degree of the wheel for twice the size: four clicks of a common one.
+constexpr double WHEEL_FOR_DOUBLE = 480.0;
+/// Times the fit. A ball of this size fills the page; fingers may go further.
+constexpr double LARGEST_BY_WHEEL = 16.0;
 
 struct StackPolicy
 {
@@ -162,7 +171,7 @@ void OrloView::setTestingVariables(int value)
     mCurrentScale = mFitScale; // or the next resize would bring the former zoom back
     applyCurrentScale();
     updateStacksItemsPositions();
-    mTouchZoom = value != 0;
+    mZoomAllowed = value != 0;
     if (value < 0)
         mTouchStepThreshold = qAbs(qMax(value, -std::numeric_limits<int>::max()));
     else if (value > 0)
@@ -188,11 +197,43 @@ void OrloView::mouseReleaseEvent(QMouseEvent* event)
     viewport()->setCursor(Qt::ArrowCursor);
 }
 
+void OrloView::wheelEvent(QWheelEvent* event)
+{
+    if (!event->modifiers().testFlag(Qt::ControlModifier)) {
+        QGraphicsView::wheelEvent(event);
+        storeSceneCentre();
+        updateStacksWhenZoom(true);
+        return;
+    }
+    event->accept(); // with zoom off too: it is no scrolling
+    if (mZoomAllowed)
+        zoomAround(event->position(), std::exp2(event->angleDelta().y() / WHEEL_FOR_DOUBLE));
+}
+
+/// What is at this point of the viewport stays there, as far as the edges of the scene let it.
+void OrloView::zoomAround(QPointF fixed, double factor)
+{
+    const double largest = qMax(mTotalScale, LARGEST_BY_WHEEL * mFitScale);
+    mTotalScale = qBound(mFitScale, mTotalScale * factor, largest);
+    mCurrentScale = mTotalScale;
+    const QPointF kept = viewportTransform().inverted().map(fixed);
+    applyCurrentScale();
+    const QPoint gone = (viewportTransform().map(kept) - fixed).toPoint();
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + gone.x());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + gone.y());
+    storeSceneCentre();
+    updateStacksWhenZoom(true);
+}
+
 // ---------------------------------------------------------------- touch
 
 bool OrloView::viewportEvent(QEvent* event)
 {
-    if (!mTouchZoom || !isTouch(event))
+    if (mZoomAllowed && event->type() == QEvent::NativeGesture) {
+        zoomByTrackpad(static_cast<const QNativeGestureEvent&>(*event));
+        return true;
+    }
+    if (!mZoomAllowed || !isTouch(event))
         return QGraphicsView::viewportEvent(event);
     auto& touch = static_cast<QTouchEvent&>(*event);
     if (touch.pointCount() == 1)
@@ -224,6 +265,12 @@ void OrloView::zoomByTouch(QTouchEvent& event)
     }
     mTouchSteps = 0;
     qDebug() << "Zoom etc. - step executed. ";
+}
+
+void OrloView::zoomByTrackpad(const QNativeGestureEvent& event)
+{
+    if (event.gestureType() == Qt::ZoomNativeGesture)
+        zoomAround(event.position(), 1.0 + event.value());
 }
 
 // ---------------------------------------------------------------- stacks

@@ -10,10 +10,12 @@ class CardStackWidget;
 class NodeStackWidget;
 class Orlo;
 class OrloWidget;
+class QNativeGestureEvent;
 class QTouchEvent;
 
-/// The scene of one page: fits it into the widget, drags it with the mouse and zooms it with two
-/// fingers. Graphical thread only, as is all of this folder.
+/// The scene of one page: fits it into the widget, drags it with the mouse, scrolls it with the wheel and
+/// zooms it with two fingers on a screen or a trackpad, or with the wheel and Ctrl. Graphical thread
+/// only, as is all of this folder.
 ///
 /// Three scales, all in pixels per scene unit: the fit scale shows the whole scene, the total
 /// scale is what the last gesture left, the current scale is what is on the screen.
@@ -36,8 +38,8 @@ public:
     void updateStacksItemsPositions();
     /// Moves what the policy says, while a gesture lasts or at its end.
     void updateStacksWhenZoom(bool final);
-    /// Back to the fit. Then `value` below 0: touch zoom on, with that many updates for a step;
-    /// 0: touch zoom off; above 0: touch zoom on, with this policy for the stacks.
+    /// Back to the fit. Then `value` below 0: zoom on, with that many updates of a touch for a step;
+    /// 0: zoom off; above 0: zoom on, with this policy for the stacks.
     void setTestingVariables(int value);
     /// A developer's aid: logs the ball at this point of the viewport.
     void detectBallMouseOver(QPoint point) const;
@@ -62,11 +64,14 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     bool viewportEvent(QEvent* event) override;
 
 private:
     void followFit();
     void zoomByTouch(QTouchEvent& event);
+    void zoomByTrackpad(const QNativeGestureEvent& event);
+    void zoomAround(QPointF fixed, double factor);
     void applyCurrentScale();
     void storeSceneCentre();
 
@@ -74,7 +79,7 @@ private:
     double mFitScale = 1.0;
     double mCurrentScale = 1.0;
     QPointF mSceneCentre{1.0, 1.0};
-    bool mTouchZoom = true;
+    bool mZoomAllowed = true;
     bool mZoomBelowFit = false;
     int mStackUpdatePolicy = 6;
     int mTouchSteps = 0;         // updates since the last step on the screen

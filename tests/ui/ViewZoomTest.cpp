@@ -2,8 +2,10 @@
 #include "ui/UiFixture.h"
 
 #include <QGraphicsScene>
+#include <QNativeGestureEvent>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <limits>
 
@@ -49,6 +51,17 @@ protected:
         begin(from);
         move(to);
         end(to);
+    }
+
+    void wheel(QPointF at, QPoint turn, Qt::KeyboardModifiers keys = Qt::NoModifier)
+    {
+        QWheelEvent event(at, view.viewport()->mapToGlobal(at), {}, turn, Qt::NoButton, keys, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    }
+    void pinchOnTrackpad(QPointF at, double value)
+    {
+        QNativeGestureEvent event(Qt::ZoomNativeGesture, device, 2, at, at, view.viewport()->mapToGlobal(at), value, {});
+        QCoreApplication::sendEvent(view.viewport(), &event);
     }
 
     OrloView view;
@@ -176,6 +189,40 @@ TEST_F(ViewZoom, ADragMovesTheCentreThatAResizeKeeps)
     const QPointF after = view.mapToScene(view.viewport()->rect().center());
     EXPECT_NEAR(after.x(), dragged.x(), 1.5);
     EXPECT_NEAR(after.y(), dragged.y(), 1.5);
+}
+
+TEST_F(ViewZoom, TheWheelZoomsWithCtrlAroundThePointerAndScrollsWithout)
+{
+    const double fit = view.fitScale();
+    const QPoint pointer = view.mapFromScene(view.scene()->sceneRect().center()) + QPoint(80, -60);
+    const QPointF kept = view.mapToScene(pointer);
+    wheel(pointer, {0, 480}, Qt::ControlModifier);
+    EXPECT_NEAR(shown(), 2 * fit, 1e-9);
+    wheel(pointer, {0, 960}, Qt::ControlModifier);
+    EXPECT_NEAR(shown(), 8 * fit, 1e-9);
+    // To whole pixels each time, of which the first are four of the last.
+    EXPECT_NEAR(view.mapToScene(pointer).x(), kept.x(), 3 / shown());
+    EXPECT_NEAR(view.mapToScene(pointer).y(), kept.y(), 3 / shown());
+
+    const QPointF before = view.mapToScene(centre);
+    wheel(pointer, {0, -120});
+    const QPointF scrolled = view.mapToScene(centre);
+    EXPECT_GT(scrolled.y(), before.y());
+    view.resize(900, 600);
+    EXPECT_NEAR(view.mapToScene(view.viewport()->rect().center()).y(), scrolled.y(), 2 / shown()) << "kept";
+
+    wheel(centre, {0, 4800}, Qt::ControlModifier);
+    EXPECT_NEAR(shown(), 16 * view.fitScale(), 1e-9) << "not without end";
+    wheel(centre, {0, -9600}, Qt::ControlModifier);
+    EXPECT_NEAR(shown(), view.fitScale(), 1e-9) << "not below the fit";
+    pinchOnTrackpad(centre, 0.5);
+    pinchOnTrackpad(centre, 0.2);
+    EXPECT_NEAR(shown(), 1.8 * view.fitScale(), 1e-9);
+
+    view.setTestingVariables(0);
+    wheel(centre, {0, 480}, Qt::ControlModifier);
+    pinchOnTrackpad(centre, 0.5);
+    EXPECT_DOUBLE_EQ(shown(), view.fitScale()) << "zoom is off";
 }
 
 } // namespace
