@@ -9,7 +9,6 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QTest>
-#include <QWindow>
 
 #include <memory>
 

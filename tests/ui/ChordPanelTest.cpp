@@ -80,7 +80,7 @@ TEST_F(ChordPanel, StoresRecallsAndClearsByClicks)
     clickChord(20);
     EXPECT_EQ(stored(7), "1/1 3/2");
     EXPECT_EQ(stored(20), "5/4");
-    EXPECT_EQ(boxes.take(), QStringList(2, QStringLiteral("|Replace?")));
+    EXPECT_EQ(boxes.take(), QStringList(2, QStringLiteral("Replace?")));
     play({});
     for (const int number : {8, 20}) { // neither a question nor a loss
         clickChord(number);

@@ -169,6 +169,9 @@ TEST_F(ChordMenus, ADirectoryIsChosenAndItsBanksListed)
     create(banks(), "One");
     create(presets(), "P");
     QDir(home.path(QStringLiteral("elsewhere"))).mkpath(QStringLiteral("Theirs"));
+    boxes.type(QString(), false);
+    click("saveChordDirectoryButton");
+    EXPECT_EQ(banks()->currentText(), QStringLiteral("One"));
     boxes.type(home.path(QStringLiteral("elsewhere")));
     click("saveChordDirectoryButton");
     EXPECT_EQ(settings.lastDirPath, home.path(QStringLiteral("elsewhere")));

@@ -72,7 +72,6 @@ TEST_F(MainWindowTest, MacroNamesAndDefaultsComeFromThePatch)
     report();
     EXPECT_EQ(find<QLabel>("macroLabel1")->text(), QStringLiteral("Attack"));
     EXPECT_EQ(find<QLabel>("macroLabel3")->text(), QStringLiteral("Unused"));
-    EXPECT_TRUE(slider("macroSlider2")->isEnabled());
     EXPECT_FALSE(slider("macroSlider3")->isEnabled());
     press(Qt::Key_S, Qt::AltModifier);
     EXPECT_EQ(commands(), QList<Command>(2, {OrloEvent::Macro1Set, 0.25F}));
@@ -175,8 +174,6 @@ TEST_F(MainWindowTest, ReadoutShowsStepsAndFrequencies)
 
     transposeBy(QList<int>(60, 3)); // far more than the label holds
     EXPECT_TRUE(line("infoLabel1").contains(QChar(0x2026)));
-    EXPECT_LE(find<QLabel>("infoLabel1")->fontMetrics().horizontalAdvance(line("infoLabel1")),
-              find<QLabel>("infoLabel1")->width());
 }
 
 TEST_F(MainWindowTest, KeysQueueCommands)
@@ -195,7 +192,6 @@ TEST_F(MainWindowTest, KeysQueueCommands)
         {Qt::Key_X, alt, OrloEvent::NodesResetSelectedDeselect},
         {Qt::Key_Z, alt | control, OrloEvent::NodesResetSelectedDeselect},
         {Qt::Key_Z, alt, OrloEvent::NodesResetSelected},
-        {Qt::Key_Z, Qt::NoModifier, OrloEvent::None},
         {Qt::Key_Escape, control | alt, OrloEvent::AllNotesOffForced},
         {Qt::Key_Escape, alt, OrloEvent::NodesDeselectAll},
         {Qt::Key_Escape, shift, OrloEvent::AllNotesOff},

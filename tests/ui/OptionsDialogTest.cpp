@@ -182,17 +182,21 @@ TEST_F(OptionsDialogTest, SplitMenusOfferWhatTheOctaveHas)
     const char* note = "oneOneNoteInOctaveEdit";
     // The note, the menu and what is chosen there; the note then, and as the menu of all notes has it.
     const std::tuple<const char*, const char*, const char*, const char*, const char*> rows[] = {
-        {"C 4", octave, "5", "C 5", "C 5"},    {"C 4", note, "F#", "F# 4", "F# 4"},
-        {"Ab 4", octave, "0", "A 0", "A 0"},   {"B 4", octave, "8", "A 8", "A 8"},
-        {"Ab 4", octave, "8", "Ab 8", "Ab 8"}, //
-        {"A 8", note, "Ab", "A 8", "A 8"},     // by its place in the shorter menu
-        {"G 8", octave, "0", "G 0", "G 8"}};   // the same: a note that is in no table
+        {"C 4", octave, "5", "C 5", "C 5"},
+        {"C 4", note, "F#", "F# 4", "F# 4"},
+        {"Ab 4", octave, "0", "A 0", "A 0"},
+        {"B 4", octave, "8", "A 8", "A 8"},
+        {"A 8", note, "G", "G 8", "G 8"},
+        {"A 8", note, "Ab", "A 8", "A 8"},  // by its place in the shorter menu
+        {"G 8", octave, "0", "G 0", "G 8"}, // the same: a note that is in no table
+        {"Ab 4", octave, "8", "Ab 8", "Ab 8"}};
     for (const auto& [before, where, chosen, after, inTable] : rows) {
         open(440.0, 440.0, before);
         choose(menu(where), chosen);
         EXPECT_EQ(settings.baseNote.toStdString(), after) << before;
         EXPECT_EQ(menu("oneOneNoteEdit")->currentText().toStdString(), inTable) << before;
     }
+    EXPECT_EQ(settings.baseFrequency, static_cast<double>(6644.88F)); // of the last one
     clickBox("splitOctavesNotes");
     EXPECT_FALSE(settings.oneOneMenuSplitOctaves || menu(note)->isVisible() || menu(octave)->isVisible());
     EXPECT_TRUE(menu("oneOneNoteEdit")->isVisible());
@@ -285,6 +289,7 @@ TEST_F(OptionsDialogTest, GlissandoRangesApplyAtTheEndOfTheirEdit)
     EXPECT_EQ(midi.pitchBendRangeCents, 9600);
     EXPECT_EQ(settings.glissOneRangeCents, 9600.0F);
     EXPECT_EQ(settings.glissTwoRangeCents, 700.0F);
+    box("MIDI MPE limit ")->setValue(1e6);
     EXPECT_EQ(settings.glissRangeMPECents, 9550);
 }
 

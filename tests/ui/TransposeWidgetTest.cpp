@@ -64,10 +64,9 @@ TEST_F(Transpose, LabelsCountTheNetStepsOnTheirSide)
     EXPECT_TRUE(canReset());
     EXPECT_EQ(labels(1), "|+1");
     EXPECT_EQ(labels(2), "-2|");
-    EXPECT_EQ(labels(3), "|+1");
     orlo.onTransposed(OrloRatio(1, 1), 0);
     EXPECT_FALSE(canReset());
-    EXPECT_EQ(labels(1) + labels(2) + labels(3), "|||");
+    EXPECT_EQ(labels(1) + labels(2), "||");
 }
 
 TEST_F(Transpose, ClicksAndKeysQueueTheSameCommands)

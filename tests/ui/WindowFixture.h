@@ -22,7 +22,10 @@ public:
 
     bool init(int, int, PdPlayer*) override { return true; }
     void term() override {}
-    QStringList devices() const override { return names; }
+    QStringList devices() const override
+    {
+        return {QStringLiteral("JACK: system"), QStringLiteral("JACK: studio"), QStringLiteral("ALSA: gone")};
+    }
     void logDevices() const override {}
     bool selectDevice(int index) override
     {
@@ -33,8 +36,6 @@ public:
     void muteOutput() override {}
     void unmuteOutput() override {}
 
-    QStringList names{QStringLiteral("JACK: system"), QStringLiteral("JACK: studio"),
-                      QStringLiteral("ALSA: gone")};
     QList<int> broken{2};
 };
 
@@ -50,7 +51,7 @@ public:
     /// Types this and accepts, or cancels.
     void type(const QString& text, bool accept = true) { mAnswers.append({accept, text}); }
 
-    /// Title and text of all boxes since the last time, as "title|text".
+    /// The texts of all boxes since the last time; of one with a line to type, its title.
     QStringList take() { return std::exchange(mShown, {}); }
 
 protected:

