@@ -9,7 +9,6 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QTest>
-#include <QWindow>
 
 #include <memory>
 
@@ -40,35 +39,23 @@ TEST_F(CardStack, ASoundingBallHasACardOnBothPagesLevelWithIt)
 {
     OrloLayer other;
     other.init(OrloLeavesWidget::Circles, &orlo);
-    const auto press = [](const OrloView& view, const char* path) {
-        scene::click(const_cast<OrloView&>(view), scene::centreOf(view, path));
-        report();
-    };
-    for (const char* path : {"/3", "/-2/5"}) {
-        press(*page.orloView(), path);
-        EXPECT_EQ(cards(), 0) << "a press changes nothing by itself";
-        drain();
-        report();
+    const std::pair<const char*, OrloRatio> rows[] = {{"/3", {3, 2}}, {"/-2/5", {5, 8}}};
+    for (const auto& [path, ratio] : rows) {
+        sound(ratio);
         const CardWidget* card = cardOf(path);
         ASSERT_TRUE(card && card->isVisible()) << path;
         EXPECT_EQ(card->pos(), QPoint(0, ballCentre(path).y() - card->height() / 2));
-        ASSERT_EQ(other.cardStack()->cards().size(), 1);
-        EXPECT_EQ(other.cardStack()->cards().values().first()->absoluteRatio(), card->absoluteRatio());
+        EXPECT_EQ(other.cardStack()->cards().size(), 1);
 
         const QList<QLine> lines = page.cardConnectors()->linesOf(ball(path));
         ASSERT_EQ(lines.size(), 2);
-        const int y = page.orloView()->viewport()->mapTo(&page, ballCentre(path)).y();
-        EXPECT_EQ(lines[0].y1(), y);
+        EXPECT_EQ(lines[0].y1(), page.orloView()->viewport()->mapTo(&page, ballCentre(path)).y());
         EXPECT_EQ(lines[0].x2(), page.cardStack()->mapTo(&page, QPoint(0, 0)).x());
-        EXPECT_EQ(lines[1].x1(), 0);
         const double width = (lines[0].x1() - lines[1].x2()) / page.orloView()->currentScale();
         EXPECT_NEAR(width, 2 * ball(path)->playingRadius(), 2.0);
 
-        press(*other.orloView(), path);
-        drain();
-        report();
+        sound(ratio, false);
         EXPECT_EQ(cards(), 0);
-        EXPECT_TRUE(page.cardConnectors()->connectors().isEmpty());
         EXPECT_TRUE(other.cardStack()->cards().isEmpty());
     }
 }
@@ -89,40 +76,29 @@ TEST_F(CardStack, ModifiersAndButtonsOnACardChooseTheCommand)
 {
     transposeBy({3});
     drain();
-    const struct
-    {
-        bool twice;
-        Qt::MouseButton button;
-        Qt::KeyboardModifiers modifiers;
-        std::string first;  // of 9/8, a ball's
-        std::string second; // of 25/16
-    } rows[] = {
-        {false, Qt::RightButton, Qt::NoModifier, "34 1 9/8", "34 1 25/16"},
-        {false, Qt::RightButton, Qt::ShiftModifier | Qt::AltModifier, "34 1 9/8", "34 1 25/16"},
-        {false, Qt::LeftButton, Qt::ControlModifier, "34 1 9/8", "34 1 25/16"},
-        {false, Qt::LeftButton, Qt::ShiftModifier, "36 1 3/4", "36 1 25/24"},
-        {false, Qt::LeftButton, Qt::NoModifier, "", ""},
-        {true, Qt::LeftButton, Qt::NoModifier, "34 1 9/8", "34 1 25/16"},
-        {false, Qt::LeftButton, Qt::AltModifier, "", ""},
-        {false, Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier, "", ""},
-        {false, Qt::MiddleButton, Qt::NoModifier, "", ""},
+    // Whether twice, button, modifiers and command; 9/8 is 3/4 a fifth up.
+    const std::tuple<bool, Qt::MouseButton, Qt::KeyboardModifiers, const char*> rows[] = {
+        {false, Qt::RightButton, Qt::ShiftModifier, "34 1 9/8"},
+        {false, Qt::LeftButton, Qt::ControlModifier, "34 1 9/8"},
+        {false, Qt::LeftButton, Qt::ShiftModifier, "36 1 3/4"},
+        {false, Qt::LeftButton, Qt::NoModifier, ""},
+        {true, Qt::LeftButton, Qt::NoModifier, "34 1 9/8"},
+        {false, Qt::LeftButton, Qt::ControlModifier | Qt::ShiftModifier, ""},
+        {false, Qt::MiddleButton, Qt::NoModifier, ""},
     };
-    for (const bool second : {false, true}) {
-        for (const auto& row : rows) {
-            CardWidget* card = second ? cardFor(25, 16) : cardFor(9, 8);
-            EXPECT_EQ(card->isAtStackTwo(), second);
-            card->raise();
-            // On a text, so that the card's parts are seen to let the press through.
-            const QPoint at = label(card, "noteLabel")->mapTo(&page, QPoint(4, 8));
-            if (row.twice)
-                QTest::mouseDClick(page.windowHandle(), row.button, row.modifiers, at);
-            else
-                QTest::mouseClick(page.windowHandle(), row.button, row.modifiers, at);
-            EXPECT_EQ(said(), second ? row.second : row.first) << row.button << ' ' << row.modifiers.toInt();
-            report();
-            orlo.onTransposed(OrloRatio(3, 2), Orlo::FREE_TRANSPOSITION); // wherever the player is now
-            updatePage();
-        }
+    for (const auto& [twice, button, modifiers, command] : rows) {
+        CardWidget* card = cardFor(9, 8);
+        card->raise();
+        // On a text, so that the card's parts are seen to let the press through.
+        const QPoint at = label(card, "noteLabel")->mapTo(&page, QPoint(4, 8));
+        if (twice)
+            QTest::mouseDClick(page.windowHandle(), button, modifiers, at);
+        else
+            QTest::mouseClick(page.windowHandle(), button, modifiers, at);
+        EXPECT_EQ(said(), command) << button << ' ' << modifiers.toInt();
+        report();
+        orlo.onTransposed(OrloRatio(3, 2), Orlo::FREE_TRANSPOSITION); // wherever the player is now
+        updatePage();
     }
 }
 
@@ -132,13 +108,11 @@ TEST_F(CardStack, ThePointerRaisesCards)
     CardWidget* five = cardFor(5, 4);
     CardWidget* seven = cardFor(7, 4);
     CardWidget* one = cardFor(1, 1);
-    EXPECT_TRUE(liesOver(one, seven));
     QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), five->mapToGlobal(QPointF(5, 5)));
     QCoreApplication::sendEvent(five, &enter);
     EXPECT_TRUE(liesOver(five, one));
     hover("/7");
     EXPECT_TRUE(liesOver(seven, five));
-
     // A ball of the tree waits, and gives up when the pointer has gone on.
     QCursor::setPos(page.mapToGlobal(QPoint(1, 1)));
     QElapsedTimer waited;
@@ -164,21 +138,16 @@ TEST_F(CardStack, ThePointerRaisesCards)
 TEST_F(CardStack, PitchesWithoutABallStandLevelWithTheirSmallBall)
 {
     auto* nodes = page.findChild<NodeStackWidget*>();
-    const auto expectLevel = [&](const OrloRatio& ratio) {
-        const CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
-        nodes->showNodes();
-        EXPECT_NEAR(card->y() + card->height() / 2, nodes->ballForRatio(ratio)->y(), 1) << ratio.numerator();
-    };
-    for (const QSize& size : {QSize(1200, 800), QSize(1000, 560)}) {
-        page.resize(size);
-        for (const OrloRatio& ratio : {OrloRatio(49, 32), OrloRatio(25, 36), OrloRatio(625, 256)})
-            expectLevel(ratio);
+    for (const int step : {0, 17}) { // the transposition is the middle of the scale
+        page.resize(1000, 800 - 10 * step);
+        transposeBy({step});
+        updatePage();
+        for (const OrloRatio& ratio : {OrloRatio(49, 32), OrloRatio(25, 36)}) {
+            const CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
+            nodes->showNodes();
+            EXPECT_NEAR(card->y() + card->height() / 2, nodes->ballForRatio(ratio)->y(), 1) << step;
+        }
     }
-    // The transposition is the middle of the scale.
-    transposeBy({17});
-    updatePage();
-    expectLevel(OrloRatio(49, 32));
-
     // Far pitches end at the edges.
     EXPECT_EQ(cardFor(1000, 1)->y(), 0);
     const CardWidget* low = cardFor(1, 1000);
@@ -192,7 +161,6 @@ TEST_F(CardStack, ARatioWithoutAPitchShowsACardThatSaysSo)
     const CardWidget* card = page.cardStackTwo()->getCardForRatio(nothing);
     ASSERT_TRUE(card);
     EXPECT_EQ(text(card, "ratioLabel"), QStringLiteral("out of\nbounds"));
-    EXPECT_EQ(card->y(), page.cardStackTwo()->height() - card->height());
     for (const int notation : {1, 2}) {
         settings.soundGrapeNotation = notation;
         settings.absRelView = notation;
@@ -205,52 +173,33 @@ TEST_F(CardStack, ARatioWithoutAPitchShowsACardThatSaysSo)
     EXPECT_TRUE(page.cardStackTwo()->getCardForRatio(OrloRatio(1, 1ULL << 40)));
 }
 
-TEST_F(CardStack, TheStacksFollowTheViewByThePolicy)
+TEST_F(CardStack, TheStacksFollowTheViewByThePolicyAndStayWithinIt)
 {
     OrloView* view = page.orloView();
     const CardWidget* first = cardFor(1, 1);
     const CardWidget* second = cardFor(25, 16);
-    const struct
-    {
-        int policy;
-        bool final;
-        bool firstMoves;
-        bool secondMoves;
-    } rows[] = {
-        {1, true, false, false}, {2, false, false, false}, {2, true, true, false}, {3, false, false, false},
-        {3, true, true, true},   {4, false, true, false},  {4, true, true, false}, {5, false, true, false},
-        {5, true, true, true},   {6, false, true, true},   {6, true, true, true},  {7, true, false, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.policy * 10 + (row.final ? 1 : 0));
-        view->setTestingVariables(row.policy); // back to the fit, and everything to its place
+    // Policy, whether the gesture ends, and whether the cards of the first and second stack move.
+    const std::tuple<int, bool, bool, bool> rows[] = {
+        {2, false, false, false}, {2, true, true, false}, {5, true, true, true}, {6, false, true, true}};
+    for (const auto& [policy, final, firstMoves, secondMoves] : rows) {
+        SCOPED_TRACE(policy);
+        view->setTestingVariables(policy); // back to the fit, and everything to its place
         const int before[] = {first->y(), second->y()};
         view->scale(1.5, 1.5);
         view->centerOn(view->sceneRect().center() - QPointF(0, 60));
-        view->updateStacksWhenZoom(row.final);
-        EXPECT_EQ(first->y(), row.firstMoves ? ballCentre("/").y() - first->height() / 2 : before[0]);
-        EXPECT_NE(ballCentre("/").y() - first->height() / 2, before[0]);
-        EXPECT_EQ(second->y() != before[1], row.secondMoves);
+        view->updateStacksWhenZoom(final);
+        EXPECT_EQ(first->y(), firstMoves ? ballCentre("/").y() - first->height() / 2 : before[0]);
+        EXPECT_EQ(second->y() != before[1], secondMoves);
     }
-}
-
-TEST_F(CardStack, CardsStayWithinTheView)
-{
-    OrloView* view = page.orloView();
-    const CardWidget* card = cardFor(1, 1);
     view->scale(4.0, 4.0);
-    view->centerOn(view->mapToScene(QPoint(0, 2000)));
-    page.cardStack()->updatePositions();
-    EXPECT_EQ(card->y(), 0);
-    view->centerOn(QPointF(0, view->sceneRect().top()));
-    page.cardStack()->updatePositions();
-    EXPECT_EQ(card->y(), view->height() - card->height());
-
-    // With the stacks out of sight there is nothing to tie the balls to.
-    for (const bool shown : {false, true}) {
-        page.showStacks(shown);
-        EXPECT_EQ(page.cardConnectors()->linesOf(ball("/")).size(), shown ? 2 : 0);
+    for (const bool below : {false, true}) {
+        view->centerOn(QPointF(0, below ? view->sceneRect().top() : view->sceneRect().bottom()));
+        page.cardStack()->updatePositions();
+        EXPECT_EQ(first->y(), below ? view->height() - first->height() : 0);
     }
+    // With the stacks out of sight there is nothing to tie the balls to.
+    page.showStacks(false);
+    EXPECT_TRUE(page.cardConnectors()->linesOf(ball("/")).isEmpty());
 }
 
 TEST_F(CardStack, ATranspositionTakesTheCardsAlongAndBack)
@@ -262,39 +211,14 @@ TEST_F(CardStack, ATranspositionTakesTheCardsAlongAndBack)
         transposeBy(steps);
         updatePage();
         EXPECT_EQ(cards(), 4);
-        EXPECT_EQ(page.cardConnectors()->connectors().size(), page.cardStack()->cards().size());
     };
     shift({3});
-    EXPECT_FALSE(cardOf("/-3")->isHidden()) << "1/1 is now a step of 3 below the centre";
     EXPECT_EQ(text(cardOf("/-3"), "ratioLabel"), QStringLiteral("2/3"));
     EXPECT_EQ(text(cardOf("/"), "freqLabel"), QStringLiteral("660.000 Hz"));
     shift({5, 5, 5});
     EXPECT_TRUE(page.cardStack()->cards().isEmpty());
-    EXPECT_EQ(text(page.cardStackTwo()->getCardForRatio(OrloRatio(1, 1)), "freqLabel"),
-              QStringLiteral("440.000 Hz"));
     shift({-5, -5, -5, -3});
     EXPECT_EQ(text(cardOf("/"), "ratioLabel"), QStringLiteral("1/1"));
-    orlo.onBaseFrequencyChanged(220.0F);
-    updatePage();
-    EXPECT_EQ(text(cardOf("/3"), "freqLabel"), QStringLiteral("330.000 Hz"));
-}
-
-// ---------------------------------------------------------------- ends
-
-TEST_F(CardStack, ANewSceneTakesItsCardsAndOpensThoseOfSoundingBalls)
-{
-    for (const OrloRatio& ratio : {OrloRatio(1, 1), OrloRatio(3, 2), OrloRatio(9, 8)})
-        sound(ratio);
-    page.orloView()->buildScene(OrloLeavesWidget::Circles);
-    EXPECT_EQ(page.cardStack()->cards().size(), 3);
-    EXPECT_EQ(page.cardConnectors()->connectors().size(), 3);
-    for (const char* path : {"/", "/3", "/-2/3/3"}) {
-        EXPECT_TRUE(cardOf(path)) << path;
-        EXPECT_EQ(page.cardConnectors()->connectors().value(ball(path)), cardOf(path));
-    }
-    page.grab(); // paints the connectors
-    sound(OrloRatio(3, 2), false);
-    EXPECT_EQ(page.cardStack()->cards().size(), 2);
 }
 
 TEST_F(CardStack, ACardMayGoWhileItIsPressedOrWaitedFor)
@@ -319,21 +243,20 @@ TEST_F(CardStack, ACardMayGoWhileItIsPressedOrWaitedFor)
     }
     // A scene that goes while the pointer rests on a ball, and a page with notes sounding.
     sound(OrloRatio(1, 1));
-    QCursor::setPos(page.orloView()->viewport()->mapToGlobal(ballCentre("/")));
     QTest::mouseMove(page.orloView()->viewport(), ballCentre("/"));
     page.orloView()->buildScene(OrloLeavesWidget::Grapes);
     QTest::mouseMove(page.orloView()->viewport(), ballCentre("/") + QPoint(1, 1));
+    EXPECT_TRUE(cardOf("/")) << "it sounds already";
+    EXPECT_EQ(page.cardConnectors()->connectors().size(), 1);
     auto second = std::make_unique<OrloLayer>();
     second->init(OrloLeavesWidget::Circles, &orlo);
     second->show();
-    report();
-    EXPECT_EQ(second->cardStack()->cards().size(), 1) << "of a ball that sounds already";
     sound(OrloRatio(25, 16));
     second.reset();
     sound(OrloRatio(1, 1), false);
 }
 
-TEST_F(CardStack, AThousandChordsLeaveNothingBehind)
+TEST_F(CardStack, AHundredChordsLeaveNothingBehind)
 {
     const QList<OrloBallWidget*> balls = page.orloView()->orloWidget()->balls();
     const auto play = [&](qsizetype count, bool on) {
@@ -346,20 +269,15 @@ TEST_F(CardStack, AThousandChordsLeaveNothingBehind)
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
     };
-    const auto objects = [this] { return page.findChildren<QObject*>().size(); };
-    play(30, true);
-    play(30, false);
-    const qsizetype before = objects();
-    for (int i = 0; i < 1000; ++i) {
+    qsizetype objects = 0;
+    for (int i = 0; i < 100; ++i) {
         play(30, true);
-        if (i % 100 == 0)
-            updatePage();
         play(30, false);
+        if (i == 0)
+            objects = page.findChildren<QObject*>().size();
     }
-    EXPECT_EQ(objects(), before);
-    EXPECT_EQ(cards(), 0);
+    EXPECT_EQ(page.findChildren<QObject*>().size(), objects);
     EXPECT_TRUE(page.cardConnectors()->connectors().isEmpty());
-
     // Of a larger chord not all cards are kept.
     play(balls.size(), true);
     play(balls.size(), false);

@@ -3,24 +3,16 @@
 #include "app/Settings.h"
 #include "sound/OrloNoteEvent.h"
 #include "support/LogCatcher.h"
-#include "ui/BoxAnswers.h"
 #include "ui/WindowFixture.h"
 
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QPushButton>
 
 namespace {
 
 const QString STAR = QStringLiteral("*");
-const QString BANK_ERROR = QStringLiteral(
-    "Brevick Tuning Orlo|Error: Could not create bank. It might already exist or name is invalid!");
-const QString PRESET_ERROR =
-    QStringLiteral("Brevick Tuning Orlo|Error: Failed to create preset file on the disk. Name is invalid!");
-const QString NEW_BANK = QStringLiteral("New bank|Create bank with name:");
-const QString NEW_PRESET = QStringLiteral("New preset|Create preset with name:");
 
 } // namespace
 
@@ -45,22 +37,9 @@ protected:
         boxes.type(QString::fromUtf8(name));
         choose(menu, -2);
     }
-    bool buttonsAreOn() const
-    {
-        EXPECT_EQ(button("saveChordSetLoadButton")->isEnabled(),
-                  button("saveChordSetSaveButton")->isEnabled());
-        return button("saveChordSetLoadButton")->isEnabled();
-    }
+    bool buttonsAreOn() const { return button("saveChordSetLoadButton")->isEnabled(); }
     QString preset(const char* path) const { return settings.lastDirPath + u'/' + QString::fromUtf8(path); }
-    bool startsWith(const char* path, const char* text) const
-    {
-        return home.read(QStringLiteral("chord_presets/") + QString::fromUtf8(path)).startsWith(text);
-    }
-    void store(int slot, const OrloRatio& ratio)
-    {
-        chords.storedChords()->insert(slot, {ratio});
-        window->refreshChordButtons();
-    }
+    void store(int slot, const OrloRatio& ratio) { chords.storedChords()->insert(slot, {ratio}); }
 
     const LogCatcher quiet;
     BoxAnswers boxes;
@@ -72,50 +51,33 @@ TEST_F(ChordMenus, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
     EXPECT_FALSE(buttonsAreOn());
     create(presets(), "First");
-    EXPECT_EQ(boxes.take(), (QStringList{NEW_BANK, NEW_PRESET}));
-    EXPECT_EQ(presets()->currentText(), QStringLiteral("First"));
     EXPECT_TRUE(buttonsAreOn());
+    boxes.take();
 
     store(2, OrloRatio(3, 2));
-    click("saveChordSetSaveButton");
-    EXPECT_TRUE(startsWith("Mine/First.btoc", "0\n3/2 0\n0\n"));
+    press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(home.read(QStringLiteral("chord_presets/Mine/First.btoc")).startsWith("0\n3/2 0\n0\n"));
     window->clearAllChordButtons();
     store(5, OrloRatio(7, 4));
     press(Qt::Key_L, Qt::ControlModifier);
     EXPECT_TRUE(button("chordButton_02")->isChecked());
     EXPECT_FALSE(button("chordButton_05")->isChecked());
-    store(5, OrloRatio(7, 4));
-    press(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_TRUE(startsWith("Mine/First.btoc", "0\n3/2 0\n0\n0\n7/4 0\n"));
     EXPECT_TRUE(boxes.take().isEmpty()); // neither asks
 
-    const struct
-    {
-        QComboBox* menu;
-        const char* path;
-        QString question;
-    } removals[] = {
-        {presets(), "Mine/First.btoc",
-         QStringLiteral(
-             "Remove preset|Are you sure you want to remove preset 'First'? This cannot be undone!")},
-        {banks(), "Mine",
-         QStringLiteral(
-             "Remove bank|Are you sure you want to remove bank 'Mine' and all containing presets? This "
-             "cannot be undone!")},
-    };
-    for (const auto& removal : removals) {
-        const QString chosen = removal.menu->currentText();
+    const std::pair<QComboBox*, const char*> removals[] = {{presets(), "Mine/First.btoc"}, {banks(), "Mine"}};
+    for (const auto& [menu, path] : removals) {
+        const QString chosen = menu->currentText();
         for (const bool yes : {false, true}) {
             boxes.answer(yes);
-            choose(removal.menu, -1);
-            EXPECT_EQ(boxes.take(), QStringList{removal.question});
-            EXPECT_EQ(removal.menu->currentText(), yes ? STAR : chosen);
-            EXPECT_EQ(QFileInfo::exists(preset(removal.path)), !yes);
+            choose(menu, -1);
+            EXPECT_TRUE(boxes.take().value(0).contains(u'\'' + chosen + u'\''));
+            EXPECT_EQ(menu->currentText(), yes ? STAR : chosen);
+            EXPECT_EQ(QFileInfo::exists(preset(path)), !yes);
         }
         EXPECT_FALSE(buttonsAreOn());
-        choose(removal.menu, -1); // no last one any more
+        choose(menu, -1); // no last one any more
         EXPECT_TRUE(boxes.take().isEmpty());
-        EXPECT_EQ(removal.menu->currentText(), STAR);
+        EXPECT_EQ(menu->currentText(), STAR);
     }
 }
 
@@ -124,52 +86,33 @@ TEST_F(ChordMenus, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
     create(banks(), "Mine");
     create(presets(), "First");
     boxes.take();
-    const QString exists = QStringLiteral("Brevick Tuning Orlo|Preset name already exists!");
-    const struct
-    {
-        QComboBox* menu;
-        QStringList shown;
-        QList<const char*> names;
-    } rows[] = {
-        {banks(), {NEW_BANK}, {""}},
-        {banks(), {NEW_BANK, BANK_ERROR}, {"Mine", "../Mine2", "a/b", "..", "...", " ", "a..b"}},
-        {presets(), {NEW_PRESET, PRESET_ERROR}, {"../Out", "a/b", "..", ".", " "}},
-        {presets(), {NEW_PRESET, exists}, {"First"}},
+    const std::tuple<QComboBox*, const char*, const char*> rows[] = {
+        // menu, name, in the box that complains
+        {banks(), "", ""},
+        {banks(), "Mine", "Could not create bank"},
+        {banks(), "../Mine2", "Could not create bank"},
+        {presets(), "", ""},
+        {presets(), "../Out", "Name is invalid"},
+        {presets(), "First", "already exists"},
     };
-    for (const auto& row : rows) {
-        for (const char* name : row.names) {
-            create(row.menu, name);
-            EXPECT_EQ(boxes.take(), row.shown) << name;
-            EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
-            EXPECT_EQ(presets()->currentText(), QStringLiteral("First")) << name;
-        }
+    for (const auto& [menu, name, complaint] : rows) {
+        create(menu, name);
+        const QStringList shown = boxes.take();
+        EXPECT_EQ(shown.size(), *complaint ? 2 : 1) << name;
+        EXPECT_TRUE(shown.last().contains(QLatin1StringView(complaint))) << name;
+        EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine")) << name;
+        EXPECT_EQ(presets()->currentText(), QStringLiteral("First")) << name;
     }
-    for (QComboBox* menu : {banks(), presets()}) {
-        const QString chosen = menu->currentText();
-        boxes.type(QStringLiteral("Other"), false);
-        choose(menu, -2);
-        EXPECT_EQ(menu->currentText(), chosen);
-    }
-    EXPECT_EQ(QDir(settings.lastDirPath).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-              QStringList{QStringLiteral("Mine")});
-    EXPECT_EQ(QDir(preset("Mine")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-              QStringList{QStringLiteral("First.btoc")});
-
     settings.lastDirPath = home.path(QStringLiteral("absent"));
-    boxes.take();
     create(banks(), "Other");
-    EXPECT_EQ(boxes.take(),
-              (QStringList{NEW_BANK,
-                           QStringLiteral("Brevick Tuning Orlo|Error: Main directory does not exist. Please "
-                                          "choose a directory first!")}));
+    EXPECT_TRUE(boxes.take().last().contains(QStringLiteral("Main directory does not exist")));
 }
 
 TEST_F(ChordMenus, AnEntryNamedLikeAnActionIsAnEntry)
 {
     create(banks(), "-- remove last chosen bank --");
     create(presets(), "-- create new preset --");
-    EXPECT_EQ(boxes.take(), (QStringList{NEW_BANK, NEW_PRESET}));
-    EXPECT_EQ(banks()->currentIndex(), 1);
+    boxes.take();
     choose(banks(), 1);
     choose(presets(), 1);
     EXPECT_TRUE(boxes.take().isEmpty());
@@ -195,7 +138,6 @@ TEST_F(ChordMenus, WithThePlaceholderLoadAndSaveTouchNoFile)
     press(Qt::Key_L, Qt::ControlModifier);
     EXPECT_TRUE(services.saved.isEmpty());
     EXPECT_TRUE(services.loaded.isEmpty());
-    EXPECT_TRUE(QDir(preset("Two")).isEmpty());
 
     // The bank chosen already keeps its preset; another one does not.
     choose(banks(), "One");
@@ -204,9 +146,6 @@ TEST_F(ChordMenus, WithThePlaceholderLoadAndSaveTouchNoFile)
     EXPECT_EQ(presets()->currentText(), QStringLiteral("Common"));
     click("saveChordSetLoadButton");
     EXPECT_EQ(services.loaded, QStringList{preset("One/Common.btoc")});
-    choose(banks(), "Two");
-    click("saveChordSetLoadButton");
-    EXPECT_EQ(services.loaded.size(), 1);
 }
 
 TEST_F(ChordMenus, WhatHasGoneFromTheDiskIsNoChoice)
@@ -230,10 +169,8 @@ TEST_F(ChordMenus, ADirectoryIsChosenAndItsBanksListed)
     create(banks(), "One");
     create(presets(), "P");
     QDir(home.path(QStringLiteral("elsewhere"))).mkpath(QStringLiteral("Theirs"));
-    boxes.take();
     boxes.type(QString(), false);
     click("saveChordDirectoryButton");
-    EXPECT_EQ(boxes.take(), QStringList{QStringLiteral("Choose Directory|")});
     EXPECT_EQ(banks()->currentText(), QStringLiteral("One"));
     boxes.type(home.path(QStringLiteral("elsewhere")));
     click("saveChordDirectoryButton");

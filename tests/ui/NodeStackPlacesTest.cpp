@@ -1,7 +1,5 @@
 #include "ui/NodeStackFixture.h"
 
-#include <set>
-
 namespace {
 
 struct Place
@@ -14,31 +12,27 @@ struct Place
 class NodeStackPlaces : public NodeStackFixture
 {
 protected:
-    /// One pass over these balls, which are there alone or from the pass before.
+    /// These balls alone, or the same ones as before in one more pass.
     void expectPass(const QList<Place>& places, bool again = false)
     {
         if (!again)
             stack->reset();
         for (const Place& place : places)
-            stack->addNodeForRatio(place.ratio);
+            add({place.ratio});
         stack->updatePositions();
         for (const Place& place : places) {
             SCOPED_TRACE(qPrintable(place.ratio.toString()));
             EXPECT_EQ(ball(place.ratio)->pos(), QPointF(place.point));
             EXPECT_EQ(ball(place.ratio)->isAtPitch(), place.atPitch);
-            EXPECT_TRUE(ball(place.ratio)->isVisible());
         }
     }
 };
 
 TEST_F(NodeStackPlaces, ABallStandsAtTheHeightOfItsPitchOnTheAxisFromNinthToNine)
 {
-    EXPECT_EQ(stack->mapFromScene(QPointF(0, 0)), QPoint(0, 0));
     expectPass({
         {OrloRatio(9, 1), {10, 10}, false}, // 5, half the scene above: over the top line
-        {OrloRatio(3, 1), {10, 205}, true},
         {OrloRatio(5, 4), {10, 364}, true}, // 400 * 0.22314 / 2.19722 = 40.6, so 405.5 - 41
-        {OrloRatio(1, 1), {10, 405}, true},
         {OrloRatio(1, 3), {10, 605}, true},
         {OrloRatio(1, 9), {74, 790}, false}, // 805: the last cell of the bottom grid
     });
@@ -101,36 +95,15 @@ TEST_F(NodeStackPlaces, TheStartOfTheLastRowCarriesOverFromThePassBefore)
         expectPass(places, true);
 }
 
-// The columns and heights of the ratios (11 + 14 k) / 98 from k = 59 down to 0, worked out from the
-// rules by an independent program.
-constexpr QPoint SIXTY[60] = {
-    {10, 10},  {26, 10},  {42, 10},  {58, 10},  {10, 27},  {26, 30},  {42, 34},  {58, 37},  {74, 41},
-    {10, 44},  {74, 48},  {74, 52},  {74, 55},  {74, 59},  {10, 63},  {74, 67},  {74, 71},  {74, 75},
-    {10, 80},  {58, 84},  {58, 89},  {58, 93},  {10, 98},  {58, 103}, {58, 108}, {58, 113}, {10, 118},
-    {58, 124}, {42, 130}, {10, 135}, {42, 141}, {42, 148}, {10, 154}, {42, 161}, {42, 168}, {10, 175},
-    {42, 182}, {42, 190}, {10, 198}, {26, 207}, {10, 216}, {26, 225}, {10, 235}, {26, 246}, {10, 257},
-    {26, 269}, {10, 282}, {26, 295}, {10, 310}, {26, 326}, {10, 344}, {10, 364}, {10, 386}, {10, 411},
-    {10, 440}, {10, 474}, {10, 517}, {10, 573}, {10, 654}, {74, 790},
-};
-
 TEST_F(NodeStackPlaces, SixtySoundingPitchesStayInTheStackAndFollowAResize)
 {
-    const auto ratioOf = [](unsigned row) { return OrloRatio(11 + 14 * (59 - row), 98); };
-    for (unsigned row = 0; row < 60; ++row) {
-        stack->addNodeForRatio(ratioOf(row));
-        stack->toggleNodeForRatio(ratioOf(row), true);
-    }
-    stack->showNodes();
     for (unsigned row = 0; row < 60; ++row)
-        EXPECT_EQ(pointOf(ratioOf(row)), SIXTY[row]) << row;
+        add({OrloRatio(11 + 14 * row, 98)});
+    stack->showNodes();
     view->resize(VIEW_WIDTH, 500);
     stack->resize(STACK_WIDTH, 500);
-    std::set<std::pair<double, double>> taken;
-    for (const FreeBallWidget* each : stack->balls()) {
+    for (const FreeBallWidget* each : stack->balls())
         EXPECT_TRUE(stack->rect().contains(QRect(each->pos().toPoint() - QPoint(9, 9), QSize(18, 18))));
-        EXPECT_TRUE(taken.insert({each->x(), each->y()}).second) << "two in one place";
-    }
-    EXPECT_EQ(overlay->balls().size(), 60);
 }
 
 TEST_F(NodeStackPlaces, PitchesWithoutAHeightAndViewsWithoutOneBreakNothing)
@@ -142,28 +115,17 @@ TEST_F(NodeStackPlaces, PitchesWithoutAHeightAndViewsWithoutOneBreakNothing)
         {OrloRatio(1, most), {58, 790}, false},
         {OrloRatio(0, 1), {74, 790}, false}, // below everything
     });
-    stack->updateNodes();
-    const auto expectSanePlaces = [this] {
-        for (const FreeBallWidget* item : stack->balls()) {
-            EXPECT_LT(qAbs(item->x()), 100.0);
-            EXPECT_LE(qAbs(item->y()), 1000.0);
-        }
-    };
     view->scene()->setSceneRect(0, 0, 0, 0);
-    stack->updatePositions();
-    expectSanePlaces();
-    view->scene()->clear();
     stack->resize(STACK_WIDTH, 0);
     stack->updatePositions();
-    expectSanePlaces();
+    for (const FreeBallWidget* item : stack->balls())
+        EXPECT_LE(qAbs(item->x()) + qAbs(item->y()), 1000.0);
 
     NodeStackWidget alone; // its first resize comes before init
     alone.resize(100, 100);
-    alone.show();
     alone.addNodeForRatio(OrloRatio(1, 1));
     alone.toggleNodeForRatio(OrloRatio(1, 1), true);
     alone.updateNodes();
-    alone.reset();
 }
 
 } // namespace

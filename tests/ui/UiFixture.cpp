@@ -62,11 +62,6 @@ std::string UiFixture::said()
     return texts.join(u"; ").toStdString();
 }
 
-void UiFixture::report()
-{
-    QCoreApplication::processEvents();
-}
-
 OrloBall* UiFixture::ballAt(const char* path) const
 {
     OrloBall* ball = orlo.rootBall();
@@ -150,12 +145,12 @@ void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers, Q
 GeometryKeeper::GeometryKeeper()
 {
     for (const GeometryConstant& constant : GEOMETRY_CONSTANTS)
-        mValues.append(*constant.value);
+        values.append(*constant.value);
 }
 
 GeometryKeeper::~GeometryKeeper()
 {
     for (size_t i = 0; i < GEOMETRY_CONSTANTS.size(); ++i)
-        *GEOMETRY_CONSTANTS[i].value = mValues[static_cast<qsizetype>(i)];
+        *GEOMETRY_CONSTANTS[i].value = values[static_cast<qsizetype>(i)];
     OrloLeavesWidget::clearPositions();
 }

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QList>
 
@@ -33,7 +34,7 @@ protected:
     /// The same as one text, "type value ratio" of each or, of a ball's note, "0 value path".
     std::string said();
     /// Delivers queued signals.
-    static void report();
+    static void report() { QCoreApplication::processEvents(); }
 
     OrloBall* ballAt(const char* path) const;
     /// As the player would report it after these steps.
@@ -76,14 +77,9 @@ void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton
 } // namespace scene
 
 /// Gives every geometry constant its value back.
-class GeometryKeeper
+struct GeometryKeeper
 {
-public:
     GeometryKeeper();
     ~GeometryKeeper();
-    GeometryKeeper(const GeometryKeeper&) = delete;
-    GeometryKeeper& operator=(const GeometryKeeper&) = delete;
-
-private:
-    QList<int> mValues;
+    QList<int> values;
 };

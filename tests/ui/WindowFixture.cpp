@@ -3,11 +3,11 @@
 #include "support/EngineClock.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
-#include <QFile>
-#include <QPushButton>
-#include <QSlider>
-#include <QAbstractButton>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QTest>
 
 #include <algorithm>
@@ -20,6 +20,41 @@ QString shellFile(const QString& name)
 }
 
 } // namespace
+
+BoxAnswers::BoxAnswers()
+{
+    startTimer(10);
+}
+
+void BoxAnswers::timerEvent(QTimerEvent*)
+{
+    QWidget* box = QApplication::activeModalWidget();
+    if (!box || !box->isVisible())
+        return;
+    const Answer answer = mAnswers.isEmpty() ? Answer{false, QString()} : mAnswers.takeFirst();
+    const auto press = [](QWidget* button) { QTest::mouseClick(button, Qt::LeftButton); };
+    if (auto* message = qobject_cast<QMessageBox*>(box)) {
+        mShown.append(message->text());
+        QAbstractButton* button = message->button(answer.accept ? QMessageBox::Yes : QMessageBox::No);
+        press(button ? button : message->button(QMessageBox::Ok));
+        return;
+    }
+    auto* line = box->findChild<QLineEdit*>();
+    auto* buttons = box->findChild<QDialogButtonBox*>();
+    mShown.append(box->windowTitle());
+    line->clear();
+    // The file dialog completes what is typed, with files that come later.
+    if (qobject_cast<QFileDialog*>(box))
+        line->setText(answer.text);
+    else
+        QTest::keyClicks(line, answer.text);
+    if (!answer.accept)
+        press(buttons->button(QDialogButtonBox::Cancel));
+    else if (QPushButton* ok = buttons->button(QDialogButtonBox::Ok))
+        press(ok);
+    else
+        press(buttons->button(QDialogButtonBox::Open));
+}
 
 bool WindowFixture::Services::loadChordsFromDiskToStorage(QDir* file)
 {
@@ -62,7 +97,8 @@ WindowFixture::WindowFixture()
     QDir().mkpath(settings.lastDirPath);
     const QDir patch(home.path(QStringLiteral("patch")));
     patch.mkpath(QStringLiteral("."));
-    QFile::copy(shellFile(QStringLiteral("orlo_main_4voice.pd")), patch.filePath(QStringLiteral("orlo_main.pd")));
+    QFile::copy(shellFile(QStringLiteral("orlo_main_4voice.pd")),
+                patch.filePath(QStringLiteral("orlo_main.pd")));
     for (const char* name : {"orlo_vprep.pd", "equal-loudness.pd", "tb_compressor~.pd", "tb_compressorUI.pd"})
         QFile::copy(shellFile(QLatin1StringView(name)), patch.filePath(QLatin1StringView(name)));
     {
@@ -77,16 +113,6 @@ WindowFixture::~WindowFixture()
     const EngineClock clock(player);
     player.term();
     window.reset();
-}
-
-QPushButton* WindowFixture::button(const char* name) const
-{
-    return find<QPushButton>(name);
-}
-
-QSlider* WindowFixture::slider(const char* name) const
-{
-    return find<QSlider>(name);
 }
 
 void WindowFixture::click(const char* name) const

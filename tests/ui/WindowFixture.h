@@ -4,15 +4,68 @@
 #include "external/MidiDouble.h"
 #include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
+#include "sound/AudioOutput.h"
 #include "support/TestHome.h"
 #include "ui/MainWindow.h"
-#include "ui/SoundDeviceDouble.h"
 #include "ui/UiFixture.h"
+
+#include <QPushButton>
+#include <QSlider>
 
 #include <memory>
 
-class QPushButton;
-class QSlider;
+/// A sound system of the test's own: its devices and which of them fail to open.
+class SoundDeviceDouble : public AudioOutput
+{
+public:
+    SoundDeviceDouble() { setSelectedDevice(0); }
+
+    bool init(int, int, PdPlayer*) override { return true; }
+    void term() override {}
+    QStringList devices() const override
+    {
+        return {QStringLiteral("JACK: system"), QStringLiteral("JACK: studio"), QStringLiteral("ALSA: gone")};
+    }
+    void logDevices() const override {}
+    bool selectDevice(int index) override
+    {
+        const bool works = !broken.contains(index);
+        setSelectedDevice(works ? index : -1);
+        return works;
+    }
+    void muteOutput() override {}
+    void unmuteOutput() override {}
+
+    QList<int> broken{2};
+};
+
+/// Answers the boxes that the window opens while this lives, each as a player would: by a click on
+/// a button, or by typing and a click. A box without an answer is closed, and its text kept.
+class BoxAnswers : public QObject
+{
+public:
+    BoxAnswers();
+
+    /// Yes or No to the next question.
+    void answer(bool yes) { mAnswers.append({yes, QString()}); }
+    /// Types this and accepts, or cancels.
+    void type(const QString& text, bool accept = true) { mAnswers.append({accept, text}); }
+
+    /// The texts of all boxes since the last time; of one with a line to type, its title.
+    QStringList take() { return std::exchange(mShown, {}); }
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    struct Answer
+    {
+        bool accept;
+        QString text;
+    };
+    QList<Answer> mAnswers;
+    QStringList mShown;
+};
 
 /// A window with the patch Sine loaded, over a player whose commands the test reads.
 class WindowFixture : public UiFixture
@@ -31,11 +84,10 @@ protected:
     public:
         bool loadStyleSheet() override { return true; }
         QMetaObject::Connection connectDiagnostics(DiagnosticsDialog*) override { return {}; }
-        void setPressMode(qint16 mode) override { pressMode = mode; }
+        void setPressMode(qint16) override {}
         bool loadChordsFromDiskToStorage(QDir* file) override;
         bool saveStoredChordsToDisk(QDir* file) override;
 
-        qint16 pressMode = 0;
         QStringList loaded; // paths
         QStringList saved;
         StoreAndRecall* chords = nullptr;
@@ -53,8 +105,8 @@ protected:
             qFatal("The window has no %s.", name);
         return widget;
     }
-    QPushButton* button(const char* name) const;
-    QSlider* slider(const char* name) const;
+    QPushButton* button(const char* name) const { return find<QPushButton>(name); }
+    QSlider* slider(const char* name) const { return find<QSlider>(name); }
 
     void click(const char* name) const;
     /// Keys that press a button need the time of its flash.

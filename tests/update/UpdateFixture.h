@@ -1,12 +1,14 @@
 #pragma once
 
 #include "support/LogCatcher.h"
-#include "update/LoopbackServer.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QHash>
 #include <QMessageBox>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -15,6 +17,44 @@ inline void PrintTo(const QString& text, std::ostream* out)
 {
     *out << '"' << text.toStdString() << '"';
 }
+
+/// A web server on loopback that gives out prepared bytes, in the thread of the test.
+class LoopbackServer : public QTcpServer
+{
+public:
+    LoopbackServer();
+
+    /// The answer to a request of this path, header and all. Then the connection ends, unless it is
+    /// left open, as by a server that went to sleep.
+    void put(const QString& path, const QByteArray& answer, bool leaveOpen = false)
+    {
+        mAnswers.insert(path.toUtf8(), {answer, leaveOpen});
+    }
+    /// More for the last request, whose connection is open.
+    void sendMore(const QByteArray& bytes) { mLast->write(bytes); }
+    QString url(const QString& path) const;
+    /// Headers of all requests, in their order.
+    const QList<QByteArray>& requests() const { return mRequests; }
+
+    static QByteArray ok(const QByteArray& body) { return cut(body, body.size()); }
+    /// Promises another length than it gives.
+    static QByteArray cut(const QByteArray& body, qsizetype promised);
+    static QByteArray withoutLength(const QByteArray& body) { return "HTTP/1.1 200 OK\r\n\r\n" + body; }
+    static QByteArray redirect(const QString& to);
+    static QByteArray notFound() { return "HTTP/1.1 404 Not Found\r\nContent-Length: 5\r\n\r\nGone."; }
+
+private:
+    struct Answer
+    {
+        QByteArray bytes;
+        bool leaveOpen;
+    };
+    void read(QTcpSocket* socket);
+
+    QHash<QByteArray, Answer> mAnswers; // by path
+    QList<QByteArray> mRequests;
+    QTcpSocket* mLast = nullptr;
+};
 
 /// Takes the addresses that would go to other programs.
 class AddressCatcher : public QObject
@@ -37,7 +77,7 @@ private:
 class UpdateFixture : public ::testing::Test
 {
 protected:
-    UpdateFixture();
+    UpdateFixture() { QCoreApplication::setApplicationVersion(QStringLiteral("2.0.0")); }
     ~UpdateFixture() override;
 
     template <class Condition>
