@@ -140,6 +140,7 @@ TEST_F(UpdateDialogTest, StaysHiddenForOldNewsUntilTheNextCheck)
     const qsizetype before = server.requests().size();
     startCheck(true);
     EXPECT_TRUE(soon([&] { return server.requests().size() > before; }));
+    checkLeftOpen = true;
 }
 
 TEST_F(UpdateDialogTest, ChecksForTheVersionInItsField)

@@ -58,6 +58,15 @@ AddressCatcher::~AddressCatcher()
         QDesktopServices::unsetUrlHandler(scheme);
 }
 
+UpdateFixture::UpdateFixture()
+{
+    QCoreApplication::setApplicationVersion(QStringLiteral("2.0.0"));
+    if (std::exchange(checkLeftOpen, false)) {
+        nextBox();
+        delete box();
+    }
+}
+
 UpdateFixture::~UpdateFixture()
 {
     while (QWidget* open = box()) // of an updater that lives on
