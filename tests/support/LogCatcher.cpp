@@ -2,6 +2,8 @@
 
 #include <QMutexLocker>
 
+#include <algorithm>
+
 namespace {
 LogCatcher* theCatcher = nullptr;
 }
@@ -21,15 +23,14 @@ LogCatcher::~LogCatcher()
 QList<LogCatcher::Line> LogCatcher::lines() const
 {
     const QMutexLocker locker(&mMutex);
-    return mLines;
+    return {mLines.begin(), mLines.end()};
 }
 
 int LogCatcher::count(QtMsgType type, const QString& text) const
 {
-    int found = 0;
-    for (const Line& line : lines())
-        found += line.type == type && line.text.contains(text) ? 1 : 0;
-    return found;
+    const QMutexLocker locker(&mMutex);
+    return static_cast<int>(std::ranges::count_if(
+        mLines, [&](const Line& line) { return line.type == type && line.text.contains(text); }));
 }
 
 void LogCatcher::clear()
@@ -43,5 +44,5 @@ void LogCatcher::handle(QtMsgType type, const QMessageLogContext&, const QString
     if (!theCatcher)
         return;
     const QMutexLocker locker(&theCatcher->mMutex);
-    theCatcher->mLines.append({type, text});
+    theCatcher->mLines.push_back({type, text});
 }

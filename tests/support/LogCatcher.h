@@ -4,6 +4,8 @@
 #include <QMutex>
 #include <QString>
 
+#include <vector>
+
 /// Catches all log messages while it lives, from any thread. One at a time.
 class LogCatcher
 {
@@ -29,6 +31,6 @@ private:
     static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text);
 
     mutable QMutex mMutex;
-    QList<Line> mLines;
+    std::vector<Line> mLines; // shares nothing with what lines() gave out
     QtMessageHandler mPrevious = nullptr;
 };
