@@ -36,8 +36,10 @@ struct StackPolicy
 };
 
 constexpr StackPolicy STACK_POLICIES[] = {
-    {2, OrloView::Stacks::None, OrloView::Stacks::Cards}, {3, OrloView::Stacks::None, OrloView::Stacks::All},
-    {4, OrloView::Stacks::Cards, OrloView::Stacks::Cards}, {5, OrloView::Stacks::Cards, OrloView::Stacks::All},
+    {2, OrloView::Stacks::None, OrloView::Stacks::Cards},
+    {3, OrloView::Stacks::None, OrloView::Stacks::All},
+    {4, OrloView::Stacks::Cards, OrloView::Stacks::Cards},
+    {5, OrloView::Stacks::Cards, OrloView::Stacks::All},
     {6, OrloView::Stacks::All, OrloView::Stacks::All},
 };
 
@@ -287,12 +289,15 @@ OrloView::Stacks OrloView::stacksToMove(int policy, bool final)
 void OrloView::updateStacksWhenZoom(bool final)
 {
     switch (stacksToMove(mStackUpdatePolicy, final)) {
-    case Stacks::None: break;
+    case Stacks::None:
+        break;
     case Stacks::Cards:
         if (mCardStack)
             mCardStack->updatePositions();
         break;
-    case Stacks::All: updateStacksItemsPositions(); break;
+    case Stacks::All:
+        updateStacksItemsPositions();
+        break;
     }
 }
 

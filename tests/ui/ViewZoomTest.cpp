@@ -55,12 +55,14 @@ protected:
 
     void wheel(QPointF at, QPoint turn, Qt::KeyboardModifiers keys = Qt::NoModifier)
     {
-        QWheelEvent event(at, view.viewport()->mapToGlobal(at), {}, turn, Qt::NoButton, keys, Qt::NoScrollPhase, false);
+        QWheelEvent event(at, view.viewport()->mapToGlobal(at), {}, turn, Qt::NoButton, keys,
+                          Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(view.viewport(), &event);
     }
     void pinchOnTrackpad(QPointF at, double value)
     {
-        QNativeGestureEvent event(Qt::ZoomNativeGesture, device, 2, at, at, view.viewport()->mapToGlobal(at), value, {});
+        QNativeGestureEvent event(Qt::ZoomNativeGesture, device, 2, at, at, view.viewport()->mapToGlobal(at),
+                                  value, {});
         QCoreApplication::sendEvent(view.viewport(), &event);
     }
 
