@@ -59,11 +59,11 @@ void measure(benchmark::State& state, BenchedOutput& output, const Messages& mes
 
         const std::unique_ptr<RtMidiOut> plain = freshOutput();
         base = std::min(base, secondsOf([&] {
-            for (int i = 0; i < CALLS; ++i) {
-                for (const midi::Bytes& message : messages)
-                    plain->sendMessage(message.data(), message.size());
-            }
-        }) / CALLS);
+                                  for (int i = 0; i < CALLS; ++i) {
+                                      for (const midi::Bytes& message : messages)
+                                          plain->sendMessage(message.data(), message.size());
+                                  }
+                              }) / CALLS);
     }
     state.counters["own_ns"] = own * 1e9;
     state.counters["baseline_ns"] = base * 1e9;

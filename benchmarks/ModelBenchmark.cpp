@@ -48,7 +48,8 @@ void measure(benchmark::State& state, qsizetype count, Work&& work, Baseline&& b
     state.counters["ns_each"] = own * 1e9 / static_cast<double>(count);
 }
 
-constexpr int STEPS[] = {2, -2, 3, -3, 5, -5, 7, -7, 11, -11, 13, -13, 17, -17, 19, -19, 23, -23, 29, -29, 31, -31};
+constexpr int STEPS[] = {2,   -2, 3,   -3, 5,   -5, 7,   -7, 11,  -11, 13,
+                         -13, 17, -17, 19, -19, 23, -23, 29, -29, 31,  -31};
 constexpr int DEFAULT_BALLS = 361;
 
 /// Adds balls level by level until there are `count`. A path's steps keep the order of the table and
@@ -116,7 +117,12 @@ void rebuildBallMap(benchmark::State& state)
         });
     state.SetComplexityN(state.range(0));
 }
-BENCHMARK(rebuildBallMap)->Arg(DEFAULT_BALLS)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond)->Complexity();
+BENCHMARK(rebuildBallMap)
+    ->Arg(DEFAULT_BALLS)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
 
 /// Against looking up as many integers in a QHash.
 void lookUpByRatio(benchmark::State& state)
@@ -138,7 +144,12 @@ void lookUpByRatio(benchmark::State& state)
         });
     state.SetComplexityN(state.range(0));
 }
-BENCHMARK(lookUpByRatio)->Arg(DEFAULT_BALLS)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond)->Complexity();
+BENCHMARK(lookUpByRatio)
+    ->Arg(DEFAULT_BALLS)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
 
 /// All paths of the default lattice, against splitting the same texts.
 void parsePaths(benchmark::State& state)

@@ -119,8 +119,8 @@ void pressFromEventToChunk(benchmark::State& state)
     const QPointF at = stage.view.mapFromScene(QPointF(0.0, 0.0));
     QMouseEvent press(QEvent::MouseButtonPress, at, stage.view.viewport()->mapToGlobal(at), Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
-    QMouseEvent release(QEvent::MouseButtonRelease, at, stage.view.viewport()->mapToGlobal(at), Qt::LeftButton,
-                        Qt::NoButton, Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, at, stage.view.viewport()->mapToGlobal(at),
+                        Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
     for (auto _ : state) {
         for (int i = 0; i < PRESSES; ++i) {
             QCoreApplication::sendEvent(stage.view.viewport(), &press);

@@ -253,7 +253,8 @@ void printCosts()
 {
     constexpr std::array COUNTS{0, 1, 8, 32, 64, VOICES};
     std::printf("Microseconds for each block of %d frames, which lasts %.0f, with so many notes sounding\n\n"
-                "%-10s", FRAMES, BLOCK_US, "");
+                "%-10s",
+                FRAMES, BLOCK_US, "");
     for (const int count : COUNTS)
         std::printf("%8d", count);
     std::printf("   128 in per cent of the time\n");
@@ -331,8 +332,8 @@ double open(const QByteArray& name, const QByteArray& folder)
 
 void printOpenings()
 {
-    std::printf("\nOpening the main patch, milliseconds of the processor, in turns\n\n%-10s%10s%10s%10s\n", "",
-                "4", "128", "times");
+    std::printf("\nOpening the main patch, milliseconds of the processor, in turns\n\n%-10s%10s%10s%10s\n",
+                "", "4", "128", "times");
     const SoundRig rig(4); // for its folder
     const QDir patches(QCoreApplication::applicationDirPath() + QStringLiteral("/patches"));
     for (const char* main : {"orlo_main_4voice.pd", "orlo_main_128voice.pd"})

@@ -37,6 +37,7 @@ struct Parts
 void setParts(const Parts& parts);
 const Parts& parts();
 
+// clang-format off
 inline ApplicationServices* application() { return parts().application; }
 inline Orlo* orlo() { return parts().orlo; }
 inline PdPlayer* player() { return parts().player; }
@@ -45,5 +46,6 @@ inline AudioOutput* audioOutput() { return parts().audioOutput; }
 inline StoreAndRecall* storeAndRecall() { return parts().storeAndRecall; }
 inline SaveAndLoad* saveAndLoad() { return parts().saveAndLoad; }
 inline MidiOutput* midiOutput() { return parts().midiOutput; }
+// clang-format on
 
 } // namespace app

@@ -14,5 +14,5 @@ extern std::atomic<bool> debugListening;
 
 /// qDebug() for code on the audio path: builds nothing unless somebody listens.
 #define ORLO_AUDIO_DEBUG                                                                                     \
-    for (bool listening = app::debugListening.load(std::memory_order_relaxed); listening; listening = false)   \
+    for (bool listening = app::debugListening.load(std::memory_order_relaxed); listening; listening = false) \
     qDebug()

@@ -38,8 +38,8 @@ bool SerializableRoot::save() const
     write(json);
     file.write(QJsonDocument(json).toJson(QJsonDocument::Indented));
     if (!file.commit()) {
-        qCritical().noquote()
-            << QStringLiteral("Couldn't write file %1: %2. The old one is kept.").arg(mPath, file.errorString());
+        qCritical().noquote() << QStringLiteral("Couldn't write file %1: %2. The old one is kept.")
+                                     .arg(mPath, file.errorString());
         return false;
     }
     return true;

@@ -79,7 +79,10 @@ struct Reader
         (*this)(key, value);
         field = value;
     }
-    void operator()(const char* key, QSize& field) const { readPair(at(key), field.rwidth(), field.rheight()); }
+    void operator()(const char* key, QSize& field) const
+    {
+        readPair(at(key), field.rwidth(), field.rheight());
+    }
     void operator()(const char* key, QPoint& field) const { readPair(at(key), field.rx(), field.ry()); }
 };
 
@@ -102,7 +105,10 @@ struct Writer
     {
         (*this)(key, pairText(field.width(), field.height()));
     }
-    void operator()(const char* key, const QPoint& field) const { (*this)(key, pairText(field.x(), field.y())); }
+    void operator()(const char* key, const QPoint& field) const
+    {
+        (*this)(key, pairText(field.x(), field.y()));
+    }
 };
 
 } // namespace

@@ -138,7 +138,8 @@ bool TuningOrloApplication::init()
         return false;
     startLog();
     if (!loadStyleSheet())
-        return startFailed(QStringLiteral("Initialisation of style sheet failed.\n\nThe program will now shut down."));
+        return startFailed(
+            QStringLiteral("Initialisation of style sheet failed.\n\nThe program will now shut down."));
     if (!mSettings.init()) {
         const QString text =
             QStringLiteral("Failed to read saved options. All options will be reset to defaults.");
@@ -184,7 +185,8 @@ bool TuningOrloApplication::makeDirectories()
     if (!made) {
         // The place holder stays in the text.
         qCritical().noquote() << QStringLiteral("Could not create config directory %s.").arg(config);
-        showCritical(QStringLiteral("Creation of config directory failed.\n\nThe program will now shut down."));
+        showCritical(
+            QStringLiteral("Creation of config directory failed.\n\nThe program will now shut down."));
         return false;
     }
     mChordPresetsDirectory = config + QStringLiteral("/chord_presets");
@@ -198,14 +200,16 @@ void TuningOrloApplication::startLog()
 {
     mLogFile.setFileName(configDirectory() + QStringLiteral("/log.txt"));
     if (!mLogFile.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        qCritical().noquote() << QStringLiteral("Couldn't open log file %1 for writing.").arg(mLogFile.fileName());
+        qCritical().noquote()
+            << QStringLiteral("Couldn't open log file %1 for writing.").arg(mLogFile.fileName());
         return;
     }
     qInstallMessageHandler(&TuningOrloApplication::loggingMessageHandler);
     QTextStream(&mLogFile) << '\n'
                            << QString(78, u'-') << '\n'
                            << "Starting app at "
-                           << QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yy hh:mm:ss.z")) << '\n';
+                           << QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yy hh:mm:ss.z"))
+                           << '\n';
     mLogFile.flush();
 }
 
@@ -217,7 +221,8 @@ bool TuningOrloApplication::loadStyleSheet()
         QString missing;
     };
     const Sheet sheets[] = {
-        {resourceDirectory() + QStringLiteral("/style.qss"), QStringLiteral("Failed to find style sheet file %1.")},
+        {resourceDirectory() + QStringLiteral("/style.qss"),
+         QStringLiteral("Failed to find style sheet file %1.")},
         {resourceDirectory() + QStringLiteral("/style_mac.qss"),
          QStringLiteral("Failed to find platform-specific style sheet file %1.")},
     };
@@ -244,15 +249,17 @@ bool TuningOrloApplication::startSound()
         return startFailed(QStringLiteral("PD initialisation failed. This means no audio playback will be "
                                           "possible.\n\nThe program will now shut down."));
     if (!mAudioOutput.init(mSettings.framesPerBuffer, mSettings.audioDevice, &mPlayer)) {
-        startFailed(QStringLiteral("Initialisation of audio device failed. This means no audio playback will be "
-                                   "possible.\n\nThe program will now shut down."));
+        startFailed(
+            QStringLiteral("Initialisation of audio device failed. This means no audio playback will be "
+                           "possible.\n\nThe program will now shut down."));
         mAudioOutput.logDevices();
         return false;
     }
     mAudioOutput.logDevices();
     if (!initPatchFolder())
-        return startFailed(QStringLiteral("Initialisation of patch directory failed. This means no audio playback "
-                                          "will be possible.\n\nThe program will now shut down."));
+        return startFailed(
+            QStringLiteral("Initialisation of patch directory failed. This means no audio playback "
+                           "will be possible.\n\nThe program will now shut down."));
     return true;
 }
 
@@ -271,7 +278,8 @@ void TuningOrloApplication::startDeviceListener()
 {
     if (!QFile::exists(configDirectory() + QStringLiteral("/rfid_map.json")))
         return;
-    connect(&mUdpListener, &UdpListener::eventReceived, &mPlayer, &PdPlayer::queueEventSerial, Qt::DirectConnection);
+    connect(&mUdpListener, &UdpListener::eventReceived, &mPlayer, &PdPlayer::queueEventSerial,
+            Qt::DirectConnection);
     connect(&mUdpListener, &UdpListener::fatalError, this, &TuningOrloApplication::onUdpFatalError,
             Qt::QueuedConnection);
     mUdpListener.start();
@@ -292,8 +300,8 @@ bool TuningOrloApplication::initPatchFolder()
     const QString shell = resourceDirectory() + QStringLiteral("/patches/shell/");
     QString mainPatch = mainPatchName(mSettings.mainPatchNumberOfVoices);
     if (!QFile::exists(shell + mainPatch)) {
-        qWarning() << "There is no main patch for" << mSettings.mainPatchNumberOfVoices << "voices, the one for"
-                   << DEFAULT_VOICES << "is used.";
+        qWarning() << "There is no main patch for" << mSettings.mainPatchNumberOfVoices
+                   << "voices, the one for" << DEFAULT_VOICES << "is used.";
         mainPatch = mainPatchName(DEFAULT_VOICES);
     }
     qDebug() << "Patches init: Main patch:" << mainPatch;
@@ -388,7 +396,8 @@ void TuningOrloApplication::syncFromSettings()
     // Only now, so that these events do not write back what was just read.
     connect(&mPlayer, &PdPlayer::baseFrequencyChanged, &mSettings, &Settings::onBaseFrequencyChanged,
             Qt::QueuedConnection);
-    connect(&mPlayer, &PdPlayer::volumeChanged, &mSettings, &Settings::onMasterVolumeChanged, Qt::QueuedConnection);
+    connect(&mPlayer, &PdPlayer::volumeChanged, &mSettings, &Settings::onMasterVolumeChanged,
+            Qt::QueuedConnection);
     connect(&mPlayer, &PdPlayer::monophonicChanged, &mSettings, &Settings::onMonophonicChanged,
             Qt::QueuedConnection);
 }
@@ -423,8 +432,12 @@ bool TuningOrloApplication::loadChordsFromDiskToStorage(QDir* file)
         mSaveAndLoad.getDataFromFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
     } catch (const ChordFileError& error) {
         for (const ChordFileError::Part& part : error.parts())
-            qCritical().noquote() << QStringLiteral("The chord file %1 has no ratio in slot %2: \"%3\". The chord ends before it.")
-                                         .arg(file->path()).arg(part.slot).arg(part.text);
+            qCritical().noquote()
+                << QStringLiteral(
+                       "The chord file %1 has no ratio in slot %2: \"%3\". The chord ends before it.")
+                       .arg(file->path())
+                       .arg(part.slot)
+                       .arg(part.text);
     }
     return true;
 }
@@ -479,7 +492,8 @@ void TuningOrloApplication::loggingMessageHandler(QtMsgType type, const QMessage
         application->logMessage(type, context, message);
 }
 
-void TuningOrloApplication::logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+void TuningOrloApplication::logMessage(QtMsgType type, const QMessageLogContext& context,
+                                       const QString& message)
 {
     // Two threads may interleave in the file; nothing depends on it.
     mLogMutex.lock();

@@ -63,7 +63,8 @@ public:
 
     MainWindow* mainWindow() const { return mMainWindow.get(); }
 
-    static void loggingMessageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);
+    static void loggingMessageHandler(QtMsgType type, const QMessageLogContext& context,
+                                      const QString& message);
 
 public slots:
     /// The periodic safety save. A crash loses at most what came after it.

@@ -38,10 +38,11 @@ void Interface::term()
     midiOutput->term();
 }
 
-void Interface::receiveInstructions(int parameter, QList<int> voices, QList<float> value1, QList<float> value2)
+void Interface::receiveInstructions(int parameter, QList<int> voices, QList<float> value1,
+                                    QList<float> value2)
 {
-    ORLO_AUDIO_DEBUG << "Interface: Received: parameter, voices, value1, value2 " << parameter << voices << value1
-                     << value2;
+    ORLO_AUDIO_DEBUG << "Interface: Received: parameter, voices, value1, value2 " << parameter << voices
+                     << value1 << value2;
     if (restricted) {
         ORLO_AUDIO_DEBUG << "External Protocol Interface: Output restricted and off.";
         return;
@@ -49,17 +50,12 @@ void Interface::receiveInstructions(int parameter, QList<int> voices, QList<floa
     if (!midiOutput->portOpen || voices.isEmpty())
         return;
     switch (parameter) {
-    case PdPlayer::instructionNoteOff:
-        midiOutput->voiceOff(voices.at(0));
-        break;
+    case PdPlayer::instructionNoteOff: midiOutput->voiceOff(voices.at(0)); break;
     case PdPlayer::instructionNoteOn:
         midiOutput->setKeyFrequency(voices, value1);
         midiOutput->voiceOn(voices.at(0), velocityOf(value2.value(0)));
         break;
-    case PdPlayer::instructionBend:
-        midiOutput->setKeyFrequency(voices, value1);
-        break;
-    default:
-        break;
+    case PdPlayer::instructionBend: midiOutput->setKeyFrequency(voices, value1); break;
+    default: break;
     }
 }

@@ -45,7 +45,10 @@ Tuning tuningOfNote(double note);
 void beginTuningChange(Bytes& message, std::int64_t count);
 void addKeyTuning(Bytes& message, int key, const Tuning& tuning);
 void endTuningChange(Bytes& message);
-constexpr std::size_t tuningChangeSize(std::size_t keys) { return 7 + 4 * keys + 1; }
+constexpr std::size_t tuningChangeSize(std::size_t keys)
+{
+    return 7 + 4 * keys + 1;
+}
 
 /// By how many cents the channel of a voice is bent. `start` is the note at which the voice took
 /// its channel with `key`; of the range, 50 cents are kept for the distance between these two, and

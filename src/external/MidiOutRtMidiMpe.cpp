@@ -56,9 +56,9 @@ void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
         qWarning() << "MPE Pitch-bend factor exceeds +-1.";
     send(midi::pitchBend(bentChannel, bend.msb, bend.lsb));
     ORLO_AUDIO_DEBUG << "MPE pitch-bend message sent:";
-    ORLO_AUDIO_DEBUG << "channel, voice, exact note, range cents, bend cents, factor, message MSB, LSB" << bentChannel
-                     << channelKey[at] << channelExactNote[at] << range << cents << bend.factor << bend.coarse
-                     << bend.fine;
+    ORLO_AUDIO_DEBUG << "channel, voice, exact note, range cents, bend cents, factor, message MSB, LSB"
+                     << bentChannel << channelKey[at] << channelExactNote[at] << range << cents << bend.factor
+                     << bend.coarse << bend.fine;
 }
 
 void MidiOutRtMidi::mpeVoiceOn(int voice, int velocity)

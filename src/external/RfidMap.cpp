@@ -26,7 +26,8 @@ OrloEvent::Type typeFrom(double number)
 float valueFrom(double number)
 {
     if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max()))
-        return number > 0.0 ? std::numeric_limits<float>::infinity() : -std::numeric_limits<float>::infinity();
+        return number > 0.0 ? std::numeric_limits<float>::infinity()
+                            : -std::numeric_limits<float>::infinity();
     return static_cast<float>(number);
 }
 
@@ -39,7 +40,8 @@ QSharedPointer<OrloEvent> eventFrom(const QString& key, const QJsonObject& entry
                                                  valueFrom(entry.value(VALUE).toDouble()));
     const OrloPath parsed(path);
     if (!parsed.isValid()) {
-        qWarning().noquote() << QStringLiteral("RFID %1 was assigned invalid path %2. Ignoring.").arg(key, path);
+        qWarning().noquote()
+            << QStringLiteral("RFID %1 was assigned invalid path %2. Ignoring.").arg(key, path);
         return nullptr;
     }
     return QSharedPointer<OrloNoteEvent>::create(parsed);

@@ -108,10 +108,10 @@ void UdpListener::receive(QUdpSocket& socket, const RfidMap& map, quint16 port)
     if (socket.readDatagram(packet.data(), PACKET_BYTES, &sender) != PACKET_BYTES)
         return;
     const QString rfid = rfidOf(packet);
-    ORLO_AUDIO_DEBUG.noquote() << QStringLiteral("Received a UDP packet from %1 on port %2")
-                                      .arg(sender.toString())
-                                      .arg(port);
-    ORLO_AUDIO_DEBUG << "Wand ID:" << static_cast<int>(static_cast<signed char>(packet[WAND_AT])) << ", RFID:" << rfid;
+    ORLO_AUDIO_DEBUG.noquote()
+        << QStringLiteral("Received a UDP packet from %1 on port %2").arg(sender.toString()).arg(port);
+    ORLO_AUDIO_DEBUG << "Wand ID:" << static_cast<int>(static_cast<signed char>(packet[WAND_AT]))
+                     << ", RFID:" << rfid;
     if (const OrloEvent* event = map.lookup(rfid))
         emit eventReceived(event);
     else

@@ -13,7 +13,8 @@ const QString ENDING = QStringLiteral(".btoc");
 /// One level below the directory, whoever named it.
 bool isEntry(const QString& name)
 {
-    return !name.isEmpty() && !name.contains(u'/') && name != QStringLiteral(".") && name != QStringLiteral("..");
+    return !name.isEmpty() && !name.contains(u'/') && name != QStringLiteral(".")
+           && name != QStringLiteral("..");
 }
 
 } // namespace
@@ -29,8 +30,9 @@ bool ChordPresets::isName(const QString& name)
     const auto isForbidden = [](QChar c) {
         return c == u'/' || c == u'\\' || c.category() == QChar::Other_Control;
     };
-    return std::any_of(name.begin(), name.end(), isLetter) && std::none_of(name.begin(), name.end(), isForbidden)
-           && !name.startsWith(u'.') && !name.contains(QStringLiteral(".."));
+    return std::any_of(name.begin(), name.end(), isLetter)
+           && std::none_of(name.begin(), name.end(), isForbidden) && !name.startsWith(u'.')
+           && !name.contains(QStringLiteral(".."));
 }
 
 bool ChordPresets::directoryExists() const

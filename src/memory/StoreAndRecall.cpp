@@ -74,11 +74,8 @@ QList<OrloRatio> StoreAndRecall::togglesOf(const QList<OrloRatio>& chord, int mo
         if (toggles.isEmpty())
             toggles = chord;
         break;
-    case Alternating:
-        toggles = chord;
-        break;
-    default:
-        break;
+    case Alternating: toggles = chord; break;
+    default: break;
     }
     return toggles;
 }

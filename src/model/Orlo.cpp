@@ -34,24 +34,11 @@ struct TreeBall
 
 // Parents stand before their children.
 constexpr TreeBall DEFAULT_BALLS[] = {
-    {"/-2", nullptr},
-    {"/-2/-2", nullptr},
-    {"/-2/-2/3", "/-2/3"},
-    {"/-2/-2/3/3", "/-2/3/3"},
-    {"/-2/-3", "/-3"},
-    {"/-2/3", "/3"},
-    {"/-2/3/3", "/3/3"},
-    {"/2", nullptr},
-    {"/2/-3", nullptr},
-    {"/2/-3/-3", nullptr},
-    {"/2/-3/-3/-3", nullptr},
-    {"/2/3", nullptr},
-    {"/2/3/3", nullptr},
-    {"/-3", "/2/-3"},
-    {"/-3/-3", "/2/-3/-3"},
-    {"/-3/-3/-3", "/2/-3/-3/-3"},
-    {"/3", "/2/3"},
-    {"/3/3", "/2/3/3"},
+    {"/-2", nullptr},    {"/-2/-2", nullptr},   {"/-2/-2/3", "/-2/3"},    {"/-2/-2/3/3", "/-2/3/3"},
+    {"/-2/-3", "/-3"},   {"/-2/3", "/3"},       {"/-2/3/3", "/3/3"},      {"/2", nullptr},
+    {"/2/-3", nullptr},  {"/2/-3/-3", nullptr}, {"/2/-3/-3/-3", nullptr}, {"/2/3", nullptr},
+    {"/2/3/3", nullptr}, {"/-3", "/2/-3"},      {"/-3/-3", "/2/-3/-3"},   {"/-3/-3/-3", "/2/-3/-3/-3"},
+    {"/3", "/2/3"},      {"/3/3", "/2/3/3"},
 };
 
 constexpr float LOWEST_FREQUENCY = 20.0F; // Hz of 1/1 after a transposition
@@ -189,7 +176,8 @@ void Orlo::addLeaf(OrloBall* ball, int prime)
 QColor Orlo::lookupColor(int prime) const
 {
     // A lattice file may name any int, and the lowest has no absolute value.
-    return mPrimeColors.value(prime < 0 && prime != std::numeric_limits<int>::min() ? -prime : prime, Qt::white);
+    return mPrimeColors.value(prime < 0 && prime != std::numeric_limits<int>::min() ? -prime : prime,
+                              Qt::white);
 }
 
 void Orlo::buildBallMap()
@@ -355,7 +343,8 @@ bool Orlo::canTransposeTo(const OrloRatio& candidate) const
         if (it.key().canMultiplyWith(candidate))
             continue;
         const OrloPath& path = it.value()->path();
-        qDebug().noquote() << QStringLiteral("canTransposeTo fail on %1 to %2:\n  ball: %3 at %4 can't be played")
+        qDebug().noquote() << QStringLiteral(
+                                  "canTransposeTo fail on %1 to %2:\n  ball: %3 at %4 can't be played")
                                   .arg(mTransposition.toString(), candidate.toString(), path.toString(),
                                        path.toRatio().toString());
         return false;

@@ -30,11 +30,11 @@ public:
         VoiceVolumeSet = 17,
         MasterVolumeAdjust = 18,
         MasterVolumeSet = 19,
-        MonophonicSet = 20, // on above 0.5
-        PatchStep = 21,     // next above 0, else previous
-        BaseFrequencySet = 22, // Hz
+        MonophonicSet = 20,      // on above 0.5
+        PatchStep = 21,          // next above 0, else previous
+        BaseFrequencySet = 22,   // Hz
         PrimeEnabledToggle = 23, // value: the prime
-        Macro1Set = 24, // to Macro8Set: 0 to 1
+        Macro1Set = 24,          // to Macro8Set: 0 to 1
         Macro2Set = 25,
         Macro3Set = 26,
         Macro4Set = 27,

@@ -75,7 +75,8 @@ bool PatchHandOver::request(Change change, const std::function<void()>& queue,
             continue;
         if (!tryTakeEngine()) {
             if (patienceEnds(sinceLastBlock.elapsed())) {
-                qCritical() << "The audio thread does not come out of the patch. The change of patch is given up.";
+                qCritical()
+                    << "The audio thread does not come out of the patch. The change of patch is given up.";
                 return false;
             }
             continue;

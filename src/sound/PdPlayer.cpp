@@ -129,9 +129,11 @@ PdPlayer::Handler PdPlayer::handlerOf(std::int32_t type)
         table[OrloEvent::AllNotesOff] = &PdPlayer::onAllNotesOff;
         table[OrloEvent::AllNotesOffForced] = &PdPlayer::onAllNotesOffForced;
         table[OrloEvent::NodesDeselectAll] = &PdPlayer::onNodesDeselectAll;
-        for (std::int32_t reset = OrloEvent::NodesResetSelected; reset <= OrloEvent::NodesResetSelectedDeselect; ++reset)
+        for (std::int32_t reset = OrloEvent::NodesResetSelected;
+             reset <= OrloEvent::NodesResetSelectedDeselect; ++reset)
             table[static_cast<size_t>(reset)] = &PdPlayer::onNodesResetSelected;
-        for (std::int32_t reset = OrloEvent::NodesResetAll; reset <= OrloEvent::NodesResetAllAndControlsDeselect; ++reset)
+        for (std::int32_t reset = OrloEvent::NodesResetAll;
+             reset <= OrloEvent::NodesResetAllAndControlsDeselect; ++reset)
             table[static_cast<size_t>(reset)] = &PdPlayer::onNodesResetAll;
         for (std::int32_t reset = OrloEvent::GlissOneReset; reset <= OrloEvent::GlissBothReset; ++reset)
             table[static_cast<size_t>(reset)] = &PdPlayer::onGlissReset;
@@ -170,7 +172,8 @@ void PdPlayer::processChunk(const Chunk* chunk)
     if (!handler)
         return;
     if (!std::isfinite(chunk->value)) {
-        qWarning() << "PdPlayer: an event of type" << chunk->type << "with a value that is no number is dropped.";
+        qWarning() << "PdPlayer: an event of type" << chunk->type
+                   << "with a value that is no number is dropped.";
         return;
     }
     try {
@@ -367,7 +370,8 @@ void PdPlayer::stopPreviousMonoVoice(int slot)
 {
     if (const Voice* previous = mVoices.slot(mMonoVoice);
         previous && previous->seqId != 0 && !previous->released) {
-        ORLO_AUDIO_DEBUG << "turning off previous mono voice" << mMonoVoice << "ratio" << text(previous->ratio);
+        ORLO_AUDIO_DEBUG << "turning off previous mono voice" << mMonoVoice << "ratio"
+                         << text(previous->ratio);
         noteOff(OrloRatio(previous->ratio));
     }
     mMonoVoice = slot;
@@ -530,8 +534,8 @@ void PdPlayer::setThreadPriority(int priority)
 {
     QThread* thread = QThread::currentThread();
     thread->setPriority(static_cast<QThread::Priority>(priority));
-    qDebug() << "PdPlayer Thread: ID, Priority, LoopLevel " << QThread::currentThreadId() << thread->priority()
-             << thread->loopLevel();
+    qDebug() << "PdPlayer Thread: ID, Priority, LoopLevel " << QThread::currentThreadId()
+             << thread->priority() << thread->loopLevel();
 }
 
 // ---------------------------------------------------------------- look-ups
@@ -540,8 +544,8 @@ QList<OrloRatio> PdPlayer::getAllSoundingRatios() const
 {
     QList<OrloRatio> sounding;
     for (const VoiceSnapshot::Entry& entry : mSnapshot.read()) {
-        ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios: ratio, voice, seqId, inRelease " << text(entry.ratio)
-                         << entry.voice << entry.seqId << entry.released;
+        ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios: ratio, voice, seqId, inRelease "
+                         << text(entry.ratio) << entry.voice << entry.seqId << entry.released;
         if (!entry.released)
             sounding.append(entry.ratio);
     }

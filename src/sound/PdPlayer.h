@@ -250,11 +250,11 @@ private:
     void* mPatch = nullptr;
     OrloRatio mTransposition{1, 1};
     float mMasterVolume = 0.8F;
-    float mVoiceVolume = 1.0F; // sent with each note-on, never to a running voice
+    float mVoiceVolume = 1.0F;     // sent with each note-on, never to a running voice
     float mBaseFrequency = 440.0F; // Hz
     bool mMonophonic = false;
     StaticArray<bool, 32> mPrimeEnabled; // by the prime itself
-    int mMonoVoice = -1; // last voice started in monophonic mode
+    int mMonoVoice = -1;                 // last voice started in monophonic mode
     VoiceTable mVoices;
     VoiceSnapshot mSnapshot;
     bool mVoicesChanged = false; // since the snapshot

@@ -29,8 +29,8 @@ bool maintainMacroParameters()
 
 float glissandoMapping(float rangeCents, float value)
 {
-    return static_cast<float>(std::exp2(static_cast<double>(rangeCents) * 2.0
-                                        * (static_cast<double>(value) - 0.5) / 1200.0));
+    return static_cast<float>(
+        std::exp2(static_cast<double>(rangeCents) * 2.0 * (static_cast<double>(value) - 0.5) / 1200.0));
 }
 
 /// Selection and reset of one node carry the ratio as the lattice knows it. Empty for what is no
@@ -225,7 +225,8 @@ void PdPlayer::glissandoToNodes()
         }
     }
     if (!voices.isEmpty())
-        emit instructionsToInterface(instructionBend, voices, frequencies, QList<float>(voices.size(), -1.0F));
+        emit instructionsToInterface(instructionBend, voices, frequencies,
+                                     QList<float>(voices.size(), -1.0F));
 }
 
 float PdPlayer::glissedFrequency(const OrloRatio& ratio, float glissOne, float glissTwo) const
@@ -279,8 +280,9 @@ void PdPlayer::nodeResetGlissando(const OrloRatio& ratio, short which)
         return;
     const float one = glissandoOneMapping(source.glissOne);
     const float two = glissandoTwoMapping(source.glissTwo);
-    const float frequency = two * one * mBaseFrequency
-                            * (static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()));
+    const float frequency =
+        two * one * mBaseFrequency
+        * (static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()));
     ORLO_AUDIO_DEBUG << "Gliss reset applied: Mapping 1, 2, 1*2: " << one << two << one * two;
     alterFrequency(frequency, static_cast<float>(voice->voice));
     if (portOpen())

@@ -248,7 +248,8 @@ bool PdPlayer::applyAllCurrentMacroValues(float voice)
 {
     bool sent = true;
     for (int macro = 1; macro <= NodeParameters::MACRO_COUNT; ++macro)
-        sent = applyMacroValue(macro, currentParameters.macros[static_cast<size_t>(macro - 1)], voice) && sent;
+        sent =
+            applyMacroValue(macro, currentParameters.macros[static_cast<size_t>(macro - 1)], voice) && sent;
     return sent;
 }
 

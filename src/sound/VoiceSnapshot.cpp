@@ -49,7 +49,8 @@ QList<VoiceSnapshot::Entry> VoiceSnapshot::read() const
         QList<Entry> entries;
         entries.reserve(size);
         for (size_t i = 0; i < static_cast<size_t>(size); ++i)
-            entries.append({OrloRatio(raw[i].numerator, raw[i].denominator), static_cast<int>(raw[i].state >> 1 & 0xFF),
+            entries.append({OrloRatio(raw[i].numerator, raw[i].denominator),
+                            static_cast<int>(raw[i].state >> 1 & 0xFF),
                             static_cast<std::uint32_t>(raw[i].state >> 32), (raw[i].state & 1) != 0});
         return entries;
     }

@@ -9,9 +9,9 @@
 /// patch reports that it has faded.
 struct Voice
 {
-    OrloRatio ratio;          // absolute
-    int voice = -1;           // its own index, set when the slot is taken
-    std::uint32_t seqId = 0;  // count of note-ons at its start; the oldest voice has the smallest
+    OrloRatio ratio;         // absolute
+    int voice = -1;          // its own index, set when the slot is taken
+    std::uint32_t seqId = 0; // count of note-ons at its start; the oldest voice has the smallest
     bool released = false;
 };
 

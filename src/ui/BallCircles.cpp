@@ -40,7 +40,8 @@ QGraphicsEllipseItem* add(QGraphicsItem* ball, double edited, double z)
 
 BallCircles::BallCircles(QGraphicsItem* ball, int diameter, const Proportions& proportions)
     : mMain(add<QGraphicsEllipseItem>(ball, diameter, MAIN_Z))
-    , mSelectedRing(add<QGraphicsEllipseItem>(ball, proportions.selectedRing * diameter, proportions.selectedZ))
+    , mSelectedRing(
+          add<QGraphicsEllipseItem>(ball, proportions.selectedRing * diameter, proportions.selectedZ))
     , mAlteredRing(add<QGraphicsEllipseItem>(ball, proportions.alteredRing * diameter, ALTERED_Z))
     , mHoldDot(add<QGraphicsEllipseItem>(ball, HOLD_DOT_FACTOR * diameter, HOLD_Z))
     , mGlow(add<GlowItem>(ball, diameter * BALL_GLOW_SIZE_FACTOR / 100.0, GLOW_Z))
@@ -77,12 +78,9 @@ void BallCircles::draw(const QColor& color, bool unity, bool playing)
 QGraphicsEllipseItem* BallCircles::circleOf(Mark mark) const
 {
     switch (mark) {
-    case Mark::Selected:
-        return mSelectedRing;
-    case Mark::Hold:
-        return mHoldDot;
-    case Mark::Altered:
-        break;
+    case Mark::Selected: return mSelectedRing;
+    case Mark::Hold: return mHoldDot;
+    case Mark::Altered: break;
     }
     return mAlteredRing;
 }

@@ -88,7 +88,8 @@ void CardStackTwoWidget::updatePosition(OrloRatio ratio, CardWidget* card)
     if (scene.height() <= 0.0)
         return;
     const int latticeHeight = static_cast<int>(mView->viewportTransform().mapRect(scene).height());
-    const double centre = mView->mapFromScene(scene.center()).y() + latticeHeight * CENTRE_OFFSET / scene.height();
+    const double centre =
+        mView->mapFromScene(scene.center()).y() + latticeHeight * CENTRE_OFFSET / scene.height();
     const float relative = pitch::quotient(pitch::relativeOf(ratio));
     const int y =
         static_cast<int>(centre + pitch::offsetFromCentre(relative, latticeHeight)) - card->height() / 2;

@@ -111,7 +111,8 @@ int CardWidget::findHighestPrime(const OrloPathUnlimited* path)
 float CardWidget::getStaffLineForNote(bool bass, const Note& note)
 {
     const int octaves = (bass ? 0 : 2) - note.octave() + 3;
-    return static_cast<float>(octaves) * CardContents::OCTAVE + (bass ? 2.5F : 1.5F) - static_cast<float>(note.note()) * 0.5F;
+    return static_cast<float>(octaves) * CardContents::OCTAVE + (bass ? 2.5F : 1.5F)
+           - static_cast<float>(note.note()) * 0.5F;
 }
 
 CardContents CardWidget::readContents() const
@@ -177,8 +178,8 @@ void CardWidget::fill()
     mFreqLabel->setText(mContents.hertz); // the ratio's text hangs on its room
     mEnharmonicLabel->setVisible(mContents.enharmonic);
     mOctaveShiftLabel->setVisible(mContents.octaveShift != 0);
-    mOctaveShiftLabel->setText(mContents.octaveShift != 0 ? QString::number(7 * qAbs(mContents.octaveShift) + 1)
-                                                          : QString());
+    mOctaveShiftLabel->setText(
+        mContents.octaveShift != 0 ? QString::number(7 * qAbs(mContents.octaveShift) + 1) : QString());
 
     mClef->setSvg(mContents.bass ? mLoader->bassClef : mLoader->trebleClef);
     mNote->setSvg(recoloured(mLoader->note));
@@ -259,7 +260,8 @@ void CardWidget::layOutStaff(const QRect& area)
     if (hasAccidental()) {
         if (mContents.hasGrape())
             x += GRAPE_ACCIDENTAL_X;
-        mAccidental->setGeometry(QRect(QPoint(x, qRound(static_cast<float>(y) - mStaffSpacing)), accidentalSize));
+        mAccidental->setGeometry(
+            QRect(QPoint(x, qRound(static_cast<float>(y) - mStaffSpacing)), accidentalSize));
         mPlainAccidental->resize(accidentalSize);
         x += accidentalSize.width() + ACCIDENTAL_GAP;
     }
@@ -377,7 +379,8 @@ void CardWidget::addArrows(const QList<int>& primes, SoundGrape::Direction direc
     const bool down = direction == SoundGrape::Direction::Down;
     // Up to the text, and up to the card's frame above and below.
     const QRect room(0, 1, mNoteLabel->x(), height() - 2);
-    const QList<SoundGrape::Arrow> arrows = SoundGrape::arrowsFrom(mNote->geometry(), primes, direction, room);
+    const QList<SoundGrape::Arrow> arrows =
+        SoundGrape::arrowsFrom(mNote->geometry(), primes, direction, room);
     for (const SoundGrape::Arrow& arrow : arrows) {
         const bool shaft = arrow.kind == SoundGrape::Arrow::Shaft;
         QByteArray svg = down ? (shaft ? mLoader->arrow45Down : mLoader->arrowHead45Down)
@@ -482,9 +485,11 @@ void CardWidget::drawLines(QPainter& painter) const
         const int y = lineAt(std::round(position + SPACES_ABOVE_STAFF));
         painter.drawLine(mNote->x() - LEDGER_OVERHANG, y, mNote->x() + mNote->width() + LEDGER_OVERHANG, y);
     };
-    for (float position = CardContents::LOWEST_POSITION; position <= mContents.staffPosition; position += 1.0F)
+    for (float position = CardContents::LOWEST_POSITION; position <= mContents.staffPosition;
+         position += 1.0F)
         drawLedger(position);
-    for (float position = CardContents::HIGHEST_POSITION; position >= mContents.staffPosition; position -= 1.0F)
+    for (float position = CardContents::HIGHEST_POSITION; position >= mContents.staffPosition;
+         position -= 1.0F)
         drawLedger(position);
 }
 

@@ -8,8 +8,8 @@
 
 #include <QColor>
 #include <QFrame>
-#include <QList>
 #include <QLine>
+#include <QList>
 
 class CardGraphic;
 class CardLabel;
@@ -125,7 +125,7 @@ private:
     CardLabel* mFreqLabel = nullptr;
     CardLabel* mOctaveShiftLabel = nullptr;
     CardLabel* mEnharmonicLabel = nullptr;
-    QList<CardGraphic*> mArrows;    // made when needed, hidden when not
+    QList<CardGraphic*> mArrows;     // made when needed, hidden when not
     CardLabel* mDownLabel = nullptr; // made when needed, hidden when not
     CardLabel* mUpLabel = nullptr;
     qsizetype mArrowsShown = 0;

@@ -95,16 +95,11 @@ void FreeBallWidget::queuePress(Qt::KeyboardModifiers modifiers) const
 {
     PdPlayer* player = app::player();
     switch (ballPressFor(modifiers)) {
-    case BallPress::None:
-        return;
-    case BallPress::Note:
-        return player->queueEventGui(&mNoteEvent);
-    case BallPress::SelectToggle:
-        return player->queueEventGui(&mSelectEvent);
-    case BallPress::Reset:
-        return player->queueEventGui(&mResetEvent);
-    case BallPress::ResetAndDeselect:
-        return player->queueEventGui(&mResetDeselectEvent);
+    case BallPress::None: return;
+    case BallPress::Note: return player->queueEventGui(&mNoteEvent);
+    case BallPress::SelectToggle: return player->queueEventGui(&mSelectEvent);
+    case BallPress::Reset: return player->queueEventGui(&mResetEvent);
+    case BallPress::ResetAndDeselect: return player->queueEventGui(&mResetDeselectEvent);
     case BallPress::Transpose:
         const OrloTransposeEvent transpose(pitch::relativeOf(mRatio));
         return player->queueEventGui(&transpose);

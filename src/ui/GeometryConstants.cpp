@@ -23,7 +23,9 @@ int BALL_GLOW_SIZE_FACTOR = 200;
 int GLOW_ALPHA_START = 180;
 int PRIME_DISABLED_DIM_FACTOR = 300;
 
+// clang-format off
 #define ORLO_GEOMETRY(name) GeometryConstant{#name, &name}
+// clang-format on
 
 const std::array<GeometryConstant, 22> GEOMETRY_CONSTANTS = {
     ORLO_GEOMETRY(ANGLE_2_PLUS),

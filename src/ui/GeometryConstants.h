@@ -14,7 +14,7 @@ extern int ANGLE_FRONT_ROTATE_OFFSET; // no effect on the drawing
 extern int STRUT_2_LENGTH;
 extern int STRUT_3_LENGTH;
 extern int STRUT_WIDTH;
-extern int LINK_WIDTH;          // of a link, and of a thinned strut
+extern int LINK_WIDTH;           // of a link, and of a thinned strut
 extern int LEAVES_PLUS_OFFSET_X; // of the flowers from their ball
 extern int LEAVES_PLUS_OFFSET_Y;
 extern int GRAPE_LEAVES_WIDTH;  // of the column of grapes
@@ -23,8 +23,8 @@ extern int BALL_DIAMETER;
 extern int LEAF_DIAMETER;
 extern int LEAVES_RADIUS; // of the flower's circle
 extern int LEAVES_START_ANGLE;
-extern int BALL_DIM_FACTOR;        // a ball at rest, a strut
-extern int BALL_BRIGHTEN_FACTOR;   // a playing ball
+extern int BALL_DIM_FACTOR;      // a ball at rest, a strut
+extern int BALL_BRIGHTEN_FACTOR; // a playing ball
 extern int OUTLINE_BRIGHTEN_FACTOR;
 extern int BALL_GLOW_SIZE_FACTOR; // percent of the ball's diameter
 extern int GLOW_ALPHA_START;      // at the glow's centre, 0 to 255

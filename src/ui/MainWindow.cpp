@@ -42,7 +42,8 @@ constexpr int GRAPES_PAGE = 1;
 /// 0 to 1 along the slider's range.
 float fraction(const QSlider* slider, int value)
 {
-    return static_cast<float>(value - slider->minimum()) / static_cast<float>(slider->maximum() - slider->minimum());
+    return static_cast<float>(value - slider->minimum())
+           / static_cast<float>(slider->maximum() - slider->minimum());
 }
 
 /// The opposite way, rounded half away from zero, and without an echo.
@@ -134,9 +135,12 @@ void MainWindow::setUpIcons()
     ui->logoLabel->setPixmap(
         QIcon(QStringLiteral(":/icons/logo.png")).pixmap(LOGO_SIZE, devicePixelRatioF()));
     const std::pair<QPushButton*, const char*> icons[] = {
-        {ui->patchDecButton, "arrowleft"},      {ui->patchIncButton, "arrowright"},
-        {ui->presetDecButton, "arrowleft"},     {ui->presetIncButton, "arrowright"},
-        {ui->chordStorageUpButton, "arrowup"},  {ui->chordStorageDownButton, "arrowdown"},
+        {ui->patchDecButton, "arrowleft"},
+        {ui->patchIncButton, "arrowright"},
+        {ui->presetDecButton, "arrowleft"},
+        {ui->presetIncButton, "arrowright"},
+        {ui->chordStorageUpButton, "arrowup"},
+        {ui->chordStorageDownButton, "arrowdown"},
         {ui->optionsButton, "cog"},
     };
     for (const auto& [button, name] : icons)
@@ -166,9 +170,10 @@ void MainWindow::makeSwitcherLabels()
 {
     auto* view = new QLabel(QStringLiteral("<a href=\"grapes\">Grapes</a> <a href=\"circles\">Flowers</a>"),
                             ui->centralWidget);
-    auto* absRel = new QLabel(QStringLiteral("<a href=\"absolute\">Absolute</a> <a href=\"relative\">Relative</a> "
-                                             "<a href=\"absolute2\">Absolute B</a>"),
-                              ui->centralWidget);
+    auto* absRel =
+        new QLabel(QStringLiteral("<a href=\"absolute\">Absolute</a> <a href=\"relative\">Relative</a> "
+                                  "<a href=\"absolute2\">Absolute B</a>"),
+                   ui->centralWidget);
     absRel->setFixedWidth(240);
     absRel->move(108, 148);
     view->setVisible(false);
@@ -185,8 +190,8 @@ void MainWindow::connectPlayer()
     constexpr Qt::ConnectionType queued = Qt::QueuedConnection;
     connect(player, &PdPlayer::volumeChanged, this, &MainWindow::onVolumeChanged, queued);
     connect(player, &PdPlayer::monophonicChanged, this, &MainWindow::onMonophonicChanged, queued);
-    connect(player, qOverload<int, float>(&PdPlayer::macroValueChanged), this, &MainWindow::onMacroValueChanged,
-            queued);
+    connect(player, qOverload<int, float>(&PdPlayer::macroValueChanged), this,
+            &MainWindow::onMacroValueChanged, queued);
     connect(player, &PdPlayer::macroNamesReceived, this, &MainWindow::onMacroNamesReceived, queued);
     connect(player, &PdPlayer::macroDefaultsReceived, this, &MainWindow::onMacroDefaultsReceived, queued);
     connect(player, &PdPlayer::setMacroSliders, this, &MainWindow::onSetMacroSliders, queued);
@@ -204,7 +209,8 @@ void MainWindow::connectSliders()
                 [this, slider, number] { snapBack(slider, macroDefaultPosition(number)); });
     }
     for (QSlider* slider : {ui->glissSliderBig, ui->glissFineSliderBig})
-        connect(slider, &QSlider::sliderReleased, this, [this, slider] { snapBack(slider, slider->maximum() / 2); });
+        connect(slider, &QSlider::sliderReleased, this,
+                [this, slider] { snapBack(slider, slider->maximum() / 2); });
     connect(ui->volumeSlider, &QSlider::sliderReleased, this, [this] {
         snapBack(ui->volumeSlider, static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
     });
@@ -287,9 +293,8 @@ void MainWindow::onSwitcherClicked(QString link)
 
 void MainWindow::onAbsRelSwitcherClicked(QString link)
 {
-    static const QHash<QString, int> modes{{QStringLiteral("relative"), 0},
-                                           {QStringLiteral("absolute"), 1},
-                                           {QStringLiteral("absolute2"), 2}};
+    static const QHash<QString, int> modes{
+        {QStringLiteral("relative"), 0}, {QStringLiteral("absolute"), 1}, {QStringLiteral("absolute2"), 2}};
     const auto mode = modes.find(link);
     if (mode == modes.end())
         return;
@@ -409,7 +414,8 @@ void MainWindow::onMacroSliderValueChanged(int value)
 
 void MainWindow::setMacro(int index, int sliderValue)
 {
-    queue(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + index), fraction(ui->macroSlider1, sliderValue));
+    queue(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + index),
+          fraction(ui->macroSlider1, sliderValue));
 }
 
 void MainWindow::onMacroValueChanged(int macro, float value)
@@ -476,7 +482,7 @@ int MainWindow::macroDefaultPosition(int number) const
 void MainWindow::applyRestrictions(bool restricted)
 {
     mRestricted = restricted;
-    QWidget* const restrictedOnes[] = {ui->chordFrame,     ui->chordStoreFrame, ui->chordPresetsFrame,
+    QWidget* const restrictedOnes[] = {ui->chordFrame,      ui->chordStoreFrame, ui->chordPresetsFrame,
                                        ui->chordHoldButton, ui->glissSliderBig,  ui->glissFineSliderBig};
     for (QWidget* widget : restrictedOnes)
         widget->setEnabled(!restricted);
@@ -554,8 +560,8 @@ void MainWindow::updateReadout()
 {
     const OrloRatio& transposition = mOrlo->transposition();
     const float base = mOrlo->baseFrequency();
-    const float central =
-        static_cast<float>(transposition.numerator()) / static_cast<float>(transposition.denominator()) * base;
+    const float central = static_cast<float>(transposition.numerator())
+                          / static_cast<float>(transposition.denominator()) * base;
 
     QString steps;
     for (const int step : mOrlo->transposeSteps())

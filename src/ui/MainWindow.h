@@ -224,7 +224,7 @@ private:
     QString mLastPreset = QStringLiteral("*");
     bool mAltDown = false;
     bool mRestricted = false;
-    int mCurrentPatch = -1; // index in the menu
+    int mCurrentPatch = -1;                  // index in the menu
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
     // Child dialogs that only a developer shows.

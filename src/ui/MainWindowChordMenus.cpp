@@ -64,8 +64,9 @@ void MainWindow::repopulateChordBankMenu()
 
 void MainWindow::repopulateChordSetMenu()
 {
-    const QStringList presets =
-        hasNoChoice(ui->saveChordBankMenu) ? QStringList() : chordPresets().presets(ui->saveChordBankMenu->currentText());
+    const QStringList presets = hasNoChoice(ui->saveChordBankMenu)
+                                    ? QStringList()
+                                    : chordPresets().presets(ui->saveChordBankMenu->currentText());
     fill(ui->saveChordSetMenu, presets, QStringLiteral("preset"));
 }
 
@@ -211,7 +212,8 @@ QString MainWindow::chosenPresetFile() const
 {
     if (hasNoChoice(ui->saveChordBankMenu) || hasNoChoice(ui->saveChordSetMenu))
         return QString();
-    return chordPresets().presetPath(ui->saveChordBankMenu->currentText(), ui->saveChordSetMenu->currentText());
+    return chordPresets().presetPath(ui->saveChordBankMenu->currentText(),
+                                     ui->saveChordSetMenu->currentText());
 }
 
 void MainWindow::on_saveChordSetLoadButton_clicked()

@@ -30,7 +30,8 @@ void MainWindow::collectChordButtons()
 
 bool MainWindow::ask(const QString& title, const QString& question)
 {
-    return QMessageBox::question(this, title, question, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    return QMessageBox::question(this, title, question, QMessageBox::Yes | QMessageBox::No)
+           == QMessageBox::Yes;
 }
 
 void MainWindow::tell(const QString& text)
@@ -40,6 +41,7 @@ void MainWindow::tell(const QString& text)
 
 // ---------------------------------------------------------------- the twenty buttons
 
+// clang-format off
 void MainWindow::on_chordButton_01_clicked() { chordButtonClicked(1); }
 void MainWindow::on_chordButton_02_clicked() { chordButtonClicked(2); }
 void MainWindow::on_chordButton_03_clicked() { chordButtonClicked(3); }
@@ -60,6 +62,7 @@ void MainWindow::on_chordButton_17_clicked() { chordButtonClicked(17); }
 void MainWindow::on_chordButton_18_clicked() { chordButtonClicked(18); }
 void MainWindow::on_chordButton_19_clicked() { chordButtonClicked(19); }
 void MainWindow::on_chordButton_20_clicked() { chordButtonClicked(20); }
+// clang-format on
 
 /// The click has toggled the button already: each way ends with what the memory says.
 void MainWindow::chordButtonClicked(int number)

@@ -24,12 +24,9 @@ constexpr Qt::KeyboardModifiers HELD =
 bool MainWindow::KeyRow::matches(Qt::KeyboardModifiers held) const
 {
     switch (rule) {
-    case Any:
-        return true;
-    case Exactly:
-        return held == modifiers;
-    case With:
-        return (held & modifiers) == modifiers;
+    case Any: return true;
+    case Exactly: return held == modifiers;
+    case With: return (held & modifiers) == modifiers;
     }
     return false;
 }
@@ -85,7 +82,8 @@ void MainWindow::buildKeyMap()
                        }});
     addKey(Qt::Key_J, {Row::Any, none, [this] { chooseChordRow(1); }});
     addKey(Qt::Key_U, {Row::Any, none, [this] { chooseChordRow(0); }});
-    addKey(Qt::Key_K, {Row::With, control, [this] { ui->volumeSlider->setValue(ui->volumeSlider->minimum()); }});
+    addKey(Qt::Key_K,
+           {Row::With, control, [this] { ui->volumeSlider->setValue(ui->volumeSlider->minimum()); }});
     addKey(Qt::Key_K, {Row::Any, none, [this] {
                            if (ui->volumeSlider->value() >= 2)
                                ui->volumeSlider->setValue(ui->volumeSlider->value() - 2);
@@ -100,9 +98,10 @@ void MainWindow::buildKeyMap()
     addKey(Qt::Key_N, {Row::With, alt | control, event(OrloEvent::NodesResetAllDeselect)});
     addKey(Qt::Key_N, {Row::Exactly, alt, event(OrloEvent::NodesResetAll)});
     addKey(Qt::Key_N, {Row::Any, none, click(ui->normalizeRatiosButton)});
-    addKey(Qt::Key_O, {Row::With, control, [this] {
-                           ui->volumeSlider->setValue(static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
-                       }});
+    addKey(Qt::Key_O,
+           {Row::With, control, [this] {
+                ui->volumeSlider->setValue(static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
+            }});
     addKey(Qt::Key_O, {Row::Any, none, [this] {
                            if (ui->volumeSlider->value() + 1 < ui->volumeSlider->maximum())
                                ui->volumeSlider->setValue(ui->volumeSlider->value() + 2);

@@ -27,7 +27,8 @@ QString patchDirectory()
 
 QString runtimeFile(const QString& name)
 {
-    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/patch/") + name;
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/patch/")
+           + name;
 }
 
 } // namespace

@@ -34,7 +34,9 @@ constexpr QColor TRANSPOSED_CENTRE(158, 158, 158);
 /// Transposed by two or more leaf steps: one colour for all would say nothing any more.
 bool isCrowded(const QList<int>& transposeSteps)
 {
-    return std::count_if(transposeSteps.begin(), transposeSteps.end(), [](int step) { return qAbs(step) > 3; }) >= 2;
+    return std::count_if(transposeSteps.begin(), transposeSteps.end(),
+                         [](int step) { return qAbs(step) > 3; })
+           >= 2;
 }
 
 bool isTreeStep(int step)
@@ -44,7 +46,8 @@ bool isTreeStep(int step)
 
 } // namespace
 
-OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int diameter, QGraphicsItem* parent)
+OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int diameter,
+                               QGraphicsItem* parent)
     : QGraphicsItemGroup(parent)
     , mBall(ball)
     , mOrloWidget(orloWidget)
@@ -68,7 +71,8 @@ OrloBallWidget::OrloBallWidget(const OrloBall* ball, OrloWidget* orloWidget, int
 
     connect(mBall, &OrloBall::playingChanged, this, &OrloBallWidget::onPlayingChanged, Qt::DirectConnection);
     connect(mBall, &OrloBall::enabledChanged, this, &OrloBallWidget::onEnabledChanged, Qt::DirectConnection);
-    connect(mBall, &OrloBall::selectedChanged, this, &OrloBallWidget::onSelectedChanged, Qt::DirectConnection);
+    connect(mBall, &OrloBall::selectedChanged, this, &OrloBallWidget::onSelectedChanged,
+            Qt::DirectConnection);
     connect(mBall, &OrloBall::holdChanged, this, &OrloBallWidget::onHoldChanged, Qt::DirectConnection);
     connect(mBall, &OrloBall::alteredChanged, this, &OrloBallWidget::onAlteredChanged, Qt::DirectConnection);
     setFiltersChildEvents(true);
@@ -127,7 +131,9 @@ OrloBallWidget::Paint OrloBallWidget::highestStepPaint() const
 void OrloBallWidget::updateBall()
 {
     const int absRelView = app::settings()->absRelView;
-    const Paint paint = absRelView == 1 ? absolutePaint() : absRelView == 2 ? highestStepPaint() : relativePaint();
+    const Paint paint = absRelView == 1   ? absolutePaint()
+                        : absRelView == 2 ? highestStepPaint()
+                                          : relativePaint();
     updateColor(paint.color, paint.unity);
     if (paint.adjustStruts)
         updateStruts(absRelView == 1 || absRelView == 2);
@@ -196,16 +202,11 @@ void OrloBallWidget::onAlteredChanged(bool altered)
 const OrloEvent* OrloBallWidget::eventFor(Qt::KeyboardModifiers modifiers) const
 {
     switch (ballPressFor(modifiers)) {
-    case BallPress::None:
-        break;
-    case BallPress::Note:
-        return &mNoteEvent;
-    case BallPress::Transpose:
-        return &mTransposeEvent;
-    case BallPress::SelectToggle:
-        return &mSelectEvent;
-    case BallPress::Reset:
-        return &mResetEvent;
+    case BallPress::None: break;
+    case BallPress::Note: return &mNoteEvent;
+    case BallPress::Transpose: return &mTransposeEvent;
+    case BallPress::SelectToggle: return &mSelectEvent;
+    case BallPress::Reset: return &mResetEvent;
     case BallPress::ResetAndDeselect:
         qDebug() << "OrloBall: Alt + Ctrl + mouse click.";
         return &mResetDeselectEvent;

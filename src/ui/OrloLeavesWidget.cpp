@@ -19,7 +19,7 @@ struct GrapePlace
 
 // A table of its own, near the true intervals but not computed from them.
 constexpr GrapePlace GRAPE_PLACES[] = {
-    {5, -0.5F, 3.86F},  {7, -0.5F, 9.69F}, {11, 0.5F, 5.51F},  {13, 0.5F, 8.41F},  {17, -0.5F, 1.05F},
+    {5, -0.5F, 3.86F}, {7, -0.5F, 9.69F},  {11, 0.5F, 5.51F},  {13, 0.5F, 8.41F},  {17, -0.5F, 1.05F},
     {19, 0.5F, 2.98F}, {23, -0.5F, 6.28F}, {29, 0.5F, 10.37F}, {31, -0.5F, 11.5F},
 };
 

@@ -16,8 +16,8 @@ int penWidth(int edited)
 
 } // namespace
 
-OrloStrutWidget::OrloStrutWidget(OrloBallWidget* first, OrloBallWidget* second, int width, const QColor* color,
-                                 QGraphicsItem* parent)
+OrloStrutWidget::OrloStrutWidget(OrloBallWidget* first, OrloBallWidget* second, int width,
+                                 const QColor* color, QGraphicsItem* parent)
     : QGraphicsLineItem(QLineF(first->pos(), second->pos()), parent)
     , mFirst(first)
     , mSecond(second)

@@ -289,15 +289,12 @@ OrloView::Stacks OrloView::stacksToMove(int policy, bool final)
 void OrloView::updateStacksWhenZoom(bool final)
 {
     switch (stacksToMove(mStackUpdatePolicy, final)) {
-    case Stacks::None:
-        break;
+    case Stacks::None: break;
     case Stacks::Cards:
         if (mCardStack)
             mCardStack->updatePositions();
         break;
-    case Stacks::All:
-        updateStacksItemsPositions();
-        break;
+    case Stacks::All: updateStacksItemsPositions(); break;
     }
 }
 

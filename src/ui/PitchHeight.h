@@ -45,7 +45,8 @@ inline int offsetFromCentre(float relativeRatio, int latticeHeight)
     constexpr double farthest = 1e6;
     if (!(relativeRatio > 0.0F))
         return static_cast<int>(farthest);
-    const double offset = std::log(static_cast<double>(relativeRatio)) / HALF_HEIGHT_LN * -latticeHeight * 0.5;
+    const double offset =
+        std::log(static_cast<double>(relativeRatio)) / HALF_HEIGHT_LN * -latticeHeight * 0.5;
     return static_cast<int>(std::round(qBound(-farthest, offset, farthest)));
 }
 

@@ -8,7 +8,6 @@
 
 #include <array>
 
-
 class QSvgRenderer;
 
 /// The notation graphics, read once from the resource directory: black drawings, to be recoloured

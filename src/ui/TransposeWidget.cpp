@@ -35,8 +35,8 @@ TransposeWidget::TransposeWidget(QWidget* parent)
 void TransposeWidget::init(Qt::Orientation orientation)
 {
     mOrientation = orientation;
-    auto* rows = new QBoxLayout(orientation == Qt::Horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom,
-                                this);
+    auto* rows = new QBoxLayout(
+        orientation == Qt::Horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, this);
     rows->setSpacing(ROW_SPACING);
     rows->setContentsMargins(QMargins());
     for (int row = 0; row < ROWS; ++row)
@@ -47,7 +47,8 @@ void TransposeWidget::init(Qt::Orientation orientation)
 
 QBoxLayout* TransposeWidget::makeRow(int spacing) const
 {
-    auto* row = new QBoxLayout(mOrientation == Qt::Horizontal ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    auto* row =
+        new QBoxLayout(mOrientation == Qt::Horizontal ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
     row->setSpacing(spacing);
     row->setContentsMargins(QMargins());
     return row;

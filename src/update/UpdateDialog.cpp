@@ -76,18 +76,12 @@ bool UpdateDialog::isCheckDue(int interval, const QString& lastCheck, const QDat
 {
     const QDateTime last = timeOfCheck(lastCheck, now);
     switch (interval) {
-    case Always:
-        return true;
-    case Weekly:
-        return last.addDays(7) < now;
-    case Monthly:
-        return last.addMonths(1) < now;
-    case Quarterly:
-        return last.addMonths(3) < now;
-    case FiveMinutes:
-        return last.addSecs(300) < now;
-    default:
-        return false; // never, and what no menu gives
+    case Always: return true;
+    case Weekly: return last.addDays(7) < now;
+    case Monthly: return last.addMonths(1) < now;
+    case Quarterly: return last.addMonths(3) < now;
+    case FiveMinutes: return last.addSecs(300) < now;
+    default: return false; // never, and what no menu gives
     }
 }
 

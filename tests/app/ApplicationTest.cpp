@@ -57,7 +57,8 @@ protected:
 TEST_F(Application, CopiesWhatIsMissingOrOlder)
 {
     const QDateTime noon(QDate(2026, 1, 1), QTime(12, 0));
-    const std::tuple<qint64, bool, bool> rows[] = { // seconds that the target is newer, overwrite, copied
+    const std::tuple<qint64, bool, bool> rows[] = {
+        // seconds that the target is newer, overwrite, copied
         {60, false, false}, {0, false, false}, {-60, false, true}, {60, true, true}, {0, true, true},
     };
     for (const auto& [newer, overwrite, copied] : rows) {
@@ -85,7 +86,9 @@ TEST_F(Application, FilterKeepsTheSecondDashOfItsWord)
 {
     EXPECT_TRUE(app::debugListening.load());
     const std::pair<const char*, int> rows[] = {
-        {"src/model/-OrloPath.cpp", 1}, {"src/model/OrloPath.cpp", 0}, {nullptr, 0},
+        {"src/model/-OrloPath.cpp", 1},
+        {"src/model/OrloPath.cpp", 0},
+        {nullptr, 0},
         {"c:\\src\\-orlopath.old.cpp", 0}, // its base name ends in .old
         {"-OrloPath.cpp", 0},              // no separator
     };
@@ -93,7 +96,8 @@ TEST_F(Application, FilterKeepsTheSecondDashOfItsWord)
         EXPECT_EQ(diagnosticsOf(file).size(), shown) << (file ? file : "no file");
     // Stamp with its blank, one more blank, the text, the line's end.
     const QString line = diagnosticsOf("src/-ORLOPATH.cpp").value(0);
-    EXPECT_TRUE(QRegularExpression(u"^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\]  said\\n$"_s).match(line).hasMatch())
+    EXPECT_TRUE(
+        QRegularExpression(u"^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\]  said\\n$"_s).match(line).hasMatch())
         << line.toStdString();
 }
 

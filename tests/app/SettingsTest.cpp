@@ -118,8 +118,8 @@ TEST_P(SettingsTest, NumbersAreCutAndPairsAreSplit)
         EXPECT_EQ(settings.udpPort, cut);
     }
     const std::pair<const char*, QSize> pairs[] = {
-        {"800", {-1, -1}}, {"", {-1, -1}},  {"800,x", {800, 0}},      {"x,600", {0, 600}}, {"800,600,400", {800, 600}},
-        {",", {0, 0}},     {"800.5,0x10", {0, 0}}, {"99999999999,-5", {0, -5}},
+        {"800", {-1, -1}},           {"", {-1, -1}}, {"800,x", {800, 0}},    {"x,600", {0, 600}},
+        {"800,600,400", {800, 600}}, {",", {0, 0}},  {"800.5,0x10", {0, 0}}, {"99999999999,-5", {0, -5}},
     };
     for (const auto& [text, size] : pairs) {
         const QString value = QLatin1StringView(text);
@@ -138,7 +138,8 @@ TEST_P(SettingsTest, ASyntaxErrorKeepsTheDefaultsAndTheFile)
         const LogCatcher log;
         EXPECT_FALSE(settings.init());
         ASSERT_EQ(log.lines().size(), 1) << json;
-        EXPECT_TRUE(log.has(QtCriticalMsg, u"Couldn't parse file %1. JSON error: "_s.arg(home.path(FILE_NAME))));
+        EXPECT_TRUE(
+            log.has(QtCriticalMsg, u"Couldn't parse file %1. JSON error: "_s.arg(home.path(FILE_NAME))));
         EXPECT_EQ(written(settings), defaults());
         EXPECT_EQ(home.read(FILE_NAME), json);
     }

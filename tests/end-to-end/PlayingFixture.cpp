@@ -44,7 +44,8 @@ double PlayingFixture::amplitudeNow(double frequency)
         return ::testing::AssertionFailure() << "what sounds is no sine";
     const double off = tone::centsBetween(*found, frequency);
     if (std::abs(off) > MOST_CENTS_OFF)
-        return ::testing::AssertionFailure() << *found << " Hz, which is " << off << " cents off " << frequency;
+        return ::testing::AssertionFailure()
+               << *found << " Hz, which is " << off << " cents off " << frequency;
     return ::testing::AssertionSuccess();
 }
 

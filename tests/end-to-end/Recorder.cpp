@@ -1,13 +1,13 @@
 #include "end-to-end/Recorder.h"
 
-#include "support/Tone.h"
 #include "end-to-end/VirtualDesk.h"
 #include "end-to-end/Waiting.h"
+#include "support/Tone.h"
 
 namespace {
 
 constexpr std::array<const char*, Recorder::CHANNELS> PROGRAM_OUTPUTS{"PortAudio:out_0", "PortAudio:out_1"};
-constexpr double SILENT_BELOW = 1e-5;  // full scale is 1
+constexpr double SILENT_BELOW = 1e-5; // full scale is 1
 constexpr double SOUNDS_ABOVE = 1e-3;
 constexpr double SILENCE_SECONDS = 0.1;
 
@@ -17,16 +17,17 @@ Recorder::Recorder(const QString& server)
 {
     for (auto& channel : mKept)
         channel.resize(KEPT);
-    mClient = jack_client_open("recorder", static_cast<jack_options_t>(JackNoStartServer | JackServerName), nullptr,
-                               server.toLatin1().constData());
+    mClient = jack_client_open("recorder", static_cast<jack_options_t>(JackNoStartServer | JackServerName),
+                               nullptr, server.toLatin1().constData());
     if (!mClient)
         return;
     for (size_t channel = 0; channel < CHANNELS; ++channel)
-        mPorts[channel] = jack_port_register(mClient, channel == 0 ? "left" : "right", JACK_DEFAULT_AUDIO_TYPE,
-                                             JackPortIsInput, 0);
+        mPorts[channel] = jack_port_register(mClient, channel == 0 ? "left" : "right",
+                                             JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
     jack_set_process_callback(mClient, &Recorder::processBlock, this);
     // With this handler the client outlives its server.
-    jack_on_shutdown(mClient, [](void*) {}, nullptr);
+    jack_on_shutdown(
+        mClient, [](void*) {}, nullptr);
     jack_activate(mClient);
 }
 
@@ -41,7 +42,8 @@ int Recorder::processBlock(jack_nframes_t frames, void* self)
     auto* recorder = static_cast<Recorder*>(self);
     const size_t from = recorder->mRecorded.load(std::memory_order_relaxed);
     for (size_t channel = 0; channel < CHANNELS; ++channel) {
-        const auto* input = static_cast<const float*>(jack_port_get_buffer(recorder->mPorts[channel], frames));
+        const auto* input =
+            static_cast<const float*>(jack_port_get_buffer(recorder->mPorts[channel], frames));
         for (jack_nframes_t i = 0; i < frames; ++i)
             recorder->mKept[channel][(from + i) % KEPT] = input[i];
     }

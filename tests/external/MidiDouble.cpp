@@ -2,7 +2,8 @@
 
 std::string hex(const unsigned char* bytes, size_t size)
 {
-    const auto all = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
+    const auto all =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
     return all.toHex(' ').toUpper().toStdString();
 }
 
@@ -88,6 +89,7 @@ std::unique_ptr<RtMidiOut> MidiOutOverDouble::createOutput(RtMidi::Api api) cons
 {
     system->apisTried.append(api);
     if (system->apisTried.size() <= system->apisThatFail)
-        throw RtMidiError("no MIDI here " + std::to_string(system->apisTried.size()), RtMidiError::DRIVER_ERROR);
+        throw RtMidiError("no MIDI here " + std::to_string(system->apisTried.size()),
+                          RtMidiError::DRIVER_ERROR);
     return std::make_unique<OutputOverDouble>(system);
 }

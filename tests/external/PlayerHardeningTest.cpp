@@ -18,9 +18,9 @@
 namespace {
 
 constexpr float LARGEST = std::numeric_limits<float>::max();
-constexpr float ODD_VALUES[] = {0.0F,    -0.0F, 1.0F,   -1.0F, 0.5F,   2.0F,    3.0F,     31.0F,   32.0F,
-                                -2.5F,   127.0F, 128.0F, 1e-42F, 1e9F,  -1e9F,  1e20F,    LARGEST, -LARGEST,
-                                INFINITY, -INFINITY, NAN};
+constexpr float ODD_VALUES[] = {0.0F,  -0.0F, 1.0F,    -1.0F,    0.5F,     2.0F,      3.0F,
+                                31.0F, 32.0F, -2.5F,   127.0F,   128.0F,   1e-42F,    1e9F,
+                                -1e9F, 1e20F, LARGEST, -LARGEST, INFINITY, -INFINITY, NAN};
 const OrloRatio FIFTH(3, 2);
 const QRegularExpression NO_NUMBER(QStringLiteral("\\b(nan|inf)\\b"));
 
@@ -41,10 +41,10 @@ protected:
     void restore()
     {
         const std::pair<int, float> commands[] = {
-            {OrloEvent::AllNotesOffForced, 0.0F}, {OrloEvent::NodesHold, 0.0F},
+            {OrloEvent::AllNotesOffForced, 0.0F},    {OrloEvent::NodesHold, 0.0F},
             {OrloEvent::TransposeByPrimeStep, 0.0F}, {OrloEvent::BaseFrequencySet, 440.0F},
-            {OrloEvent::MasterVolumeSet, 0.75F}, {OrloEvent::VoiceVolumeSet, 1.0F},
-            {OrloEvent::MonophonicSet, 0.0F}, {OrloEvent::NodesResetAllAndControlsDeselect, 0.0F},
+            {OrloEvent::MasterVolumeSet, 0.75F},     {OrloEvent::VoiceVolumeSet, 1.0F},
+            {OrloEvent::MonophonicSet, 0.0F},        {OrloEvent::NodesResetAllAndControlsDeselect, 0.0F},
         };
         for (const auto& [type, value] : commands)
             serial(command(type, value));
@@ -78,7 +78,8 @@ TEST_F(Hardening, NoCommandWithAnyValueHarmsThePlayer)
             log.take();
             serial(OrloNoteEvent(FIFTH));
             const QStringList told = log.take();
-            EXPECT_TRUE(told.contains(QStringLiteral("noteToggled 3/2 on"))) << told.join(u'\n').toStdString();
+            EXPECT_TRUE(told.contains(QStringLiteral("noteToggled 3/2 on")))
+                << told.join(u'\n').toStdString();
             EXPECT_EQ(told.filter(QRegularExpression(QStringLiteral("^orlo-in 660 2 "))).size(), 1);
             EXPECT_EQ(rig.player.getAllSoundingRatios(), QList<OrloRatio>({FIFTH}));
             serial(OrloNoteEvent(FIFTH));

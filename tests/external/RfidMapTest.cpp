@@ -79,7 +79,8 @@ TEST(RfidMap, FindsEventsByTheFirstTenCharactersCaseAside)
 
     QJsonObject written;
     map.write(written);
-    const QByteArray expected = R"({"abcdef0123": {"event": 19, "value": 0.5}, "short": {"event": 0, "value": "/3/-5"}})";
+    const QByteArray expected =
+        R"({"abcdef0123": {"event": 19, "value": 0.5}, "short": {"event": 0, "value": "/3/-5"}})";
     EXPECT_EQ(written, QJsonDocument::fromJson(expected).object());
 }
 

@@ -61,12 +61,16 @@ protected:
     Device()
     {
         rig.settings.udpPort = freePort();
-        QObject::connect(&listener, &UdpListener::eventReceived, &listener, [this](const OrloEvent* event) {
-            lastType = event->type();
-            ++received;
-        }, Qt::DirectConnection);
-        QObject::connect(&listener, &UdpListener::fatalError, &listener,
-                         [this](const QString& error) { errors.append(error); }, Qt::DirectConnection);
+        QObject::connect(
+            &listener, &UdpListener::eventReceived, &listener,
+            [this](const OrloEvent* event) {
+                lastType = event->type();
+                ++received;
+            },
+            Qt::DirectConnection);
+        QObject::connect(
+            &listener, &UdpListener::fatalError, &listener,
+            [this](const QString& error) { errors.append(error); }, Qt::DirectConnection);
     }
     ~Device() override { listener.term(); }
 
@@ -78,8 +82,9 @@ protected:
     }
     void send(const QByteArray& bytes)
     {
-        EXPECT_EQ(sender.writeDatagram(bytes, QHostAddress::LocalHost, static_cast<quint16>(rig.settings.udpPort)),
-                  bytes.size());
+        EXPECT_EQ(
+            sender.writeDatagram(bytes, QHostAddress::LocalHost, static_cast<quint16>(rig.settings.udpPort)),
+            bytes.size());
     }
     bool says(const QString& text)
     {
@@ -148,8 +153,8 @@ TEST_F(Device, ABurstWhilePlayingLosesNothingButToAFullBuffer)
 {
     ASSERT_TRUE(start(MAP));
     std::atomic<int> carriedOut{0};
-    QObject::connect(&rig.player, &PdPlayer::voiceVolumeChanged, &rig.player, [&] { ++carriedOut; },
-                     Qt::DirectConnection);
+    QObject::connect(
+        &rig.player, &PdPlayer::voiceVolumeChanged, &rig.player, [&] { ++carriedOut; }, Qt::DirectConnection);
     QObject::connect(&listener, &UdpListener::eventReceived, &rig.player, &PdPlayer::queueEventSerial,
                      Qt::DirectConnection);
     const auto dropped = [this] { return log.count(QtWarningMsg, QStringLiteral("Command buffer full")); };
@@ -165,7 +170,8 @@ TEST_F(Device, ABurstWhilePlayingLosesNothingButToAFullBuffer)
                 ASSERT_TRUE(soon([&] { return received == sent; })) << sent;
             }
         }
-        EXPECT_TRUE(soon([&] { return carriedOut + dropped() == burst; })) << carriedOut << " and " << dropped();
+        EXPECT_TRUE(soon([&] { return carriedOut + dropped() == burst; }))
+            << carriedOut << " and " << dropped();
     }
     EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 1);
 }

@@ -110,9 +110,16 @@ TEST_P(ChordFile, WritesTwentyLinesAndReadsThemBack)
 TEST_P(ChordFile, ReadsWhateverAFileHoldsAndEnds)
 {
     const LogCatcher log;
-    const QByteArray samples[] = {QByteArray(100000, '/'), QByteArray(100000, ' '), QByteArray("\0\0\n\xff\xfe", 5),
-                                  QByteArray(5000, '\n'),  "-1/2 0\n",              "1/-2 0\n",
-                                  "+1/+2 0\n",             "0x10/2 1/1 0\n",        "\xef\xbb\xbf" "1/1 0\n",
+    const QByteArray samples[] = {QByteArray(100000, '/'),
+                                  QByteArray(100000, ' '),
+                                  QByteArray("\0\0\n\xff\xfe", 5),
+                                  QByteArray(5000, '\n'),
+                                  "-1/2 0\n",
+                                  "1/-2 0\n",
+                                  "+1/+2 0\n",
+                                  "0x10/2 1/1 0\n",
+                                  "\xef\xbb\xbf"
+                                  "1/1 0\n",
                                   "1/1 0\n0\n1/1 five 0\n"};
     for (const QByteArray& sample : samples) {
         home.write(path, sample);

@@ -58,7 +58,8 @@ TEST_F(Presets, WhatIsNoNameTouchesNothing)
 {
     ASSERT_TRUE(presets.makeBank(bank));
     const QStringList before = outside();
-    QStringList bad = u".|..|...|   |*|12|/|a/b|/tmp/a|../a|a/../../outside/b|a..b|..a|.hidden|a\\b"_s.split(u'|');
+    QStringList bad =
+        u".|..|...|   |*|12|/|a/b|/tmp/a|../a|a/../../outside/b|a..b|..a|.hidden|a\\b"_s.split(u'|');
     bad << u"a\nb"_s << QString() << u"a"_s + QChar(0) + u'b' << QString(300, u'n');
     for (const QString& name : bad) {
         SCOPED_TRACE(name.toStdString());

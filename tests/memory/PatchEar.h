@@ -25,12 +25,15 @@ public:
     explicit PatchEar(PdPlayer& player)
     {
         // A starting note is told its macros, frequency, volume and gate, and then it is signalled.
-        connect(&player, &PdPlayer::noteToggled, this, [this](const OrloRatio& ratio, bool on) {
-            if (!on)
-                return;
-            mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mLastVoice;
-            ++mStarts;
-        }, Qt::DirectConnection);
+        connect(
+            &player, &PdPlayer::noteToggled, this,
+            [this](const OrloRatio& ratio, bool on) {
+                if (!on)
+                    return;
+                mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mLastVoice;
+                ++mStarts;
+            },
+            Qt::DirectConnection);
     }
 
     /// Notes so far, those that started anew among them.
@@ -66,7 +69,7 @@ private:
     std::map<Key, int> mVoiceOf;
     std::set<int> mFading;
     const PdReceiver mReceiver{"orlo-in", [this](const auto& list) {
-        if (list.size() == 3)
-            hear(list[0], static_cast<int>(list[1]), static_cast<int>(list[2]));
-    }};
+                                   if (list.size() == 3)
+                                       hear(list[0], static_cast<int>(list[1]), static_cast<int>(list[2]));
+                               }};
 };

@@ -36,10 +36,10 @@ struct Ball
     const char* path;
     Ratio ratio;
 };
-const Ball BALLS[] = {{"/", {1, 1}},       {"/3", {3, 2}},     {"/-3", {2, 3}},    {"/5", {5, 4}},
-                      {"/-5", {4, 5}},     {"/7", {7, 4}},     {"/3/3", {9, 4}},   {"/3/5", {15, 8}},
-                      {"/2", {2, 1}},      {"/-2", {1, 2}},    {"/3/-5", {6, 5}},  {"/11", {11, 8}},
-                      {"/3/7", {21, 8}},   {"/-3/-3", {4, 9}}, {"/13", {13, 8}},   {"/5/7", {35, 16}}};
+const Ball BALLS[] = {{"/", {1, 1}},     {"/3", {3, 2}},     {"/-3", {2, 3}},   {"/5", {5, 4}},
+                      {"/-5", {4, 5}},   {"/7", {7, 4}},     {"/3/3", {9, 4}},  {"/3/5", {15, 8}},
+                      {"/2", {2, 1}},    {"/-2", {1, 2}},    {"/3/-5", {6, 5}}, {"/11", {11, 8}},
+                      {"/3/7", {21, 8}}, {"/-3/-3", {4, 9}}, {"/13", {13, 8}},  {"/5/7", {35, 16}}};
 
 constexpr double MOST_CENTS_OFF = 0.1;
 constexpr double MOST_MACRO_OFF = 1e-4;
@@ -90,19 +90,11 @@ protected:
         const Ratio ratio = absolute(ball.ratio);
         switch (below(8)) {
         case 0:
-        case 1:
-            rig.queue(OrloNoteEvent(QString::fromLatin1(ball.path)));
-            return model.toggle(ratio, true);
+        case 1: rig.queue(OrloNoteEvent(QString::fromLatin1(ball.path))); return model.toggle(ratio, true);
         case 2:
-        case 3:
-            rig.queue(OrloNoteEvent(orlo(ratio)));
-            return model.toggle(ratio);
-        case 4:
-            rig.queue(OrloNoteEvent(orlo(ratio), 2.0F));
-            return model.toggle(ratio, true);
-        case 5:
-            rig.queue(OrloNodeRemoveEvent(orlo(ratio)));
-            return model.stop(ratio);
+        case 3: rig.queue(OrloNoteEvent(orlo(ratio))); return model.toggle(ratio);
+        case 4: rig.queue(OrloNoteEvent(orlo(ratio), 2.0F)); return model.toggle(ratio, true);
+        case 5: rig.queue(OrloNodeRemoveEvent(orlo(ratio))); return model.stop(ratio);
         case 6: {
             const bool on = chance(60);
             queue(OrloEvent::NodesHold, on ? 1.0 : 0.0);
@@ -120,15 +112,9 @@ protected:
     void anySelection()
     {
         switch (below(12)) {
-        case 0:
-            queue(OrloEvent::NodesSelectAllSounding);
-            return model.selectSounding();
-        case 1:
-            queue(OrloEvent::NodesDeselectAll);
-            return model.selected.clear();
-        case 2:
-            queue(OrloEvent::NodesToggleAllSelected);
-            return model.toggleSelected();
+        case 0: queue(OrloEvent::NodesSelectAllSounding); return model.selectSounding();
+        case 1: queue(OrloEvent::NodesDeselectAll); return model.selected.clear();
+        case 2: queue(OrloEvent::NodesToggleAllSelected); return model.toggleSelected();
         default: {
             const Ratio relative = anyBall().ratio;
             rig.queue(OrloNodeSelectToggleEvent(orlo(relative)));
@@ -288,4 +274,5 @@ TEST_P(RandomNodes, ThePatchHearsWhatTheRulesSay)
     EXPECT_GE(mostSelected, 5U);
 }
 
-INSTANTIATE_TEST_SUITE_P(, RandomNodes, ::testing::Values(1U, 20U, 300U), ::testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(, RandomNodes, ::testing::Values(1U, 20U, 300U),
+                         ::testing::PrintToStringParamName());

@@ -31,8 +31,8 @@ protected:
         : memory(&rig.player)
     {
         EXPECT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n"));
-        QObject::connect(&rig.player, &PdPlayer::noteToggled, &rig.player, [this] { ++toggles; },
-                         Qt::DirectConnection);
+        QObject::connect(
+            &rig.player, &PdPlayer::noteToggled, &rig.player, [this] { ++toggles; }, Qt::DirectConnection);
     }
 
     /// What sounds from now on, and no more.
@@ -87,11 +87,11 @@ TEST_F(Memory, StoresWhatSoundsAndNothingElse)
 TEST_F(Memory, RecallsInThreeModes)
 {
     store(1, {A, B, C});
-    const std::tuple<Chord, int, Chord> rows[] = { // what sounds, mode, and what sounds then
-        {{}, 0, {A, B, C}}, {{A, B, C}, 0, {A, B, C}}, {{B, D}, 0, {A, B, C}},
-        {{}, 1, {A, B, C}}, {{D}, 1, {A, B, C, D}},    {{A, D}, 1, {D}},       {{A, B, C}, 1, {}},
-        {{}, 2, {A, B, C}}, {{A, D}, 2, {B, C, D}},    {{A, B, C}, 2, {}},
-        {{A, D}, 3, {A, D}}, // no such mode
+    const std::tuple<Chord, int, Chord> rows[] = {
+        // what sounds, mode, and what sounds then
+        {{}, 0, {A, B, C}},     {{A, B, C}, 0, {A, B, C}}, {{B, D}, 0, {A, B, C}}, {{}, 1, {A, B, C}},
+        {{D}, 1, {A, B, C, D}}, {{A, D}, 1, {D}},          {{A, B, C}, 1, {}},     {{}, 2, {A, B, C}},
+        {{A, D}, 2, {B, C, D}}, {{A, B, C}, 2, {}},        {{A, D}, 3, {A, D}}, // no such mode
     };
     for (const auto& [before, mode, after] : rows) {
         SCOPED_TRACE(mode);

@@ -27,8 +27,9 @@ public:
             QObject::connect(&orlo, signal, [this, name](const OrloRatio& r) { say(name, r); });
         };
         const auto flag = [this](auto signal, const char* name) {
-            QObject::connect(&orlo, signal,
-                             [this, name](const OrloRatio& r, bool on) { say(name, r, on ? " on" : " off"); });
+            QObject::connect(&orlo, signal, [this, name](const OrloRatio& r, bool on) {
+                say(name, r, on ? " on" : " off");
+            });
         };
         plain(&Orlo::transposeOrBaseFrequencyChanged, "changed");
         ratio(&Orlo::showCard, "show card");

@@ -19,10 +19,10 @@ IN_ALL_LOCALES(LatticeFile);
 
 const QString FILE_NAME = u"orlo_v2.json"_s;
 
-const QMap<int, QString> COLORS{{0, u"#b7b7b7"_s},  {1, u"#202020"_s},  {2, u"#5b5b5b"_s},  {3, u"#5173b6"_s},
-                                {5, u"#9c0404"_s},  {7, u"#2838d0"_s},  {11, u"#b46110"_s}, {13, u"#710071"_s},
-                                {17, u"#077407"_s}, {19, u"#999900"_s}, {23, u"#005b5b"_s}, {29, u"#775c42"_s},
-                                {31, u"#2a9d7b"_s}};
+const QMap<int, QString> COLORS{
+    {0, u"#b7b7b7"_s},  {1, u"#202020"_s},  {2, u"#5b5b5b"_s},  {3, u"#5173b6"_s},  {5, u"#9c0404"_s},
+    {7, u"#2838d0"_s},  {11, u"#b46110"_s}, {13, u"#710071"_s}, {17, u"#077407"_s}, {19, u"#999900"_s},
+    {23, u"#005b5b"_s}, {29, u"#775c42"_s}, {31, u"#2a9d7b"_s}};
 
 bool init(Orlo& lattice)
 {
@@ -97,13 +97,14 @@ TEST_F(LatticeTest, NotesAndNodesReachTheBallOrElseTheStack)
     orlo.initWithDefaults();
     takeSaid();
     const OrloRatio stray(25, 16);
-    const std::tuple<void (Orlo::*)(OrloRatio, bool), bool (OrloBall::*)() const, const char*, const char*> rows[] = {
-        {&Orlo::onNoteToggled, &OrloBall::isPlaying, //
-         "add 25/16, toggle 25/16 on, show card 25/16", "toggle 25/16 off, hide card 25/16"},
-        {&Orlo::onNodeSelected, &OrloBall::isSelected, "select 25/16 on", "select 25/16 off"},
-        {&Orlo::onNodeHold, &OrloBall::isHold, "hold 25/16 on", "hold 25/16 off"},
-        {&Orlo::onNodeAltered, &OrloBall::isAltered, "alter 25/16 on", "alter 25/16 off"},
-    };
+    const std::tuple<void (Orlo::*)(OrloRatio, bool), bool (OrloBall::*)() const, const char*, const char*>
+        rows[] = {
+            {&Orlo::onNoteToggled, &OrloBall::isPlaying, //
+             "add 25/16, toggle 25/16 on, show card 25/16", "toggle 25/16 off, hide card 25/16"},
+            {&Orlo::onNodeSelected, &OrloBall::isSelected, "select 25/16 on", "select 25/16 off"},
+            {&Orlo::onNodeHold, &OrloBall::isHold, "hold 25/16 on", "hold 25/16 off"},
+            {&Orlo::onNodeAltered, &OrloBall::isAltered, "alter 25/16 on", "alter 25/16 off"},
+        };
     const auto marks = [&](const char* path) {
         int count = 0;
         for (const auto& [slot, flag, strayOn, strayOff] : rows)
@@ -163,7 +164,8 @@ TEST_P(LatticeFile, IsMadeOnceAndReadsBackTheSame)
 
 TEST_F(LatticeTest, OddFilesDoNoHarm)
 {
-    const QByteArray nested = QByteArray(R"({"children": {"3": )").repeated(400) + "{}" + QByteArray("}}").repeated(400);
+    const QByteArray nested =
+        QByteArray(R"({"children": {"3": )").repeated(400) + "{}" + QByteArray("}}").repeated(400);
     const std::pair<QByteArray, int> rows[] = {
         // what stands in the file, and the balls it gives
         {"[]", 1},
@@ -171,8 +173,10 @@ TEST_F(LatticeTest, OddFilesDoNoHarm)
         {R"({"root": {"children": [1], "links": 5}})", 1},
         {R"({"root": {"children": {"5": {"links": {"2": "/3/31"}}}}, "other": 1})", 2},
         {R"({"root": {"children": {"3": null, "5": 7}, "links": {"2": 5, "x": "/4"}}})", 3},
-        {R"({"root": {"children": {"abc": {}, "-2147483648": {}, "99999999999": {}, "200": {}}}})", 4}, // two keys are 0
-        {R"({"colors": [5, {}, {"prime": 1e300, "color": "#010203"}, {"prime": 3}, {"prime": "3", "color": "no"}]})", 1},
+        {R"({"root": {"children": {"abc": {}, "-2147483648": {}, "99999999999": {}, "200": {}}}})",
+         4}, // two keys are 0
+        {R"({"colors": [5, {}, {"prime": 1e300, "color": "#010203"}, {"prime": 3}, {"prime": "3", "color": "no"}]})",
+         1},
         {R"({"root": )" + nested + '}', 401},
     };
     for (const auto& [json, balls] : rows) {

@@ -112,7 +112,8 @@ TEST_P(NoteTest, RatiosAreNamedByTheWayTheyAreReached)
         tune(tuning);
         transpose(OrloPathUnlimited(QLatin1StringView(transposition)));
         for (const QString& text : QString::fromLatin1(texts).split(u", "_s)) {
-            SCOPED_TRACE(::testing::Message() << tuning.baseNote << ' ' << transposition << " to " << qPrintable(text));
+            SCOPED_TRACE(::testing::Message()
+                         << tuning.baseNote << ' ' << transposition << " to " << qPrintable(text));
             const QStringList words = text.split(u' ');
             const QString name = words[1].section(u'*', 0, 0);
             expectNote(noteForPath(OrloPathUnlimited(words[0])), name, words[2].toDouble(), name != words[1]);
@@ -131,14 +132,17 @@ TEST_P(NoteTest, EveryTemperedPitchHasItsOwnName)
 
 TEST_P(NoteTest, BoundsLieOffTheCentreOfTwoSemitones)
 {
-    const std::tuple<double, const char*, double> frequencies[] = { // cents above A4
-        {50.4, "A4", 50.4}, {50.6, "Bb4", -49.4}, {-49.4, "A4", -49.4}, {-49.6, "G#4", 50.4}};
+    const std::tuple<double, const char*, double> frequencies[] = {// cents above A4
+                                                                   {50.4, "A4", 50.4},
+                                                                   {50.6, "Bb4", -49.4},
+                                                                   {-49.4, "A4", -49.4},
+                                                                   {-49.6, "G#4", 50.4}};
     for (const auto& [above, name, cents] : frequencies)
         expectNote(Note(frequencyAbove(440.0, above)), QLatin1StringView(name), cents);
     // Below C0 the cents run the other way, and an octave still begins at C.
     const std::tuple<int, int, const char*, double> numbers[] = {
-        {57, 50, "A4", 50.0},   {57, -50, "G#4", 50.0},  {0, 51, "C#0", -49.0}, {0, -40, "C0", -40.0},
-        {0, -60, "B-1", 40.0},  {-11, -60, "C-1", 40.0}, {-12, 0, "C-1", 0.0},  {-13, 0, "B-2", 0.0},
+        {57, 50, "A4", 50.0},  {57, -50, "G#4", 50.0},  {0, 51, "C#0", -49.0}, {0, -40, "C0", -40.0},
+        {0, -60, "B-1", 40.0}, {-11, -60, "C-1", 40.0}, {-12, 0, "C-1", 0.0},  {-13, 0, "B-2", 0.0},
     };
     for (const auto& [semitone, added, name, cents] : numbers)
         expectNote(Note(semitone, added), QLatin1StringView(name), cents);
@@ -147,8 +151,10 @@ TEST_P(NoteTest, BoundsLieOffTheCentreOfTwoSemitones)
 TEST_P(NoteTest, BeyondTheBoundsCentsBreakOutOfTheIntervals)
 {
     const std::tuple<const char*, float, const char*, double, bool> rows[] = {
-        {"E4#", 50.5F, "E#4", 50.5, false}, {"E4#", -49.4375F, "E#4", -49.4375, false},
-        {"E4#", -49.5625F, "E4", 50.4375, ENHARMONIC}, {"E4#", -60.0F, "E4", 40.0, ENHARMONIC},
+        {"E4#", 50.5F, "E#4", 50.5, false},
+        {"E4#", -49.4375F, "E#4", -49.4375, false},
+        {"E4#", -49.5625F, "E4", 50.4375, ENHARMONIC},
+        {"E4#", -60.0F, "E4", 40.0, ENHARMONIC},
         {"C0b", 55.0F, "C0", -45.0, ENHARMONIC},
     };
     for (const auto& [name, added, spelling, cents, isEnharmonic] : rows) {
@@ -162,9 +168,11 @@ TEST_P(NoteTest, BaseNoteLendsItsNameWhileTheFlagIsOff)
 {
     const float ds4 = 311.1270F;
     tune(Ds4);
-    const std::tuple<double, const char*, double> rows[] = { // cents above D#4
-        {0.0, "D#4", 0.0},      {49.9, "D#4", 49.9}, {50.2, "Eb4", 50.2}, {1200.0, "Eb5", 0.0},
-        {-49.9, "D#4", 50.1}, // octave and cents stay, even where the tuning's own name is the neighbour's
+    const std::tuple<double, const char*, double> rows[] = {
+        // cents above D#4
+        {0.0, "D#4", 0.0},    {49.9, "D#4", 49.9},  {50.2, "Eb4", 50.2},
+        {1200.0, "Eb5", 0.0}, {-49.9, "D#4", 50.1}, // octave and cents stay, even where the tuning's own name
+                                                    // is the neighbour's
     };
     for (const auto& [above, name, cents] : rows)
         expectNote(Note(frequencyAbove(ds4, above)), QLatin1StringView(name), cents);
@@ -186,8 +194,9 @@ TEST_P(NoteTest, BaseNoteLendsItsNameWhileTheFlagIsOff)
 TEST_P(NoteTest, TextsNumbersAndFrequenciesAgree)
 {
     const std::tuple<const char*, const char*, int> rows[] = {
-        {"C4#", "C#4", 49}, {"b-1bb", "Bbb-1", -3}, {"A4", "A4", 57},  {"g10##", "G##10", 129}, {"F", "F0", 5},
-        {"d1-2b", "Db0", 1}, {"e3x", "E3", 40},     {"", "C0", 0},     {"h2b", "Cb2", 23},
+        {"C4#", "C#4", 49},      {"b-1bb", "Bbb-1", -3}, {"A4", "A4", 57},
+        {"g10##", "G##10", 129}, {"F", "F0", 5},         {"d1-2b", "Db0", 1},
+        {"e3x", "E3", 40},       {"", "C0", 0},          {"h2b", "Cb2", 23},
     };
     for (const auto& [text, spelling, semitone] : rows) {
         const Note note(QLatin1StringView(text), -7);

@@ -71,20 +71,30 @@ TEST_P(RatioTest, TheSecondFieldIsAssignedButNotCopied)
     EXPECT_EQ(assigned.absoluteRatio(), Rational(1, 1));
     assigned.storeFromAbsolutedPath(OrloPathUnlimited(u"/2"_s));
     EXPECT_EQ(assigned.absoluteRatio(), Rational(3, 1));
-    EXPECT_EQ(OrloPath(static_cast<signed char>(127)).toRatio(), OrloRatio(1, 1)) << "no prime leaves it alone";
+    EXPECT_EQ(OrloPath(static_cast<signed char>(127)).toRatio(), OrloRatio(1, 1))
+        << "no prime leaves it alone";
 }
 
 TEST_P(RatioTest, TextsReduceIntoOneOctaveForDisplayOnly)
 {
-    const std::tuple<Integer, Integer, const char*, const char*> rows[] = { // ratio, within an octave, plain
-        {1, 1, "1/1", "1/1"}, {3, 1, "3/2", "3/1"}, {2, 3, "4/3", "2/3"}, {2, 1, "1/1", "2/1"},
-        {1, 2, "1/1", "1/2"}, {0, 1, "0/1", "0/1"}, {16, 27, "32/27", "16/27"}, {12, 5, "6/5", "12/5"},
+    const std::tuple<Integer, Integer, const char*, const char*> rows[] = {
+        // ratio, within an octave, plain
+        {1, 1, "1/1", "1/1"},
+        {3, 1, "3/2", "3/1"},
+        {2, 3, "4/3", "2/3"},
+        {2, 1, "1/1", "2/1"},
+        {1, 2, "1/1", "1/2"},
+        {0, 1, "0/1", "0/1"},
+        {16, 27, "32/27", "16/27"},
+        {12, 5, "6/5", "12/5"},
         // The edges of 64 bits: what does not fit stays out of the octave.
         {LARGEST, 1, "18446744073709551615/9223372036854775808", "18446744073709551615/1"},
         {LARGEST - 1, 1, "9223372036854775807/4611686018427387904", "18446744073709551614/1"},
-        {TWO_63 + 1, TWO_63, "9223372036854775809/9223372036854775808", "9223372036854775809/9223372036854775808"},
+        {TWO_63 + 1, TWO_63, "9223372036854775809/9223372036854775808",
+         "9223372036854775809/9223372036854775808"},
         {1, LARGEST, "9223372036854775808/18446744073709551615", "1/18446744073709551615"},
-        {TWO_63 + 1, LARGEST - 2, "9223372036854775809/18446744073709551613", "9223372036854775809/18446744073709551613"},
+        {TWO_63 + 1, LARGEST - 2, "9223372036854775809/18446744073709551613",
+         "9223372036854775809/18446744073709551613"},
     };
     for (const auto& [n, d, within, plain] : rows) {
         settings.ratiosWithinOctave = true;
@@ -119,16 +129,20 @@ TEST(RatioPaths, AreCanonical)
 {
     const std::tuple<OrloRatio, const char*, const char*> rows[] = {
         // the ratio, its path and its unlimited path
-        {{1, 1}, "/", "/"},       {{9, 8}, "/3/3/-2", "/3/3/-2"}, {{1, 4}, "/-2/-2", "/-2/-2"},
-        {{3, 1}, "/3/2", "/3/2"}, {{31, 29}, "/31/-29", "/31/-29"},
-        {{10, 21}, "/5/-3/-7", "/5/-3/-7"},                // 5/4 * 2/3 * 4/7
-        {{81, 80}, "/3/3/3/3/-5/-2", "/3/3/3/3/-5/-2/-2"}, // 81/16 * 4/5 = 81/20, two octaves too high
+        {{1, 1}, "/", "/"},
+        {{9, 8}, "/3/3/-2", "/3/3/-2"},
+        {{1, 4}, "/-2/-2", "/-2/-2"},
+        {{3, 1}, "/3/2", "/3/2"},
+        {{31, 29}, "/31/-29", "/31/-29"},
+        {{10, 21}, "/5/-3/-7", "/5/-3/-7"},                    // 5/4 * 2/3 * 4/7
+        {{81, 80}, "/3/3/3/3/-5/-2", "/3/3/3/3/-5/-2/-2"},     // 81/16 * 4/5 = 81/20, two octaves too high
         {{111, 64}, "/3/-2/-2/-2/-2/-2", "/3/-2/-2/-2/-2/-2"}, // 37 is dropped, its octaves are not
     };
     for (const auto& [ratio, path, unlimited] : rows) {
         EXPECT_EQ(std::unique_ptr<OrloPath>(ratio.getPathFromRatio())->toString().toStdString(), path);
-        EXPECT_EQ(std::unique_ptr<OrloPathUnlimited>(ratio.getUnlimitedPathFromRatio())->toString().toStdString(),
-                  unlimited);
+        EXPECT_EQ(
+            std::unique_ptr<OrloPathUnlimited>(ratio.getUnlimitedPathFromRatio())->toString().toStdString(),
+            unlimited);
     }
 }
 
@@ -163,16 +177,24 @@ TEST(RatioProducts, AreGuardedAtTheEdgeOf64Bits)
     // `fits` is the truth of integers without a limit. `can` is the answer of the comparison in
     // floating point, which misses what wraps from one tiny value to another.
     const std::tuple<OrloRatio, OrloRatio, bool, bool> rows[] = {
-        {{TWO_32, 1}, {TWO_32, 1}, false, false},   {{TWO_32, 1}, {TWO_32 / 2, 1}, true, true},
-        {{LARGEST, 1}, {2, 1}, false, false},       {{LARGEST, 3}, {3, 1}, true, true},
-        {{THREE_40, TWO_63}, {3, 2}, false, false}, {{THREE_40, TWO_63}, {2, 1}, true, true},
-        {{1, TWO_32}, {1, TWO_32}, false, false},   {{1, TWO_32}, {3, TWO_32 / 2}, true, true},
-        {{1, THREE_40}, {1, 2}, false, true},       {{1, LARGEST}, {1, 2}, false, true},
-        {{TWO_63, 1}, {1, TWO_63}, true, true},     {{THREE_20, TWO_32}, {TWO_32, THREE_20}, true, true},
+        {{TWO_32, 1}, {TWO_32, 1}, false, false},
+        {{TWO_32, 1}, {TWO_32 / 2, 1}, true, true},
+        {{LARGEST, 1}, {2, 1}, false, false},
+        {{LARGEST, 3}, {3, 1}, true, true},
+        {{THREE_40, TWO_63}, {3, 2}, false, false},
+        {{THREE_40, TWO_63}, {2, 1}, true, true},
+        {{1, TWO_32}, {1, TWO_32}, false, false},
+        {{1, TWO_32}, {3, TWO_32 / 2}, true, true},
+        {{1, THREE_40}, {1, 2}, false, true},
+        {{1, LARGEST}, {1, 2}, false, true},
+        {{TWO_63, 1}, {1, TWO_63}, true, true},
+        {{THREE_20, TWO_32}, {TWO_32, THREE_20}, true, true},
         {{PRIME_31_6, 1 << 24}, {PRIME_31_6, 1 << 24}, true, true},
         {{PRIME_31_6, 1 << 24}, {31 * PRIME_31_6, 1 << 28}, false, false},
-        {{TWO_32 + 1, 1}, {TWO_32 + 1, 1}, false, false}, {{(1ULL << 53) + 1, 1}, {1, 1}, true, true},
-        {{3, 2}, {5, 4}, true, true},               {{0, 1}, {5, 4}, true, true},
+        {{TWO_32 + 1, 1}, {TWO_32 + 1, 1}, false, false},
+        {{(1ULL << 53) + 1, 1}, {1, 1}, true, true},
+        {{3, 2}, {5, 4}, true, true},
+        {{0, 1}, {5, 4}, true, true},
     };
     for (const auto& [a, b, fits, can] : rows) {
         SCOPED_TRACE(::testing::Message() << a.numerator() << '/' << a.denominator() << " * " << b.numerator()

@@ -21,10 +21,13 @@ TEST_F(TransposeTest, StepsAndRatioFollowThePlayer)
 {
     constexpr int FREE = Orlo::FREE_TRANSPOSITION;
     const std::tuple<OrloRatio, int, Steps> rows[] = {
-        {{3, 2}, 3, {3}}, {{15, 8}, 5, {3, 5}}, {{45, 16}, 3, {3, 5, 3}},
+        {{3, 2}, 3, {3}},
+        {{15, 8}, 5, {3, 5}},
+        {{45, 16}, 3, {3, 5, 3}},
         {{15, 8}, -3, {3, 5}}, // of two opposite steps the nearer goes
-        {{5, 4}, -3, {5}}, {{1, 1}, -5, {}},
-        {{1, 1}, 0, {}}, // an empty list is reset all the same
+        {{5, 4}, -3, {5}},
+        {{1, 1}, -5, {}},
+        {{1, 1}, 0, {}},                            // an empty list is reset all the same
         {{81, 80}, FREE, {3, 3, 3, 3, -5, -2, -2}}, // its canonical steps
         {{27, 40}, -3, {3, 3, 3, -5, -2, -2}},
         {{9, 8}, FREE, {3, 3, -2}}, // replaces the list
@@ -32,7 +35,8 @@ TEST_F(TransposeTest, StepsAndRatioFollowThePlayer)
     };
     takeSaid();
     for (const auto& [ratio, step, steps] : rows) {
-        SCOPED_TRACE(::testing::Message() << ratio.numerator() << '/' << ratio.denominator() << " by " << step);
+        SCOPED_TRACE(::testing::Message()
+                     << ratio.numerator() << '/' << ratio.denominator() << " by " << step);
         orlo.onTransposed(ratio, step);
         EXPECT_EQ(orlo.transposition(), ratio);
         EXPECT_EQ(orlo.publishedTransposition().numerator, ratio.numerator());
@@ -52,12 +56,14 @@ TEST_F(TransposeTest, OneOneStaysAudible)
     orlo.initWithDefaults();
     const std::tuple<float, OrloRatio, OrloRatio, bool> rows[] = {
         // base frequency, present and further transposition, whether it can be
-        {320.0F, {1, 1}, {1, 16}, true},    // 20 Hz
-        {319.84F, {1, 1}, {1, 16}, false},  // 19.99 Hz
-        {320.0F, {1, 2}, {1, 8}, true},     {320.0F, {1, 2}, {1, 16}, false}, // 20 and 10 Hz
-        {400.0F, {5, 1}, {10, 1}, true},    // 20000 Hz
-        {400.01F, {1, 1}, {50, 1}, false},  // 20000.5 Hz
-        {440.0F, {1, 1}, {1, 22}, true},    {440.0F, {1, 1}, {500, 11}, true}, // the bounds, not as powers of 2
+        {320.0F, {1, 1}, {1, 16}, true},   // 20 Hz
+        {319.84F, {1, 1}, {1, 16}, false}, // 19.99 Hz
+        {320.0F, {1, 2}, {1, 8}, true},
+        {320.0F, {1, 2}, {1, 16}, false},  // 20 and 10 Hz
+        {400.0F, {5, 1}, {10, 1}, true},   // 20000 Hz
+        {400.01F, {1, 1}, {50, 1}, false}, // 20000.5 Hz
+        {440.0F, {1, 1}, {1, 22}, true},
+        {440.0F, {1, 1}, {500, 11}, true}, // the bounds, not as powers of 2
     };
     for (const auto& [baseFrequency, present, further, can] : rows) {
         orlo.onBaseFrequencyChanged(baseFrequency);
@@ -78,8 +84,9 @@ TEST_F(TransposeTest, EveryBallMustFit)
     const LogCatcher log;
     EXPECT_FALSE(orlo.canTransposeTo(huge));
     EXPECT_TRUE(log.has(QtDebugMsg, u"canMultiply fail on 3/2 * "_s));
-    EXPECT_TRUE(log.has(QtDebugMsg, u"canTransposeTo fail on 1/1 to 9223372036854775813/9223372036854775811:\n"
-                                    u"  ball: /3 at 3/2 can't be played"_s));
+    EXPECT_TRUE(log.has(QtDebugMsg,
+                        u"canTransposeTo fail on 1/1 to 9223372036854775813/9223372036854775811:\n"
+                        u"  ball: /3 at 3/2 can't be played"_s));
 }
 
 TEST_F(TransposeTest, BallsAreColouredByTheirStepFromTheAbsoluteOrigin)
@@ -89,11 +96,20 @@ TEST_F(TransposeTest, BallsAreColouredByTheirStepFromTheAbsoluteOrigin)
         "2": {"children": {"-3": {}}}}})");
     const std::tuple<int, const char*, Steps, int, int> rows[] = {
         // transposition, path, its steps from the origin, the last and the highest of them
-        {0, "/", {}, 1, 1},              {0, "/3", {3}, 3, 3},      {0, "/2", {2}, 2, 2},
-        {0, "/2/-3", {2, -3}, 3, 3},     {5, "/3", {5, 3}, 3, 5},   {5, "/2", {5, 2}, 2, 5},
-        {0, "/-3/-31", {-3, -31}, 32, 32}, {5, "/5", {5, 5}, 32, 32}, {3, "/-3/-31", {-31}, 32, 32},
-        {3, "/-3/-3", {-3}, 3, 3},       {3, "/2/-3", {2}, 2, 2},   {5, "/-5", {}, 1, 1}, // back at the origin
-        {5, "/", {5}, 5, 5},             {-31, "/", {-31}, 31, 31}, // nothing but a leaf's step
+        {0, "/", {}, 1, 1},
+        {0, "/3", {3}, 3, 3},
+        {0, "/2", {2}, 2, 2},
+        {0, "/2/-3", {2, -3}, 3, 3},
+        {5, "/3", {5, 3}, 3, 5},
+        {5, "/2", {5, 2}, 2, 5},
+        {0, "/-3/-31", {-3, -31}, 32, 32},
+        {5, "/5", {5, 5}, 32, 32},
+        {3, "/-3/-31", {-31}, 32, 32},
+        {3, "/-3/-3", {-3}, 3, 3},
+        {3, "/2/-3", {2}, 2, 2},
+        {5, "/-5", {}, 1, 1}, // back at the origin
+        {5, "/", {5}, 5, 5},
+        {-31, "/", {-31}, 31, 31}, // nothing but a leaf's step
     };
     for (const auto& [step, path, absolute, last, highest] : rows) {
         orlo.onTransposed(OrloRatio(1, 1), 0);
@@ -116,7 +132,9 @@ TEST_F(TransposeTest, OfTwoPrimeSwitchesTheLastWins)
     const std::tuple<int, bool, const char*> rows[] = {
         // Upwards first, and children before their parent.
         {3, false, "/3/5 off, /3 off, /-3/-5 off, /-3/5 off, /-3 off"},
-        {3, false, ""}, {7, true, ""}, {4, false, ""},
+        {3, false, ""},
+        {7, true, ""},
+        {4, false, ""},
         {5, true, "/-3/5 on, /-3/-5 on, /3/5 on"},
         {1, false, "/ off"}, // stops at a ball that is off already, whatever hangs on that
         {1, true, "/-3 on, /3 on, / on"},

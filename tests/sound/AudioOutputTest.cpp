@@ -15,7 +15,8 @@ TEST(AudioOutput, CorrectsFramesThatLibpdCannotRender)
     {
         using AudioOutput::setFramesPerBuffer;
     };
-    const std::pair<int, int> rows[] = { // given and used
+    const std::pair<int, int> rows[] = {
+        // given and used
         {64, 64},  {256, 256}, {8192, 8192}, {0, 256},     {-64, 256},         {-1, 256},          {1, 64},
         {65, 128}, {100, 128}, {8191, 8192}, {8193, 8192}, {1000000000, 8192}, {2147483647, 8192},
     };
@@ -57,7 +58,7 @@ TEST(AudioOutput, MutedIsSilentWhileVoicesStillEnd)
     rig.output.muteOutput();
     EXPECT_NE(peak(rig.render(1)), 0.0F); // fades
     EXPECT_EQ(peak(rig.render(10)), 0.0F);
-    rig.output.muteOutput(); // again: still silent
+    rig.output.muteOutput();                  // again: still silent
     rig.send(OrloNoteEvent(OrloRatio(1, 1))); // off
     EXPECT_EQ(peak(rig.render(300)), 0.0F);
 

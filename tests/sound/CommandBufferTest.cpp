@@ -59,20 +59,40 @@ TEST(Commands, OfTheDeviceRunBeforeThoseOfTheScreen)
 TEST(Commands, DoWhatTheirNumberSays)
 {
     const std::tuple<int, float, const char*> rows[] = {
-        {-1, 1.0F, ""}, {43, 1.0F, ""}, {-2147483647, 1.0F, ""}, {2147483647, 1.0F, ""},
-        {15, -2.5F, "transposed 2/3 -3"}, {15, 2.4F, "transposed 4/3 2"}, // a half rounds away from zero
-        {15, 258.6F, "transposed 2/1 3"}, {15, 0.49F, "transposed 1/1 0"}, // as signed bytes 3, and 0, which resets
-        {16, 0.25F, "voiceVolumeChanged 1.25"}, {17, 0.5F, "voiceVolumeChanged 0.5"},
-        {16, -0.25F, "voiceVolumeChanged 0.25"}, {18, -0.3F, "master-vol 0.5; volumeChanged 0.5"}, // from 0.8
-        {19, 0.75F, "master-vol 0.75; volumeChanged 0.75"}, {22, 432.5F, "baseFrequencyChanged 432.5"},
-        {20, 0.5F, "monophonicChanged off"}, {20, 0.6F, "monophonicChanged on"},
-        {21, 0.1F, "patchIncRequested"}, {21, 0.0F, "patchDecRequested"},
-        {23, 5.0F, "primeEnabledToggled 5 off"}, {23, 5.9F, "primeEnabledToggled 5 on"},
-        {23, 31.0F, "primeEnabledToggled 31 off"}, {23, 32.0F, ""}, {23, -7.0F, ""},
-        {24, 0.25F, "macroValueChanged 1 0.25"}, {31, 1.0F, "macroValueChanged 8 1"},
-        {3, 1.0F, "removeNodeInStack 0/1"}, {35, 1.0F, "removeNodeInStack 0/1"}, // deselecting runs on into removing
-        {36, 1.0F, ""}, {39, 1.0F, "nodesRecalled"}, {40, 0.999F, ""}, // no transposition by 0/1
-        {41, 0.0F, ""}, {42, 0.0F, ""}, {19, NAN, ""}, {22, INFINITY, ""}, // no patch was named; no numbers
+        {-1, 1.0F, ""},
+        {43, 1.0F, ""},
+        {-2147483647, 1.0F, ""},
+        {2147483647, 1.0F, ""},
+        {15, -2.5F, "transposed 2/3 -3"},
+        {15, 2.4F, "transposed 4/3 2"}, // a half rounds away from zero
+        {15, 258.6F, "transposed 2/1 3"},
+        {15, 0.49F, "transposed 1/1 0"}, // as signed bytes 3, and 0, which resets
+        {16, 0.25F, "voiceVolumeChanged 1.25"},
+        {17, 0.5F, "voiceVolumeChanged 0.5"},
+        {16, -0.25F, "voiceVolumeChanged 0.25"},
+        {18, -0.3F, "master-vol 0.5; volumeChanged 0.5"}, // from 0.8
+        {19, 0.75F, "master-vol 0.75; volumeChanged 0.75"},
+        {22, 432.5F, "baseFrequencyChanged 432.5"},
+        {20, 0.5F, "monophonicChanged off"},
+        {20, 0.6F, "monophonicChanged on"},
+        {21, 0.1F, "patchIncRequested"},
+        {21, 0.0F, "patchDecRequested"},
+        {23, 5.0F, "primeEnabledToggled 5 off"},
+        {23, 5.9F, "primeEnabledToggled 5 on"},
+        {23, 31.0F, "primeEnabledToggled 31 off"},
+        {23, 32.0F, ""},
+        {23, -7.0F, ""},
+        {24, 0.25F, "macroValueChanged 1 0.25"},
+        {31, 1.0F, "macroValueChanged 8 1"},
+        {3, 1.0F, "removeNodeInStack 0/1"},
+        {35, 1.0F, "removeNodeInStack 0/1"}, // deselecting runs on into removing
+        {36, 1.0F, ""},
+        {39, 1.0F, "nodesRecalled"},
+        {40, 0.999F, ""}, // no transposition by 0/1
+        {41, 0.0F, ""},
+        {42, 0.0F, ""},
+        {19, NAN, ""},
+        {22, INFINITY, ""}, // no patch was named; no numbers
     };
     SoundRig rig;
     EngineLog log(rig.player);
@@ -86,9 +106,15 @@ TEST(MacroList, ReadsNamesAndDefaults)
 {
     const std::tuple<const char*, const char*, QList<float>> rows[] = {
         {"A(0.25):B::C(x)", "A|B||C", {0.25F, -1.0F, -1.0F, 0.0F}},
-        {"A)0.5(", "A)0.5(", {-1.0F}}, {")(0.5)", ")(0.5)", {-1.0F}}, // the first ")" counts
-        {"A(0.5", "A(0.5", {-1.0F}}, {"A(0.5)tail", "A", {0.5F}}, {"A(1)(0):(0.5)", "A|", {1.0F, 0.5F}},
-        {"A()", "A", {0.0F}}, {"A(0,5)", "A", {0.0F}}, {"A(nan):B(inf)", "A|B", {0.0F, 0.0F}}, {"", "", {-1.0F}},
+        {"A)0.5(", "A)0.5(", {-1.0F}},
+        {")(0.5)", ")(0.5)", {-1.0F}}, // the first ")" counts
+        {"A(0.5", "A(0.5", {-1.0F}},
+        {"A(0.5)tail", "A", {0.5F}},
+        {"A(1)(0):(0.5)", "A|", {1.0F, 0.5F}},
+        {"A()", "A", {0.0F}},
+        {"A(0,5)", "A", {0.0F}},
+        {"A(nan):B(inf)", "A|B", {0.0F, 0.0F}},
+        {"", "", {-1.0F}},
         {"1:2:3:4:5:6:7:8:9(1)", "1|2|3|4|5|6|7|8|9", {-1, -1, -1, -1, -1, -1, -1, -1, 1}},
     };
     for (const auto& [text, names, defaults] : rows) {

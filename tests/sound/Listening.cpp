@@ -36,8 +36,8 @@ void addWeightedEnergy(const std::vector<float>& side, double rate, std::vector<
     const double high = std::pow(10.0, 3.999843853973347 / 20.0);
     const double band = std::pow(high, 0.4996667741545416);
     const double a = 1.0 + k / q + k * k;
-    Biquad shelf{(high + band * k / q + k * k) / a, 2.0 * (k * k - high) / a, (high - band * k / q + k * k) / a,
-                 2.0 * (k * k - 1.0) / a, (1.0 - k / q + k * k) / a};
+    Biquad shelf{(high + band * k / q + k * k) / a, 2.0 * (k * k - high) / a,
+                 (high - band * k / q + k * k) / a, 2.0 * (k * k - 1.0) / a, (1.0 - k / q + k * k) / a};
     const double h = std::tan(PI * 38.13547087602444 / rate);
     const double hq = 0.5003270373238773;
     const double ha = 1.0 + h / hq + h * h;
@@ -105,7 +105,8 @@ double centsOff(const std::vector<float>& sound, double frequency, double rate)
     const auto after = partial(end + apart, window, apart, frequency, rate);
     if (std::abs(before) < leastAmplitude || std::abs(after) < leastAmplitude)
         return std::numeric_limits<double>::infinity();
-    const double advance = std::arg(after * std::conj(before)) / (2.0 * PI) * rate / static_cast<double>(apart);
+    const double advance =
+        std::arg(after * std::conj(before)) / (2.0 * PI) * rate / static_cast<double>(apart);
     return 1200.0 * std::log2(1.0 + advance / frequency);
 }
 

@@ -22,7 +22,7 @@ using listening::Stereo;
 
 namespace {
 
-constexpr int SECOND = 172; // blocks
+constexpr int SECOND = 172;               // blocks
 constexpr int MASTER_SLEEPS = 2 * SECOND; // the sound is exactly 0 by then
 const OrloRatio UNISON(1, 1);
 
@@ -37,18 +37,12 @@ struct VoiceRow
 
 // One row for each file. A voice without one fails.
 const VoiceRow VOICES[] = {
-    {"Bell", 2.2, true, false, 3000},
-    {"Clarinet", 0.3, false, true, 3000},
-    {"Flute", 0.5, false, true, 3000},
-    {"Glass", 1.5, false, false, 3000},
-    {"Mallet", 0.5, true, false, 3000},
-    {"Organ", 0.3, false, true, 3000},
-    {"Pluck", 0.3, true, false, 3000},
-    {"Reed", 0.3, false, true, 3000},
-    {"Saw", 0.5, false, true, 3000},
-    {"Sine", 0.6, false, false, 15000},
-    {"Strings", 1.2, false, true, 3000},
-    {"Vowel", 0.5, false, true, 15000},
+    {"Bell", 2.2, true, false, 3000},    {"Clarinet", 0.3, false, true, 3000},
+    {"Flute", 0.5, false, true, 3000},   {"Glass", 1.5, false, false, 3000},
+    {"Mallet", 0.5, true, false, 3000},  {"Organ", 0.3, false, true, 3000},
+    {"Pluck", 0.3, true, false, 3000},   {"Reed", 0.3, false, true, 3000},
+    {"Saw", 0.5, false, true, 3000},     {"Sine", 0.6, false, false, 15000},
+    {"Strings", 1.2, false, true, 3000}, {"Vowel", 0.5, false, true, 15000},
 };
 
 void PrintTo(const VoiceRow& row, std::ostream* out)
@@ -64,11 +58,12 @@ public:
         : rig(slots)
     {
         rig.player.setMaxVoices(usedSlots);
-        QObject::connect(&rig.player, &PdPlayer::macroNamesReceived, &rig.player,
-                         [this](const QStringList& list) { names = list.isEmpty() ? names : list; },
-                         Qt::DirectConnection);
-        QObject::connect(&rig.player, &PdPlayer::macroDefaultsReceived, &rig.player,
-                         [this](const QList<float>& list) { defaults = list; }, Qt::DirectConnection);
+        QObject::connect(
+            &rig.player, &PdPlayer::macroNamesReceived, &rig.player,
+            [this](const QStringList& list) { names = list.isEmpty() ? names : list; }, Qt::DirectConnection);
+        QObject::connect(
+            &rig.player, &PdPlayer::macroDefaultsReceived, &rig.player,
+            [this](const QList<float>& list) { defaults = list; }, Qt::DirectConnection);
         loaded = rig.loadVoice(QString::fromLatin1(voice) + QStringLiteral(".pd"));
         rig.send(OrloEvent(OrloEvent::MasterVolumeSet, 1.0F));
         render(SECOND / 10);
@@ -91,7 +86,10 @@ public:
         if (breath >= 0)
             setMacro(static_cast<int>(breath) + 1, 0.0F);
     }
-    void base(double frequency) { rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, static_cast<float>(frequency))); }
+    void base(double frequency)
+    {
+        rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, static_cast<float>(frequency)));
+    }
     void toggle(const OrloRatio& ratio) { rig.queue(OrloNoteEvent(ratio)); }
 
     Stereo render(int blocks)
@@ -195,13 +193,15 @@ TEST(VoicePatches, EveryFileHasARowAndOpensInPlainPd)
         QProcess process;
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.setWorkingDirectory(folder);
-        process.start(pd, {QStringLiteral("-nogui"), QStringLiteral("-noprefs"), QStringLiteral("-batch"),
-                           QStringLiteral("-noaudio"), QStringLiteral("-nomidi"), QStringLiteral("-open"),
-                           QStringLiteral("orlo_main.pd"), QStringLiteral("-send"), QStringLiteral("pd quit")});
+        process.start(pd,
+                      {QStringLiteral("-nogui"), QStringLiteral("-noprefs"), QStringLiteral("-batch"),
+                       QStringLiteral("-noaudio"), QStringLiteral("-nomidi"), QStringLiteral("-open"),
+                       QStringLiteral("orlo_main.pd"), QStringLiteral("-send"), QStringLiteral("pd quit")});
         ASSERT_TRUE(process.waitForFinished(20000)) << qPrintable(voice);
         const QString said = QString::fromLocal8Bit(process.readAll()).toLower();
         for (const char* bad : {"error", "couldn't", "can't", "no method", "connection failed"})
-            EXPECT_FALSE(said.contains(QLatin1StringView(bad))) << qPrintable(voice) << ": " << qPrintable(said);
+            EXPECT_FALSE(said.contains(QLatin1StringView(bad)))
+                << qPrintable(voice) << ": " << qPrintable(said);
     }
 }
 
@@ -214,7 +214,8 @@ TEST(VoicePatches, MacrosHaveOnePlaceEverywhereAndTheSameChordIsEquallyLoud)
         ASSERT_TRUE(player.loaded) << row.name;
         ASSERT_GE(player.names.size(), 4) << row.name;
         ASSERT_LE(player.names.size(), 8) << row.name;
-        EXPECT_EQ(QSet<QString>(player.names.begin(), player.names.end()).size(), player.names.size()) << row.name;
+        EXPECT_EQ(QSet<QString>(player.names.begin(), player.names.end()).size(), player.names.size())
+            << row.name;
         const QString first = player.names[0];
         EXPECT_TRUE(first == QStringLiteral("Level") || first == QStringLiteral("Strength")) << row.name;
         EXPECT_FLOAT_EQ(player.defaults[0], 0.8F) << row.name;
@@ -228,7 +229,8 @@ TEST(VoicePatches, MacrosHaveOnePlaceEverywhereAndTheSameChordIsEquallyLoud)
         player.base(264.0);
         for (const OrloRatio& ratio : {UNISON, OrloRatio(5, 4), OrloRatio(3, 2)})
             player.toggle(ratio);
-        loudnesses[listening::loudness(player.render(2 * SECOND), SoundRig::RATE)] = QString::fromLatin1(row.name);
+        loudnesses[listening::loudness(player.render(2 * SECOND), SoundRig::RATE)] =
+            QString::fromLatin1(row.name);
     }
     const auto quietest = loudnesses.begin();
     const auto loudest = std::prev(loudnesses.end());
@@ -306,7 +308,8 @@ TEST_P(VoicePatch, HasTheExactPitchWhateverItsMacros)
             player.base(frequency);
             player.toggle(UNISON);
             // A filter that still opens moves the phase, so what holds is heard once it holds.
-            const std::vector<float> sound = player.render(GetParam().struck ? 2 * SECOND : 5 * SECOND).both();
+            const std::vector<float> sound =
+                player.render(GetParam().struck ? 2 * SECOND : 5 * SECOND).both();
             EXPECT_NEAR(listening::centsOff(sound, frequency, SoundRig::RATE), 0.0, 0.1)
                 << frequency << " Hz, macro 1 " << macros[0] << ", macro 2 " << macros[1];
             player.toggle(UNISON);

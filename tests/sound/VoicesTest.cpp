@@ -38,7 +38,10 @@ std::string started(int voice, const char* frequency, const char* ratio)
 
 std::string stopped(int voice, const char* ratio)
 {
-    return QStringLiteral("orlo-in 0 1 %1; noteToggled %2 off").arg(voice).arg(QLatin1StringView(ratio)).toStdString();
+    return QStringLiteral("orlo-in 0 1 %1; noteToggled %2 off")
+        .arg(voice)
+        .arg(QLatin1StringView(ratio))
+        .toStdString();
 }
 
 class Voices : public ::testing::Test
@@ -82,7 +85,8 @@ protected:
 TEST_F(Voices, ANoteSendsMacrosThenFrequencyVolumeAndGate)
 {
     for (int macro = 0; macro < 8; ++macro)
-        send(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + macro), static_cast<float>(macro + 1) / 8.0F);
+        send(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + macro),
+             static_cast<float>(macro + 1) / 8.0F);
     send(OrloEvent::VoiceVolumeSet, 0.5F);
     EXPECT_EQ(after(B), "orlo-in 0.125 4 1; orlo-in 0.25 5 1; orlo-in 0.375 6 1; orlo-in 0.5 7 1; "
                         "orlo-in 0.625 8 1; orlo-in 0.75 9 1; orlo-in 0.875 10 1; orlo-in 1 11 1; "
@@ -139,7 +143,8 @@ TEST_F(ManyVoices, OnlyTheLastStepOfAPathMeetsThePrimeGate)
     send(OrloEvent::PrimeEnabledToggle, 5.0F);
     log.take();
     const std::pair<const char*, const char*> rows[] = {
-        {"/3/5", ""}, {"/-5", ""}, {"/5/3", "noteToggled 15/8 on"}, {"/", "noteToggled 1/1 on"}, {"/4", ""}, // no prime
+        {"/3/5", ""}, {"/-5", ""}, {"/5/3", "noteToggled 15/8 on"}, {"/", "noteToggled 1/1 on"},
+        {"/4", ""}, // no prime
     };
     for (const auto& [path, said] : rows) {
         press(path);
@@ -220,6 +225,6 @@ TEST_F(Voices, MonophonicWithNoVoiceFreeStealsTheOneItWouldStop)
 {
     send(OrloEvent::MonophonicSet, 1.0F);
     toggle(A);
-    toggle(B); // voice 1 releases
+    toggle(B);                                                                // voice 1 releases
     EXPECT_EQ(after(C), stopped(2, "3/2") + "; " + started(1, "880", "2/1")); // steals voice 1, stops voice 2
 }

@@ -28,12 +28,12 @@ int AllocationCounter::count() const
 
 const bool AllocationCounter::WORKS = true;
 
-#define COUNTED(function, parameters, ...)                                                                    \
-    void* __libc_##function parameters;                                                                       \
-    void* function parameters                                                                                 \
-    {                                                                                                         \
-        allocations += counting ? 1 : 0;                                                                      \
-        return __libc_##function(__VA_ARGS__);                                                                \
+#define COUNTED(function, parameters, ...)                                                                   \
+    void* __libc_##function parameters;                                                                      \
+    void* function parameters                                                                                \
+    {                                                                                                        \
+        allocations += counting ? 1 : 0;                                                                     \
+        return __libc_##function(__VA_ARGS__);                                                               \
     }
 extern "C" {
 COUNTED(malloc, (size_t size), size)

@@ -24,8 +24,7 @@ QString text(const T& value)
 }
 
 template <class T>
-    requires(!std::is_same_v<T, QString>)
-QString text(const QList<T>& values)
+requires(!std::is_same_v<T, QString>) QString text(const QList<T>& values)
 {
     QStringList texts;
     for (const T value : values)
@@ -40,7 +39,8 @@ EngineLog::EngineLog(PdPlayer& player)
     , mVolumes("master-vol", [this](const auto& list) { add(QStringLiteral("master-vol"), list); })
 {
     // Direct connections, so that the lines stand in the order of the engine's doings.
-    const auto hear = [this, &player]<class... Values>(void (PdPlayer::*signal)(Values...), const char* name) {
+    const auto hear = [this, &player]<class... Values>(void (PdPlayer::*signal)(Values...),
+                                                       const char* name) {
         const auto write = [this, name](const Values&... values) {
             add(QStringList{QLatin1StringView(name), text(values)...}.join(u' '));
         };

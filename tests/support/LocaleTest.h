@@ -41,7 +41,7 @@ private:
     const std::string mFormerC = std::setlocale(LC_ALL, nullptr);
 };
 
-#define IN_ALL_LOCALES(Suite)                                                                                 \
-    INSTANTIATE_TEST_SUITE_P(, Suite,                                                                         \
-                             ::testing::Values(DecimalComma::Nowhere, DecimalComma::InQt, DecimalComma::InC), \
-                             &LocaleTest::name)
+#define IN_ALL_LOCALES(Suite)                                                                                \
+    INSTANTIATE_TEST_SUITE_P(                                                                                \
+        , Suite, ::testing::Values(DecimalComma::Nowhere, DecimalComma::InQt, DecimalComma::InC),            \
+        &LocaleTest::name)

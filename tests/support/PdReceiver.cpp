@@ -21,7 +21,8 @@ PdReceiver::PdReceiver(const char* symbol, Hear hear)
     , mHear(std::move(hear))
 {
     static t_class* receiverClass = [] {
-        t_class* made = class_new(gensym("test_receiver"), nullptr, nullptr, sizeof(Object), CLASS_PD, A_NULL);
+        t_class* made =
+            class_new(gensym("test_receiver"), nullptr, nullptr, sizeof(Object), CLASS_PD, A_NULL);
         class_addlist(made, reinterpret_cast<t_method>(&Object::onList));
         return made;
     }();

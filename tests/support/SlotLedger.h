@@ -11,8 +11,8 @@ class SlotLedger
 {
 public:
     int begun() const { return mBegun; }
-    int stopped() const { return mStopped; } // reported as faded
-    int stolen() const { return mStolen; }   // begun anew before the report
+    int stopped() const { return mStopped; }   // reported as faded
+    int stolen() const { return mStolen; }     // begun anew before the report
     int spurious() const { return mSpurious; } // reports about a slot that had nothing to report
     int unended() const { return mBegun - mStopped - mStolen; }
 

@@ -56,7 +56,8 @@ double roughPitch(std::span<const float> frames, double rate)
 }
 
 /// Between the two halves of a window the phase moves on by what the supposed pitch is wrong.
-double pitchBetweenHalves(std::complex<double> before, std::complex<double> after, double supposed, double rate)
+double pitchBetweenHalves(std::complex<double> before, std::complex<double> after, double supposed,
+                          double rate)
 {
     const double halfSeconds = static_cast<double>(HALF_WINDOW) / rate;
     const double expected = TWO_PI * supposed * halfSeconds;
@@ -121,8 +122,8 @@ std::optional<double> pitchNear(std::span<const float> recording, double frequen
         for (size_t from = 0; from + WINDOW <= recording.size(); from += HALF_WINDOW) {
             const auto window = recording.subspan(from, WINDOW);
             pitches.push_back(pitchBetweenHalves(partial(window.first(HALF_WINDOW), frequency, rate),
-                                                 partial(window.last(HALF_WINDOW), frequency, rate), frequency,
-                                                 rate));
+                                                 partial(window.last(HALF_WINDOW), frequency, rate),
+                                                 frequency, rate));
         }
         frequency = median(pitches);
     }
