@@ -19,8 +19,8 @@ class PatchHandOver
 public:
     enum class Change { None, Open, Close };
 
-    /// [audio] Effect: counts the block and claims the engine. False when the graphical thread has
-    /// it: write silence and return. Never blocks.
+    /// [audio] Effect: counts the block, claims the engine and does what runInBlock() asks for. False
+    /// when the graphical thread has it: write silence and return. Never blocks.
     bool enterBlock();
     /// [audio]
     void leaveBlock();
@@ -43,12 +43,18 @@ public:
     /// [gui] Runs `work` while no block runs. False, without running it, when a block does not end.
     bool runBetweenBlocks(const std::function<void()>& work);
 
+    /// [gui] Runs `work` on the audio thread, at the beginning of the next block, and waits for it: the
+    /// way to change together what the audio thread owns, without a lock and without missing a block.
+    /// `work` must be short and may do only what a block may. When no callback comes it runs on this
+    /// thread. False, without running it, when a block does not end.
+    bool runInBlock(const std::function<void()>& work);
+
     /// Count of callbacks so far; any thread.
     std::uint64_t blocks() const { return mBlocks.load(std::memory_order_relaxed); }
 
 private:
     bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
-    bool patienceEnds(qint64 waitedMs);
+    bool patienceEnds(qint64 waitedMs, qint64 limitMs);
     void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
 
     QMutex mMutex;
@@ -56,5 +62,8 @@ private:
     Change mAwaited = Change::None; // guarded by the mutex; None once it is done
     std::atomic<bool> mEngineTaken{false};
     std::atomic<std::uint64_t> mBlocks{0};
+    std::atomic<const std::function<void()>*> mWork{nullptr}; // of runInBlock, until somebody takes it
+    std::atomic<bool> mWorkDone{false};
+    std::uint64_t mStalledAtBlock = 0; // [gui] the last block that was followed by no other in time
     std::uint64_t mStuckInBlock = 0; // [gui] the block that was given up last; blocks count from 1
 };

@@ -8,15 +8,11 @@
 
 #include <QDebug>
 
-extern "C" { // the header does not say so itself
-#include <z_ringbuffer.h>
-}
-
 #include <cstddef>
 
 namespace {
 
-constexpr int CHUNK_BYTES = static_cast<int>(sizeof(PdMessageBuffer::Chunk));
+constexpr std::size_t CHUNK_BYTES = sizeof(PdMessageBuffer::Chunk);
 
 alignas(PdMessageBuffer::Chunk) std::byte readArea[PdMessageBuffer::RING_BYTES];
 
@@ -32,18 +28,9 @@ bool copiedRatio(PdMessageBuffer::Chunk& chunk, const OrloEvent* event)
 
 } // namespace
 
-void PdMessageBuffer::RingRelease::operator()(ring_buffer* ring) const
-{
-    rb_free(ring);
-}
-
-PdMessageBuffer::PdMessageBuffer() = default;
-PdMessageBuffer::~PdMessageBuffer() = default;
-
 bool PdMessageBuffer::init()
 {
-    mRing.reset(rb_create(RING_BYTES));
-    return mRing != nullptr;
+    return mRing.init(RING_BYTES);
 }
 
 void PdMessageBuffer::queueEvent(const OrloEvent* event)
@@ -65,18 +52,16 @@ void PdMessageBuffer::queueEvent(const OrloEvent* event)
 
 void PdMessageBuffer::writeChunk(const Chunk* chunk)
 {
-    if (rb_available_to_write(mRing.get()) >= CHUNK_BYTES)
-        rb_write_to_buffer(mRing.get(), 1, reinterpret_cast<const char*>(chunk), CHUNK_BYTES);
-    else
+    if (!mRing.write(chunk, CHUNK_BYTES))
         qWarning() << "Command buffer full";
 }
 
 void PdMessageBuffer::processEvents(ChunkList& chunks)
 {
-    const int available = rb_available_to_read(mRing.get());
+    const std::size_t available = mRing.readable() / CHUNK_BYTES * CHUNK_BYTES;
     if (available == 0)
         return;
-    rb_read_from_buffer(mRing.get(), reinterpret_cast<char*>(readArea), available);
-    for (int at = 0; at + CHUNK_BYTES <= available; at += CHUNK_BYTES)
+    mRing.read(readArea, available);
+    for (std::size_t at = 0; at < available; at += CHUNK_BYTES)
         chunks[chunks.size()] = reinterpret_cast<const Chunk*>(readArea + at);
 }

@@ -2,15 +2,12 @@
 
 #include "model/OrloPath.h"
 #include "model/OrloRatio.h"
+#include "sound/ByteRing.h"
 #include "sound/OrloEvent.h"
 #include "sound/StaticArray.h"
 
-#include <memory>
-
-struct ring_buffer;
-
-/// A command buffer into the audio thread: libpd's lock-free ring, for one writing and one reading
-/// thread, in which each event travels as a Chunk of 64 bytes.
+/// A command buffer into the audio thread: a lock-free ring for one writing and one reading thread,
+/// in which each event travels as a Chunk of 64 bytes.
 ///
 /// Capacity: 255 chunks. A chunk that finds the ring full is dropped with a warning; the writer
 /// neither waits nor retries. Nothing here blocks.
@@ -32,11 +29,6 @@ public:
     static constexpr int CHUNK_LIST_CAPACITY = RING_BYTES / static_cast<int>(sizeof(Chunk));
     using ChunkList = StaticArray<const Chunk*, CHUNK_LIST_CAPACITY>;
 
-    PdMessageBuffer();
-    ~PdMessageBuffer();
-    PdMessageBuffer(const PdMessageBuffer&) = delete;
-    PdMessageBuffer& operator=(const PdMessageBuffer&) = delete;
-
     /// Makes the ring. False when there is no memory for it.
     bool init();
     /// Writer's thread. Copies the event.
@@ -48,10 +40,9 @@ public:
     /// them one after the other and uses each list up first.
     void processEvents(ChunkList& chunks);
 
+    /// Writer's thread: how many more find room.
+    int room() const { return static_cast<int>(mRing.writable()) / static_cast<int>(sizeof(Chunk)); }
+
 private:
-    struct RingRelease
-    {
-        void operator()(ring_buffer* ring) const;
-    };
-    std::unique_ptr<ring_buffer, RingRelease> mRing;
+    ByteRing mRing;
 };

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <source_location>
+
+/// Lines for the log from the audio thread, which must not build texts or write files: a constant
+/// text with place holders and its arguments go through a lock-free ring, and the graphical thread
+/// builds the line and logs it.
+///
+/// One ring for the process, with one writer, the holder of the engine. Capacity: some 500 lines;
+/// those that find it full are dropped and counted, and the count is logged. Writing never blocks and
+/// allocates nothing.
+namespace AudioLog {
+
+/// One argument. Texts are copied, up to MAX_TEXT bytes.
+class Argument
+{
+public:
+    static constexpr std::size_t MAX_TEXT = 1000;
+    enum class Kind : std::uint8_t { Integer, Unsigned, Real, Text };
+
+    Argument(int value);
+    Argument(unsigned long long value);
+    Argument(double value);
+    /// UTF-8.
+    Argument(const char* text);
+
+    Kind kind() const { return mKind; }
+    const void* data() const;
+    std::size_t size() const;
+
+private:
+    Kind mKind;
+    union {
+        long long mInteger;
+        unsigned long long mUnsigned;
+        double mReal;
+        const char* mText;
+    };
+};
+
+/// [audio] `text` is ASCII and must live as long as the program; its %1 to %9 stand for the arguments.
+/// The place is what the log filter goes by.
+void warning(const char* text, std::initializer_list<Argument> arguments = {},
+             std::source_location place = std::source_location::current());
+void critical(const char* text, std::initializer_list<Argument> arguments = {},
+              std::source_location place = std::source_location::current());
+
+/// [any] Whether there is something to log.
+bool isPending();
+/// [gui] Logs what has come.
+void drain();
+
+} // namespace AudioLog
