@@ -89,6 +89,8 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
                    .midiOutput = mInterface.midiOutput,
                    .connectLattice = &PdPlayer::connectLattice});
     mPlayer.setPortOpenFlag(&mInterface.midiOutput->portOpen);
+    mInterface.midiOutput->setEngineRunner(
+        [this](const std::function<void()>& work) { return mPlayer.handOver().runInBlock(work); });
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     readLogFilter(argc, argv);
 }
@@ -411,7 +413,8 @@ void TuningOrloApplication::syncToSettings()
         mSettings.windowPos = mMainWindow->pos();
     }
     mSettings.audioDevice = mAudioOutput.selectedDevice();
-    mSettings.midiOutDevice = mInterface.midiOutput->portName;
+    const MidiOutput* midi = mInterface.midiOutput;
+    mSettings.midiOutDevice = midi->wantedPort.isEmpty() ? midi->portName : midi->wantedPort;
     mSettings.midiOutChannel = mInterface.midiOutput->channel;
 }
 

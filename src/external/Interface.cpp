@@ -55,7 +55,7 @@ void Interface::receiveInstructions(int parameter, QList<int> voices, QList<floa
         midiOutput->setKeyFrequency(voices, value1);
         midiOutput->voiceOn(voices.at(0), velocityOf(value2.value(0)));
         break;
-    case PdPlayer::instructionBend: midiOutput->setKeyFrequency(voices, value1); break;
+    case PdPlayer::instructionBend: midiOutput->bendVoices(voices, value1); break;
     default: break;
     }
 }

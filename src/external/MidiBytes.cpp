@@ -20,6 +20,8 @@ constexpr Byte NOTE_OFF = 0x80;
 constexpr Byte NOTE_ON = 0x90;
 constexpr Byte CONTROL = 0xB0;
 constexpr Byte PITCH_BEND = 0xE0;
+constexpr Byte SYSEX_START = 0xF0;
+constexpr Byte SYSEX_END = 0xF7;
 constexpr Byte RELEASE_VELOCITY = 0x40;
 constexpr Byte ALL_NOTES_OFF = 0x7B;
 constexpr Byte RPN_LSB = 0x64;
@@ -61,6 +63,15 @@ ShortMessage allNotesOff(int channel)
     return onChannel(CONTROL, channel, ALL_NOTES_OFF, 0);
 }
 
+bool isWellFormed(std::span<const Byte> message)
+{
+    if (message.empty() || message.front() < NOTE_OFF)
+        return false;
+    const bool ends = message.front() == SYSEX_START && message.back() == SYSEX_END;
+    message = message.subspan(1, message.size() - (ends ? 2 : 1));
+    return std::all_of(message.begin(), message.end(), [](Byte data) { return data < NOTE_OFF; });
+}
+
 Tuning tuningOfNote(double note)
 {
     int semitone = static_cast<int>(note);
@@ -88,7 +99,7 @@ Tuning tuningOfNote(double note)
 void beginTuningChange(Bytes& message, std::int64_t count)
 {
     // Universal real-time, all devices, MIDI tuning, single-note change, program 0.
-    message.assign({0xF0, 0x7F, 0x7F, 0x08, 0x02, 0x00, static_cast<Byte>(count)});
+    message.assign({SYSEX_START, 0x7F, 0x7F, 0x08, 0x02, 0x00, static_cast<Byte>(count)});
 }
 
 void addKeyTuning(Bytes& message, int key, const Tuning& tuning)
@@ -98,7 +109,7 @@ void addKeyTuning(Bytes& message, int key, const Tuning& tuning)
 
 void endTuningChange(Bytes& message)
 {
-    message.push_back(0xF7);
+    message.push_back(SYSEX_END);
 }
 
 double bendCents(double note, double start, int key, int rangeCents)

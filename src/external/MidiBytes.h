@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 /// What the MIDI output sends, as bytes. Pure functions without state; none but those that append
@@ -17,6 +18,7 @@ using Byte = unsigned char;
 using Bytes = std::vector<Byte>;
 using ShortMessage = std::array<Byte, 3>;
 
+constexpr int CHANNELS = 16;
 constexpr double MAX_NOTE = 128.0; // exclusive
 /// What a note at or above it becomes, 127.99999.
 constexpr double TOP_NOTE = std::bit_cast<double>(std::uint64_t{0x405FFFFFD60E94EE});
@@ -27,6 +29,10 @@ double noteOfFrequency(float hz);
 ShortMessage noteOn(int channel, int key, int velocity);
 ShortMessage noteOff(int channel, int key);
 ShortMessage allNotesOff(int channel);
+
+/// A status byte and nothing but data bytes behind it. A key or velocity of 128 or more is neither: a
+/// device would take it for the status of another message.
+bool isWellFormed(std::span<const Byte> message);
 
 /// The pitch of one key in a tuning change.
 struct Tuning

@@ -1,28 +1,40 @@
 #include "external/MidiOutRtMidi.h"
 
 #include "app/DebugLog.h"
+#include "sound/AudioLog.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 namespace {
 
 constexpr const char* CLIENT_NAME = "RtMidi Output Client";
-constexpr const char* PORT_NAME = "RtMidi Output";
 constexpr int LAST_CHANNEL = MidiOutput::CHANNELS - 1;
-constexpr size_t MOST_VOICES = 128; // of the player
-// Far longer than a healthy MIDI system takes.
-constexpr std::chrono::milliseconds LONGEST_CALL{2000};
-// JACK's server may have been killed or frozen. CoreMIDI wants the thread that made the object.
-#ifdef Q_OS_MACOS
-constexpr bool CALLS_CAN_HANG = false;
-#else
-constexpr bool CALLS_CAN_HANG = true;
-#endif
+constexpr int LAST_KEY = 127;
+constexpr size_t MOST_KEYS = 256; // of one tuning change
+constexpr std::chrono::milliseconds WATCH_INTERVAL{100};
+constexpr qint64 SEARCH_INTERVAL_MS = 2000;
+// A server that has died may yet set a thread free; one that spins never comes back.
+constexpr qint64 SEARCH_BESIDE_LOST_MS = 10000;
+// Given up by then, MIDI stays off until one of them comes back.
+constexpr int MOST_LOST_THREADS = 3;
 
 QList<int> asList(const midi::Bytes& bytes)
 {
     return QList<int>(bytes.begin(), bytes.end());
+}
+
+/// What stands for no port among the options.
+bool isNoPort(const QString& name)
+{
+    return name.isEmpty() || name == MidiOutput::deactivatedName() || name == QLatin1StringView("deactivated");
+}
+
+void logFailure(const char* what, const std::string& why)
+{
+    qCritical().noquote() << "MIDI output:" << what << "failed:" << QString::fromStdString(why);
 }
 
 } // namespace
@@ -30,14 +42,15 @@ QList<int> asList(const midi::Bytes& bytes)
 MidiOutRtMidi::MidiOutRtMidi(QObject* parent)
     : MidiOutput(parent)
 {
-    mTuningChange.reserve(midi::tuningChangeSize(MOST_VOICES));
+    mTuningChange.reserve(midi::tuningChangeSize(MOST_KEYS));
+    mWatch.setInterval(WATCH_INTERVAL);
+    connect(&mWatch, &QTimer::timeout, this, &MidiOutRtMidi::watch);
 }
 
 MidiOutRtMidi::~MidiOutRtMidi()
 {
     // A start-up that failed half way does not come through term().
-    if (rtMidiOut)
-        MidiOutRtMidi::term();
+    MidiOutRtMidi::term();
 }
 
 std::unique_ptr<RtMidiOut> MidiOutRtMidi::createOutput(RtMidi::Api api) const
@@ -45,7 +58,8 @@ std::unique_ptr<RtMidiOut> MidiOutRtMidi::createOutput(RtMidi::Api api) const
     return std::make_unique<RtMidiOut>(api, CLIENT_NAME);
 }
 
-bool MidiOutRtMidi::init()
+/// The sender's thread. Throws the first error when no API comes up.
+std::unique_ptr<RtMidiOut> MidiOutRtMidi::createAnyOutput() const
 {
     // The default one may throw where a later one works: ALSA without its sequencer, before JACK.
     std::vector<RtMidi::Api> compiled;
@@ -54,189 +68,171 @@ bool MidiOutRtMidi::init()
     apis.insert(apis.end(), compiled.begin(), compiled.end());
     std::optional<RtMidiError> firstError;
     for (const RtMidi::Api api : apis) {
-        struct Job
-        {
-            std::shared_ptr<RtMidiOut> made;
-            std::optional<RtMidiError> error;
-        };
-        const auto job = std::make_shared<Job>();
-        const bool answered = runBounded([this, job, api] {
-            try {
-                job->made = createOutput(api);
-            } catch (const RtMidiError& error) {
-                job->error = error;
-            }
-        });
-        if (!answered) {
-            qCritical() << "The MIDI system does not answer, there will be no MIDI output.";
-            return true;
+        try {
+            return createOutput(api);
+        } catch (const RtMidiError& error) {
+            if (!firstError)
+                firstError = error;
         }
-        if (job->made) {
-            rtMidiOut = job->made;
-            return true;
-        }
-        if (!firstError)
-            firstError = job->error;
     }
-    if (firstError)
-        firstError->printMessage();
+    throw *firstError;
+}
+
+bool MidiOutRtMidi::init()
+{
+    const auto failure = std::make_shared<std::optional<RtMidiError>>();
+    mWriter = nullptr;
+    mSender.reset();
+    const bool answered = sender() && sender()->run([failure](MidiPort& port) {
+        try {
+            port.check();
+        } catch (const RtMidiError& error) {
+            *failure = error;
+        }
+    });
+    if (!answered) {
+        dropSender();
+        qCritical() << "The MIDI system does not answer, there will be no MIDI output.";
+        return true;
+    }
+    if (!*failure)
+        return true;
+    (*failure)->printMessage();
     std::exit(EXIT_FAILURE);
 }
 
 void MidiOutRtMidi::term()
 {
-    if (isRtMidiOpen()) {
+    mWatch.stop();
+    mSearch.reset();
+    if (portOpen && mWriter)
         silence();
-        callRtMidi("closing", [](RtMidiOut& output) { output.closePort(); });
-    }
-    // Its end disconnects from the server too; one that hangs in a call is not waited for again.
-    const auto last = std::make_shared<std::shared_ptr<RtMidiOut>>(std::move(rtMidiOut));
-    rtMidiOut.reset();
-    const auto limit = mGate.isStuck() ? std::chrono::milliseconds(0) : LONGEST_CALL;
-    if (!CALLS_CAN_HANG)
-        last->reset();
-    else if (!BoundedCall::run([last](BoundedCall::Ticket&) { last->reset(); }, limit))
+    if (mSender && !mSender->run([](MidiPort& port) { port.close(); }))
         qCritical() << "The MIDI system does not answer, it is left as it is.";
+    mWriter = nullptr;
+    mSender.reset();
+    mFormerSender.reset();
 }
 
-// ---------------------------------------------------------------- calls into RtMidi
+// ---------------------------------------------------------------- the sender
 
-/// Bounded where it could hang. False when it was given up, or an earlier one has not come back.
-bool MidiOutRtMidi::runBounded(const std::function<void()>& call) const
+/// [gui] Null while too many threads hang in RtMidi.
+MidiSender* MidiOutRtMidi::sender() const
 {
-    if (CALLS_CAN_HANG)
-        return mGate.run([call](BoundedCall::Ticket&) { call(); }, LONGEST_CALL);
-    call();
-    return true;
+    if (mSender && mSender->isGivenUp())
+        dropSender();
+    if (!mSender && MidiSender::lostThreads() < MOST_LOST_THREADS)
+        mSender = std::make_unique<MidiSender>([this] { return createAnyOutput(); });
+    return mSender.get();
 }
 
-/// [gui] False when RtMidi reported an error or does not answer.
-bool MidiOutRtMidi::callRtMidi(const char* what, const Work& work) const
+void MidiOutRtMidi::dropSender() const
 {
-    if (!rtMidiOut)
-        return false;
-    struct Job
-    {
-        std::shared_ptr<RtMidiOut> output;
-        Work work;
-        std::optional<std::string> error;
-    };
-    const auto job = std::make_shared<Job>(Job{rtMidiOut, work, std::nullopt});
-    const bool answered = runBounded([job] {
-        try {
-            job->work(*job->output);
-        } catch (const RtMidiError& error) {
-            job->error = error.getMessage();
-        }
-    });
-    if (!answered) {
-        reportError(what, "The MIDI system does not answer.");
-        return false;
-    }
-    if (job->error)
-        reportError(what, *job->error);
-    return !job->error;
+    mSearch.reset();
+    if (mSender.get() == mWriter)
+        mFormerSender = std::move(mSender);
+    mSender.reset();
 }
 
-/// Any thread. Once for each port, since a port that is gone fails at every message.
-void MidiOutRtMidi::reportError(const char* what, const std::string& message) const
+/// [gui] Null when RtMidi reported an error or does not answer.
+std::shared_ptr<MidiSender::Answer> MidiOutRtMidi::callSender(const char* what, MidiSender::Work work) const
 {
-    if (!mErrorReported.exchange(true))
-        qCritical().noquote() << "MIDI output:" << what << "failed:" << QString::fromStdString(message);
+    auto answer = sender() ? sender()->run(std::move(work)) : nullptr;
+    if (!answer)
+        logFailure(what, "The MIDI system does not answer.");
+    else if (answer->error)
+        logFailure(what, *answer->error);
+    return answer && !answer->error ? answer : nullptr;
 }
 
-bool MidiOutRtMidi::isRtMidiOpen() const
+/// [audio] The last place before the bytes leave: what is no message, such as a note of a key above 127,
+/// is not sent. No port is open but one that has a writer.
+void MidiOutRtMidi::send(std::span<const midi::Byte> message)
 {
-    return rtMidiOut && !mGate.isStuck() && rtMidiOut->isPortOpen();
+    if (portOpen && mWriter && midi::isWellFormed(message))
+        mWriter->write(message);
 }
 
-void MidiOutRtMidi::send(const midi::ShortMessage& message)
-{
-    sendBytes(message.data(), message.size());
-}
-
-void MidiOutRtMidi::send(const midi::Bytes& message)
-{
-    sendBytes(message.data(), message.size());
-}
-
-void MidiOutRtMidi::sendBytes(const midi::Byte* message, size_t size)
-{
-    if (!rtMidiOut)
-        return;
-    try {
-        rtMidiOut->sendMessage(message, size);
-    } catch (const RtMidiError& error) {
-        reportError("sending", error.getMessage());
-        if (portOpen.exchange(false))
-            QMetaObject::invokeMethod(this, &MidiOutRtMidi::closeLostPort, Qt::QueuedConnection);
-    }
-}
-
-/// [gui] The rest of what an error while sending means, which is not for the audio thread.
-void MidiOutRtMidi::closeLostPort()
-{
-    if (portOpen || portName == deactivatedName()) // another one was chosen meanwhile
-        return;
-    const QString lost = portName;
-    callRtMidi("closing", [](RtMidiOut& output) { output.closePort(); });
-    portName = deactivatedName();
-    emit portLost(lost);
-}
-
-// ---------------------------------------------------------------- ports and channel
+// ---------------------------------------------------------------- ports
 
 QStringList MidiOutRtMidi::availablePorts() const
 {
-    const auto names = std::make_shared<QStringList>();
-    const bool listed = callRtMidi("listing the ports", [names](RtMidiOut& output) {
-        const unsigned int count = output.getPortCount();
-        for (unsigned int i = 0; i < count; ++i)
-            names->append(QString::fromStdString(output.getPortName(i)));
-    });
+    const auto names = std::make_shared<std::vector<std::string>>();
+    const auto answer =
+        callSender("listing the ports", [names](MidiPort& port) { *names = port.names(); });
     qDebug() << "Midi Output ports available:";
-    if (!listed)
+    if (!answer)
         return {};
-    for (qsizetype i = 0; i < names->size(); ++i)
-        qDebug().noquote().nospace() << "  Output Port #" << i + 1 << ": " << names->at(i);
-    return *names;
+    QStringList list;
+    for (const std::string& name : *names) {
+        list.append(QString::fromStdString(name));
+        qDebug().noquote().nospace() << "  Output Port #" << list.size() << ": " << list.last();
+    }
+    return list;
 }
 
 bool MidiOutRtMidi::selectPort(QString name)
 {
-    return selectPort(static_cast<int>(availablePorts().indexOf(name)));
+    const auto index = static_cast<int>(availablePorts().indexOf(name));
+    const bool opened = selectPort(index);
+    if (index < 0 && !isNoPort(name)) {
+        wantedPort = name;
+        startWatch();
+    }
+    return opened;
 }
 
 bool MidiOutRtMidi::selectPort(int index)
 {
-    // First of all, so that the audio thread sends nothing behind what silences the device.
-    portOpen = false;
-    if (isRtMidiOpen()) {
-        silence();
-        callRtMidi("closing", [](RtMidiOut& output) { output.closePort(); });
-    }
-    portName = deactivatedName();
-    qDebug() << "Midi-Out port closed";
+    closePort();
     if (index < 0)
         return false;
-
-    mErrorReported = false;
-    const auto opened = std::make_shared<std::optional<std::string>>();
-    const bool answered = callRtMidi("opening", [opened, index](RtMidiOut& output) {
-        const auto port = static_cast<unsigned int>(index);
-        if (port >= output.getPortCount())
-            return;
-        output.openPort(port, PORT_NAME);
-        *opened = output.getPortName(port);
+    const auto name = std::make_shared<std::optional<std::string>>();
+    const auto answer = callSender("opening", [name, index](MidiPort& port) {
+        *name = port.open(static_cast<std::size_t>(index));
     });
-    if (!answered || !*opened)
+    return answer && *name && usePort(QString::fromStdString(**name));
+}
+
+/// By choice: nothing is waited for any more.
+void MidiOutRtMidi::closePort()
+{
+    const bool maybeOpen = portOpen || mSearch;
+    mWatch.stop();
+    mSearch.reset();
+    wantedPort.clear();
+    const auto silenceIt = [this] {
+        silence();
+        forgetChannels();
+        portOpen = false;
+    };
+    if (portOpen && !onEngine(silenceIt))
+        portOpen = false;
+    if (maybeOpen)
+        callSender("closing", [](MidiPort& port) { port.close(); });
+    portName = deactivatedName();
+    qDebug() << "Midi-Out port closed";
+}
+
+/// The sender has opened it.
+bool MidiOutRtMidi::usePort(const QString& name)
+{
+    const auto begin = [this] {
+        mWriter = mSender.get();
+        forgetChannels();
+        portOpen = true;
+        if (mpeMode)
+            mpeApplyPitchBendRange();
+    };
+    if (!onEngine(begin)) {
+        callSender("closing", [](MidiPort& port) { port.close(); });
         return false;
-    portName = QString::fromStdString(**opened);
+    }
+    mFormerSender.reset();
+    portName = wantedPort = name;
     qDebug().noquote() << "Midi-Out port opened: " << portName;
-    portOpen = true;
-    if (mpeMode)
-        mpeApplyPitchBendRange();
-    return portOpen;
+    startWatch();
+    return true;
 }
 
 void MidiOutRtMidi::silence()
@@ -250,19 +246,80 @@ void MidiOutRtMidi::silence()
     }
 }
 
+// ---------------------------------------------------------------- a port that goes and comes back
+
+void MidiOutRtMidi::startWatch()
+{
+    mSinceSearch.start();
+    mWatch.start();
+}
+
+void MidiOutRtMidi::watch()
+{
+    if (!portOpen)
+        lookForPort();
+    else if (const auto why = mSender->failure())
+        losePort(*why);
+}
+
+void MidiOutRtMidi::losePort(const std::string& why)
+{
+    portOpen = false;
+    const QString lost = std::exchange(portName, deactivatedName());
+    logFailure("sending", why);
+    mSender->post([](MidiPort& port) { port.abandon(); });
+    mSinceSearch.start();
+    emit portLost(lost);
+}
+
+/// Never waits: a frozen server must not freeze the window.
+void MidiOutRtMidi::lookForPort()
+{
+    if (mSearch && mSearch->answer->done) {
+        const auto [answer, name] = *std::exchange(mSearch, std::nullopt);
+        if (!answer->error && *name && usePort(QString::fromStdString(**name)))
+            emit portBack(portName);
+    } else if (mSearch) {
+        if (mSinceSearch.hasExpired(MidiSender::LONGEST_CALL.count()))
+            mSender->giveUp();
+        if (mSender->isGivenUp())
+            mSearch.reset();
+    } else if (mSinceSearch.hasExpired(MidiSender::lostThreads() > 0 ? SEARCH_BESIDE_LOST_MS : SEARCH_INTERVAL_MS)
+               && sender()) {
+        const auto name = std::make_shared<std::optional<std::string>>();
+        const auto open = [name, wanted = wantedPort.toStdString()](MidiPort& port) {
+            *name = port.open(wanted);
+        };
+        mSearch = Search{sender()->post(open), name};
+        mSinceSearch.start();
+    }
+}
+
+// ---------------------------------------------------------------- the channel
+
 void MidiOutRtMidi::setChannel(int newChannel)
 {
-    if (newChannel == MPE) {
-        mpeMode = true;
-        if (isRtMidiOpen() && channel != MPE) {
+    if (onEngine([this, newChannel] { applyChannel(newChannel); }))
+        return;
+    closePort(); // nothing can tell the device
+    applyChannel(newChannel);
+}
+
+/// [audio]
+void MidiOutRtMidi::applyChannel(int newChannel)
+{
+    const bool toMpe = newChannel == MPE;
+    if (toMpe != mpeMode.exchange(toMpe))
+        forgetChannels();
+    if (toMpe) {
+        if (portOpen && channel != MPE) {
             allVoicesOff(); // still on the old channel
             mpeApplyPitchBendRange();
         }
         channel = MPE;
         return;
     }
-    mpeMode = false;
-    if (isRtMidiOpen() && channel == MPE) {
+    if (portOpen && channel == MPE) {
         mpeAllVoicesOff();
         mpeResetPitchBendRange();
     }
@@ -272,25 +329,21 @@ void MidiOutRtMidi::setChannel(int newChannel)
 
 // ---------------------------------------------------------------- MIDI Tuning Standard
 
-/// The note of a frequency, moved into the range with a warning, which names all of `logged` or, for
-/// null, the frequency.
-double MidiOutRtMidi::noteInRange(float frequency, const QList<float>* logged)
+/// The note of a frequency, moved into the range with a warning.
+double MidiOutRtMidi::noteInRange(int voice, float frequency)
 {
     const double note = midi::noteOfFrequency(frequency);
-    const auto warn = [&](const char* text) {
-        QDebug line = qWarning();
-        line << text;
-        logged ? line << *logged : line << frequency;
-    };
-    if (note < 0.0) {
-        warn("MTS: Freq sent to MIDI below MIDI range: ");
-        return 0.0;
-    }
-    if (note >= midi::MAX_NOTE) {
-        warn("MTS: Freq sent to MIDI above MIDI range: ");
-        return midi::TOP_NOTE;
-    }
-    return note;
+    const bool isInRange = note >= 0.0 && note < midi::MAX_NOTE;
+    const auto at = static_cast<size_t>(voice);
+    const bool warnedBefore = at < mWarned.size() && std::exchange(mWarned[at], !isInRange);
+    if (isInRange)
+        return note;
+    const bool isBelow = note < 0.0;
+    if (!warnedBefore)
+        AudioLog::warning(isBelow ? "MTS: Freq sent to MIDI below MIDI range: %1"
+                                  : "MTS: Freq sent to MIDI above MIDI range: %1",
+                          {static_cast<double>(frequency)});
+    return isBelow ? 0.0 : midi::TOP_NOTE;
 }
 
 void MidiOutRtMidi::setKeyFrequency(QList<int> voices, QList<float> frequencies)
@@ -299,13 +352,18 @@ void MidiOutRtMidi::setKeyFrequency(QList<int> voices, QList<float> frequencies)
         mpeSetVoiceFrequency(voices, frequencies);
         return;
     }
-    const qsizetype count = qMin(voices.size(), frequencies.size());
+    const qsizetype given = qMin(voices.size(), frequencies.size());
+    // A key that is none would break the whole message.
+    const auto hasKey = [this](int voice) { return firstKey + voice <= LAST_KEY; };
+    const auto count = std::count_if(voices.cbegin(), voices.cbegin() + given, hasKey);
     if (count == 0)
         return;
     midi::beginTuningChange(mTuningChange, count);
-    for (qsizetype i = 0; i < count; ++i) {
+    for (qsizetype i = 0; i < given; ++i) {
+        if (!hasKey(voices.at(i)))
+            continue;
         const int key = firstKey + voices.at(i);
-        const double note = noteInRange(frequencies.at(i), &frequencies);
+        const double note = noteInRange(voices.at(i), frequencies.at(i));
         midi::addKeyTuning(mTuningChange, key, midi::tuningOfNote(note));
         if (!tunedKeys.contains(key))
             tunedKeys.append(key);
@@ -315,40 +373,57 @@ void MidiOutRtMidi::setKeyFrequency(QList<int> voices, QList<float> frequencies)
     ORLO_AUDIO_DEBUG << "MTS Midi message sent: " << asList(mTuningChange);
 }
 
+void MidiOutRtMidi::bendVoices(QList<int> voices, QList<float> frequencies)
+{
+    if (!mpeMode) {
+        setKeyFrequency(voices, frequencies);
+        return;
+    }
+    const qsizetype count = qMin(voices.size(), frequencies.size());
+    for (qsizetype i = 0; i < count; ++i) {
+        for (int held = 0; held < CHANNELS; ++held) {
+            if (channelActive[static_cast<size_t>(held)] && channelVoice[static_cast<size_t>(held)] == voices.at(i))
+                sendBend(held, frequencies.at(i));
+        }
+    }
+}
+
 void MidiOutRtMidi::voiceOn(int voice, int velocity)
 {
     if (mpeMode)
         mpeVoiceOn(voice, velocity);
-    else
+    else if (channel >= 0)
         send(midi::noteOn(channel, firstKey + voice, velocity));
 }
 
 void MidiOutRtMidi::voiceOff(int voice)
 {
+    if (static_cast<size_t>(voice) < mWarned.size())
+        mWarned[static_cast<size_t>(voice)] = false;
     if (mpeMode)
         mpeVoiceOff(voice);
-    else
+    else if (channel >= 0)
         send(midi::noteOff(channel, firstKey + voice));
 }
 
 void MidiOutRtMidi::allVoicesOff()
 {
-    send(midi::allNotesOff(channel));
+    if (channel >= 0)
+        send(midi::allNotesOff(channel));
 }
 
 void MidiOutRtMidi::resetTuningAlteredVoices()
 {
     if (tunedKeys.isEmpty())
         return;
-    midi::Bytes message; // not the audio thread's, which may be at work on it
-    midi::beginTuningChange(message, tunedKeys.size());
+    midi::beginTuningChange(mTuningChange, tunedKeys.size());
     for (qsizetype i = 0; i < tunedKeys.size(); ++i) {
         const int key = tunedKeys.at(i);
-        midi::addKeyTuning(message, key, {static_cast<midi::Byte>(key), 0, 0});
+        midi::addKeyTuning(mTuningChange, key, {static_cast<midi::Byte>(key), 0, 0});
     }
-    midi::endTuningChange(message);
-    send(message);
-    qDebug() << "Midi message sent to reset MTS to standard for previously altered voices: "
-             << asList(message);
+    midi::endTuningChange(mTuningChange);
+    send(mTuningChange);
+    ORLO_AUDIO_DEBUG << "Midi message sent to reset MTS to standard for previously altered voices: "
+                     << asList(mTuningChange);
     tunedKeys.clear();
 }

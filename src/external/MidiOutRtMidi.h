@@ -1,19 +1,21 @@
 #pragma once
 
-#include "external/MidiBytes.h"
 #include "external/MidiOutput.h"
-#include "sound/CallGate.h"
+#include "external/MidiSender.h"
 
 #include <RtMidi.h>
 
-#include <functional>
+#include <QElapsedTimer>
+#include <QTimer>
+
 #include <memory>
 
 /// The MIDI output over RtMidi.
 ///
-/// [audio] A sent message is built in storage that is there already: nothing is allocated, but for
-/// a log line when a frequency or a port fails. An error of RtMidi never leaves this class. It is
-/// logged once for each port that was opened, and closes the port.
+/// [audio] A message is built in storage that is there already and handed to the sender's thread, the
+/// only one that calls RtMidi: nothing is allocated, and nothing waits. A port that fails, that is
+/// gone or does not take its messages is closed, which is logged and told by `portLost`, and opened
+/// again when one of its name is back.
 class MidiOutRtMidi : public MidiOutput
 {
     Q_OBJECT
@@ -57,29 +59,51 @@ public:
     void mpeSetParameter(int, int, float) override {}
 
     void setChannel(int channel) override;
+    void bendVoices(QList<int> voices, QList<float> frequencies) override;
 
 protected:
-    /// Throws RtMidiError when the API does not come up.
+    /// Throws RtMidiError when the API does not come up. Called on the sender's thread.
     virtual std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api api) const;
+    /// Waits until all that was sent has reached RtMidi.
+    bool waitUntilSent() const { return mSender && mSender->run([](MidiPort&) {}); }
 
 private:
-    using Work = std::function<void(RtMidiOut&)>;
-    bool runBounded(const std::function<void()>& call) const;
-    bool callRtMidi(const char* what, const Work& work) const;
-    void reportError(const char* what, const std::string& message) const;
-    bool isRtMidiOpen() const;
+    using Answer = MidiSender::Answer;
+    std::unique_ptr<RtMidiOut> createAnyOutput() const;
+    MidiSender* sender() const;
+    void dropSender() const;
+    std::shared_ptr<Answer> callSender(const char* what, MidiSender::Work work) const;
 
+    void closePort();
+    bool usePort(const QString& name);
+    void startWatch();
+    void watch();
+    void losePort(const std::string& why);
+    void lookForPort();
     void silence();
-    void closeLostPort();
-    void send(const midi::ShortMessage& message);
-    void send(const midi::Bytes& message);
-    void sendBytes(const midi::Byte* message, size_t size);
-    static double noteInRange(float frequency, const QList<float>* logged);
+    void applyChannel(int newChannel);
+
+    void send(std::span<const midi::Byte> message);
+    double noteInRange(int voice, float frequency);
     int takeChannel(int voice, float frequency, int& start, const QList<int>& voices);
     void sendBend(int channel, float frequency);
 
-    std::shared_ptr<RtMidiOut> rtMidiOut; // shared with a call that had to be given up
-    midi::Bytes mTuningChange;            // [audio]
-    mutable CallGate mGate;               // [gui]
-    mutable std::atomic<bool> mErrorReported{false};
+    // [gui] The former one was given up; the engine may still be writing to it.
+    mutable std::unique_ptr<MidiSender> mSender;
+    mutable std::unique_ptr<MidiSender> mFormerSender;
+    QTimer mWatch; // [gui] runs while a port is open or wanted
+    /// [gui] A search for the port that is missing. `name` belongs to the sender until it has answered.
+    struct Search
+    {
+        std::shared_ptr<Answer> answer;
+        std::shared_ptr<std::optional<std::string>> name;
+    };
+    mutable std::optional<Search> mSearch;
+    QElapsedTimer mSinceSearch;
+
+    // [audio]
+    MidiSender* mWriter = nullptr;
+    midi::Bytes mTuningChange;
+    std::array<bool, 256> mWarned{}; // by voice, until its note ends
+    bool mBendWarned = false;        // until the range changes
 };

@@ -3,8 +3,10 @@
 #include "external/MidiOutRtMidi.h"
 
 #include "app/DebugLog.h"
+#include "sound/AudioLog.h"
 
 #include <cmath>
+#include <utility>
 
 namespace {
 constexpr int LAST_CHANNEL = MidiOutput::CHANNELS - 1;
@@ -30,7 +32,7 @@ int MidiOutRtMidi::takeChannel(int voice, float frequency, int& start, const QLi
     for (int i = start; i < CHANNELS; ++i) {
         const auto at = static_cast<size_t>(i);
         if (!channelActive[at]) {
-            const double note = noteInRange(frequency, nullptr);
+            const double note = noteInRange(voice, frequency);
             channelVoice[at] = voice;
             channelActive[at] = true;
             channelKey[at] = static_cast<int>(std::round(note));
@@ -52,8 +54,8 @@ void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
     const double cents =
         midi::bendCents(midi::noteOfFrequency(frequency), channelExactNote[at], channelKey[at], range);
     const midi::Bend bend = midi::bendOfCents(cents, range);
-    if (std::abs(bend.factor) > 1.0)
-        qWarning() << "MPE Pitch-bend factor exceeds +-1.";
+    if (std::abs(bend.factor) > 1.0 && !std::exchange(mBendWarned, true))
+        AudioLog::warning("MPE Pitch-bend factor exceeds +-1.");
     send(midi::pitchBend(bentChannel, bend.msb, bend.lsb));
     ORLO_AUDIO_DEBUG << "MPE pitch-bend message sent:";
     ORLO_AUDIO_DEBUG << "channel, voice, exact note, range cents, bend cents, factor, message MSB, LSB"
@@ -105,9 +107,16 @@ void MidiOutRtMidi::mpeResetPitchBendAll()
 
 void MidiOutRtMidi::mpeSetPitchBendRange(int cents)
 {
+    const auto apply = [this, cents] {
+        pitchBendRangeCents = cents;
+        mBendWarned = false;
+        if (portOpen && mpeMode)
+            mpeApplyPitchBendRange();
+    };
+    if (onEngine(apply))
+        return;
+    closePort(); // nothing can tell the device
     pitchBendRangeCents = cents;
-    if (isRtMidiOpen() && mpeMode)
-        mpeApplyPitchBendRange();
 }
 
 void MidiOutRtMidi::mpeApplyPitchBendRange()
@@ -121,11 +130,11 @@ void MidiOutRtMidi::mpeApplyPitchBendRange(int cents)
     for (size_t i = 0; i < range.messages.size(); ++i) {
         const midi::ShortMessage& message = range.messages[i];
         send(message);
-        qDebug().noquote() << QStringLiteral("Midi RPN message %1: ").arg(i + 1)
-                           << QList<int>(message.begin(), message.end());
+        ORLO_AUDIO_DEBUG.noquote() << QStringLiteral("Midi RPN message %1: ").arg(i + 1)
+                                   << QList<int>(message.begin(), message.end());
     }
-    qDebug() << "Midi RPN messages sent: Pitch bend range set to: semitones, cents " << range.semitones
-             << range.cents;
+    ORLO_AUDIO_DEBUG << "Midi RPN messages sent: Pitch bend range set to: semitones, cents "
+                     << range.semitones << range.cents;
 }
 
 void MidiOutRtMidi::mpeResetPitchBendRange()

@@ -17,3 +17,12 @@ QString MidiOutput::deactivatedName()
 {
     return QStringLiteral("- deactivated -");
 }
+
+/// [gui]
+bool MidiOutput::onEngine(const std::function<void()>& work) const
+{
+    if (mEngineRunner)
+        return mEngineRunner(work);
+    work();
+    return true;
+}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "external/MidiBytes.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -7,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <functional>
 #include <vector>
 
 /// The MIDI output: sends the pitches of the sounding voices to one port, in one of two modes.
@@ -14,17 +17,24 @@
 /// (MIDI Tuning Standard). With channel -1 each voice takes a channel of its own and is tuned by
 /// pitch bend (MPE).
 ///
-/// Ports, channel and range are set on [gui], the voices sound on [audio]; nothing locks between
-/// the two. A change of port or mode under sounding notes silences the device.
+/// Ports, channel and range are set on [gui], the voices sound on [audio]. What both touch belongs to
+/// whoever runs the engine: [gui] has its changes done there in one piece. A change of port or mode
+/// under sounding notes silences the device; these notes stay silent until they are struck again.
 class MidiOutput : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr int CHANNELS = 16;
+    static constexpr int CHANNELS = midi::CHANNELS;
     static constexpr int MPE = -1; // as channel
 
+    /// Runs a short piece of work where the engine runs, and waits for it. False, without running it,
+    /// when the engine does not come out of a block.
+    using EngineRunner = std::function<bool(const std::function<void()>&)>;
+
     explicit MidiOutput(QObject* parent = nullptr);
+    /// Before anything sounds. Without it the engine is taken to run on the calling thread.
+    void setEngineRunner(EngineRunner runner) { mEngineRunner = std::move(runner); }
 
     /// What `portName` says while no port is open.
     static QString deactivatedName();
@@ -36,10 +46,14 @@ public:
     /// [gui]
     virtual QStringList availablePorts() const = 0;
     virtual void logPorts() const = 0;
-    /// [gui] Opens the first port of this very name; any other name closes the output.
+    /// [gui] Opens the first port of this very name; any other name closes the output, and the port is
+    /// opened when one of that name comes.
     virtual bool selectPort(QString name) = 0;
     /// [gui] Opens a port; an index that does not exist closes the output. True when one is open now.
     virtual bool selectPort(int index) = 0;
+
+    /// [gui] The port that the player wants and that is not there; empty for none.
+    QString missingPort() const { return portOpen ? QString() : wantedPort; }
 
     virtual void sendRawMidiMessage(const std::vector<unsigned char>* message) = 0;
     virtual void sendRawMidiMessage(const unsigned char* message, unsigned long size) = 0;
@@ -65,6 +79,7 @@ public:
 
     /// [gui] Up and down, in cents; sent when the port is open in MPE mode.
     virtual void mpeSetPitchBendRange(int cents) = 0;
+    /// [audio]
     virtual void mpeApplyPitchBendRange() = 0;
     virtual void mpeApplyPitchBendRange(int cents) = 0;
     /// The device's default; the range that is set stays.
@@ -76,26 +91,41 @@ public:
     /// [gui] MPE, or 0 to 15 for MTS; any other number leaves MPE and keeps the channel.
     virtual void setChannel(int channel) = 0;
 
+    /// [audio] Tunes voices that sound already. In MPE mode one that holds no channel, because its note
+    /// has ended or was silenced, is left alone.
+    virtual void bendVoices(QList<int> voices, QList<float> frequencies) = 0;
+
     QString portName; // [gui]
+    /// [gui] What was chosen, kept while that port is missing; empty for none.
+    QString wantedPort;
     /// A port was opened and has not failed since. While it is off nothing is built.
     std::atomic<bool> portOpen{false};
     std::atomic<int> channel{0};
 
 signals:
-    /// [gui] The port failed and was closed.
+    /// [gui] The port failed and was closed. It is opened again as soon as it is back.
     void portLost(QString name);
+    /// [gui]
+    void portBack(QString name);
 
 protected:
+    bool onEngine(const std::function<void()>& work) const;
+    /// [audio] The device has been silenced: no voice holds a channel any more.
+    void forgetChannels() { channelActive.fill(false); }
+
+    /// All of it [audio], and changed together.
     int firstKey = 32; // of voice 0
-    /// Each once, in order of first tuning. Appended on [audio] and emptied on [gui] when the port
-    /// closes, so it has room for every voice from the start and never moves.
+    /// Each once, in order of first tuning. It has room for all from the start.
     QList<int> tunedKeys;
     std::atomic<bool> mpeMode{false};
-    /// [audio] By channel: the voice that took it last, whether it is taken still, the key of its
-    /// note, and the note at which the voice took it.
+    /// By channel: the voice that took it last, whether it is taken still, the key of its note, and the
+    /// note at which the voice took it.
     std::array<int, CHANNELS> channelVoice{};
     std::array<bool, CHANNELS> channelActive{};
     std::array<int, CHANNELS> channelKey;
     std::array<double, CHANNELS> channelExactNote;
     std::atomic<int> pitchBendRangeCents{50};
+
+private:
+    EngineRunner mEngineRunner;
 };

@@ -301,7 +301,8 @@ void OptionsDialog::onMidiOutputDeviceMenuActivated(int index)
     MidiOutput* output = app::midiOutput();
     const QString former = output->portName;
     const QString chosen = mMidiDeviceMenu->itemText(index);
-    if (chosen == former)
+    const bool endsWaiting = index == 0 && !output->missingPort().isEmpty();
+    if (chosen == former && !endsWaiting)
         return;
     if (index == 0) {
         if (output->selectPort(-1)) {
@@ -320,6 +321,14 @@ void OptionsDialog::onMidiOutputChannelMenuActivated(int index)
 {
     app::midiOutput()->setChannel(index - 1);
     qDebug() << "Midi channel set to: " << index - 1;
+}
+
+void OptionsDialog::onMidiPortBack(const QString& name)
+{
+    if (mMidiDeviceMenu->findText(name) < 0)
+        mMidiDeviceMenu->addItem(name);
+    if (mMidiDeviceMenu->isEnabled())
+        showMidi();
 }
 
 void OptionsDialog::onMidiPortLost(const QString& name)

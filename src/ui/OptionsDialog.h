@@ -56,6 +56,7 @@ private slots:
     void onMidiOutputDeviceMenuActivated(int index);
     void onMidiOutputChannelMenuActivated(int index);
     void onMidiPortLost(const QString& name);
+    void onMidiPortBack(const QString& name);
     void onCalibrationFreqEditValueChanged(double value);
     void onOneOneNoteChanged(int index);
     void onOneOneFreqEditValueChanged(double value);

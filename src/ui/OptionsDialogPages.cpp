@@ -216,6 +216,7 @@ void OptionsDialog::addDeviceRows(QGridLayout* grid)
     connect(mMidiChannelMenu, &QComboBox::activated, this, &OptionsDialog::onMidiOutputChannelMenuActivated);
     connect(app::audioOutput(), &AudioOutput::selectedDeviceChanged, this, &OptionsDialog::showAudioDevice);
     connect(app::midiOutput(), &MidiOutput::portLost, this, &OptionsDialog::onMidiPortLost);
+    connect(app::midiOutput(), &MidiOutput::portBack, this, &OptionsDialog::onMidiPortBack);
 
     addGridRow(grid, label(QStringLiteral("Audio Device"), mAudioDeviceMenu), row({mAudioDeviceMenu}));
     QHBoxLayout* midi = row({mMidiDeviceMenu, mMidiChannelMenu});

@@ -99,8 +99,6 @@ TEST_F(Router, ANoteAllocatesNothingForMidi)
         out.selectPort(-1);
         const int without = allocationsOfAPress(11);
         ASSERT_TRUE(out.selectPort(0));
-        out.system->discard = true;
         EXPECT_EQ(allocationsOfAPress(13), without) << "channel " << channel;
-        out.system->discard = false;
     }
 }

@@ -1,5 +1,8 @@
 #include "external/MidiDouble.h"
 
+#include <chrono>
+#include <thread>
+
 std::string hex(const unsigned char* bytes, size_t size)
 {
     const auto all =
@@ -12,7 +15,7 @@ std::string onAllChannels(int status, const char* data)
     MidiSystem list;
     for (int channel = 0; channel < MidiOutput::CHANNELS; ++channel)
         list.add(QByteArray::number(status + channel, 16).toUpper().toStdString() + ' ' + data);
-    return list.sent;
+    return list.take();
 }
 
 std::string bendRange(const char* semitones, const char* cents)
@@ -22,6 +25,26 @@ std::string bendRange(const char* semitones, const char* cents)
 }
 
 namespace {
+
+/// Counts itself as a call into the system while it lives.
+class Call
+{
+public:
+    explicit Call(MidiSystem& system)
+        : mSystem(system)
+    {
+        if (++mInside > 1)
+            mSystem.callsAtOnce = mInside.load();
+    }
+    ~Call() { --mInside; }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+private:
+    MidiSystem& mSystem;
+    static std::atomic<int> mInside;
+};
+std::atomic<int> Call::mInside{0};
 
 class ApiDouble : public MidiOutApi
 {
@@ -34,6 +57,7 @@ public:
     RtMidi::Api getCurrentApi() override { return RtMidi::UNSPECIFIED; }
     void openPort(unsigned int port, const std::string& name) override
     {
+        const Call call(*mSystem);
         if (mSystem->opensFail)
             throw RtMidiError("no such device", RtMidiError::DRIVER_ERROR);
         mSystem->add("open " + std::to_string(port) + " as " + name);
@@ -42,19 +66,33 @@ public:
     void openVirtualPort(const std::string&) override {}
     void closePort() override
     {
+        const Call call(*mSystem);
         if (connected_)
             mSystem->add("close");
         connected_ = false;
     }
     void setClientName(const std::string&) override {}
     void setPortName(const std::string&) override {}
-    unsigned int getPortCount() override { return static_cast<unsigned int>(mSystem->ports.size()); }
-    std::string getPortName(unsigned int port) override { return mSystem->ports.at(port); }
+    unsigned int getPortCount() override
+    {
+        const Call call(*mSystem);
+        return static_cast<unsigned int>(mSystem->portNames().size());
+    }
+    std::string getPortName(unsigned int port) override
+    {
+        const Call call(*mSystem);
+        return mSystem->portNames().value(port);
+    }
     void sendMessage(const unsigned char* message, size_t size) override
     {
+        const Call call(*mSystem);
+        while (mSystem->sendsHang)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         if (mSystem->sendsFail)
             throw RtMidiError("the device is gone", RtMidiError::DRIVER_ERROR);
-        if (!mSystem->discard)
+        if (mSystem->listener)
+            mSystem->listener({message, size});
+        else
             mSystem->add(hex(message, size));
     }
 
@@ -84,6 +122,46 @@ public:
 };
 
 } // namespace
+
+QList<std::string> MidiSystem::portNames() const
+{
+    const std::lock_guard lock(mMutex);
+    return mPorts;
+}
+
+void MidiSystem::setPorts(const QList<std::string>& names)
+{
+    const std::lock_guard lock(mMutex);
+    mPorts = names;
+}
+
+void MidiSystem::add(const std::string& message)
+{
+    const std::lock_guard lock(mMutex);
+    mSent += (mSent.empty() ? "" : ", ") + message;
+}
+
+std::string MidiSystem::take()
+{
+    if (flush)
+        flush();
+    const std::lock_guard lock(mMutex);
+    return std::exchange(mSent, {});
+}
+
+MidiOutOverDouble::MidiOutOverDouble(int apisThatFail, bool initNow)
+{
+    system->apisThatFail = apisThatFail;
+    system->flush = [this] { waitUntilSent(); };
+    if (initNow)
+        init();
+}
+
+MidiOutOverDouble::~MidiOutOverDouble()
+{
+    system->flush = nullptr;
+    term(); // its sender makes outputs by this class
+}
 
 std::unique_ptr<RtMidiOut> MidiOutOverDouble::createOutput(RtMidi::Api api) const
 {

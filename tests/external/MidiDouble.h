@@ -4,30 +4,45 @@
 
 #include <QList>
 
+#include <atomic>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <span>
 #include <string>
 
 /// A MIDI system of the test's own behind RtMidi: its ports, and what was sent.
 struct MidiSystem
 {
-    std::vector<std::string> ports{"Synth:in", "Other:in", "Other:in", "Third:in"};
-    std::string sent; // messages as hexadecimal bytes, and "open 1" or "close", with ", " between them
+    QList<std::string> portNames() const;
+    void setPorts(const QList<std::string>& names);
+    void add(const std::string& message);
+    /// What was sent so far, messages as hexadecimal bytes, and "open 1" or "close", with ", " between
+    /// them. Waits for what is on its way.
+    std::string take();
+
     int apisThatFail = 0;
     QList<int> apisTried;
-    bool opensFail = false;
-    bool sendsFail = false;
-    bool discard = false; // what is sent, so that the double allocates nothing
+    std::atomic<bool> opensFail{false};
+    std::atomic<bool> sendsFail{false};
+    std::atomic<bool> sendsHang{false}; // until it is false again
+    /// Called by one thread at a time, on which nothing else may be inside this system.
+    std::function<void(std::span<const midi::Byte>)> listener;
+    std::atomic<int> callsAtOnce{0}; // the most that were
+    std::function<void()> flush;
 
-    void add(const std::string& message) { sent += (sent.empty() ? "" : ", ") + message; }
-    std::string take() { return std::exchange(sent, {}); }
+private:
+    mutable std::mutex mMutex;
+    QList<std::string> mPorts{"Synth:in", "Other:in", "Other:in", "Third:in"};
+    std::string mSent;
 };
 
 /// The MIDI output over such a system.
 class MidiOutOverDouble : public MidiOutRtMidi
 {
 public:
-    MidiOutOverDouble() { init(); }
-    explicit MidiOutOverDouble(int apisThatFail) { system->apisThatFail = apisThatFail; }
+    explicit MidiOutOverDouble(int apisThatFail = 0, bool initNow = true);
+    ~MidiOutOverDouble() override;
     using MidiOutput::channelActive;
     using MidiOutput::channelKey;
     using MidiOutput::channelVoice;

@@ -38,13 +38,13 @@ TEST(MidiOutInit, TriesTheDefaultApiAndThenEachThatIsCompiled)
         expected.append(api);
 
     for (int failing = 0; failing < expected.size(); ++failing) {
-        MidiOutOverDouble out(failing);
+        MidiOutOverDouble out(failing, false);
         EXPECT_TRUE(out.init());
         EXPECT_EQ(out.system->apisTried, expected.mid(0, failing + 1));
         EXPECT_TRUE(out.selectPort(0)) << "after " << failing;
     }
     ::testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    EXPECT_EXIT(MidiOutOverDouble(1000).init(), ::testing::ExitedWithCode(1), "no MIDI here 1");
+    EXPECT_EXIT(MidiOutOverDouble(1000, false).init(), ::testing::ExitedWithCode(1), "no MIDI here 1");
 }
 
 // ---------------------------------------------------------------- ports

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "external/MidiBytes.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+class RtMidiOut;
+
+/// The RtMidiOut and the port it has open. Everything here runs on one thread, the sender's: two
+/// threads inside one RtMidiOut corrupt it. Each call may throw RtMidiError, and may wait for the
+/// MIDI server as long as that is frozen, but never spins.
+///
+/// No client of JACK is kept while no port is open: a later client of this process would pull it
+/// from under RtMidi once the server has died.
+class MidiPort
+{
+public:
+    using Factory = std::function<std::unique_ptr<RtMidiOut>()>;
+
+    explicit MidiPort(Factory factory);
+    ~MidiPort();
+    MidiPort(const MidiPort&) = delete;
+    MidiPort& operator=(const MidiPort&) = delete;
+
+    /// Makes the RtMidiOut once, to see that there is one.
+    void check();
+    std::vector<std::string> names();
+
+    /// Closes what is open first. The port's name, or nothing when there is no such port.
+    std::optional<std::string> open(std::size_t index);
+    std::optional<std::string> open(const std::string& name);
+    bool isOpen() const { return mOpen; }
+    void close();
+    /// Ends the notes on all channels, closes, and lets go of the RtMidiOut. An error on the way changes
+    /// nothing of that.
+    void abandon() noexcept;
+
+    void send(std::span<const midi::Byte> message);
+    /// To be called about once a second. False when the port, its device or the server has gone, which
+    /// RtMidi does not tell.
+    bool isStillThere();
+
+private:
+    RtMidiOut& output();
+    void releaseIdle();
+    bool serverAnswers();
+
+    const Factory mFactory;
+    std::unique_ptr<RtMidiOut> mOutput;
+    bool mOpen = false;
+    bool mAsksServer = false;
+    std::size_t mIndex = 0;
+    std::string mName;
+    std::size_t mSinceAnswer = 0; // bytes
+};
