@@ -4,6 +4,8 @@
 #include "app/DebugLog.h"
 #include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
+#include "sound/AudioLog.h"
+#include "sound/EngineRelay.h"
 #include "sound/OrloEvent.h"
 #include "ui/DiagnosticsDialog.h"
 #include "ui/MainWindow.h"
@@ -396,12 +398,10 @@ void TuningOrloApplication::syncFromSettings()
     }
 
     // Only now, so that these events do not write back what was just read.
-    connect(&mPlayer, &PdPlayer::baseFrequencyChanged, &mSettings, &Settings::onBaseFrequencyChanged,
-            Qt::QueuedConnection);
-    connect(&mPlayer, &PdPlayer::volumeChanged, &mSettings, &Settings::onMasterVolumeChanged,
-            Qt::QueuedConnection);
-    connect(&mPlayer, &PdPlayer::monophonicChanged, &mSettings, &Settings::onMonophonicChanged,
-            Qt::QueuedConnection);
+    const EngineRelay* relay = &mPlayer.relay();
+    connect(relay, &EngineRelay::baseFrequencyChanged, &mSettings, &Settings::onBaseFrequencyChanged);
+    connect(relay, &EngineRelay::volumeChanged, &mSettings, &Settings::onMasterVolumeChanged);
+    connect(relay, &EngineRelay::monophonicChanged, &mSettings, &Settings::onMonophonicChanged);
 }
 
 void TuningOrloApplication::syncToSettings()
@@ -477,6 +477,7 @@ void TuningOrloApplication::term()
     mAudioOutput.term();
     mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
+    AudioLog::drain(); // what the engine said after the event loop
     qInstallMessageHandler(nullptr);
 }
 

@@ -6,7 +6,7 @@
 
 bool ByteRing::init(std::size_t bytes)
 {
-    mBytes.reset(new (std::nothrow) std::byte[bytes]);
+    mBytes.reset(new (std::nothrow) std::byte[bytes]()); // touched, so that no writer waits for a page
     mSize = mBytes ? bytes : 0;
     mWriteAt = 0;
     mReadAt = 0;

@@ -5,11 +5,14 @@
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "model/OrloPath.h"
+#include "sound/AudioLog.h"
+#include "sound/EngineRelay.h"
 #include "sound/OrloNoteEvent.h"
 
 #include <QThread>
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <exception>
 
@@ -23,6 +26,18 @@ constexpr float TOGGLE_HELD = 2.0F;
 QString text(const OrloRatio& ratio)
 {
     return ratio.toString();
+}
+
+/// As OrloPath::toString, without an allocation; a path that has no step is never refused.
+std::array<char, 64> pathText(const OrloPath& path)
+{
+    std::array<char, 64> text{};
+    char* end = text.data();
+    for (const signed char* step = path.toCharArray(); *step != 0; ++step) {
+        *end++ = '/';
+        end = std::to_chars(end, text.data() + text.size() - 1, static_cast<int>(*step)).ptr;
+    }
+    return text;
 }
 
 /// The value as a step: rounded half away from zero, then as a signed 8-bit number.
@@ -46,6 +61,7 @@ PdPlayer::PdPlayer(QObject* parent)
     mInstructionValues2.reserve(VoiceTable::SLOTS);
     for (int prime = 0; prime < mPrimeEnabled.CAPACITY; ++prime)
         mPrimeEnabled[prime] = true;
+    mRelay = std::make_unique<EngineRelay>(*this);
 }
 
 PdPlayer::~PdPlayer()
@@ -58,16 +74,16 @@ void PdPlayer::connectLattice(PdPlayer* player, Orlo* orlo)
 {
     if (!player)
         return;
-    constexpr Qt::ConnectionType queued = Qt::QueuedConnection;
-    connect(player, &PdPlayer::noteToggled, orlo, &Orlo::onNoteToggled, queued);
-    connect(player, &PdPlayer::nodeSelected, orlo, &Orlo::onNodeSelected, queued);
-    connect(player, &PdPlayer::nodeHold, orlo, &Orlo::onNodeHold, queued);
-    connect(player, &PdPlayer::nodeAltered, orlo, &Orlo::onNodeAltered, queued);
-    connect(player, &PdPlayer::transposed, orlo, &Orlo::onTransposed, queued);
-    connect(player, &PdPlayer::baseFrequencyChanged, orlo, &Orlo::onBaseFrequencyChanged, queued);
-    connect(player, &PdPlayer::primeEnabledToggled, orlo, &Orlo::onPrimeEnabledToggled, queued);
-    connect(player, &PdPlayer::removeNodeInStack, orlo, &Orlo::onRemoveNodeInStack, queued);
-    connect(player, &PdPlayer::nodesRecalled, orlo, &Orlo::afterMemoryRecall, queued);
+    const EngineRelay* relay = &player->relay();
+    connect(relay, &EngineRelay::noteToggled, orlo, &Orlo::onNoteToggled);
+    connect(relay, &EngineRelay::nodeSelected, orlo, &Orlo::onNodeSelected);
+    connect(relay, &EngineRelay::nodeHold, orlo, &Orlo::onNodeHold);
+    connect(relay, &EngineRelay::nodeAltered, orlo, &Orlo::onNodeAltered);
+    connect(relay, &EngineRelay::transposed, orlo, &Orlo::onTransposed);
+    connect(relay, &EngineRelay::baseFrequencyChanged, orlo, &Orlo::onBaseFrequencyChanged);
+    connect(relay, &EngineRelay::primeEnabledToggled, orlo, &Orlo::onPrimeEnabledToggled);
+    connect(relay, &EngineRelay::removeNodeInStack, orlo, &Orlo::onRemoveNodeInStack);
+    connect(relay, &EngineRelay::nodesRecalled, orlo, &Orlo::afterMemoryRecall);
 }
 
 // ---------------------------------------------------------------- commands
@@ -90,6 +106,7 @@ void PdPlayer::queueEventFromInterface(QString source, const OrloEvent* event)
 
 void PdPlayer::processEvents()
 {
+    mRelay->beginBlock();
     // What the engine toggles by itself runs in the block after the command, whichever ring brought
     // that; it does not go through the rings, since each has one writer.
     mToggleNow.swap(mToggleLater);
@@ -99,6 +116,7 @@ void PdPlayer::processEvents()
     if (mVoicesChanged)
         mSnapshot.publish(mVoices.noteMap);
     mVoicesChanged = false;
+    mRelay->endBlock();
 }
 
 void PdPlayer::toggleLater()
@@ -106,7 +124,7 @@ void PdPlayer::toggleLater()
     Chunk chunk;
     chunk.type = OrloEvent::NoteToggleByRatio;
     chunk.value = 1.0F;
-    for (const OrloRatio& ratio : std::as_const(mToggleNow)) {
+    for (const OrloRatio& ratio : mToggleNow) {
         chunk.ratio = ratio;
         processChunk(&chunk);
     }
@@ -172,15 +190,15 @@ void PdPlayer::processChunk(const Chunk* chunk)
     if (!handler)
         return;
     if (!std::isfinite(chunk->value)) {
-        qWarning() << "PdPlayer: an event of type" << chunk->type
-                   << "with a value that is no number is dropped.";
+        AudioLog::warning("PdPlayer: an event of type %1 with a value that is no number is dropped.",
+                          {chunk->type});
         return;
     }
     try {
         (this->*handler)(*chunk);
     } catch (const std::exception& error) {
         // A ratio that cannot be formed must not end the audio thread.
-        qWarning() << "PdPlayer: an event of type" << chunk->type << "is dropped:" << error.what();
+        AudioLog::warning("PdPlayer: an event of type %1 is dropped: %2", {chunk->type, error.what()});
     }
 }
 
@@ -195,7 +213,8 @@ void PdPlayer::onNoteToggleByPath(const Chunk& chunk)
         return;
     const OrloRatio relative(OrloRatio::productOfSteps(chunk.path.toCharArray()));
     if (!mTransposition.fitsWhenMultipliedWith(relative)) {
-        qWarning() << "PdPlayer: the pitch of" << chunk.path.toString() << "does not fit and stays silent.";
+        AudioLog::warning("PdPlayer: the pitch of \"%1\" does not fit and stays silent.",
+                          {pathText(chunk.path).data()});
         return;
     }
     OrloRatio ratio(mTransposition);
@@ -415,14 +434,24 @@ void PdPlayer::noteOff(const OrloRatio& ratio)
     soundingParameters.remove(ratio);
 }
 
-void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1, float value2)
+void PdPlayer::clearInstruction()
 {
     mInstructionVoices.clear(); // keeps its room
     mInstructionValues1.clear();
     mInstructionValues2.clear();
+}
+
+void PdPlayer::addToInstruction(int voice, float value1, float value2)
+{
     mInstructionVoices.append(voice);
     mInstructionValues1.append(value1);
     mInstructionValues2.append(value2);
+}
+
+void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1, float value2)
+{
+    clearInstruction();
+    addToInstruction(voice, value1, value2);
     emit instructionsToInterface(instruction, mInstructionVoices, mInstructionValues1, mInstructionValues2);
 }
 
@@ -439,24 +468,27 @@ void PdPlayer::onVoiceStopped(int index)
 
 void PdPlayer::allNotesOff(bool force)
 {
-    // A shared copy, which costs nothing: a patch without a release reports its voices' end at
-    // once, and that takes entries out of the map.
-    const QHash<OrloRatio, Voice*> entries = mVoices.noteMap;
-    for (const Voice* voice : entries) {
-        if (force || !heldNodes.contains(voice->ratio))
-            noteOff(voice->ratio);
+    // A copy: a patch without a release reports its voices' end at once, and that takes entries
+    // out of the map.
+    SoundingRatios ratios;
+    for (const Voice* voice : mVoices.noteMap) // released ones too
+        ratios.push_back(voice->ratio);
+    for (const OrloRatio& ratio : ratios) {
+        if (force || !heldNodes.contains(ratio))
+            noteOff(ratio);
     }
 }
 
 void PdPlayer::nodesHoldActive(bool active)
 {
-    for (const OrloRatio& ratio : std::as_const(heldNodes))
+    for (const OrloRatio& ratio : heldNodes)
         emit nodeHold(ratio, false);
     heldNodes.clear();
     if (active) {
-        heldNodes = soundingNow();
-        for (const OrloRatio& ratio : std::as_const(heldNodes))
+        for (const OrloRatio& ratio : soundingNow()) {
+            heldNodes.append(ratio);
             emit nodeHold(ratio, true);
+        }
     }
     mHoldActive = active;
 }
@@ -481,7 +513,8 @@ void PdPlayer::transpose(const OrloRatio& ratio)
 bool PdPlayer::multiplyTransposition(const OrloRatio& by)
 {
     if (by.numerator() == 0 || !mTransposition.fitsWhenMultipliedWith(by)) {
-        qWarning() << "PdPlayer: a transposition by" << text(by) << "does not fit and is refused.";
+        AudioLog::warning("PdPlayer: a transposition by %1/%2 does not fit and is refused.",
+                          {by.numerator(), by.denominator()});
         return false;
     }
     mTransposition *= by;
@@ -553,14 +586,40 @@ QList<OrloRatio> PdPlayer::getAllSoundingRatios() const
     return sounding;
 }
 
-QList<OrloRatio> PdPlayer::soundingNow() const
+PdPlayer::SoundingRatios PdPlayer::soundingNow() const
 {
-    QList<OrloRatio> sounding;
+    SoundingRatios sounding;
     for (const Voice* voice : mVoices.noteMap) {
         if (!voice->released)
-            sounding.append(voice->ratio);
+            sounding.push_back(voice->ratio);
     }
     return sounding;
+}
+
+bool PdPlayer::copyState(EngineState& state) const
+{
+    const auto copied = [](const auto& ratios, std::vector<OrloRatio>& to) {
+        to.clear();
+        for (const OrloRatio& ratio : ratios) {
+            if (to.size() == to.capacity())
+                return false;
+            to.push_back(ratio);
+        }
+        return true;
+    };
+    state.transposition = mTransposition;
+    state.volume = mMasterVolume;
+    state.voiceVolume = mVoiceVolume;
+    state.baseFrequency = mBaseFrequency;
+    state.monophonic = mMonophonic;
+    for (size_t prime = 0; prime < state.primes.size(); ++prime)
+        state.primes[prime] = mPrimeEnabled[static_cast<std::int64_t>(prime)];
+    state.sliders = currentParameters;
+    state.cached = cachedParameters;
+    state.macroNames = mMacroNames;
+    state.macroDefaults = mMacroDefaults;
+    return copied(soundingNow(), state.sounding) && copied(alteredNodes, state.altered)
+           && copied(selectedNodes, state.selected) && copied(heldNodes, state.held);
 }
 
 float PdPlayer::ratioToFrequency(const OrloRatio& ratio) const

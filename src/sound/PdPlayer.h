@@ -5,20 +5,26 @@
 #include "sound/PatchHandOver.h"
 #include "sound/PdMessageBuffer.h"
 #include "sound/RatioList.h"
+#include "sound/RatioTable.h"
 #include "sound/StaticArray.h"
 #include "sound/VoiceSnapshot.h"
 #include "sound/VoiceTable.h"
 
 #include <QByteArray>
-#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QStringList>
 
-#include <atomic>
+#include <boost/container/static_vector.hpp>
 
+#include <atomic>
+#include <memory>
+#include <vector>
+
+class EngineRelay;
 class Orlo;
 class QFileInfo;
+struct EngineState;
 struct _atom;
 
 /// Second element of every message to the patch's voices.
@@ -32,9 +38,11 @@ enum PdVoiceMessageType {
 /// The sound engine: turns exact ratios into voices of a hosted Pure Data patch.
 ///
 /// The thread words are those of docs/architecture.md. After start-up the state belongs to [audio]:
-/// everything else queues events and is answered by signals, which are emitted on [audio] and
-/// must be connected as queued. The one exception is instructionsToInterface, whose receiver runs
-/// on [audio] too.
+/// everything else queues events and is answered by signals, which are emitted on [audio]. Receivers
+/// on [gui] connect to the relay, which has the same signals; only what runs on [audio] too, as the
+/// router behind instructionsToInterface, connects to the player, directly.
+///
+/// Commands allocate nothing, but for nodes beyond MANY_NODES and for a change of patch.
 class PdPlayer : public QObject
 {
     Q_OBJECT
@@ -63,6 +71,10 @@ public:
     /// [audio]
     bool isPatchOpen() const { return mPatch != nullptr; }
     PatchHandOver& handOver() { return mHandOver; }
+    /// [gui]
+    EngineRelay& relay() const { return *mRelay; }
+    /// [audio] False when a list of the state has not room enough; nothing is allocated.
+    bool copyState(EngineState& state) const;
 
     /// [audio] The ratio is absolute in both.
     void noteOn(const OrloRatio& ratio);
@@ -106,8 +118,8 @@ public:
     void setMaxVoices(int voices);
     int maxVoices() const { return mMaxVoices; }
 
-    /// [any] What sounded, and was not released, after the last block; in hash order. Never
-    /// blocks, and never half of two blocks.
+    /// [any] What sounded, and was not released, after the last block; in the order in which it
+    /// was started. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
     /// [audio] In the order of selection, and of alteration.
     QList<OrloRatio> getAllSelectedRatios() const { return selectedNodes.toList(); }
@@ -136,7 +148,7 @@ public:
     /// [stopped] Where to read whether the external output's port is open; null: there is none.
     void setPortOpenFlag(const std::atomic<bool>* flag) { mPortOpen = flag; }
 
-    /// Queued connections of all that the lattice hears from the player.
+    /// [gui] Connects all that the lattice hears from the player, through its relay.
     static void connectLattice(PdPlayer* player, Orlo* orlo);
 
     enum Instruction { instructionNoteOn = 1, instructionNoteOff = -1, instructionBend = 2 };
@@ -217,7 +229,10 @@ private:
     bool multiplyTransposition(const OrloRatio& by);
     void toggleLater();
     /// The live list; getAllSoundingRatios() is of the block before.
-    QList<OrloRatio> soundingNow() const;
+    using SoundingRatios = boost::container::static_vector<OrloRatio, VoiceTable::SLOTS>;
+    SoundingRatios soundingNow() const;
+    void clearInstruction();
+    void addToInstruction(int voice, float value1, float value2);
     void sendInstruction(Instruction instruction, int voice, float value1, float value2);
     bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
 
@@ -243,6 +258,9 @@ private:
 
     static PdPlayer* sThis; // the libpd hooks are plain functions
 
+    /// Storage for so many is made beforehand; the tables grow beyond it with an allocation.
+    static constexpr int MANY_NODES = 4096;
+
     PdMessageBuffer guiBuffer;
     PdMessageBuffer serialBuffer;
     PdMessageBuffer::ChunkList mChunks; // serves both buffers
@@ -259,22 +277,23 @@ private:
     VoiceSnapshot mSnapshot;
     bool mVoicesChanged = false; // since the snapshot
     bool mHoldActive = false;
-    QList<OrloRatio> heldNodes;
+    RatioList heldNodes;
     RatioList selectedNodes; // each is altered too
     RatioList alteredNodes;
     // Absolute while the node is not selected, relative to the current ones while it is. The
     // record of a node that was reset stays, and is replaced when the node is altered again.
-    QHash<OrloRatio, NodeParameters> alteredParameters;
-    QHash<OrloRatio, NodeParameters> soundingParameters; // of notes that are not altered
+    RatioTable<NodeParameters> alteredParameters;
+    RatioTable<NodeParameters> soundingParameters; // of notes that are not altered
     NodeParameters defaultParameters;
     NodeParameters currentParameters; // what the sliders show
     // What the next patch takes over from the last one.
     NodeParameters cachedParameters;
-    QList<OrloRatio> cachedSounding;
-    QList<OrloRatio> cachedSelected;
+    RatioList cachedSounding;
+    RatioList cachedSelected;
     bool mFirstPatch = true;
-    QList<OrloRatio> mToggleLater; // in the next block
-    QList<OrloRatio> mToggleNow;
+    std::vector<OrloRatio> mToggleLater; // in the next block
+    std::vector<OrloRatio> mToggleNow;
+    std::vector<OrloRatio> mFormerlySelected; // within one reset
     std::uint32_t mSequence = 0;
 
     QStringList mMacroNames;
@@ -297,4 +316,5 @@ private:
     QList<int> mInstructionVoices;
     QList<float> mInstructionValues1;
     QList<float> mInstructionValues2;
+    std::unique_ptr<EngineRelay> mRelay; // last: it hears the player's signals
 };

@@ -160,8 +160,7 @@ void PdPlayer::selectAllSounding()
 
 void PdPlayer::toggleAllSelected()
 {
-    for (const OrloRatio& ratio : selectedNodes)
-        mToggleLater.append(ratio);
+    mToggleLater.insert(mToggleLater.end(), selectedNodes.begin(), selectedNodes.end());
 }
 
 // ---------------------------------------------------------------- sliders
@@ -209,8 +208,7 @@ void PdPlayer::glissandoToNodes()
     if (selectedNodes.isEmpty())
         return;
     const bool open = portOpen();
-    QList<int> voices;
-    QList<float> frequencies;
+    clearInstruction();
     for (const OrloRatio& ratio : selectedNodes) {
         const Voice* voice = mVoices.find(ratio);
         if (!voice)
@@ -219,14 +217,12 @@ void PdPlayer::glissandoToNodes()
         const float frequency = glissedFrequency(ratio, currentParameters.glissOne + node.glissOne,
                                                  currentParameters.glissTwo + node.glissTwo);
         alterFrequency(frequency, static_cast<float>(voice->voice));
-        if (open) {
-            voices.append(voice->voice);
-            frequencies.append(frequency);
-        }
+        if (open)
+            addToInstruction(voice->voice, frequency, -1.0F);
     }
-    if (!voices.isEmpty())
-        emit instructionsToInterface(instructionBend, voices, frequencies,
-                                     QList<float>(voices.size(), -1.0F));
+    if (!mInstructionVoices.isEmpty())
+        emit instructionsToInterface(instructionBend, mInstructionVoices, mInstructionValues1,
+                                     mInstructionValues2);
 }
 
 float PdPlayer::glissedFrequency(const OrloRatio& ratio, float glissOne, float glissTwo) const
@@ -286,7 +282,7 @@ void PdPlayer::nodeResetGlissando(const OrloRatio& ratio, short which)
     ORLO_AUDIO_DEBUG << "Gliss reset applied: Mapping 1, 2, 1*2: " << one << two << one * two;
     alterFrequency(frequency, static_cast<float>(voice->voice));
     if (portOpen())
-        emit instructionsToInterface(instructionBend, {voice->voice}, {frequency}, {-1.0F});
+        sendInstruction(instructionBend, voice->voice, frequency, -1.0F);
 }
 
 /// What a note that starts now would get, given to a voice that goes on.
@@ -337,15 +333,16 @@ void PdPlayer::nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* vo
 
 void PdPlayer::resetSelectedNodes(bool deselect)
 {
-    for (const OrloRatio& ratio : getAllSelectedRatios())
+    mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
+    for (const OrloRatio& ratio : mFormerlySelected)
         nodeResetOne(ratio, deselect);
 }
 
 void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
 {
     const bool soft = softNodeReset();
-    const QList<OrloRatio> sounding = soundingNow();
-    const QList<OrloRatio> selected = getAllSelectedRatios();
+    const SoundingRatios sounding = soundingNow();
+    mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
     if (soft)
         allNotesOff(true);
     nodeDeselectAll();
@@ -373,7 +370,7 @@ void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
             restoreVoiceInPlace(ratio, *voice);
     }
     if (!deselect) {
-        for (const OrloRatio& ratio : selected)
+        for (const OrloRatio& ratio : mFormerlySelected)
             nodeSelectToggleByRatio(ratio);
     }
 }
@@ -383,7 +380,7 @@ void PdPlayer::resetGlissandoAllNodes(short which)
     ORLO_AUDIO_DEBUG << "Node reset: current0, current1: " << currentParameters.glissOne
                      << currentParameters.glissTwo;
     emit resetGlissSliders(which);
-    const QList<OrloRatio> selected = getAllSelectedRatios();
+    mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
     nodeDeselectAll();
     const auto reset = [&](NodeParameters& parameters) {
         if (which == 0 || which == 1)
@@ -405,7 +402,7 @@ void PdPlayer::resetGlissandoAllNodes(short which)
         mGlissOneRange = settings->glissOneRangeCents;
         mGlissTwoRange = settings->glissTwoRangeCents;
     }
-    for (const OrloRatio& ratio : selected)
+    for (const OrloRatio& ratio : mFormerlySelected)
         nodeSelectToggleByRatio(ratio);
 }
 
@@ -413,8 +410,12 @@ void PdPlayer::resetGlissandoAllNodes(short which)
 
 void PdPlayer::writeToCache()
 {
-    cachedSounding = soundingNow();
-    cachedSelected = getAllSelectedRatios();
+    cachedSounding.clear();
+    for (const OrloRatio& ratio : soundingNow())
+        cachedSounding.append(ratio);
+    cachedSelected.clear();
+    for (const OrloRatio& ratio : selectedNodes)
+        cachedSelected.append(ratio);
     cachedParameters.glissOne = currentParameters.glissOne;
     cachedParameters.glissTwo = currentParameters.glissTwo;
     if (maintainMacroParameters())
@@ -430,12 +431,11 @@ void PdPlayer::readFromCache()
     // What was pressed while there was no patch has not been heard yet.
     for (const OrloRatio& ratio : soundingNow()) {
         noteOff(ratio);
-        if (!cachedSounding.contains(ratio))
-            cachedSounding.append(ratio);
+        cachedSounding.append(ratio);
     }
-    for (const OrloRatio& ratio : std::as_const(cachedSounding))
+    for (const OrloRatio& ratio : cachedSounding)
         noteOn(ratio);
-    for (const OrloRatio& ratio : std::as_const(cachedSelected)) {
+    for (const OrloRatio& ratio : cachedSelected) {
         if (!selectedNodes.contains(ratio))
             nodeSelectToggleByRatio(ratio);
     }

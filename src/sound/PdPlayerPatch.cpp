@@ -62,12 +62,14 @@ bool PdPlayer::init()
         mGlissTwoRange = settings->glissTwoRangeCents;
         setMaxVoices(settings->mainPatchNumberOfVoices);
     }
-    mVoices.reserve(mMaxVoices);
-    constexpr int manyNodes = 1024;
-    alteredParameters.reserve(manyNodes);
-    soundingParameters.reserve(mMaxVoices);
-    mToggleLater.reserve(mMaxVoices);
-    mToggleNow.reserve(mMaxVoices);
+    for (RatioList* list : {&selectedNodes, &alteredNodes, &cachedSelected})
+        list->reserve(MANY_NODES);
+    for (RatioList* list : {&heldNodes, &cachedSounding})
+        list->reserve(VoiceTable::SLOTS);
+    alteredParameters.reserve(MANY_NODES);
+    soundingParameters.reserve(2 * VoiceTable::SLOTS); // a note that fades may have one besides
+    for (std::vector<OrloRatio>* list : {&mToggleLater, &mToggleNow, &mFormerlySelected})
+        list->reserve(MANY_NODES);
     return true;
 }
 

@@ -2,31 +2,88 @@
 
 #include "model/OrloRatio.h"
 
-#include <QHash>
 #include <QList>
 
-#include <list>
+#include <cstddef>
+#include <iterator>
+#include <vector>
 
 /// Ratios in the order in which they came, each once. Whatever its length, asking, appending and
-/// removing take constant time. One thread only; appending allocates.
+/// removing take constant time. One thread only.
+///
+/// The storage is made by reserve(); only a list that grows beyond it allocates. Each ratio has a
+/// place, a number below the capacity that stays its own until it is removed; what is kept for it
+/// elsewhere goes by it (RatioTable).
 class RatioList
 {
-public:
-    using const_iterator = std::list<OrloRatio>::const_iterator;
+    struct Node
+    {
+        OrloRatio ratio;
+        int next = NONE; // in the order; of a free node the next free one
+        int previous = NONE;
+        int nextInBucket = NONE;
+    };
 
-    bool contains(const OrloRatio& ratio) const { return mPlaces.contains(ratio); }
-    /// Does nothing to a ratio that is there.
-    void append(const OrloRatio& ratio);
-    void remove(const OrloRatio& ratio);
+public:
+    static constexpr int NONE = -1;
+
+    class const_iterator
+    {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = OrloRatio;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const OrloRatio*;
+        using reference = const OrloRatio&;
+
+        const_iterator() = default;
+        const_iterator(const RatioList* list, int place)
+            : mList(list)
+            , mPlace(place)
+        {
+        }
+        reference operator*() const { return mList->node(mPlace).ratio; }
+        const_iterator& operator++()
+        {
+            mPlace = mList->node(mPlace).next;
+            return *this;
+        }
+        const_iterator operator++(int) { return std::exchange(*this, std::next(*this)); }
+        bool operator==(const const_iterator&) const = default;
+        int place() const { return mPlace; }
+
+    private:
+        const RatioList* mList = nullptr;
+        int mPlace = NONE;
+    };
+
+    void reserve(int capacity);
+
+    bool contains(const OrloRatio& ratio) const { return placeOf(ratio) != NONE; }
+    /// NONE when it is not there.
+    int placeOf(const OrloRatio& ratio) const;
+    /// Its place. A ratio that is there stays where it is.
+    int append(const OrloRatio& ratio);
+    /// The place that it had. The ratio may be the very element that goes.
+    int remove(const OrloRatio& ratio);
     void clear();
 
-    bool isEmpty() const { return mOrder.empty(); }
-    const OrloRatio& first() const { return mOrder.front(); }
-    const_iterator begin() const { return mOrder.begin(); }
-    const_iterator end() const { return mOrder.end(); }
+    bool isEmpty() const { return mFirst == NONE; }
+    int capacity() const { return static_cast<int>(mNodes.size()); }
+    const OrloRatio& first() const { return node(mFirst).ratio; }
+    const_iterator begin() const { return {this, mFirst}; }
+    const_iterator end() const { return {this, NONE}; }
+    /// Allocates.
     QList<OrloRatio> toList() const { return QList<OrloRatio>(begin(), end()); }
 
 private:
-    std::list<OrloRatio> mOrder;
-    QHash<OrloRatio, const_iterator> mPlaces;
+    Node& node(int place) { return mNodes[static_cast<std::size_t>(place)]; }
+    const Node& node(int place) const { return mNodes[static_cast<std::size_t>(place)]; }
+    int& bucketOf(const OrloRatio& ratio);
+
+    std::vector<Node> mNodes;
+    std::vector<int> mBuckets; // first nodes; a power of two of them
+    int mFirst = NONE;
+    int mLast = NONE;
+    int mFree = NONE;
 };

@@ -10,17 +10,19 @@ std::uint64_t packed(const Voice& voice)
 
 } // namespace
 
-void VoiceSnapshot::publish(const QHash<OrloRatio, Voice*>& noteMap)
+void VoiceSnapshot::publish(const RatioTable<Voice*>& noteMap)
 {
     const unsigned next = mPublished.load(std::memory_order_relaxed) + 1;
     Buffer& buffer = mBuffers[next % RING_SIZE];
     // Release, so that a reader who meets one of these has the former counts behind it.
     int size = 0;
-    for (auto it = noteMap.constBegin(); it != noteMap.constEnd() && size < VoiceTable::SLOTS; ++it, ++size) {
-        Slot& slot = buffer.voices[static_cast<size_t>(size)];
-        slot.numerator.store(it.key().numerator(), std::memory_order_release);
-        slot.denominator.store(it.key().denominator(), std::memory_order_release);
-        slot.state.store(packed(*it.value()), std::memory_order_release);
+    for (const Voice* voice : noteMap) {
+        if (size == VoiceTable::SLOTS)
+            break;
+        Slot& slot = buffer.voices[static_cast<size_t>(size++)];
+        slot.numerator.store(voice->ratio.numerator(), std::memory_order_release);
+        slot.denominator.store(voice->ratio.denominator(), std::memory_order_release);
+        slot.state.store(packed(*voice), std::memory_order_release);
     }
     buffer.size.store(size, std::memory_order_release);
     mPublished.store(next, std::memory_order_release);

@@ -25,8 +25,8 @@ public:
         bool released = false;
     };
 
-    /// [audio] Effect: what the map holds now is what read() gives from now on. In its hash order.
-    void publish(const QHash<OrloRatio, Voice*>& noteMap);
+    /// [audio] Effect: what the map holds now is what read() gives from now on. In its order.
+    void publish(const RatioTable<Voice*>& noteMap);
     /// [any]
     QList<Entry> read() const;
 

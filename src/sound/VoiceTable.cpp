@@ -3,11 +3,7 @@
 VoiceTable::VoiceTable()
 {
     mVoices.setSize(SLOTS);
-}
-
-void VoiceTable::reserve(int voices)
-{
-    noteMap.reserve(voices);
+    noteMap.reserve(SLOTS);
 }
 
 Voice* VoiceTable::freeSlot(int maxVoices)
@@ -44,15 +40,14 @@ void VoiceTable::take(Voice& voice, const OrloRatio& ratio, std::uint32_t seqId)
     voice.ratio = ratio;
     voice.seqId = seqId;
     voice.released = false;
-    noteMap.insert(ratio, &voice);
+    noteMap[ratio] = &voice;
 }
 
 bool VoiceTable::release(Voice& voice)
 {
-    const auto entry = noteMap.constFind(voice.ratio);
-    const bool removed = entry != noteMap.constEnd() && entry.value() == &voice;
+    const bool removed = find(voice.ratio) == &voice;
     if (removed)
-        noteMap.erase(entry);
+        noteMap.remove(voice.ratio);
     voice.released = false;
     voice.seqId = 0;
     return removed;

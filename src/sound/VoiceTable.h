@@ -1,9 +1,7 @@
 #pragma once
 
-#include "model/OrloRatio.h"
+#include "sound/RatioTable.h"
 #include "sound/StaticArray.h"
-
-#include <QHash>
 
 /// One voice slot. Free while seqId is 0; sounding from note-on; released from note-off until the
 /// patch reports that it has faded.
@@ -24,9 +22,6 @@ public:
 
     VoiceTable();
 
-    /// So that adding a voice does not rehash the map.
-    void reserve(int voices);
-
     /// The lowest free slot below `maxVoices`; null when all are taken.
     Voice* freeSlot(int maxVoices);
     /// The slot below `maxVoices` that was taken first; null when none is taken.
@@ -41,7 +36,7 @@ public:
     /// Frees the slot. True when the map pointed to it and the entry was removed.
     bool release(Voice& voice);
 
-    QHash<OrloRatio, Voice*> noteMap;
+    RatioTable<Voice*> noteMap; // with room for every slot
 
 private:
     StaticArray<Voice, SLOTS> mVoices;

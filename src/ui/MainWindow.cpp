@@ -4,6 +4,7 @@
 #include "app/ApplicationServices.h"
 #include "app/Settings.h"
 #include "model/Orlo.h"
+#include "sound/EngineRelay.h"
 #include "sound/PdPlayer.h"
 #include "ui/DiagnosticsDialog.h"
 #include "ui/GeometryConstants.h"
@@ -186,18 +187,17 @@ void MainWindow::connectPlayer()
 {
     connect(mOrlo, &Orlo::transposeOrBaseFrequencyChanged, this, &MainWindow::onTransposeChanged);
 
-    const PdPlayer* player = app::player();
-    constexpr Qt::ConnectionType queued = Qt::QueuedConnection;
-    connect(player, &PdPlayer::volumeChanged, this, &MainWindow::onVolumeChanged, queued);
-    connect(player, &PdPlayer::monophonicChanged, this, &MainWindow::onMonophonicChanged, queued);
-    connect(player, qOverload<int, float>(&PdPlayer::macroValueChanged), this,
-            &MainWindow::onMacroValueChanged, queued);
-    connect(player, &PdPlayer::macroNamesReceived, this, &MainWindow::onMacroNamesReceived, queued);
-    connect(player, &PdPlayer::macroDefaultsReceived, this, &MainWindow::onMacroDefaultsReceived, queued);
-    connect(player, &PdPlayer::setMacroSliders, this, &MainWindow::onSetMacroSliders, queued);
-    connect(player, &PdPlayer::patchDecRequested, this, &MainWindow::onPatchDecRequested, queued);
-    connect(player, &PdPlayer::patchIncRequested, this, &MainWindow::onPatchIncRequested, queued);
-    connect(player, &PdPlayer::resetGlissSliders, this, &MainWindow::onResetGlissSliders, queued);
+    const EngineRelay* relay = &app::player()->relay();
+    connect(relay, &EngineRelay::volumeChanged, this, &MainWindow::onVolumeChanged);
+    connect(relay, &EngineRelay::monophonicChanged, this, &MainWindow::onMonophonicChanged);
+    connect(relay, &EngineRelay::macroValueChanged, this,
+            &MainWindow::onMacroValueChanged);
+    connect(relay, &EngineRelay::macroNamesReceived, this, &MainWindow::onMacroNamesReceived);
+    connect(relay, &EngineRelay::macroDefaultsReceived, this, &MainWindow::onMacroDefaultsReceived);
+    connect(relay, &EngineRelay::setMacroSliders, this, &MainWindow::onSetMacroSliders);
+    connect(relay, &EngineRelay::patchDecRequested, this, &MainWindow::onPatchDecRequested);
+    connect(relay, &EngineRelay::patchIncRequested, this, &MainWindow::onPatchIncRequested);
+    connect(relay, &EngineRelay::resetGlissSliders, this, &MainWindow::onResetGlissSliders);
 }
 
 void MainWindow::connectSliders()
