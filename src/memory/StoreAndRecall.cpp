@@ -9,9 +9,9 @@
 
 namespace {
 
-// The player's command buffer holds 255; a change of two full chords is more than that.
-constexpr int TOGGLES_AT_ONCE = 200;
-constexpr unsigned long SEVERAL_BLOCKS_MS = 30;
+// The player's command buffer holds 255, and a change of two full chords is more than that. Some of it
+// is left to what follows a recall.
+constexpr int ROOM_FOR_OTHERS = 55;
 
 } // namespace
 
@@ -36,10 +36,11 @@ bool StoreAndRecall::recallRatios(int slot, int mode)
     const QList<OrloRatio> chord = mChords.value(slot);
     if (chord.isEmpty())
         return false;
-    int queued = 0;
     for (const OrloRatio& ratio : togglesOf(chord, mode)) {
-        if (++queued % TOGGLES_AT_ONCE == 0)
-            QThread::msleep(SEVERAL_BLOCKS_MS);
+        if (!mPlayer->waitForRoom(1 + ROOM_FOR_OTHERS)) {
+            qWarning() << "The sound engine is stuck: the chord is not recalled whole.";
+            break;
+        }
         queueToggle(ratio);
     }
     if (mode == Standard)

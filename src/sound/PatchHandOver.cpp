@@ -1,19 +1,15 @@
 #include "sound/PatchHandOver.h"
 
+#include "sound/BoundedCall.h"
+
 #include <QDebug>
-#include <QElapsedTimer>
-#include <QMutexLocker>
 #include <QThread>
+
+#include <algorithm>
 
 namespace {
 
-constexpr unsigned long POLL_MS = 20;
-// Longer than any block: 8192 frames at 44100 Hz last 186 ms.
-constexpr qint64 STALLED_MS = 400;
-constexpr qint64 GIVE_UP_MS = 10000;
-constexpr qint64 GIVE_UP_WORK_MS = 2000;
-// For a block that was given up already.
-constexpr qint64 GIVE_UP_AGAIN_MS = 500;
+constexpr unsigned long POLL_US = 500;
 // A block that runs when the event is queued may have drained the ring already; the next one
 // must take it. One more for good measure, and the event was lost.
 constexpr std::uint64_t BLOCKS_UNTIL_LOST = 3;
@@ -23,15 +19,22 @@ constexpr std::uint64_t BLOCKS_UNTIL_LOST = 3;
 bool PatchHandOver::enterBlock()
 {
     mBlocks.fetch_add(1, std::memory_order_relaxed);
-    if (!tryTakeEngine())
+    // After the end the engine stays where it is, even if its block should come back.
+    if (isOver() || !tryTakeEngine())
         return false;
-    if (mWork.load(std::memory_order_relaxed)) {
-        if (const auto* work = mWork.exchange(nullptr, std::memory_order_acquire)) {
-            (*work)();
-            mWorkDone.store(true, std::memory_order_release);
-        }
-    }
+    mEntered.fetch_add(1, std::memory_order_relaxed);
+    doOfferedWork();
     return true;
+}
+
+/// With the engine taken.
+void PatchHandOver::doOfferedWork()
+{
+    if (mWorkOffered.load(std::memory_order_relaxed)
+        && mWorkOffered.exchange(false, std::memory_order_acquire)) {
+        mWork();
+        mWorkDone.store(true, std::memory_order_release);
+    }
 }
 
 void PatchHandOver::leaveBlock()
@@ -41,74 +44,117 @@ void PatchHandOver::leaveBlock()
 
 void PatchHandOver::finish(Change change)
 {
-    if (change == mAwaited)
-        mAwaited = Change::None;
-    mCondition.wakeAll();
+    mAwaited.compare_exchange_strong(change, Change::None, std::memory_order_release,
+                                     std::memory_order_relaxed);
 }
 
-/// Whether a block that holds the engine is to be given up. Waiting long once is enough.
-bool PatchHandOver::patienceEnds(qint64 waitedMs, qint64 limitMs)
+/// How often the rings were drained; this side stands in for enough blocks to find a lost event.
+std::uint64_t PatchHandOver::rounds() const
 {
-    const std::uint64_t block = blocks();
-    if (waitedMs <= (block == mStuckInBlock ? GIVE_UP_AGAIN_MS : limitMs))
-        return false;
-    mStuckInBlock = block;
-    return true;
+    return mEntered.load(std::memory_order_relaxed) + mDrained * (BLOCKS_UNTIL_LOST + 1);
+}
+
+/// As far as any wait has watched; blocks that did not get the engine do not count.
+std::chrono::milliseconds PatchHandOver::sinceLastBlock()
+{
+    const std::uint64_t block = mEntered.load(std::memory_order_relaxed);
+    if (block != mSeenBlock || !mSeenSince.isValid()) {
+        mSeenBlock = block;
+        mSeenSince.start();
+    }
+    return Milliseconds(mSeenSince.elapsed());
+}
+
+/// Whether the block that has the engine is to be given up.
+bool PatchHandOver::patienceEnds(const QElapsedTimer& waited, Milliseconds limit)
+{
+    return sinceLastBlock() >= limit && Milliseconds(waited.elapsed()) >= std::min(mLimits.again, limit);
+}
+
+void PatchHandOver::giveUpForGood()
+{
+    mOver.store(true, std::memory_order_release);
+    mAwaited.store(Change::None, std::memory_order_relaxed);
+    qCritical() << "The audio thread does not come out of the patch. There is no more sound.";
+}
+
+/// With the engine taken; gives it back. The thread keeps all that it was given.
+bool PatchHandOver::runAside(const std::function<void()>& work)
+{
+    const auto call = [this, work](BoundedCall::Ticket&) {
+        work();
+        giveEngineBack();
+    };
+    if (BoundedCall::run(call, mLimits.change))
+        return true;
+    giveUpForGood();
+    return false;
+}
+
+bool PatchHandOver::await(const std::function<bool()>& done, const std::function<void()>& drain,
+                          Milliseconds limit)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!isOver()) {
+        if (done())
+            return true;
+        if (sinceLastBlock() < mLimits.stalled) {
+            QThread::usleep(POLL_US);
+        } else if (tryTakeEngine()) {
+            runAside(drain);
+            ++mDrained;
+        } else if (patienceEnds(waited, limit)) {
+            return false;
+        } else {
+            QThread::usleep(POLL_US);
+        }
+    }
+    return false;
 }
 
 bool PatchHandOver::request(Change change, const std::function<void()>& queue,
                             const std::function<void()>& drain)
 {
-    QMutexLocker locker(&mMutex);
-    mAwaited = change;
-    std::uint64_t queuedAt = blocks();
+    if (isOver())
+        return false;
+    mAwaited.store(change, std::memory_order_release);
+    std::uint64_t queuedAt = rounds();
     queue();
-
-    std::uint64_t lastSeen = queuedAt;
-    QElapsedTimer sinceLastBlock;
-    sinceLastBlock.start();
-    while (mAwaited != Change::None) {
-        mCondition.wait(&mMutex, POLL_MS);
-        if (mAwaited == Change::None)
-            break;
-        if (const std::uint64_t now = blocks(); now != lastSeen) {
-            lastSeen = now;
-            sinceLastBlock.restart();
-            if (now - queuedAt > BLOCKS_UNTIL_LOST) { // the ring was full
-                queuedAt = now;
-                queue();
-            }
-            continue;
+    const auto done = [&] {
+        if (mAwaited.load(std::memory_order_acquire) == Change::None)
+            return true;
+        if (const std::uint64_t now = rounds(); now - queuedAt > BLOCKS_UNTIL_LOST) {
+            queuedAt = now;
+            queue(); // the ring was full
         }
-        if (sinceLastBlock.elapsed() < STALLED_MS)
-            continue;
-        if (!tryTakeEngine()) {
-            if (patienceEnds(sinceLastBlock.elapsed(), GIVE_UP_MS)) {
-                qCritical()
-                    << "The audio thread does not come out of the patch. The change of patch is given up.";
-                return false;
-            }
-            continue;
-        }
+        return false;
+    };
+    const auto drainInstead = [drain] {
         qWarning() << "No audio stream is running: the patch is changed without it.";
-        locker.unlock();
         drain();
-        giveEngineBack();
-        locker.relock();
-        if (mAwaited != Change::None) {
-            queue(); // the ring was full and has been drained now
-            queuedAt = blocks();
-        }
-    }
-    return true;
+    };
+    if (await(done, drainInstead, mLimits.change))
+        return true;
+    if (isOver())
+        return false;
+    if (mAwaited.exchange(Change::None, std::memory_order_acquire) == Change::None)
+        return true; // at the last moment
+    giveUpForGood();
+    return false;
+}
+
+bool PatchHandOver::waitUntil(const std::function<bool()>& ready, const std::function<void()>& drain)
+{
+    return await(ready, drain, mLimits.work);
 }
 
 bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
 {
-    QElapsedTimer timer;
-    timer.start();
-    while (!tryTakeEngine()) {
-        if (patienceEnds(timer.elapsed(), GIVE_UP_MS)) {
+    QElapsedTimer waited;
+    waited.start();
+    while (isOver() || !tryTakeEngine()) {
+        if (isOver() || patienceEnds(waited, mLimits.change)) {
             qCritical() << "The audio thread does not come out of a block.";
             return false;
         }
@@ -121,33 +167,23 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
 
 bool PatchHandOver::runInBlock(const std::function<void()>& work)
 {
-    mWorkDone = false;
-    mWork.store(&work, std::memory_order_release);
-    std::uint64_t lastSeen = blocks();
-    // Where no callback came the last time none is waited for now.
-    const qint64 stalledMs = lastSeen == mStalledAtBlock ? 0 : STALLED_MS;
-    QElapsedTimer sinceLastBlock;
-    sinceLastBlock.start();
-    while (!mWorkDone.load(std::memory_order_acquire)) {
-        if (const std::uint64_t now = blocks(); now != lastSeen) {
-            lastSeen = now;
-            sinceLastBlock.restart();
-        } else if (sinceLastBlock.elapsed() >= stalledMs) {
-            if (tryTakeEngine()) {
-                mStalledAtBlock = lastSeen;
-                const bool taken = mWork.exchange(nullptr, std::memory_order_acquire) != nullptr;
-                if (taken)
-                    work();
-                giveEngineBack();
-                if (taken)
-                    return true;
-            } else if (patienceEnds(sinceLastBlock.elapsed(), GIVE_UP_WORK_MS)
-                       && mWork.exchange(nullptr, std::memory_order_acquire)) {
-                qCritical() << "The audio thread does not come out of a block.";
-                return false;
-            }
-        }
-        QThread::usleep(500);
+    if (isOver())
+        return false;
+    mWork = work;
+    mWorkDone.store(false, std::memory_order_relaxed);
+    mWorkOffered.store(true, std::memory_order_release);
+    const auto done = [this] { return mWorkDone.load(std::memory_order_acquire); };
+    const auto workInstead = [this] { doOfferedWork(); };
+    if (await(done, workInstead, mLimits.work))
+        return true;
+    if (mWorkOffered.exchange(false, std::memory_order_relaxed)) {
+        qCritical() << "The audio thread does not come out of a block.";
+        return false;
     }
-    return true;
+    // It was taken at the last moment, or it is what does not come back.
+    if (await(done, workInstead, mLimits.change))
+        return true;
+    if (!isOver())
+        giveUpForGood();
+    return false;
 }

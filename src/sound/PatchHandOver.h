@@ -1,69 +1,112 @@
 #pragma once
 
-#include <QMutex>
-#include <QWaitCondition>
+#include <QElapsedTimer>
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <functional>
 
 /// Hands a patch over between the graphical and the audio thread, and settles which of them runs
-/// the engine.
+/// the engine. Nothing here is a lock: whoever has the engine runs it, and nobody waits for it but the
+/// graphical thread, which waits only so long.
 ///
 /// The audio callback encloses each block in enterBlock/leaveBlock. The graphical thread asks for
 /// work by an event and waits in request() until the audio thread calls finish(). When no callback
-/// comes (no stream, or a device that was unplugged), the waiting thread takes the engine and does
-/// the work itself, so it never waits for ever. The callback never waits for the graphical thread
-/// but in lock(), which it takes only for a patch change.
+/// comes (no stream, or a device that was unplugged), it takes the engine and has the work done on a
+/// thread of its own, since a patch may loop for ever.
+///
+/// A patch that never comes back keeps the engine. That is the end of the sound for this run: every
+/// later wait fails at once, and no block gets the engine any more. The stuck thread goes on using the
+/// player, so the process must then end without destroying it.
 class PatchHandOver
 {
 public:
     enum class Change { None, Open, Close };
 
+    /// How long the graphical thread waits, at the most.
+    struct Limits
+    {
+        /// Without a block for so long there is no stream. Longer than any block: 8192 frames at
+        /// 44100 Hz last 186 ms.
+        std::chrono::milliseconds stalled{400};
+        /// For a block that changes the patch. Then it counts as stuck for ever.
+        std::chrono::milliseconds change{10000};
+        /// For a block that only stands in the way of other work.
+        std::chrono::milliseconds work{2000};
+        /// The same block is not waited for as long again, but for this, since the machine itself
+        /// may have slept.
+        std::chrono::milliseconds again{500};
+    };
+    /// Where the program is about to end, for a block of any kind.
+    static constexpr std::chrono::milliseconds LONGEST_AT_END{1000};
+    /// [gui] Long enough for the patch to fade its master volume.
+    static constexpr unsigned long FADE_MS = 100;
+
+    /// [gui]
+    void setLimits(const Limits& limits) { mLimits = limits; }
+
     /// [audio] Effect: counts the block, claims the engine and does what runInBlock() asks for. False
-    /// when the graphical thread has it: write silence and return. Never blocks.
+    /// when another thread has it: write silence and return. Never blocks.
     bool enterBlock();
     /// [audio]
     void leaveBlock();
 
-    /// [audio] Taken around opening and closing a patch, and nowhere else. [gui] Guards what is
-    /// handed over, for a moment.
-    void lock() { mMutex.lock(); }
-    /// [audio] Whether the graphical thread waits for this change. A physical device can name both
-    /// events too, and its ones must change nothing. Call while locked.
-    bool isAwaiting(Change change) const { return mAwaited == change; }
-    /// [audio] Wakes the waiting thread if this is the change it waits for. Call while locked.
+    /// [audio] Whether the graphical thread waits for this change; finish() must follow then. A
+    /// physical device can name both events too, and its ones must change nothing.
+    bool isAwaiting(Change change) const { return mAwaited.load(std::memory_order_acquire) == change; }
+    /// [audio] Ends the wait for this change.
     void finish(Change change);
-    void unlock() { mMutex.unlock(); }
 
-    /// [gui] Calls `queue` to send the event, and waits. `drain` runs the engine's pending events
-    /// on this thread; it is called only while no callback comes. False when the callback is inside
-    /// a block that does not end (a patch that loops for ever).
+    /// [gui] Calls `queue` to send the event, and waits. `drain` runs the engine's pending events; it
+    /// is called, on another thread, only while no callback comes, and may outlive this call. False
+    /// when the engine does not come back.
     bool request(Change change, const std::function<void()>& queue, const std::function<void()>& drain);
+
+    /// [gui] Waits until `ready`, which the next blocks bring about; for `drain` see request(). False
+    /// when a block takes too long.
+    bool waitUntil(const std::function<bool()>& ready, const std::function<void()>& drain);
 
     /// [gui] Runs `work` while no block runs. False, without running it, when a block does not end.
     bool runBetweenBlocks(const std::function<void()>& work);
 
     /// [gui] Runs `work` on the audio thread, at the beginning of the next block, and waits for it: the
     /// way to change together what the audio thread owns, without a lock and without missing a block.
-    /// `work` must be short and may do only what a block may. When no callback comes it runs on this
-    /// thread. False, without running it, when a block does not end.
+    /// `work` must be short and may do only what a block may. When no callback comes it runs on a thread
+    /// of its own. False, without running it, when a block does not end; also when the patch never
+    /// comes back from it, so that work which sends messages to the patch must not refer to locals.
     bool runInBlock(const std::function<void()>& work);
+
+    /// [any] A patch has kept the engine for good: there is no sound until the program is started anew.
+    bool isOver() const { return mOver.load(std::memory_order_acquire); }
 
     /// Count of callbacks so far; any thread.
     std::uint64_t blocks() const { return mBlocks.load(std::memory_order_relaxed); }
 
 private:
-    bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
-    bool patienceEnds(qint64 waitedMs, qint64 limitMs);
-    void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
+    using Milliseconds = std::chrono::milliseconds;
 
-    QMutex mMutex;
-    QWaitCondition mCondition;
-    Change mAwaited = Change::None; // guarded by the mutex; None once it is done
+    bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
+    void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
+    std::uint64_t rounds() const;
+    Milliseconds sinceLastBlock();
+    bool patienceEnds(const QElapsedTimer& waited, Milliseconds limit);
+    bool await(const std::function<bool()>& done, const std::function<void()>& drain, Milliseconds limit);
+    bool runAside(const std::function<void()>& work);
+    void doOfferedWork();
+    void giveUpForGood();
+
+    Limits mLimits;
+    std::atomic<Change> mAwaited{Change::None};
     std::atomic<bool> mEngineTaken{false};
+    std::atomic<bool> mOver{false};
     std::atomic<std::uint64_t> mBlocks{0};
-    std::atomic<const std::function<void()>*> mWork{nullptr}; // of runInBlock, until somebody takes it
+    std::atomic<std::uint64_t> mEntered{0}; // of these, the ones that got the engine
+    std::function<void()> mWork;            // of runInBlock; [gui] but while it is offered
+    std::atomic<bool> mWorkOffered{false};
     std::atomic<bool> mWorkDone{false};
-    std::uint64_t mStalledAtBlock = 0; // [gui] the last block that was followed by no other in time
-    std::uint64_t mStuckInBlock = 0; // [gui] the block that was given up last; blocks count from 1
+    // [gui] The last block that a wait has seen, since when, and how often this side stood in.
+    std::uint64_t mSeenBlock = 0;
+    QElapsedTimer mSeenSince;
+    std::uint64_t mDrained = 0;
 };

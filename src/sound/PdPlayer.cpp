@@ -90,7 +90,8 @@ void PdPlayer::connectLattice(PdPlayer* player, Orlo* orlo)
 
 void PdPlayer::queueEventGui(const OrloEvent* event)
 {
-    guiBuffer.queueEvent(event);
+    if (!isSoundOver()) // nobody would ever read it
+        guiBuffer.queueEvent(event);
 }
 
 void PdPlayer::queueEventSerial(const OrloEvent* event)

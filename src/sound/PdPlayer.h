@@ -55,7 +55,8 @@ public:
     bool init();
     /// [stopped] Tells libpd the sample rate; no stream may run.
     void initAudio(int channels, int sampleRate);
-    /// [gui] Closes the patch. The audio output must still run, or the wait takes a moment longer.
+    /// [gui] Closes the patch. The audio output must still run, or the wait takes a moment longer. An
+    /// engine that is stuck is not waited for.
     void term();
 
     /// [gui] Opens the main patch once the audio thread has closed the former one. Waits for both,
@@ -63,6 +64,12 @@ public:
     bool loadPatch(const QFileInfo& file);
     /// [gui]
     void unloadPatch();
+    /// [any] A patch has caught the engine for good: no patch can be changed any more, and the process
+    /// must end without destroying the player.
+    bool isSoundOver() const { return mHandOver.isOver(); }
+    /// [gui] Waits until queueEventGui() has room for so many more, which the next blocks make. False
+    /// when a block does not end.
+    bool waitForRoom(int events);
 
     /// [audio] Drains both command buffers, the device's first.
     void processEvents();
@@ -139,7 +146,6 @@ public:
     bool alterFrequency(float frequency, float voice);
     bool setDsp(bool on) const;
     bool sendPdQueryMacrosMessage();
-    /// [audio], or [gui] between blocks.
     bool sendPdVolumeMessage(float volume);
 
     /// [audio] Reads the patch's macro list; exported for the patch hook.
@@ -249,8 +255,9 @@ private:
     void writeToCache();
     void readFromCache();
 
+    bool changePatch(PatchHandOver::Change change, OrloEvent::Type type);
     void openPatch();
-    bool openPatchLocked();
+    bool openPatchFile();
     void closePatch();
     void setMacroDefaultValues();
     static void pdPrintHook(const char* text);
@@ -301,11 +308,11 @@ private:
     void* mInfoBinding = nullptr;
     void* mStopBinding = nullptr;
     bool mQuerying = false;
-    // Guarded by the hand-over's lock. Set by loadPatch before the event; the audio thread clears
-    // the flag when the patch is open.
+    // Set by loadPatch before it asks for the patch, and from then on the audio thread's until that
+    // has answered.
     QByteArray mPatchFileName;
     QByteArray mPatchDirectory;
-    bool mPatchPending = false;
+    bool mPatchOpened = false;
     PatchHandOver mHandOver;
 
     float mGlissOneRange = 1200.0F; // cents

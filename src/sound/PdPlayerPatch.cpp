@@ -5,6 +5,7 @@
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
 #include "app/Settings.h"
+#include "sound/AudioLog.h"
 #include "sound/AudioOutput.h"
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
@@ -19,14 +20,12 @@
 
 namespace {
 
-// Long enough for the patch to fade its master volume.
-constexpr unsigned long HAND_OVER_PAUSE_MS = 100;
-
 constexpr const char* VOICE_INPUT = "orlo-in";
 constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
 constexpr const char* VOICE_STOP = "voice-stop";
 constexpr const char* VOICE_INFO = "output-voice-info";
+constexpr float NO_DEFAULT_BELOW = -0.5F; // a macro default at or below it is none
 constexpr QLatin1StringView VOICE_FILE("orlo_voice.pd"); // beside the main patch
 
 /// False, with a critical line, when libpd has no room for the message.
@@ -35,9 +34,7 @@ bool startMessage(int length, const char* purpose)
     const int status = libpd_start_message(length);
     if (status == 0)
         return true;
-    qCritical().noquote() << QStringLiteral("libpd_start_message for %1 returned error status: ")
-                                 .arg(QLatin1StringView(purpose))
-                          << status;
+    AudioLog::critical("libpd_start_message for %1 returned error status:  %2", {purpose, status});
     return false;
 }
 
@@ -82,7 +79,17 @@ void PdPlayer::initAudio(int channels, int sampleRate)
 void PdPlayer::term()
 {
     qWarning() << "PdPlayer::term...";
+    mHandOver.setLimits({.change = PatchHandOver::LONGEST_AT_END, .work = PatchHandOver::LONGEST_AT_END});
     unloadPatch();
+}
+
+bool PdPlayer::changePatch(PatchHandOver::Change change, OrloEvent::Type type)
+{
+    const OrloEvent event(type, 0.0F);
+    const bool answered = mHandOver.request(
+        change, [&] { queueEventGui(&event); }, [this] { processEvents(); });
+    AudioLog::drain(); // what it said, in its place between the lines of this thread
+    return answered;
 }
 
 bool PdPlayer::loadPatch(const QFileInfo& file)
@@ -95,76 +102,74 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
             return false;
         }
     }
+    if (isSoundOver())
+        return false;
 
-    const QByteArray fileName = QFile::encodeName(file.fileName());
-    const QByteArray directory = QFile::encodeName(file.absolutePath());
-    const OrloEvent open(OrloEvent::PatchOpen, 0.0F);
-    mHandOver.lock();
-    mPatchFileName = fileName;
-    mPatchDirectory = directory;
-    mPatchPending = true;
-    mHandOver.unlock();
+    mPatchFileName = QFile::encodeName(file.fileName());
+    mPatchDirectory = QFile::encodeName(file.absolutePath());
+    mPatchOpened = false;
     qDebug() << "GUI waiting for audio thread to load patch";
-    const bool answered = mHandOver.request(
-        PatchHandOver::Change::Open, [&] { queueEventGui(&open); }, [this] { processEvents(); });
+    if (!changePatch(PatchHandOver::Change::Open, OrloEvent::PatchOpen))
+        return false;
     qDebug() << "GUI woke up after loading patch";
-    QThread::msleep(HAND_OVER_PAUSE_MS);
-
-    mHandOver.lock();
-    const bool opened = answered && !mPatchPending;
-    mPatchPending = false;
-    mHandOver.unlock();
-    if (opened)
+    QThread::msleep(PatchHandOver::FADE_MS);
+    if (mPatchOpened)
         emit patchLoaded(file.absoluteFilePath());
-    return opened;
+    return mPatchOpened;
 }
 
 void PdPlayer::unloadPatch()
 {
+    if (isSoundOver())
+        return;
     AudioOutput* output = app::audioOutput();
     if (output)
         output->muteOutput();
     qDebug() << "GUI sleep before unload patch";
-    // libpd builds a message in one place for all threads, hence between blocks.
-    mHandOver.runBetweenBlocks([this] { sendPdVolumeMessage(0.0F); });
-    QThread::msleep(HAND_OVER_PAUSE_MS);
+    // libpd builds a message in one place for all threads, hence in a block.
+    mHandOver.runInBlock([this] { sendPdVolumeMessage(0.0F); });
+    QThread::msleep(PatchHandOver::FADE_MS);
 
-    const OrloEvent close(OrloEvent::PatchClose, 0.0F);
     qDebug() << "GUI waiting for audio thread to unload patch";
-    mHandOver.request(
-        PatchHandOver::Change::Close, [&] { queueEventGui(&close); }, [this] { processEvents(); });
+    changePatch(PatchHandOver::Change::Close, OrloEvent::PatchClose);
     qDebug() << "GUI sleep after unload patch";
-    QThread::msleep(HAND_OVER_PAUSE_MS);
+    QThread::msleep(PatchHandOver::FADE_MS);
     if (output)
         output->unmuteOutput();
     qDebug() << "GUI woke up after unloading patch";
 }
 
+bool PdPlayer::waitForRoom(int events)
+{
+    return mHandOver.waitUntil([=, this] { return guiBuffer.room() >= events; },
+                               [this] { processEvents(); });
+}
+
 void PdPlayer::openPatch()
 {
     ORLO_AUDIO_DEBUG << "PdPlayer::openPatch()";
-    mHandOver.lock();
     // A physical device can name this event too; then there is nothing to open.
-    if (mPatchPending && !mPatch && openPatchLocked())
-        mPatchPending = false;
+    if (!mHandOver.isAwaiting(PatchHandOver::Change::Open))
+        return;
+    mPatchOpened = !mPatch && openPatchFile();
     mHandOver.finish(PatchHandOver::Change::Open);
-    mHandOver.unlock();
 }
 
-bool PdPlayer::openPatchLocked()
+bool PdPlayer::openPatchFile()
 {
-    qWarning() << "Opening PD patch: " << mPatchDirectory << mPatchFileName;
+    AudioLog::warning("Opening PD patch:  \"%1\" \"%2\"", {mPatchDirectory.constData(), mPatchFileName.constData()});
     const NumericLocale numbersWithPoint;
     mPatch = libpd_openfile(mPatchFileName.constData(), mPatchDirectory.constData());
     // After a patch with a missing or broken voice the next opening fails once.
     if (!mPatch)
         mPatch = libpd_openfile(mPatchFileName.constData(), mPatchDirectory.constData());
     if (!mPatch) {
-        qCritical() << "Opening PD patch failed: " << mPatchDirectory << mPatchFileName;
+        AudioLog::critical("Opening PD patch failed:  \"%1\" \"%2\"", {mPatchDirectory.constData(), mPatchFileName.constData()});
         return false;
     }
     if (!setDsp(true)) {
-        qCritical() << "setDsp(true) failed after opening: " << mPatchDirectory << mPatchFileName;
+        AudioLog::critical("setDsp(true) failed after opening:  \"%1\" \"%2\"",
+                           {mPatchDirectory.constData(), mPatchFileName.constData()});
         return false;
     }
     mInfoBinding = libpd_bind(VOICE_INFO);
@@ -186,10 +191,11 @@ bool PdPlayer::openPatchLocked()
 
 void PdPlayer::closePatch()
 {
-    mHandOver.lock();
     // A physical device can name this event too; then the patch plays on.
-    if (mPatch && mHandOver.isAwaiting(PatchHandOver::Change::Close)) {
-        qWarning() << "Closing PD patch...";
+    if (!mHandOver.isAwaiting(PatchHandOver::Change::Close))
+        return;
+    if (mPatch) {
+        AudioLog::warning("Closing PD patch...");
         writeToCache();
         allNotesOff(true);
         nodeDeselectAll();
@@ -206,7 +212,6 @@ void PdPlayer::closePatch()
         mMacroDefaults.clear();
     }
     mHandOver.finish(PatchHandOver::Change::Close);
-    mHandOver.unlock();
 }
 
 // ---------------------------------------------------------------- messages to the patch
@@ -242,7 +247,7 @@ bool PdPlayer::sendPdQueryMacrosMessage()
     mQuerying = true;
     const int status = libpd_bang(QUERY_MACROS);
     if (status != 0)
-        qCritical() << "libpd_bang for query-macros returned error status: " << status;
+        AudioLog::critical("libpd_bang for query-macros returned error status:  %1", {status});
     return status == 0;
 }
 
@@ -311,7 +316,8 @@ void PdPlayer::setMacroDefaultValues()
     for (qsizetype i = 0; i < count; ++i) {
         const auto macro = static_cast<size_t>(i);
         defaultParameters.macros[macro] = mMacroDefaults[i];
-        if (!maintain)
+        // Where the patch names none, the slider stays, and the next note starts from it.
+        if (!maintain && mMacroDefaults[i] > NO_DEFAULT_BELOW)
             currentParameters.macros[macro] = mMacroDefaults[i];
         ORLO_AUDIO_DEBUG << "Macro " << mMacroNames[i] << ": default set to" << mMacroDefaults[i];
     }

@@ -8,6 +8,9 @@
 
 #include <QSet>
 
+#include <atomic>
+#include <thread>
+
 namespace {
 
 const OrloRatio A(1, 1);
@@ -125,8 +128,23 @@ TEST_F(Memory, AChangeOfTwoFullChordsLosesNoNote)
         low.insert(OrloRatio(128, 129 + i));
     }
     store(1, high);
-    play(low);
-    rig.underClock([this] { EXPECT_TRUE(memory.recallRatios(1, 0)); });
-    rig.render();
-    EXPECT_EQ(chordOf(rig.player.getAllSoundingRatios()), high);
+    int recalled = 0;
+    QObject::connect(
+        &rig.player, &PdPlayer::nodesRecalled, &rig.player, [&] { ++recalled; }, Qt::DirectConnection);
+    for (const int blockMs : {1, 186, 0}) { // 186: 8192 frames; 0: no stream
+        SCOPED_TRACE(blockMs);
+        play(low);
+        std::atomic<bool> running{blockMs > 0};
+        std::thread clock([&] {
+            for (; running; std::this_thread::sleep_for(std::chrono::milliseconds(blockMs)))
+                rig.render();
+        });
+        EXPECT_TRUE(memory.recallRatios(1, 0));
+        rig.queue(OrloEvent(OrloEvent::NodesRecalled, 1.0F)); // as the window does
+        running = false;
+        clock.join();
+        rig.render();
+        EXPECT_EQ(chordOf(rig.player.getAllSoundingRatios()), high);
+        EXPECT_EQ(std::exchange(recalled, 0), 1);
+    }
 }
