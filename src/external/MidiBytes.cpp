@@ -53,6 +53,14 @@ ShortMessage noteOn(int channel, int key, int velocity)
     return onChannel(NOTE_ON, channel, key, velocity);
 }
 
+Byte velocityByte(int velocity)
+{
+    const Byte cut = byte(velocity);
+    if (cut < NOTE_OFF)
+        return cut;
+    return velocity < 0 ? 0 : byte(LAST_STEP);
+}
+
 ShortMessage noteOff(int channel, int key)
 {
     return onChannel(NOTE_OFF, channel, key, RELEASE_VELOCITY);

@@ -27,6 +27,8 @@ constexpr double TOP_NOTE = std::bit_cast<double>(std::uint64_t{0x405FFFFFD60E94
 double noteOfFrequency(float hz);
 
 ShortMessage noteOn(int channel, int key, int velocity);
+/// Cut to a byte; where that would be no data byte, the end of the range that the velocity lies beyond.
+Byte velocityByte(int velocity);
 ShortMessage noteOff(int channel, int key);
 ShortMessage allNotesOff(int channel);
 

@@ -393,7 +393,7 @@ void MidiOutRtMidi::voiceOn(int voice, int velocity)
     if (mpeMode)
         mpeVoiceOn(voice, velocity);
     else if (channel >= 0)
-        send(midi::noteOn(channel, firstKey + voice, velocity));
+        send(midi::noteOn(channel, firstKey + voice, midi::velocityByte(velocity)));
 }
 
 void MidiOutRtMidi::voiceOff(int voice)

@@ -69,7 +69,7 @@ void MidiOutRtMidi::mpeVoiceOn(int voice, int velocity)
         const auto at = static_cast<size_t>(i);
         if (!channelActive[at] || channelVoice[at] != voice)
             continue;
-        send(midi::noteOn(i, channelKey[at], velocity));
+        send(midi::noteOn(i, channelKey[at], midi::velocityByte(velocity)));
         ORLO_AUDIO_DEBUG << "MPE Voice On: Channel, voice: " << i << channelKey[at];
     }
 }

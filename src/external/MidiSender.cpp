@@ -18,6 +18,7 @@ using std::chrono::milliseconds;
 constexpr std::size_t RING_BYTES = 65536; // some 9,000 notes
 constexpr milliseconds POLL{1};
 constexpr milliseconds WATCH{1000};
+constexpr milliseconds SLOW{100};
 
 std::atomic<int> theLostThreads{0};
 
@@ -222,7 +223,8 @@ bool MidiSender::waitFor(const std::function<bool()>& done)
 std::optional<std::string> MidiSender::failure()
 {
     const std::int64_t since = mCore->sendingSince;
-    if (since != 0 && nowMs() - since > LONGEST_SEND.count())
+    const std::int64_t inside = since == 0 ? 0 : nowMs() - since;
+    if (inside > LONGEST_SEND.count())
         giveUp();
     if (mCore->abandoned)
         return "The MIDI system does not answer.";
@@ -230,7 +232,7 @@ std::optional<std::string> MidiSender::failure()
         const std::lock_guard lock(mCore->mutex);
         return mCore->why;
     }
-    if (mCore->overflowed)
+    if (mCore->overflowed && inside < SLOW.count()) // else it may be stuck, which is worse
         return "The device does not keep up.";
     return std::nullopt;
 }

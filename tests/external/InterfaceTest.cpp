@@ -55,7 +55,7 @@ TEST_F(Router, TunesFirstAndStartsThen)
               "F0 7F 7F 08 02 00 02 20 45 00 00 21 4C 02 40 F7");
     EXPECT_EQ(receive(-1, {3, 0}, {-1.0F, -1.0F}, {-1.0F, -1.0F}), "80 23 40");
     // The macro of a device's map can be anything.
-    for (const float velocity : {NAN, INFINITY, -INFINITY, 3e38F})
+    for (const float velocity : {NAN, INFINITY, -INFINITY, 3e38F, -1.0F})
         EXPECT_TRUE(receive(1, {0}, {440.0F}, {velocity}).starts_with(TUNE_440 + ", 90 20 ")) << velocity;
 
     for (const int unknown : {0, 3})

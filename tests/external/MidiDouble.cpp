@@ -26,26 +26,6 @@ std::string bendRange(const char* semitones, const char* cents)
 
 namespace {
 
-/// Counts itself as a call into the system while it lives.
-class Call
-{
-public:
-    explicit Call(MidiSystem& system)
-        : mSystem(system)
-    {
-        if (++mInside > 1)
-            mSystem.callsAtOnce = mInside.load();
-    }
-    ~Call() { --mInside; }
-    Call(const Call&) = delete;
-    Call& operator=(const Call&) = delete;
-
-private:
-    MidiSystem& mSystem;
-    static std::atomic<int> mInside;
-};
-std::atomic<int> Call::mInside{0};
-
 class ApiDouble : public MidiOutApi
 {
 public:
@@ -57,16 +37,17 @@ public:
     RtMidi::Api getCurrentApi() override { return RtMidi::UNSPECIFIED; }
     void openPort(unsigned int port, const std::string& name) override
     {
-        const Call call(*mSystem);
+        const Call call(*this);
         if (mSystem->opensFail)
             throw RtMidiError("no such device", RtMidiError::DRIVER_ERROR);
         mSystem->add("open " + std::to_string(port) + " as " + name);
+        mSystem->openPort = static_cast<int>(port);
         connected_ = true;
     }
     void openVirtualPort(const std::string&) override {}
     void closePort() override
     {
-        const Call call(*mSystem);
+        const Call call(*this);
         if (connected_)
             mSystem->add("close");
         connected_ = false;
@@ -75,17 +56,17 @@ public:
     void setPortName(const std::string&) override {}
     unsigned int getPortCount() override
     {
-        const Call call(*mSystem);
+        const Call call(*this);
         return static_cast<unsigned int>(mSystem->portNames().size());
     }
     std::string getPortName(unsigned int port) override
     {
-        const Call call(*mSystem);
+        const Call call(*this);
         return mSystem->portNames().value(port);
     }
     void sendMessage(const unsigned char* message, size_t size) override
     {
-        const Call call(*mSystem);
+        const Call call(*this);
         while (mSystem->sendsHang)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         if (mSystem->sendsFail)
@@ -100,7 +81,21 @@ protected:
     void initialize(const std::string&) override {}
 
 private:
+    /// Counts the threads that are inside.
+    struct Call
+    {
+        explicit Call(ApiDouble& api)
+            : inside(api.mInside)
+        {
+            if (++inside > 1)
+                api.mSystem->enteredTwice = true;
+        }
+        ~Call() { --inside; }
+        std::atomic<int>& inside;
+    };
+
     const std::shared_ptr<MidiSystem> mSystem;
+    std::atomic<int> mInside{0};
 };
 
 RtMidi::Api lastCompiledApi()

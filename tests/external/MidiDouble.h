@@ -26,9 +26,10 @@ struct MidiSystem
     std::atomic<bool> opensFail{false};
     std::atomic<bool> sendsFail{false};
     std::atomic<bool> sendsHang{false}; // until it is false again
-    /// Called by one thread at a time, on which nothing else may be inside this system.
+    std::atomic<bool> enteredTwice{false}; // by two threads at once
+    /// Hears what is sent instead of take(), on the sender's thread.
     std::function<void(std::span<const midi::Byte>)> listener;
-    std::atomic<int> callsAtOnce{0}; // the most that were
+    int openPort = -1; // the sender's thread
     std::function<void()> flush;
 
 private:

@@ -1,4 +1,5 @@
 #include "external/MidiDouble.h"
+#include "sound/AudioLog.h"
 #include "support/LogCatcher.h"
 
 #include <gtest/gtest.h>
@@ -76,6 +77,29 @@ TEST_F(MpeOut, AVoiceCanComeToHoldTwoChannels)
     EXPECT_FALSE(out.channelActive[0] || out.channelActive[1]);
 }
 
+TEST_F(MpeOut, OnlyAVoiceThatHoldsAChannelIsBent)
+{
+    const auto bend = [this](const QList<int>& voices, const QList<float>& frequencies) {
+        out.bendVoices(voices, frequencies);
+        return take();
+    };
+    tune({4, 5}, {440.0F, 660.0F});
+    out.voiceOff(4);
+    take();
+    EXPECT_EQ(bend({4, 5, 6}, {440.0F, 660.0F, 550.0F}), "E1 40 40"); // no lower channel is taken
+    EXPECT_FALSE(out.channelActive[0]);
+    // The device has been silenced.
+    out.selectPort(3);
+    EXPECT_NE(take(), "");
+    EXPECT_EQ(bend({5}, {660.0F}), "");
+    tune({5}, {330.0F});
+    out.setChannel(2);
+    out.setChannel(-1);
+    take();
+    EXPECT_EQ(bend({5}, {660.0F}), "");
+    EXPECT_EQ(tune({5}, {440.0F}), "E0 00 40"); // with a key of its own, not the former one
+}
+
 TEST_F(MpeOut, ASeventeenthVoiceStaysSilent)
 {
     QList<int> voices;
@@ -105,8 +129,11 @@ TEST_F(MpeOut, FrequenciesOutsideTheRangeAreClampedOnce)
         tune({0, 1}, {1.0F, 20000.0F});
     EXPECT_EQ(out.channelKey[0], 0);
     EXPECT_EQ(out.channelKey[1], 128); // the nearest to 127.99999
-    EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("MTS: Freq sent to MIDI below MIDI range:  1")), 1);
-    EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("MTS: Freq sent to MIDI above MIDI range:  20000")), 1);
+    out.voiceOn(1, 100); // there is no key 128
+    EXPECT_EQ(take(), "");
+    AudioLog::drain();
+    EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("MTS: Freq sent to MIDI below MIDI range: 1")), 1);
+    EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("MTS: Freq sent to MIDI above MIDI range: 20000")), 1);
 }
 
 TEST_F(MpeOut, TheRangeGoesToChannelZeroAlone)
@@ -135,6 +162,8 @@ TEST_F(MpeOut, ARangeWithoutSenseSaturates)
         out.mpeSetPitchBendRange(cents);
         const LogCatcher log;
         tune({1}, {880.0F});
+        tune({1}, {881.0F});
+        AudioLog::drain();
         EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("MPE Pitch-bend factor exceeds +-1.")), 1) << cents;
     }
 }
