@@ -40,9 +40,8 @@ EngineRelay::EngineRelay(PdPlayer& player)
     };
     const auto hearCall = [&](auto signal, Kind kind) { hear(signal, [this, kind] { record(kind); }); };
     const auto hearList = [&]<class List>(void (PdPlayer::*signal)(List), Kind kind) {
-        hear(signal, [this, kind](const List& list) {
-            record(Record{.kind = kind, .list = new List(list)});
-        });
+        hear(signal,
+             [this, kind](const List& list) { record(Record{.kind = kind, .list = new List(list)}); });
     };
     hearNode(&PdPlayer::noteToggled, Kind::NoteToggled);
     hearNode(&PdPlayer::nodeSelected, Kind::NodeSelected);
@@ -79,10 +78,8 @@ EngineRelay::~EngineRelay()
 
 void EngineRelay::record(Kind kind, const OrloRatio& ratio, int number)
 {
-    record(Record{.kind = kind,
-                  .number = number,
-                  .numerator = ratio.numerator(),
-                  .denominator = ratio.denominator()});
+    record(Record{
+        .kind = kind, .number = number, .numerator = ratio.numerator(), .denominator = ratio.denominator()});
 }
 
 void EngineRelay::record(Kind kind, int number, float value)
@@ -229,9 +226,8 @@ void EngineRelay::reportDifference(const EngineState& state, unsigned lost)
 
     // A node comes into the stack when its note starts, so one that has sounded unheard is told so.
     const QSet<OrloRatio> sounding(state.sounding.begin(), state.sounding.end());
-    for (const auto& [marked, told] : {std::pair{&state.altered, &mAltered},
-                                       {&state.selected, &mSelected},
-                                       {&state.held, &mHeld}}) {
+    for (const auto& [marked, told] :
+         {std::pair{&state.altered, &mAltered}, {&state.selected, &mSelected}, {&state.held, &mHeld}}) {
         for (const OrloRatio& ratio : *marked) {
             if (!told->contains(ratio) && !mSounding.contains(ratio) && !sounding.contains(ratio))
                 report(mSounding, ratio, true, &EngineRelay::noteToggled);
