@@ -122,7 +122,7 @@ BlockCost BlockCost::of(const std::function<void()>& prepare, const std::functio
     close(ends[0]);
     const auto firstLock = counts.locks.taken.begin();
     return {.allocations = counts.allocations,
-            .locks = {firstLock, firstLock + static_cast<std::ptrdiff_t>(counts.locks.count)},
+            .locks = std::vector(firstLock, firstLock + static_cast<std::ptrdiff_t>(counts.locks.count)),
             .systemCalls = std::move(calls)};
 }
 
