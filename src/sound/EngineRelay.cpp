@@ -155,13 +155,18 @@ void EngineRelay::report(const Record& record)
     case Kind::BaseFrequencyChanged: emit baseFrequencyChanged(mTold.baseFrequency = record.value); return;
     case Kind::MonophonicChanged: emit monophonicChanged(mTold.monophonic = on); return;
     case Kind::PrimeEnabledToggled: {
-        bool& enabled = mTold.primes.at(static_cast<size_t>(record.number));
-        emit primeEnabledToggled(record.number, enabled = record.value != 0.0F);
+        const auto prime = static_cast<size_t>(record.number);
+        const bool enabled = record.value != 0.0F;
+        if (prime < mTold.primes.size())
+            mTold.primes[prime] = enabled;
+        emit primeEnabledToggled(record.number, enabled);
         return;
     }
     case Kind::MacroValueChanged: {
-        float& macro = mTold.sliders.macros.at(static_cast<size_t>(record.number - 1));
-        emit macroValueChanged(record.number, macro = record.value);
+        const auto macro = static_cast<size_t>(record.number - 1);
+        if (macro < mTold.sliders.macros.size())
+            mTold.sliders.macros[macro] = record.value;
+        emit macroValueChanged(record.number, record.value);
         return;
     }
     case Kind::PatchDecRequested: emit patchDecRequested(); return;

@@ -159,11 +159,11 @@ TEST(BlockCost, IsNoAllocationNoLockAndOneWake)
             queue(plain(type));
         queue(plain(OrloEvent::TransposeByPrimeStep, 0.0F));
         queue(plain(OrloEvent::MonophonicSet, 0.0F));
+        queue(plain(OrloEvent::BaseFrequencySet, 440.0F));
         render();
         player.relay().drain();
     }
-    queue(plain(OrloEvent::BaseFrequencySet, 440.0F));
-    rig.renderUntilSilent();
+    ASSERT_TRUE(rig.renderUntilSilent());
     player.relay().drain();
 
     // libpd locks each call; the holder of the engine alone calls it, so that lock is always free.
