@@ -151,17 +151,14 @@ TEST(BlockCost, IsNoAllocationNoLockAndOneWake)
         }
         queue(row.block);
     };
-    // libpd makes a symbol or a list the first time that it needs one.
-    for (const Row& row : rows()) {
-        runs(row);
+    // libpd makes a symbol or a list the first time that it needs one, and keeps it.
+    for (const float gate : {1.0F, 0.0F}) {
+        for (int voice = 0; voice < VoiceTable::SLOTS; ++voice) {
+            for (int type = voiceMacro1 + 7; type >= voiceGate; --type)
+                player.sendPdVoiceMessage(static_cast<PdVoiceMessageType>(type), gate,
+                                          static_cast<float>(voice));
+        }
         render();
-        for (const int type : {OrloEvent::AllNotesOffForced, OrloEvent::NodesResetAllAndControlsDeselect})
-            queue(plain(type));
-        queue(plain(OrloEvent::TransposeByPrimeStep, 0.0F));
-        queue(plain(OrloEvent::MonophonicSet, 0.0F));
-        queue(plain(OrloEvent::BaseFrequencySet, 440.0F));
-        render();
-        player.relay().drain();
     }
     ASSERT_TRUE(rig.renderUntilSilent());
     player.relay().drain();
