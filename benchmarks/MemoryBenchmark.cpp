@@ -4,6 +4,7 @@
 #include "memory/StoreAndRecall.h"
 #include "support/SoundRig.h"
 
+#include "sound/EngineRelay.h"
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/OrloNoteEvent.h"
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int ALTERED = 1000;
 constexpr int CHORD = 20;
+constexpr int WHOLE_CHORD = 127;
 
 OrloRatio ratioNumber(int n)
 {
@@ -41,8 +43,6 @@ struct Stage
         }
         blocks();
     }
-    ~Stage() { QCoreApplication::removePostedEvents(nullptr); }
-
     void select(int n) { rig.queue(OrloNodeSelectToggleEvent(ratioNumber(n))); }
     void toggle(int n) { rig.queue(OrloNoteEvent(ratioNumber(n))); }
     /// Without rendering; what they report is thrown away.
@@ -50,7 +50,7 @@ struct Stage
     {
         for (int i = 0; i < count; ++i)
             rig.player.processEvents();
-        QCoreApplication::removePostedEvents(nullptr);
+        rig.player.relay().drain();
     }
     /// Every seventh of the altered ones sounds and is selected.
     void selectSounding(int voices)
@@ -89,7 +89,7 @@ void macroStep(benchmark::State& state)
         stage.rig.queue(OrloEvent(OrloEvent::Macro1Set, value));
         stage.rig.player.processEvents();
         state.PauseTiming();
-        QCoreApplication::removePostedEvents(nullptr);
+        stage.rig.player.relay().drain();
         state.ResumeTiming();
     }
 }
@@ -129,6 +129,33 @@ void resetAll(benchmark::State& state)
     }
 }
 
+/// The block in which a chord of 127 notes starts, with a lattice that hears of it: through the relay,
+/// or by a queued signal for each note.
+void recallBlock(benchmark::State& state)
+{
+    Stage stage;
+    PdPlayer& player = stage.rig.player;
+    Orlo& orlo = stage.rig.orlo;
+    if (state.range(0) == 0) {
+        PdPlayer::connectLattice(&player, &orlo);
+    } else {
+        player.disconnect(&player.relay());
+        QObject::connect(&player, &PdPlayer::noteToggled, &orlo, &Orlo::onNoteToggled, Qt::QueuedConnection);
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        stage.rig.queue(OrloEvent(OrloEvent::AllNotesOffForced, 1.0F));
+        stage.blocks();
+        for (int voice = 1; voice <= VoiceTable::SLOTS; ++voice)
+            SoundRig::reportVoiceStop(static_cast<float>(voice));
+        QCoreApplication::removePostedEvents(&orlo);
+        for (int n = 0; n < WHOLE_CHORD; ++n)
+            stage.toggle(n);
+        state.ResumeTiming();
+        player.processEvents();
+    }
+}
+
 /// From the press on a chord button to the first block that sounds.
 void recallToSound(benchmark::State& state)
 {
@@ -147,7 +174,7 @@ void recallToSound(benchmark::State& state)
         state.PauseTiming();
         stage.rig.queue(OrloEvent(OrloEvent::AllNotesOffForced, 1.0F));
         stage.rig.renderUntilSilent();
-        QCoreApplication::removePostedEvents(nullptr);
+        stage.rig.player.relay().drain();
         state.ResumeTiming();
     }
     state.counters["blocks"] = benchmark::Counter(blocks, benchmark::Counter::kAvgIterations);
@@ -191,6 +218,7 @@ void snapshotRead(benchmark::State& state)
 }
 
 BENCHMARK(recallToSound)->Unit(benchmark::kMicrosecond)->Iterations(20);
+BENCHMARK(recallBlock)->ArgName("queued")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(blockAlone)->Unit(benchmark::kMicrosecond);
 BENCHMARK(glissStep)->Arg(1)->Arg(16)->Arg(128)->Unit(benchmark::kMicrosecond);
 BENCHMARK(macroStep)->Arg(1)->Arg(16)->Arg(128)->Unit(benchmark::kMicrosecond);

@@ -3,6 +3,7 @@
 
 #include "support/SoundRig.h"
 
+#include "sound/EngineRelay.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/PdMessageBuffer.h"
 
@@ -149,7 +150,7 @@ void note(benchmark::State& state)
         if (on)
             toggle();
         SoundRig::reportVoiceStop(1.0F);
-        QCoreApplication::sendPostedEvents(); // what the lattice was told
+        player.relay().drain(); // what the lattice was told
     }
     pair.report(state);
     allSilent();

@@ -20,7 +20,7 @@ class PdPlayer;
 /// ratio to ball, so that a sounding pitch finds its ball. Lives in "orlo_v2.json", which is
 /// written only when it is made from the defaults.
 ///
-/// Graphical thread only, but for publishedTransposition(). The player reports to it by queued
+/// Graphical thread only, but for publishedTransposition(). The player reports to it through
 /// signals; it marks the balls and asks for a free node and a card where a pitch has no ball.
 class Orlo : public SerializableRoot
 {

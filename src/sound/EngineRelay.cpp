@@ -40,9 +40,8 @@ EngineRelay::EngineRelay(PdPlayer& player)
     };
     const auto hearCall = [&](auto signal, Kind kind) { hear(signal, [this, kind] { record(kind); }); };
     const auto hearList = [&]<class List>(void (PdPlayer::*signal)(List), Kind kind) {
-        hear(signal, [this, kind](const List& list) {
-            record(Record{.kind = kind, .list = new List(list)});
-        });
+        hear(signal,
+             [this, kind](const List& list) { record(Record{.kind = kind, .list = new List(list)}); });
     };
     hearNode(&PdPlayer::noteToggled, Kind::NoteToggled);
     hearNode(&PdPlayer::nodeSelected, Kind::NodeSelected);
@@ -79,10 +78,8 @@ EngineRelay::~EngineRelay()
 
 void EngineRelay::record(Kind kind, const OrloRatio& ratio, int number)
 {
-    record(Record{.kind = kind,
-                  .number = number,
-                  .numerator = ratio.numerator(),
-                  .denominator = ratio.denominator()});
+    record(Record{
+        .kind = kind, .number = number, .numerator = ratio.numerator(), .denominator = ratio.denominator()});
 }
 
 void EngineRelay::record(Kind kind, int number, float value)
@@ -158,13 +155,18 @@ void EngineRelay::report(const Record& record)
     case Kind::BaseFrequencyChanged: emit baseFrequencyChanged(mTold.baseFrequency = record.value); return;
     case Kind::MonophonicChanged: emit monophonicChanged(mTold.monophonic = on); return;
     case Kind::PrimeEnabledToggled: {
-        bool& enabled = mTold.primes.at(static_cast<size_t>(record.number));
-        emit primeEnabledToggled(record.number, enabled = record.value != 0.0F);
+        const auto prime = static_cast<size_t>(record.number);
+        const bool enabled = record.value != 0.0F;
+        if (prime < mTold.primes.size())
+            mTold.primes[prime] = enabled;
+        emit primeEnabledToggled(record.number, enabled);
         return;
     }
     case Kind::MacroValueChanged: {
-        float& macro = mTold.sliders.macros.at(static_cast<size_t>(record.number - 1));
-        emit macroValueChanged(record.number, macro = record.value);
+        const auto macro = static_cast<size_t>(record.number - 1);
+        if (macro < mTold.sliders.macros.size())
+            mTold.sliders.macros[macro] = record.value;
+        emit macroValueChanged(record.number, record.value);
         return;
     }
     case Kind::PatchDecRequested: emit patchDecRequested(); return;
@@ -229,9 +231,8 @@ void EngineRelay::reportDifference(const EngineState& state, unsigned lost)
 
     // A node comes into the stack when its note starts, so one that has sounded unheard is told so.
     const QSet<OrloRatio> sounding(state.sounding.begin(), state.sounding.end());
-    for (const auto& [marked, told] : {std::pair{&state.altered, &mAltered},
-                                       {&state.selected, &mSelected},
-                                       {&state.held, &mHeld}}) {
+    for (const auto& [marked, told] :
+         {std::pair{&state.altered, &mAltered}, {&state.selected, &mSelected}, {&state.held, &mHeld}}) {
         for (const OrloRatio& ratio : *marked) {
             if (!told->contains(ratio) && !mSounding.contains(ratio) && !sounding.contains(ratio))
                 report(mSounding, ratio, true, &EngineRelay::noteToggled);

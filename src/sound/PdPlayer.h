@@ -246,6 +246,7 @@ private:
     void makeNode(const OrloRatio& ratio);
     void glissandoToNodes();
     float glissedFrequency(const OrloRatio& ratio, float glissOne, float glissTwo) const;
+    void resetCurrentGlissando(short which);
     void nodeResetGlissando(const OrloRatio& ratio, short which);
     void nodeResetParameters(const OrloRatio& ratio);
     void nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* voice);

@@ -46,6 +46,15 @@ std::optional<OrloRatio> absoluteForm(const OrloRatio& relative)
     return ratio;
 }
 
+/// 0 both, 1 or 2.
+void resetPair(NodeParameters& parameters, const NodeParameters& to, short which)
+{
+    if (which == 0 || which == 1)
+        parameters.glissOne = to.glissOne;
+    if (which == 0 || which == 2)
+        parameters.glissTwo = to.glissTwo;
+}
+
 /// `base` plus `sign` times `by`, in every field.
 void addParameters(NodeParameters& base, float sign, const NodeParameters& by)
 {
@@ -357,8 +366,7 @@ void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
         for (int i = 0; i < count; ++i)
             setMacroValue(i + 1, defaultMacro(i));
         emit resetGlissSliders(0);
-        currentParameters.glissOne = defaultParameters.glissOne;
-        currentParameters.glissTwo = defaultParameters.glissTwo;
+        resetCurrentGlissando(0);
         for (int i = 0; i < NodeParameters::MACRO_COUNT; ++i)
             currentParameters.macros[static_cast<size_t>(i)] = defaultMacro(i);
     }
@@ -375,6 +383,13 @@ void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
     }
 }
 
+void PdPlayer::resetCurrentGlissando(short which)
+{
+    resetPair(currentParameters, defaultParameters, which);
+    if (!mPatch)
+        resetPair(cachedParameters, defaultParameters, which); // as by a move of the slider
+}
+
 void PdPlayer::resetGlissandoAllNodes(short which)
 {
     ORLO_AUDIO_DEBUG << "Node reset: current0, current1: " << currentParameters.glissOne
@@ -382,16 +397,10 @@ void PdPlayer::resetGlissandoAllNodes(short which)
     emit resetGlissSliders(which);
     mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
     nodeDeselectAll();
-    const auto reset = [&](NodeParameters& parameters) {
-        if (which == 0 || which == 1)
-            parameters.glissOne = defaultParameters.glissOne;
-        if (which == 0 || which == 2)
-            parameters.glissTwo = defaultParameters.glissTwo;
-    };
-    reset(currentParameters);
+    resetCurrentGlissando(which);
     for (const OrloRatio& ratio : alteredNodes) {
         NodeParameters& node = nodeRecord(ratio);
-        reset(node);
+        resetPair(node, defaultParameters, which);
         ORLO_AUDIO_DEBUG << "Node reset: ratio, np0, np1, default, current0, current1: " << ratio.toString()
                          << node.glissOne << node.glissTwo << defaultParameters.glissOne
                          << currentParameters.glissOne << currentParameters.glissTwo;

@@ -190,8 +190,7 @@ void MainWindow::connectPlayer()
     const EngineRelay* relay = &app::player()->relay();
     connect(relay, &EngineRelay::volumeChanged, this, &MainWindow::onVolumeChanged);
     connect(relay, &EngineRelay::monophonicChanged, this, &MainWindow::onMonophonicChanged);
-    connect(relay, &EngineRelay::macroValueChanged, this,
-            &MainWindow::onMacroValueChanged);
+    connect(relay, &EngineRelay::macroValueChanged, this, &MainWindow::onMacroValueChanged);
     connect(relay, &EngineRelay::macroNamesReceived, this, &MainWindow::onMacroNamesReceived);
     connect(relay, &EngineRelay::macroDefaultsReceived, this, &MainWindow::onMacroDefaultsReceived);
     connect(relay, &EngineRelay::setMacroSliders, this, &MainWindow::onSetMacroSliders);

@@ -144,6 +144,25 @@ TEST_F(Nodes, WhatIsDoneWithoutAPatchHoldsInTheNext)
     EXPECT_EQ(frequencyOf(A), 220.0F);
 }
 
+TEST_F(Nodes, AGlissandoResetWithoutAPatchHoldsInTheNext)
+{
+    toggle(B);
+    select(B);
+    for (const auto reset : {OrloEvent::GlissOneReset, OrloEvent::GlissTwoReset, OrloEvent::GlissBothReset,
+                             OrloEvent::NodesResetAllAndControls}) {
+        send(OrloEvent::GlissOneSet, 1.0F);
+        send(OrloEvent::GlissTwoSet, 1.0F);
+        rig.underClock([this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
+        send(reset);
+        ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
+        // B stands where the sliders stand, reset or not, and moves with them.
+        send(OrloEvent::GlissOneSet, 0.75F);
+        send(OrloEvent::GlissTwoSet, 0.75F);
+        EXPECT_NEAR(static_cast<double>(frequencyOf(B)), 660.0 * std::exp2(650.0 / 1200.0), 0.01) << reset;
+        send(OrloEvent::GlissBothReset);
+    }
+}
+
 TEST_F(Nodes, WhatIsNoPitchIsNotSelected)
 {
     select(OrloRatio());

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+
 #include <cmath>
 
 namespace {
@@ -165,7 +167,9 @@ TEST_F(Voices, WhatNoLongerFitsIn64BitsIsRefused)
     press("/2");
     press("/3"); // cancels to 2^62 times 3
     EXPECT_EQ(log.said(QStringLiteral("noteToggled")), "noteToggled 13835058055282163712/1 on");
+    QCoreApplication::processEvents(); // logs what the engine said
     EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("does not fit")), 3);
+    EXPECT_TRUE(messages.has(QtWarningMsg, QStringLiteral("the pitch of \"/2\" does not fit")));
     send(OrloEvent::TransposeByPrimeStep, 0.0F);
     EXPECT_EQ(log.said(), "transposed 1/1 0");
 }
