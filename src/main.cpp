@@ -1,5 +1,7 @@
 #include "app/TuningOrloApplication.h"
 
+#include <cstdlib>
+
 int main(int argc, char** argv)
 {
     TuningOrloApplication application(argc, argv);
@@ -7,5 +9,8 @@ int main(int argc, char** argv)
         return 1;
     const int result = QApplication::exec();
     application.term();
+    // A thread that is caught in a voice still uses the parts: they are not destroyed under it.
+    if (application.isSoundOver())
+        std::_Exit(result);
     return result;
 }

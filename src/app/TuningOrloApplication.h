@@ -37,6 +37,8 @@ public:
     bool init();
     /// The orderly stop, only after a start-up that succeeded.
     void term();
+    /// After term(): the process must end without destroying this.
+    bool isSoundOver() const { return mPlayer.isSoundOver(); }
 
     QString version() const { return QStringLiteral("2.0.0"); }
     /// Where every file that the program writes lies, or below it.

@@ -1,14 +1,29 @@
 #include "sound/PatchFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace PatchFile {
 
-bool endsInsideSubpatch(const QString& path)
+namespace {
+
+/// "inlet~" of "#X obj 20 20 inlet~ fwd"; empty for what is no object.
+QByteArray objectName(const QByteArray& statement)
 {
+    if (!statement.startsWith("#X obj "))
+        return QByteArray();
+    return statement.split(' ').value(4).split(',').value(0); // a width may follow
+}
+
+} // namespace
+
+Outline outline(const QString& path)
+{
+    Outline outline;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false; // libpd says what is wrong with it
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return outline;
+    outline.readable = true;
     const QByteArray text = file.readAll();
 
     int depth = 0;
@@ -18,14 +33,20 @@ bool endsInsideSubpatch(const QString& path)
             ++i; // whatever follows is escaped
         } else if (text[i] == ';') {
             const QByteArray statement = text.mid(begin, i - begin).simplified() + ' ';
+            begin = i + 1;
             if (statement.startsWith("#N canvas "))
                 ++depth;
             else if (statement.startsWith("#X restore "))
                 --depth;
-            begin = i + 1;
+            if (depth != 1)
+                continue;
+            const QByteArray name = objectName(statement);
+            outline.inlets += name == "inlet" || name == "inlet~" ? 1 : 0;
+            outline.outlets += name == "outlet" || name == "outlet~" ? 1 : 0;
         }
     }
-    return depth > 1; // the outermost canvas has no end of its own
+    outline.endsInsideSubpatch = depth > 1; // the outermost canvas has no end of its own
+    return outline;
 }
 
 } // namespace PatchFile

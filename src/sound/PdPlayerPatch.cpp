@@ -25,7 +25,7 @@ constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
 constexpr const char* VOICE_STOP = "voice-stop";
 constexpr const char* VOICE_INFO = "output-voice-info";
-constexpr float NO_DEFAULT_BELOW = -0.5F; // a macro default at or below it is none
+constexpr float NO_DEFAULT_BELOW = -0.5F;                // a macro default at or below it is none
 constexpr QLatin1StringView VOICE_FILE("orlo_voice.pd"); // beside the main patch
 
 /// False, with a critical line, when libpd has no room for the message.
@@ -97,7 +97,7 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
     for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
-        if (PatchFile::endsInsideSubpatch(part)) {
+        if (PatchFile::outline(part).endsInsideSubpatch) {
             qCritical() << "The patch is cut short:" << part;
             return false;
         }
@@ -141,8 +141,7 @@ void PdPlayer::unloadPatch()
 
 bool PdPlayer::waitForRoom(int events)
 {
-    return mHandOver.waitUntil([=, this] { return guiBuffer.room() >= events; },
-                               [this] { processEvents(); });
+    return mHandOver.waitUntil([=, this] { return guiBuffer.room() >= events; }, [this] { processEvents(); });
 }
 
 void PdPlayer::openPatch()
@@ -157,14 +156,16 @@ void PdPlayer::openPatch()
 
 bool PdPlayer::openPatchFile()
 {
-    AudioLog::warning("Opening PD patch:  \"%1\" \"%2\"", {mPatchDirectory.constData(), mPatchFileName.constData()});
+    AudioLog::warning("Opening PD patch:  \"%1\" \"%2\"",
+                      {mPatchDirectory.constData(), mPatchFileName.constData()});
     const NumericLocale numbersWithPoint;
     mPatch = libpd_openfile(mPatchFileName.constData(), mPatchDirectory.constData());
     // After a patch with a missing or broken voice the next opening fails once.
     if (!mPatch)
         mPatch = libpd_openfile(mPatchFileName.constData(), mPatchDirectory.constData());
     if (!mPatch) {
-        AudioLog::critical("Opening PD patch failed:  \"%1\" \"%2\"", {mPatchDirectory.constData(), mPatchFileName.constData()});
+        AudioLog::critical("Opening PD patch failed:  \"%1\" \"%2\"",
+                           {mPatchDirectory.constData(), mPatchFileName.constData()});
         return false;
     }
     if (!setDsp(true)) {

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ChordPresets;
 class DiagnosticsDialog;
@@ -207,7 +208,9 @@ private:
     void initPatchMenu();
     void loadDefaultPatch();
     void addPatchToMenu(const QString& path);
+    std::optional<QString> changeVoice(const QString& path);
     bool openVoicePatch(const QString& path);
+    void tellPatch();
     void setNoPatchLoaded(bool on);
     void stepPatch(int by);
 
@@ -225,6 +228,7 @@ private:
     bool mAltDown = false;
     bool mRestricted = false;
     int mCurrentPatch = -1;                  // index in the menu
+    bool mChangingVoice = false;
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
     // Child dialogs that only a developer shows.

@@ -5,6 +5,7 @@
 #include "app/Accessors.h"
 #include "app/Settings.h"
 #include "sound/PdPlayer.h"
+#include "sound/VoiceCheck.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
@@ -13,12 +14,16 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QStandardPaths>
 
 namespace {
 
 const QString NONE_LOADED = QStringLiteral("None loaded");
 const QString PATCH_ENDING = QStringLiteral(".pd");
+const QString NO_MORE_SOUND =
+    QStringLiteral("A voice never came up. There is no sound until the program is started again; "
+                   "everything can still be saved.");
 
 QString patchDirectory()
 {
@@ -74,30 +79,55 @@ void MainWindow::loadDefaultPatch()
 
 void MainWindow::loadPatch(const QString& path)
 {
-    if (path.isEmpty())
+    if (path.isEmpty() || mChangingVoice) // a device can ask while a voice is tried
         return;
     const QString absolute = QFileInfo(path).absoluteFilePath();
     qWarning() << "Loading voice patch" << absolute;
-    if (!openVoicePatch(absolute)) {
-        QMessageBox::critical(this, QCoreApplication::applicationName(),
-                              QStringLiteral("Failed to load patch %1.").arg(absolute), QMessageBox::Ok);
+    if (const std::optional<QString> reason = changeVoice(absolute)) {
+        QString text = QStringLiteral("Failed to load patch %1.").arg(absolute);
+        if (!reason->isEmpty())
+            text += QStringLiteral("\n\n") + *reason;
+        QMessageBox::critical(this, QCoreApplication::applicationName(), text, QMessageBox::Ok);
         if (mCurrentPatch == -1)
             setNoPatchLoaded(true);
         else
             ui->patchMenu->setCurrentIndex(mCurrentPatch);
         return;
     }
-
-    // What the new patch does not know yet.
-    on_volumeSlider_valueChanged(ui->volumeSlider->value());
-    for (int number = 1; number <= NodeParameters::MACRO_COUNT; ++number)
-        setMacro(number - 1, macroSlider(number)->value());
-
     setNoPatchLoaded(false);
     addPatchToMenu(absolute);
     mCurrentPatch = ui->patchMenu->findData(absolute);
     ui->patchMenu->setCurrentIndex(mCurrentPatch);
     app::settings()->defaultPatch = ui->patchMenu->currentText() + PATCH_ENDING;
+}
+
+/// Nothing once the voice plays; otherwise what is wrong with it, which can be an empty text. The former
+/// one plays on then.
+std::optional<QString> MainWindow::changeVoice(const QString& path)
+{
+    const QScopedValueRollback changing(mChangingVoice, true);
+    if (app::player()->isSoundOver())
+        return NO_MORE_SOUND;
+    if (const QString reason = VoiceCheck().whyNot(path); !reason.isEmpty()) {
+        qCritical().noquote() << "The voice" << path << "is not loaded:" << reason;
+        return reason;
+    }
+    const bool opened = openVoicePatch(path);
+    if (app::player()->isSoundOver())
+        return NO_MORE_SOUND;
+    const bool plays =
+        opened || (mCurrentPatch != -1 && openVoicePatch(ui->patchMenu->itemData(mCurrentPatch).toString()));
+    if (plays)
+        tellPatch();
+    return opened ? std::nullopt : std::optional<QString>(QString());
+}
+
+/// What a new patch does not know yet.
+void MainWindow::tellPatch()
+{
+    on_volumeSlider_valueChanged(ui->volumeSlider->value());
+    for (int number = 1; number <= NodeParameters::MACRO_COUNT; ++number)
+        setMacro(number - 1, macroSlider(number)->value());
 }
 
 /// The main patch is always the same file; the voice that it instantiates changes.

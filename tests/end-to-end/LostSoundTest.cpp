@@ -1,6 +1,13 @@
 #include "end-to-end/PlayingFixture.h"
 #include "end-to-end/Waiting.h"
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 /// What happens when the sound device goes away or stands still under the running program.
@@ -47,4 +54,34 @@ TEST_F(LostSound, ChangesThePatchAndEndsWhileTheSoundServerStandsStill)
     EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
     desk.freezeSound();
     expectOrderlyEnd();
+}
+
+TEST_F(LostSound, AVoiceThatLoopsForEverCostsNothingButTheSound)
+{
+    ASSERT_TRUE(desk.isReady());
+    const QByteArray looping = "#N canvas 0 0 300 200 12;\n#X obj 9 9 inlet;\n#X obj 9 30 outlet~;\n"
+                               "#X obj 9 60 loadbang;\n#X obj 9 90 until;\n#X connect 2 0 3 0;\n";
+    // In a copy without the trial of voices, which would stop it.
+    const QTemporaryDir elsewhere;
+    const QDir beside(QCoreApplication::applicationDirPath());
+    QDir(elsewhere.path()).mkpath(u"patches"_s);
+    for (const QString& name : beside.entryList({u"*.qss"_s, u"*.svg"_s}, QDir::Files))
+        QFile::link(beside.filePath(name), elsewhere.filePath(name));
+    QFile::link(beside.filePath(u"patches/shell"_s), elsewhere.filePath(u"patches/shell"_s));
+    home.write(u"Loop.pd"_s, looping);
+    QFile::rename(home.path(u"Loop.pd"_s), elsewhere.filePath(u"patches/Loop.pd"_s));
+    const QString copy = elsewhere.filePath(u"brevick-tuning-orlo"_s);
+    ASSERT_TRUE(QFile::copy(RunningProgram::executable(), copy));
+
+    writeOptions({{u"defaultPatch"_s, u"Loop.pd"_s}});
+    RunningProgram caught(desk, copy);
+    ASSERT_TRUE(caught.waitForBox());
+    EXPECT_TRUE(log().contains(u"There is no more sound"_s));
+    ASSERT_TRUE(caught.confirmBox() && caught.waitForWindow() && caught.type(u"f"_s));
+    QElapsedTimer timer;
+    timer.start();
+    ::kill(static_cast<pid_t>(caught.processId()), SIGTERM);
+    EXPECT_EQ(caught.waitForExit(), 0);
+    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_TRUE(options()[u"circlesView"_s].toBool());
 }

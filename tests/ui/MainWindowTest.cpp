@@ -1,3 +1,4 @@
+#include "sound/OrloNoteEvent.h"
 #include "support/EngineClock.h"
 #include "support/LogCatcher.h"
 #include "ui/OrloView.h"
@@ -269,19 +270,41 @@ TEST_F(PatchMenuTest, APatchFromElsewhereJoinsTheMenuOnce)
     EXPECT_EQ(settings.defaultPatch, QStringLiteral("My voice.pd"));
 }
 
-TEST_F(PatchMenuTest, AFailureTellsAndGoesBackToTheLastGoodName)
+TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
 {
     const QString good = menu()->currentText();
-    const QString bad = home.path(QStringLiteral("folder.pd"));
-    QDir().mkpath(bad);
+    const OrloNoteEvent note(OrloRatio(1, 1));
+    player.queueEventGui(&note);
+    settle();
+    int toggles = 0;
+    QObject::connect(
+        &player, &PdPlayer::noteToggled, &player, [&] { ++toggles; }, Qt::DirectConnection);
+    home.write(QStringLiteral("no.pd"), "#N canvas 0 0 200 200 12;\n#X obj 1 1 outlet~;\n");
+    home.write(QStringLiteral("cut.pd"), "#N canvas 0 0 200 200 12;\n#N canvas 0 0 200 200 s 0;\n");
+    QDir().mkpath(home.path(QStringLiteral("folder.pd")));
+    const std::pair<const char*, const char*> rows[] = {
+        {"no.pd", "no inlet"}, {"cut.pd", "cut short"}, {"folder.pd", "cannot be read"}};
     const LogCatcher quiet;
-    load(bad);
-    EXPECT_TRUE(boxes.take().value(0).contains(bad));
+    for (const auto& [name, reason] : rows) {
+        SCOPED_TRACE(name);
+        const QString bad = home.path(QLatin1StringView(name));
+        load(bad);
+        const QString told = boxes.take().value(0);
+        EXPECT_TRUE(told.startsWith(QStringLiteral("Failed to load patch %1.").arg(bad)));
+        EXPECT_TRUE(told.contains(QLatin1StringView(reason))) << told.toStdString();
+        EXPECT_EQ(menu()->currentText(), good);
+        EXPECT_TRUE(player.isPatchOpen());
+    }
+    load(QString()); // the data of "None loaded": nothing happens
+    EXPECT_EQ(toggles, 0);
+
+    // What the check cannot foresee.
+    home.write(QStringLiteral("patch/orlo_main.pd"),
+               "#N canvas 0 0 200 200 12;\n#N canvas 0 0 200 200 s 0;\n");
+    load(menu()->itemData(0).toString());
+    EXPECT_EQ(boxes.take().size(), 1);
     EXPECT_EQ(menu()->currentText(), good);
     EXPECT_FALSE(player.isPatchOpen());
-    load(menu()->currentData().toString());
-    load(QString()); // the data of "None loaded": nothing happens
-    EXPECT_TRUE(player.isPatchOpen());
 }
 
 TEST_F(PatchMenuTest, SteppingWraps)

@@ -1,0 +1,96 @@
+#include "sound/VoiceCheck.h"
+
+#include "sound/PatchFile.h"
+#include "trial/TrialAnswer.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace {
+
+// So long no event is delivered, and nothing can come between.
+constexpr int WITHOUT_EVENTS_MS = 300;
+constexpr int SLICE_MS = 30;
+
+QString besideProgram(const QString& name)
+{
+    return QCoreApplication::applicationDirPath() + u'/' + name;
+}
+
+/// False when the process did not end in time.
+bool waitFor(QProcess& process, std::chrono::milliseconds limit)
+{
+    QElapsedTimer timer;
+    timer.start();
+    int slice = WITHOUT_EVENTS_MS;
+    while (!process.waitForFinished(slice) && process.state() != QProcess::NotRunning) {
+        if (timer.hasExpired(limit.count()))
+            return false;
+        slice = SLICE_MS;
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents
+                                        | QEventLoop::ExcludeSocketNotifiers);
+    }
+    return true;
+}
+
+} // namespace
+
+VoiceCheck::VoiceCheck(std::chrono::milliseconds longestTrial, QString program)
+    : mLongestTrial(longestTrial)
+    , mProgram(std::move(program))
+{
+}
+
+QString VoiceCheck::trialProgram()
+{
+    return besideProgram(QStringLiteral("orlo-voice-trial"));
+}
+
+QString VoiceCheck::whyNot(const QString& voice) const
+{
+    const PatchFile::Outline outline = PatchFile::outline(voice);
+    if (!outline.readable)
+        return QStringLiteral("The file cannot be read.");
+    if (outline.endsInsideSubpatch)
+        return QStringLiteral("The file is cut short.");
+    if (outline.inlets == 0)
+        return QStringLiteral("It is no voice: it has no inlet to be played by.");
+    if (outline.outlets == 0)
+        return QStringLiteral("It is no voice: it has no outlet to be heard from.");
+    return tried(voice);
+}
+
+QString VoiceCheck::tried(const QString& voice) const
+{
+    const QTemporaryDir folder;
+    if (!folder.isValid() || !QFile::copy(voice, folder.filePath(QStringLiteral("orlo_voice.pd")))) {
+        qWarning() << "The voice could not be copied for a trial and is trusted:" << voice;
+        return QString();
+    }
+    QProcess trial;
+    trial.setStandardInputFile(QProcess::nullDevice());
+    trial.setStandardOutputFile(QProcess::nullDevice());
+    trial.setStandardErrorFile(QProcess::nullDevice());
+    trial.start(mProgram,
+                {besideProgram(QStringLiteral("patches/shell/orlo_main_4voice.pd")), folder.path()});
+    if (!waitFor(trial, mLongestTrial)) {
+        trial.kill();
+        trial.waitForFinished(SLICE_MS);
+        return QStringLiteral("It never comes up: it loops for ever when it is opened or played.");
+    }
+    if (trial.error() == QProcess::FailedToStart) {
+        qWarning() << "The trial of a voice could not be started, and the voice is trusted:" << voice;
+        return QString();
+    }
+    switch (trial.exitStatus() == QProcess::NormalExit ? trial.exitCode() : -1) {
+    case static_cast<int>(TrialAnswer::Works): return QString();
+    case static_cast<int>(TrialAnswer::CannotBeOpened): return QStringLiteral("Pure Data cannot open it.");
+    case static_cast<int>(TrialAnswer::NoVoice):
+        return QStringLiteral("It is no voice: it names no macros, and nothing sounds when it is played.");
+    default: return QStringLiteral("It would end the program.");
+    }
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+
+/// Finds out whether a file is a voice that the engine can take, before the one that plays is closed
+/// for it. [gui]
+///
+/// What the file itself does not tell is tried in another process: a voice may loop for ever, crash, or
+/// spoil libpd for the ones after it.
+class VoiceCheck
+{
+public:
+    /// Normally some tens of milliseconds. Later the window is kept painted meanwhile.
+    static constexpr std::chrono::milliseconds LONGEST_TRIAL{5000};
+
+    explicit VoiceCheck(std::chrono::milliseconds longestTrial = LONGEST_TRIAL,
+                        QString program = trialProgram());
+
+    /// Why it is none, as a sentence for the player; empty: it is one. Where no trial can be made, the
+    /// file is trusted, and the log tells. What comes for the graphical thread from elsewhere may be
+    /// delivered meanwhile; input and the closing of windows wait.
+    QString whyNot(const QString& voice) const;
+
+    /// The executable of the trial, beside the program's own.
+    static QString trialProgram();
+
+private:
+    QString tried(const QString& voice) const;
+
+    std::chrono::milliseconds mLongestTrial;
+    QString mProgram;
+};

@@ -1,0 +1,22 @@
+#include "trial/VoiceTrial.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+// If the instrument itself should end before it has ended this.
+constexpr unsigned LONGEST_TRIAL_S = 20;
+
+} // namespace
+
+/// Arguments: a main patch, and the folder of the voice. Exits with a TrialAnswer.
+int main(int argc, char** argv)
+{
+    if (argc != 3)
+        return 1;
+    alarm(LONGEST_TRIAL_S);
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none); // a voice that crashes leaves no file
+    return static_cast<int>(VoiceTrial().run(argv[1], argv[2]));
+}
