@@ -410,7 +410,8 @@ void TuningOrloApplication::syncToSettings()
         mSettings.windowSize = mMainWindow->size();
         mSettings.windowPos = mMainWindow->pos();
     }
-    mSettings.audioDevice = mAudioOutput.selectedDevice();
+    if (mAudioOutput.selectedDevice() != -1) // one that is lost is wanted back at the next start
+        mSettings.audioDevice = mAudioOutput.selectedDevice();
     mSettings.midiOutDevice = mInterface.midiOutput->portName;
     mSettings.midiOutChannel = mInterface.midiOutput->channel;
 }
