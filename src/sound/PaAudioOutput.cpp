@@ -30,6 +30,8 @@ constexpr milliseconds LONGEST_END{2000};
 constexpr milliseconds LONGEST_START{15000};
 constexpr milliseconds LONGEST_RETURN{1500}; // of a return that is to end
 constexpr qint64 TRY_AGAIN_MS = 2500;
+// Until then the MIDI output has let go of its client of the same dead server.
+constexpr qint64 FIRST_TRY_MS = 1500;
 constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
 constexpr int RETURN_INTERVAL_MS = 50;
 
@@ -588,14 +590,15 @@ void PaAudioOutput::lose(const QString& name)
     mDeviceName = name;
     mLost = true;
     mReadAnew = false;
-    mNextTryMs = mClock.elapsed();
+    mNextTryMs = mClock.elapsed() + FIRST_TRY_MS;
     mWatchTimer.start(LOOK_INTERVAL_MS);
     emit deviceLost(name);
 }
 
 void PaAudioOutput::tryAgain()
 {
-    mNextTryMs = mClock.elapsed();
+    if (mReadAnew) // the first try comes soon enough
+        mNextTryMs = 0;
 }
 
 /// The first try goes by the list that there is: a server that only stood still needs no other. A call
