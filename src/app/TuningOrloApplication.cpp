@@ -412,7 +412,8 @@ void TuningOrloApplication::syncToSettings()
         mSettings.windowSize = mMainWindow->size();
         mSettings.windowPos = mMainWindow->pos();
     }
-    mSettings.audioDevice = mAudioOutput.selectedDevice();
+    if (mAudioOutput.selectedDevice() != -1) // one that is lost is wanted back at the next start
+        mSettings.audioDevice = mAudioOutput.selectedDevice();
     const MidiOutput* midi = mInterface.midiOutput;
     mSettings.midiOutDevice = midi->wantedPort.isEmpty() ? midi->portName : midi->wantedPort;
     mSettings.midiOutChannel = mInterface.midiOutput->channel;

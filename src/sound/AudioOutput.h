@@ -25,6 +25,8 @@ public:
     /// Returns when the output has faded to silence and stays silent, or soon when no callback comes.
     virtual void muteOutput() = 0;
     virtual void unmuteOutput() = 0;
+    /// Looks for a lost device now, and does not wait for it.
+    virtual void tryAgain() {}
 
     /// Index in the list; -1 while no stream is open.
     int selectedDevice() const { return mSelectedDevice; }
@@ -36,6 +38,15 @@ public:
 
 signals:
     void selectedDeviceChanged(int index);
+    /// The list is another one now.
+    void devicesChanged();
+    /// This device, or its server, went away under the stream. It is looked for until it is back or
+    /// another one is chosen.
+    void deviceLost(QString name);
+    /// A stream runs on this device.
+    void deviceOpened(QString name);
+    /// So many blocks of this run came too late, or too early, for the device.
+    void lateBlocksCounted(unsigned count);
 
 protected:
     /// What libpd can render: a multiple of its block of 64 frames. Says what it corrects.

@@ -1,7 +1,6 @@
 #include "sound/BoundedCall.h"
 
 #include <future>
-#include <memory>
 #include <thread>
 
 namespace BoundedCall {
@@ -33,6 +32,13 @@ bool run(const std::function<void(Ticket&)>& call, std::chrono::milliseconds lim
         return false;
     end.wait(); // it finished at the last moment
     return true;
+}
+
+std::shared_ptr<Ticket> start(const std::function<void(Ticket&)>& call)
+{
+    const auto ticket = std::make_shared<Ticket>();
+    std::thread([call, ticket] { call(*ticket); }).detach();
+    return ticket;
 }
 
 } // namespace BoundedCall

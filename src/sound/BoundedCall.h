@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 
 /// Runs calls into a sound system on a thread of their own and waits for them only so long. A
 /// server that was killed or frozen keeps some calls waiting for minutes, and the graphical thread
@@ -26,5 +27,8 @@ private:
 /// Effect: calls `call` on another thread. True when it ended within `limit`; false leaves it to
 /// itself, so it must own all that it touches; one that opens something ends with Ticket::finish.
 bool run(const std::function<void(Ticket&)>& call, std::chrono::milliseconds limit);
+
+/// The same without waiting.
+std::shared_ptr<Ticket> start(const std::function<void(Ticket&)>& call);
 
 } // namespace BoundedCall

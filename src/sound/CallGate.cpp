@@ -1,16 +1,21 @@
 #include "sound/CallGate.h"
 
+std::function<void(BoundedCall::Ticket&)>
+CallGate::watched(const std::function<void(BoundedCall::Ticket&)>& call)
+{
+    mReturned = std::make_shared<std::atomic<bool>>(false);
+    return [call, returned = mReturned](BoundedCall::Ticket& ticket) {
+        call(ticket);
+        *returned = true;
+    };
+}
+
 bool CallGate::run(const std::function<void(BoundedCall::Ticket&)>& call, std::chrono::milliseconds limit)
 {
-    if (isStuck())
-        return false;
-    const auto returned = std::make_shared<std::atomic<bool>>(false);
-    const bool inTime = BoundedCall::run(
-        [call, returned](BoundedCall::Ticket& ticket) {
-            call(ticket);
-            *returned = true;
-        },
-        limit);
-    mReturned = inTime ? nullptr : returned;
-    return inTime;
+    return !isStuck() && BoundedCall::run(watched(call), limit);
+}
+
+std::shared_ptr<BoundedCall::Ticket> CallGate::start(const std::function<void(BoundedCall::Ticket&)>& call)
+{
+    return isStuck() ? nullptr : BoundedCall::start(watched(call));
 }

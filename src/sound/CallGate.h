@@ -2,8 +2,6 @@
 
 #include "sound/BoundedCall.h"
 
-#include <memory>
-
 /// Bounded calls into one sound system, one at a time: while a call that was given up has not come
 /// back, no other goes in, since such a system is not made for two. Graphical thread.
 class CallGate
@@ -11,9 +9,13 @@ class CallGate
 public:
     /// As BoundedCall::run. False at once, without calling, while an earlier call is still inside.
     bool run(const std::function<void(BoundedCall::Ticket&)>& call, std::chrono::milliseconds limit);
-    /// A call was given up and has not come back.
+    /// As BoundedCall::start. Null, without calling, while an earlier call is still inside.
+    std::shared_ptr<BoundedCall::Ticket> start(const std::function<void(BoundedCall::Ticket&)>& call);
+    /// A call was given up, or not waited for, and has not come back.
     bool isStuck() const { return mReturned && !mReturned->load(); }
 
 private:
-    std::shared_ptr<std::atomic<bool>> mReturned; // of the call that was given up last
+    std::function<void(BoundedCall::Ticket&)> watched(const std::function<void(BoundedCall::Ticket&)>& call);
+
+    std::shared_ptr<std::atomic<bool>> mReturned; // of the last call
 };

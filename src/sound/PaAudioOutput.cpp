@@ -2,15 +2,18 @@
 
 #include "app/DebugLog.h"
 #include "sound/FloatMode.h"
+#include "sound/JackEpoch.h"
 #include "sound/PdPlayer.h"
 
-#include <QElapsedTimer>
 #include <QThread>
 
 #include <z_libpd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -19,9 +22,18 @@ constexpr double PREFERRED_RATE = 44100.0;  // Hz
 constexpr unsigned long PD_BLOCK_SHIFT = 6; // 64 frames a tick
 // A fade is one block; a callback that does not come is not waited for.
 constexpr qint64 LONGEST_FADE_MS = 250;
-// Far longer than a healthy sound system takes.
-constexpr std::chrono::seconds LONGEST_CALL{3};
-constexpr std::chrono::seconds LONGEST_START{15};
+constexpr qint64 LONGEST_BLOCK_MS = 250;
+// Far longer than a healthy sound system takes. The first is for the whole of a change of device.
+constexpr milliseconds LONGEST_CHANGE{4000};
+constexpr milliseconds LONGEST_CLOSE{1500};
+constexpr milliseconds LONGEST_END{2000};
+constexpr milliseconds LONGEST_START{15000};
+constexpr milliseconds LONGEST_RETURN{1500}; // of a return that is to end
+constexpr qint64 TRY_AGAIN_MS = 2500;
+// Until then the MIDI output has let go of its client of the same dead server.
+constexpr qint64 FIRST_TRY_MS = 1500;
+constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
+constexpr int RETURN_INTERVAL_MS = 50;
 
 /// Leads the gain in a straight line, to reach `to` with the last frame.
 void applyRamp(float* output, unsigned long frames, float from, float to)
@@ -33,17 +45,162 @@ void applyRamp(float* output, unsigned long frames, float from, float to)
     }
 }
 
+QString deviceName(const PortAudioLibrary& library, const PaDeviceInfo& device)
+{
+    const PaHostApiInfo* api = library.getHostApiInfo(device.hostApi);
+    QString apiName = api ? QString::fromLocal8Bit(api->name) : QString();
+    if (apiName.toLower() == QStringLiteral("windows directsound"))
+        apiName = QStringLiteral("DS");
+    return apiName + QStringLiteral(": ") + QString::fromLocal8Bit(device.name);
+}
+
+/// Those with outputs, by PortAudio's index; an empty name for the others.
+QStringList outputNames(const PortAudioLibrary& library)
+{
+    QStringList names;
+    for (int paIndex = 0; paIndex < library.getDeviceCount(); ++paIndex) {
+        const PaDeviceInfo* device = library.getDeviceInfo(paIndex);
+        names.append(device && device->maxOutputChannels > 0 ? deviceName(library, *device) : QString());
+    }
+    return names;
+}
+
 } // namespace
+
+/// One time limit for several calls.
+class PaAudioOutput::Deadline
+{
+public:
+    explicit Deadline(milliseconds limit)
+        : mEnd(std::chrono::steady_clock::now() + limit)
+    {
+    }
+    milliseconds left(milliseconds most = milliseconds::max()) const
+    {
+        const auto left = std::chrono::duration_cast<milliseconds>(mEnd - std::chrono::steady_clock::now());
+        return std::clamp(left, milliseconds(0), most);
+    }
+
+private:
+    std::chrono::steady_clock::time_point mEnd;
+};
+
+/// What a stream's callback is given. It outlives the output if the stream was given up.
+struct PaAudioOutput::StreamContext
+{
+    PaAudioOutput* output;
+    std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
+    std::atomic<bool> inBlock{false};
+};
+
+/// Opens a stream, and starts it. It owns what its calls touch, since they may be given up.
+struct PaAudioOutput::OpenJob
+{
+    /// Any thread that has the library to itself.
+    OpenJob(PortAudioLibrary* from, int paIndex, int framesPerBuffer, PaAudioOutput* output)
+        : library(from)
+        , frames(static_cast<unsigned long>(framesPerBuffer))
+        , context(std::make_shared<StreamContext>())
+    {
+        const PaDeviceInfo* device = library->getDeviceInfo(paIndex);
+        hostApi = device->hostApi;
+        deviceRate = device->defaultSampleRate;
+        parameters.device = paIndex;
+        parameters.channelCount = CHANNELS;
+        parameters.sampleFormat = paFloat32;
+        parameters.suggestedLatency =
+            (device->defaultLowOutputLatency + device->defaultHighOutputLatency) * 0.5;
+        context->output = output;
+    }
+
+    void open()
+    {
+        error = library->isFormatSupported(nullptr, &parameters, rate);
+        if (error == paInvalidSampleRate)
+            rate = deviceRate;
+        else if (error != paFormatIsSupported)
+            return;
+        call = "Pa_OpenStream";
+        error = library->openStream(&stream, nullptr, &parameters, rate, frames, paNoFlag,
+                                    &PaAudioOutput::portAudioCallback, context.get());
+        if (error != paNoError)
+            stream = nullptr;
+        else if (const PaStreamInfo* streamInfo = library->getStreamInfo(stream))
+            info = *streamInfo;
+    }
+    /// The callback may run before this returns.
+    void start()
+    {
+        call = "Pa_StartStream";
+        error = library->startStream(stream);
+        if (error != paNoError)
+            close();
+    }
+    void close()
+    {
+        if (stream)
+            library->closeStream(stream);
+        stream = nullptr;
+    }
+
+    PortAudioLibrary* const library;
+    int hostApi = -1;
+    PaStreamParameters parameters{};
+    double deviceRate = 0.0; // its default, Hz
+    const unsigned long frames;
+    const std::shared_ptr<StreamContext> context;
+
+    double rate = PREFERRED_RATE; // asked for
+    PaStream* stream = nullptr;
+    PaStreamInfo info{};
+    PaError error = paNoError;
+    std::atomic<const char*> call = "Pa_IsFormatSupported"; // the one under way, or the one that failed
+};
+
+/// Brings a lost device back in two calls. All that is slow is done without the graphical thread,
+/// which only tells libpd the rate in between.
+struct PaAudioOutput::ReturnJob
+{
+    PortAudioLibrary* library;
+    QString name;
+    int frames;
+    PaAudioOutput* output;
+    bool anew; // PortAudio ends and starts again first, to read its devices anew
+
+    PaError error = paNoError;        // of the start
+    std::shared_ptr<OpenJob> opening; // null while the device is not there
+    bool starting = false;            // the second call
+
+    void find()
+    {
+        if (anew) {
+            if (library->isStarted)
+                library->terminate();
+            library->isStarted = false;
+            error = library->start();
+            if (error != paNoError)
+                return;
+        }
+        const int paIndex = static_cast<int>(outputNames(*library).indexOf(name));
+        if (paIndex < 0)
+            return;
+        opening = std::make_shared<OpenJob>(library, paIndex, frames, output);
+        opening->open();
+    }
+    void start() { opening->start(); }
+};
 
 PaAudioOutput::PaAudioOutput(QObject* parent)
     : AudioOutput(parent)
 {
+    mClock.start();
+    connect(&mWatchTimer, &QTimer::timeout, this, &PaAudioOutput::watch);
 }
 
 PaAudioOutput::~PaAudioOutput()
 {
     // A start-up that failed half way does not come through term().
-    if (mInitialised)
+    if (mLibrary->isStarted)
         term();
 }
 
@@ -58,16 +215,8 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
              << QThread::currentThreadId();
     setFramesPerBuffer(framesPerBuffer);
     setPlayer(player);
-    const auto error = std::make_shared<PaError>(paNoError);
-    if (!BoundedCall::run([error](BoundedCall::Ticket&) { *error = Pa_Initialize(); }, LONGEST_START)) {
-        qCritical() << "The sound system does not answer: Pa_Initialize was given up.";
+    if (!startLibrary(LONGEST_START))
         return false;
-    }
-    if (*error != paNoError) {
-        report("Pa_Initialize", *error);
-        return false;
-    }
-    mInitialised = true;
     qWarning() << "PortAudio initialised.";
     qDebug() << "PortAudio version number:" << Pa_GetVersion();
     qDebug() << "PortAudio version text:" << Pa_GetVersionText();
@@ -75,44 +224,70 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
     return selectDevice(device) || selectDevice(-1);
 }
 
+/// False, with a report, when it fails or does not answer.
+bool PaAudioOutput::startLibrary(milliseconds limit)
+{
+    const auto error = std::make_shared<PaError>(paNoError);
+    if (!mReturnGate.run([error, library = mLibrary](BoundedCall::Ticket&) { *error = library->start(); },
+                         limit)) {
+        qCritical() << "The sound system does not answer: Pa_Initialize was given up.";
+        return false;
+    }
+    if (*error != paNoError)
+        report("Pa_Initialize", *error);
+    return *error == paNoError;
+}
+
 void PaAudioOutput::term()
 {
     qWarning() << "PaAudioOutput::term...";
-    closeDevice();
-    if (!mInitialised)
+    const Deadline deadline(LONGEST_END);
+    mWatchTimer.stop();
+    if (!stopReturn(deadline))
+        mReturnTicket->giveUp();
+    closeStream(deadline);
+    if (mUnderruns > 0 || mOverruns > 0)
+        qWarning() << "Late blocks: underruns:" << mUnderruns << "overruns:" << mOverruns;
+    // PortAudio cannot be ended while a call is inside, or after its JACK client has gone.
+    if (mReturn || !mLibrary->isStarted)
         return;
-    mInitialised = false;
-    if (hasStuckCall()) // PortAudio cannot be ended then
+    mLibrary->isStarted = false;
+    if (mLibrary->isStuck() || mLibrary->jackEpoch != JackEpoch::current())
         return;
     qWarning() << "Calling Pa_Terminate...";
     const auto error = std::make_shared<PaError>(paNoError);
-    if (!BoundedCall::run([error](BoundedCall::Ticket&) { *error = Pa_Terminate(); }, LONGEST_CALL))
+    if (!BoundedCall::run(
+            [error, library = mLibrary](BoundedCall::Ticket&) { *error = library->terminate(); },
+            deadline.left()))
         qCritical() << "The sound system does not answer: Pa_Terminate was given up.";
     else if (*error != paNoError)
         report("Pa_Terminate", *error);
 }
 
+// ---------------------------------------------------------------- the list of devices
+
 QStringList PaAudioOutput::devices() const
 {
-    QStringList list;
+    if (!mReturn) // else PortAudio is reading its devices on another thread
+        readDevices();
+    return mDeviceNames;
+}
+
+void PaAudioOutput::readDevices() const
+{
+    mDeviceNames.clear();
     mDeviceMap.clear();
-    const int count = Pa_GetDeviceCount();
-    if (count < 0) {
+    if (const int count = mLibrary->getDeviceCount(); count < 0) {
         report("Pa_GetDeviceCount", count);
-        return list;
+        return;
     }
-    for (int paIndex = 0; paIndex < count; ++paIndex) {
-        const PaDeviceInfo* device = Pa_GetDeviceInfo(paIndex);
-        if (!device || device->maxOutputChannels <= 0)
+    const QStringList outputs = outputNames(*mLibrary);
+    for (qsizetype paIndex = 0; paIndex < outputs.size(); ++paIndex) {
+        if (outputs[paIndex].isEmpty())
             continue;
-        const PaHostApiInfo* api = Pa_GetHostApiInfo(device->hostApi);
-        QString apiName = api ? QString::fromLocal8Bit(api->name) : QString();
-        if (apiName.toLower() == QStringLiteral("windows directsound"))
-            apiName = QStringLiteral("DS");
-        mDeviceMap.insert(static_cast<int>(list.size()), paIndex);
-        list.append(apiName + QStringLiteral(": ") + QString::fromLocal8Bit(device->name));
+        mDeviceMap.insert(static_cast<int>(mDeviceNames.size()), static_cast<int>(paIndex));
+        mDeviceNames.append(outputs[paIndex]);
     }
-    return list;
 }
 
 void PaAudioOutput::logDevices() const
@@ -120,10 +295,10 @@ void PaAudioOutput::logDevices() const
     const qsizetype count = devices().size();
     qWarning() << "Number of audio devices found:" << count;
     for (int index = 0; index < count; ++index) {
-        const PaDeviceInfo* device = Pa_GetDeviceInfo(mDeviceMap.value(index));
+        const PaDeviceInfo* device = mLibrary->getDeviceInfo(mDeviceMap.value(index));
         if (!device)
             continue;
-        const PaHostApiInfo* api = Pa_GetHostApiInfo(device->hostApi);
+        const PaHostApiInfo* api = mLibrary->getHostApiInfo(device->hostApi);
         qWarning() << "Index:" << index;
         qWarning() << "Name:" << QString::fromLocal8Bit(device->name);
         qWarning() << "Host API:" << (api ? QString::fromLocal8Bit(api->name) : QString());
@@ -143,20 +318,51 @@ int PaAudioOutput::paIndexOf(int& index) const
 {
     if (index != -1 && mDeviceMap.contains(index))
         return mDeviceMap.value(index);
-    const int paIndex = Pa_GetDefaultOutputDevice();
+    const int paIndex = mLibrary->getDefaultOutputDevice();
     if (paIndex == paNoDevice)
         qCritical() << "No default output device returned from Pa_GetDefaultOutputDevice";
     else
-        index = mDeviceMap.key(paIndex, 0);
+        index = indexOf(paIndex);
     return paIndex;
 }
 
+// ---------------------------------------------------------------- opening and closing
+
 bool PaAudioOutput::selectDevice(int index)
 {
+    const Deadline deadline(LONGEST_CHANGE);
+    const QString name = mDeviceNames.value(index, mDeviceName);
+    const bool opened = changeDevice(index, deadline);
+    if (!opened)
+        lose(name);
+    return opened;
+}
+
+bool PaAudioOutput::changeDevice(int index, const Deadline& deadline)
+{
+    const QString wanted = mDeviceNames.value(index);
+    if (!stopReturn(deadline)) {
+        qCritical() << "The sound system does not answer.";
+        return false;
+    }
+    if (streamDied() && mLibrary->isJack(mStreamApi))
+        leaveStream();
+    if (!mLibrary->isStarted) {
+        if (!startLibrary(deadline.left()))
+            return false;
+        readDevices();
+        emit devicesChanged();
+    }
+    if (!wanted.isEmpty()) { // the list may have been read anew
+        index = static_cast<int>(mDeviceNames.indexOf(wanted));
+        if (index < 0)
+            return false;
+    }
+
     const int paIndex = paIndexOf(index);
     if (paIndex == paNoDevice)
         return false;
-    const int count = Pa_GetDeviceCount();
+    const int count = mLibrary->getDeviceCount();
     if (paIndex < 0 || paIndex >= count) {
         qCritical().noquote() << QStringLiteral(
                                      "Device index %1 passed to PaAudioOutput::selectDevice did not "
@@ -166,117 +372,90 @@ bool PaAudioOutput::selectDevice(int index)
                                      .arg(count);
         return false;
     }
-    if (!closeDevice())
-        return false;
-    if (!openStream(paIndex, index)) {
+    return closeStream(deadline) && openStream(paIndex, index, deadline);
+}
+
+bool PaAudioOutput::openStream(int paIndex, int index, const Deadline& deadline)
+{
+    const auto job = std::make_shared<OpenJob>(mLibrary, paIndex, framesPerBuffer(), this);
+    const auto call = [&](void (OpenJob::*step)()) {
+        const auto work = [job, step](BoundedCall::Ticket& ticket) {
+            (job.get()->*step)();
+            if (!ticket.finish())
+                job->close();
+        };
+        if (!callHostApi(
+                job->hostApi, work, [job] { return job->call.load(); }, deadline.left())) {
+            job->context->retired = true;
+            return false;
+        }
+        return !reportFailure(*job);
+    };
+    const bool opened = call(&OpenJob::open);
+    if (opened)
+        prepareEngine(*job);
+    if (!opened || !call(&OpenJob::start)) {
         setSelectedDevice(-1);
         return false;
     }
-    setSelectedDevice(index);
+    streamRuns(*job, index);
     return true;
 }
 
-bool PaAudioOutput::findSampleRate(const PaStreamParameters& parameters, double& sampleRate)
+bool PaAudioOutput::reportFailure(const OpenJob& job)
 {
-    sampleRate = PREFERRED_RATE;
-    const PaError error = Pa_IsFormatSupported(nullptr, &parameters, sampleRate);
-    if (error == paInvalidSampleRate) {
+    const QLatin1StringView call(job.call);
+    if (job.rate != PREFERRED_RATE && call == QLatin1StringView("Pa_OpenStream"))
         qWarning() << "Got invalid sample rate for 44100";
-        sampleRate = Pa_GetDeviceInfo(parameters.device)->defaultSampleRate;
-    } else if (error != paFormatIsSupported) {
-        qCritical() << "Output format not supported";
-        report("Pa_IsFormatSupported", error);
+    if (job.error == paNoError)
         return false;
-    }
+    if (call == QLatin1StringView("Pa_IsFormatSupported"))
+        qCritical() << "Output format not supported";
+    report(job.call, job.error);
     return true;
 }
 
-/// Opens and starts a stream; the callback may run before this returns.
-struct PaAudioOutput::OpenJob
+/// Between the opening of a stream and its start, when no block runs: libpd learns the rate.
+void PaAudioOutput::prepareEngine(const OpenJob& job)
 {
-    PaStreamParameters parameters{};
-    double sampleRate = 0.0;
-    unsigned long frames = 0;
-    std::shared_ptr<StreamContext> context;
+    qWarning() << "Selecting device" << indexOf(job.parameters.device)
+               << "with latency:" << job.parameters.suggestedLatency << "frames per buffer:" << job.frames
+               << "sample rate:" << job.rate << "channel count:" << CHANNELS;
+    qWarning() << "PaStream opened with output latency" << job.info.outputLatency << "and sample rate"
+               << job.info.sampleRate;
+    const double real = job.info.sampleRate > 0.0 ? job.info.sampleRate : job.rate;
+    if (std::lround(real) != std::lround(job.rate))
+        qWarning() << "The stream has another sample rate than the one asked for: libpd is told" << real;
+    if (mContext && mContext->inBlock) // a patch that never comes out of its block
+        return;
+    player()->initAudio(CHANNELS, static_cast<int>(std::lround(real)));
+    mGain = 0.0F; // the first block fades in
+}
 
-    PaStream* stream = nullptr;
-    PaStreamInfo info{};
-    bool opened = false;
-    PaError error = paNoError;
-    std::atomic<const char*> call = "Pa_OpenStream"; // the one under way, or the one that failed
-
-    void run(BoundedCall::Ticket& ticket)
-    {
-        error = Pa_OpenStream(&stream, nullptr, &parameters, sampleRate, frames, paNoFlag,
-                              &PaAudioOutput::portAudioCallback, context.get());
-        if (error == paNoError) {
-            opened = true;
-            if (const PaStreamInfo* streamInfo = Pa_GetStreamInfo(stream))
-                info = *streamInfo;
-            call = "Pa_StartStream";
-            error = Pa_StartStream(stream);
-        } else {
-            stream = nullptr;
-        }
-        const bool inTime = ticket.finish();
-        if (stream && (error != paNoError || !inTime)) {
-            Pa_CloseStream(stream);
-            stream = nullptr;
-        }
-    }
-};
-
-bool PaAudioOutput::openStream(int paIndex, int index)
+void PaAudioOutput::streamRuns(const OpenJob& job, int index)
 {
-    const PaDeviceInfo* device = Pa_GetDeviceInfo(paIndex);
-    PaStreamParameters parameters{};
-    parameters.device = paIndex;
-    parameters.channelCount = CHANNELS;
-    parameters.sampleFormat = paFloat32;
-    parameters.suggestedLatency = (device->defaultLowOutputLatency + device->defaultHighOutputLatency) * 0.5;
-
-    double sampleRate = 0.0;
-    if (!findSampleRate(parameters, sampleRate))
-        return false;
-    qWarning() << "Selecting device" << index << "with latency:" << parameters.suggestedLatency
-               << "frames per buffer:" << framesPerBuffer() << "sample rate:" << sampleRate
-               << "channel count:" << CHANNELS;
-    player()->initAudio(CHANNELS, static_cast<int>(sampleRate));
-
-    const auto job = std::make_shared<OpenJob>();
-    job->parameters = parameters;
-    job->sampleRate = sampleRate;
-    job->frames = static_cast<unsigned long>(framesPerBuffer());
-    job->context = std::make_shared<StreamContext>();
-    job->context->output = this;
-    if (!callHostApi(
-            device->hostApi, [job](BoundedCall::Ticket& ticket) { job->run(ticket); },
-            [job] { return job->call.load(); })) {
-        job->context->retired = true;
-        return false;
-    }
-    if (job->opened)
-        qWarning() << "PaStream opened with output latency" << job->info.outputLatency << "and sample rate"
-                   << job->info.sampleRate;
-    if (job->error != paNoError) {
-        report(job->call, job->error);
-        return false;
-    }
-    mStream = job->stream;
-    mContext = job->context;
-    mStreamApi = device->hostApi;
     qWarning() << "PaStream started";
-    return true;
+    mStream = job.stream;
+    mContext = job.context;
+    mStreamApi = job.hostApi;
+    mDeviceName = mDeviceNames.value(index);
+    mLost = false;
+    const double rate = job.info.sampleRate > 0.0 ? job.info.sampleRate : job.rate;
+    mBlockWatch.start(mClock.elapsed(), player()->handOver().blocks(),
+                      std::lround(1000.0 * framesPerBuffer() / rate));
+    mWatchTimer.start(LOOK_INTERVAL_MS);
+    setSelectedDevice(index);
+    emit deviceOpened(mDeviceName);
 }
 
 /// False when the call was given up, or not made because an earlier one is still inside. `name` is
 /// that of PortAudio's function under way.
 bool PaAudioOutput::callHostApi(int hostApi, const std::function<void(BoundedCall::Ticket&)>& call,
-                                const std::function<const char*()>& name)
+                                const std::function<const char*()>& name, milliseconds limit)
 {
-    CallGate& gate = mGates[hostApi];
+    CallGate& gate = mLibrary->gates[hostApi];
     const bool wasStuck = gate.isStuck();
-    if (gate.run(call, LONGEST_CALL))
+    if (gate.run(call, limit))
         return true;
     const QString text =
         wasStuck
@@ -286,45 +465,224 @@ bool PaAudioOutput::callHostApi(int hostApi, const std::function<void(BoundedCal
     return false;
 }
 
-bool PaAudioOutput::hasStuckCall() const
+bool PaAudioOutput::closeDevice()
 {
-    return std::any_of(mGates.begin(), mGates.end(), [](const auto& gate) { return gate.second.isStuck(); });
+    return closeStream(Deadline(LONGEST_CLOSE));
 }
 
-bool PaAudioOutput::closeDevice()
+/// It owns what it touches, since it may be given up.
+struct PaAudioOutput::CloseJob
+{
+    PortAudioLibrary* library;
+    PaStream* stream;
+    std::shared_ptr<StreamContext> context; // kept as long as its callback may run
+    PaError stopError = paNoError;
+    PaError closeError = paNoError;
+
+    void run()
+    {
+        stopError = library->stopStream(stream);
+        closeError = library->closeStream(stream);
+    }
+};
+
+bool PaAudioOutput::closeStream(const Deadline& deadline)
 {
     if (!mStream)
         return true;
-    struct CloseJob
-    {
-        PaStream* stream;
-        std::shared_ptr<StreamContext> context; // kept as long as its callback may run
-        PaError stopError = paNoError;
-        PaError closeError = paNoError;
-    };
-    const auto job = std::make_shared<CloseJob>(CloseJob{mStream, mContext});
+    if (streamDied() && mLibrary->isJack(mStreamApi)) {
+        leaveStream();
+        return true;
+    }
+    mHeld = true;
+    waitForSilence();
+    const auto job = std::make_shared<CloseJob>(CloseJob{mLibrary, mStream, mContext});
     qWarning() << "Stopping stream...";
     const bool answered = callHostApi(
-        mStreamApi,
-        [job](BoundedCall::Ticket&) {
-            job->stopError = Pa_StopStream(job->stream);
-            job->closeError = Pa_CloseStream(job->stream);
-        },
-        [] { return "Pa_StopStream"; });
-    mContext->retired = true;
-    mStream = nullptr;
-    mContext.reset();
+        mStreamApi, [job](BoundedCall::Ticket&) { job->run(); }, [] { return "Pa_StopStream"; },
+        deadline.left(LONGEST_CLOSE));
+    mHeld = false;
     if (!answered) {
-        setSelectedDevice(-1);
+        forgetStream();
         return true;
     }
     if (job->stopError != paNoError)
         report("Pa_StopStream", job->stopError);
     qWarning() << "Closing stream...";
-    setSelectedDevice(-1);
+    forgetStream();
     if (job->closeError != paNoError)
         report("Pa_CloseStream", job->closeError);
     return job->closeError != paUnanticipatedHostError;
+}
+
+/// What a stream's end leaves: its callback touches nothing any more.
+void PaAudioOutput::forgetStream()
+{
+    mContext->retired = true;
+    QElapsedTimer timer;
+    timer.start();
+    while (mContext->inBlock && timer.elapsed() < LONGEST_BLOCK_MS)
+        QThread::msleep(1);
+    mStream = nullptr;
+    setSelectedDevice(-1);
+}
+
+// ---------------------------------------------------------------- a device that goes away
+
+/// The callback never ends a stream, so one that is not active has lost its device or server.
+bool PaAudioOutput::streamDied() const
+{
+    return mStream && mLibrary->isStreamActive(mStream) != 1;
+}
+
+void PaAudioOutput::watch()
+{
+    const unsigned late = mUnderruns + mOverruns;
+    if (late != mLateBlocksTold)
+        emit lateBlocksCounted(mLateBlocksTold = late);
+    if (mStream) {
+        const bool still = mBlockWatch.look(mClock.elapsed(), player()->handOver().blocks());
+        // A block that does not end is the patch's fault, not the device's.
+        if (streamDied() || (still && !mContext->inBlock))
+            giveUpStream();
+    } else if (mReturn) {
+        followReturn();
+    } else if (mLost && mClock.elapsed() >= mNextTryMs) {
+        startReturn();
+    }
+}
+
+/// Without waiting for a server.
+void PaAudioOutput::giveUpStream()
+{
+    qCritical().noquote() << "The sound device is gone:" << mDeviceName;
+    if (streamDied() && mLibrary->isJack(mStreamApi)) {
+        leaveStream();
+    } else {
+        const auto job = std::make_shared<CloseJob>(CloseJob{mLibrary, mStream, mContext});
+        mLibrary->gates[mStreamApi].start([job](BoundedCall::Ticket&) { job->run(); });
+        forgetStream();
+    }
+    lose(mDeviceName);
+}
+
+/// With a stream whose JACK server died the whole library is left.
+void PaAudioOutput::leaveStream()
+{
+    mLibrary->keep(mContext);
+    forgetStream();
+    leaveLibrary();
+}
+
+void PaAudioOutput::leaveLibrary()
+{
+    JackEpoch::end(mLibrary->jackEpoch);
+    if (PortAudioLibrary* copy = PortAudioLibrary::loadCopy())
+        mLibrary = copy;
+    else
+        qCritical() << "The sound comes back when the program is started again.";
+}
+
+void PaAudioOutput::lose(const QString& name)
+{
+    if (name.isEmpty())
+        return;
+    mDeviceName = name;
+    mLost = true;
+    mReadAnew = false;
+    mNextTryMs = mClock.elapsed() + FIRST_TRY_MS;
+    mWatchTimer.start(LOOK_INTERVAL_MS);
+    emit deviceLost(name);
+}
+
+void PaAudioOutput::tryAgain()
+{
+    if (mReadAnew) // the first try comes soon enough
+        mNextTryMs = 0;
+}
+
+/// The first try goes by the list that there is: a server that only stood still needs no other. A call
+/// that is still inside is waited for: it comes back when the server does, or dies.
+void PaAudioOutput::startReturn()
+{
+    if (mLibrary->isStuck())
+        return;
+    const bool anew = mReadAnew || !mLibrary->isStarted;
+    if (anew && mLibrary->isStarted && mLibrary->jackEpoch != JackEpoch::current())
+        leaveLibrary();
+    mReturn = std::make_shared<ReturnJob>(
+        ReturnJob{mLibrary, mDeviceName, framesPerBuffer(), this, anew, paNoError, nullptr, false});
+    callReturn(&ReturnJob::find);
+}
+
+void PaAudioOutput::callReturn(void (ReturnJob::*step)())
+{
+    mReturnTicket = mReturnGate.start([job = mReturn, step](BoundedCall::Ticket& ticket) {
+        (job.get()->*step)();
+        if (!ticket.finish() && job->opening)
+            job->opening->close();
+    });
+    mWatchTimer.start(RETURN_INTERVAL_MS);
+}
+
+/// When a call of the return has come back.
+void PaAudioOutput::followReturn()
+{
+    if (mReturnGate.isStuck())
+        return;
+    const std::shared_ptr<OpenJob> opening = mReturn->opening;
+    const bool failed = !opening || opening->error != paNoError;
+    if (!mReturn->starting)
+        takeList();
+    if (!failed && !mReturn->starting) {
+        prepareEngine(*opening);
+        mReturn->starting = true;
+        callReturn(&ReturnJob::start);
+        return;
+    }
+    mReturn.reset();
+    mWatchTimer.start(LOOK_INTERVAL_MS);
+    if (!failed) {
+        streamRuns(*opening, indexOf(opening->parameters.device));
+        return;
+    }
+    mReadAnew = true;
+    mNextTryMs = mClock.elapsed() + TRY_AGAIN_MS;
+    if (opening && mLibrary->isJack(opening->hostApi)) // its client outlived the server
+        leaveLibrary();
+}
+
+/// What the return has read.
+void PaAudioOutput::takeList()
+{
+    const QStringList former = mDeviceNames;
+    if (mReturn->anew && mLibrary->isStarted) {
+        readDevices();
+        if (mDeviceNames != former)
+            emit devicesChanged();
+    }
+}
+
+/// False when the return is inside a call that does not end.
+bool PaAudioOutput::stopReturn(const Deadline& deadline)
+{
+    mLost = false;
+    if (!mReturn)
+        return true;
+    const Deadline patience(deadline.left(LONGEST_RETURN));
+    while (mReturnGate.isStuck() && patience.left() > milliseconds(0))
+        QThread::msleep(5);
+    if (mReturnGate.isStuck())
+        return false;
+    takeList();
+    const auto opening = mReturn->opening;
+    mReturn.reset();
+    if (!opening || !opening->stream)
+        return true;
+    opening->context->retired = true;
+    return callHostApi(
+        opening->hostApi, [opening](BoundedCall::Ticket&) { opening->close(); },
+        [] { return "Pa_CloseStream"; }, deadline.left());
 }
 
 // ---------------------------------------------------------------- mute
@@ -332,6 +690,12 @@ bool PaAudioOutput::closeDevice()
 void PaAudioOutput::muteOutput()
 {
     mMuted = true;
+    waitForSilence();
+}
+
+/// No longer than a fade takes.
+void PaAudioOutput::waitForSilence() const
+{
     QElapsedTimer timer;
     timer.start();
     while (!mSilent && timer.elapsed() < LONGEST_FADE_MS)
@@ -360,7 +724,7 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
 {
     setFlushToZero();
     unsigned long rendered = 0; // frames
-    const bool muted = mMuted;
+    const bool muted = mMuted || mHeld;
     // A callback that comes late finds a mute and, in the ring, the closing of the patch at once:
     // the block that fades must still have the patch.
     const bool fadesOut = muted && mGain > 0.0F;
@@ -382,12 +746,20 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
 }
 
 int PaAudioOutput::portAudioCallback(const void*, void* output, unsigned long frames,
-                                     const PaStreamCallbackTimeInfo*, PaStreamCallbackFlags, void* userData)
+                                     const PaStreamCallbackTimeInfo*, PaStreamCallbackFlags flags,
+                                     void* userData)
 {
-    const auto* context = static_cast<StreamContext*>(userData);
-    if (context->retired.load(std::memory_order_acquire))
+    auto* context = static_cast<StreamContext*>(userData);
+    context->inBlock = true;
+    if (context->retired) {
         std::memset(output, 0, frames * CHANNELS * sizeof(float));
-    else
+    } else {
+        if ((flags & paOutputUnderflow) != 0)
+            context->output->mUnderruns.fetch_add(1, std::memory_order_relaxed);
+        if ((flags & paOutputOverflow) != 0)
+            context->output->mOverruns.fetch_add(1, std::memory_order_relaxed);
         context->output->renderBlock(static_cast<float*>(output), frames);
+    }
+    context->inBlock = false;
     return paContinue;
 }

@@ -1,23 +1,23 @@
 #pragma once
 
 #include "sound/AudioOutput.h"
-#include "sound/CallGate.h"
+#include "sound/BlockWatch.h"
+#include "sound/PortAudioLibrary.h"
 
+#include <QElapsedTimer>
 #include <QHash>
-
-#include <portaudio.h>
+#include <QTimer>
 
 #include <atomic>
-#include <map>
 #include <memory>
 
 /// The sound device on PortAudio: two output channels, no input. Its callback is the clock of the
 /// whole sound engine.
 ///
-/// A sound server that was killed or frozen keeps PortAudio waiting for minutes. Calls that reach
-/// it are bounded: after a few seconds the stream is given up, its callback retired, and the
-/// program goes on without sound until a device is chosen: one of another host API, or one of the
-/// same when the server has answered after all.
+/// A sound server that was killed or frozen keeps PortAudio waiting for minutes. Calls that reach it
+/// are bounded: after a few seconds the stream is given up, its callback retired, and the program goes
+/// on without sound. A device that went away is looked for every few seconds, on another thread, until
+/// it is back or another one is chosen; the engine and its notes live on meanwhile.
 class PaAudioOutput : public AudioOutput
 {
     Q_OBJECT
@@ -33,6 +33,7 @@ public:
     bool selectDevice(int index) override;
     void muteOutput() override;
     void unmuteOutput() override;
+    void tryAgain() override;
 
     /// With no stream it does nothing and returns true.
     bool closeDevice();
@@ -47,30 +48,66 @@ public:
                                  void* userData);
 
 private:
-    /// What a stream's callback is given. It outlives this object if the stream was given up.
-    struct StreamContext
-    {
-        PaAudioOutput* output;
-        std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
-    };
+    class Deadline;
+    struct StreamContext;
     struct OpenJob;
+    struct CloseJob;
+    struct ReturnJob;
 
     static void report(const char* call, int error);
-    bool callHostApi(int hostApi, const std::function<void(BoundedCall::Ticket&)>& call,
-                     const std::function<const char*()>& name);
-    bool hasStuckCall() const;
+    static bool reportFailure(const OpenJob& job);
+    bool startLibrary(std::chrono::milliseconds limit);
+    void readDevices() const;
     int paIndexOf(int& index) const;
-    bool findSampleRate(const PaStreamParameters& parameters, double& sampleRate);
-    bool openStream(int paIndex, int index);
+    int indexOf(int paIndex) const { return mDeviceMap.key(paIndex, 0); }
+
+    bool changeDevice(int index, const Deadline& deadline);
+    bool openStream(int paIndex, int index, const Deadline& deadline);
+    void prepareEngine(const OpenJob& job);
+    void streamRuns(const OpenJob& job, int index);
+    bool closeStream(const Deadline& deadline);
+    void forgetStream();
+    bool callHostApi(int hostApi, const std::function<void(BoundedCall::Ticket&)>& call,
+                     const std::function<const char*()>& name, std::chrono::milliseconds limit);
+
+    void watch();
+    bool streamDied() const;
+    void giveUpStream();
+    void leaveStream();
+    void leaveLibrary();
+    void lose(const QString& name);
+    void startReturn();
+    void callReturn(void (ReturnJob::*step)());
+    void followReturn();
+    void takeList();
+    bool stopReturn(const Deadline& deadline);
+
+    void waitForSilence() const;
     void applyMute(float* output, unsigned long frames, bool muted);
 
+    PortAudioLibrary* mLibrary = PortAudioLibrary::linked(); // not owned, lives for ever
     PaStream* mStream = nullptr;
-    std::shared_ptr<StreamContext> mContext;
-    bool mInitialised = false;
-    std::map<int, CallGate> mGates; // by PortAudio's host API
+    std::shared_ptr<StreamContext> mContext; // of the last stream
     int mStreamApi = -1;
     mutable QHash<int, int> mDeviceMap; // device list index to PortAudio's
-    std::atomic<bool> mMuted{false};
+    mutable QStringList mDeviceNames;   // the list
+    QString mDeviceName;                // of the stream, or of the one that is lost
+
+    QTimer mWatchTimer;
+    QElapsedTimer mClock;
+    BlockWatch mBlockWatch;
+    bool mLost = false;     // and looked for
+    bool mReadAnew = false; // by the next try
+    qint64 mNextTryMs = 0;
+    std::shared_ptr<ReturnJob> mReturn; // under way while there is one; then it alone has the library
+    std::shared_ptr<BoundedCall::Ticket> mReturnTicket;
+    CallGate mReturnGate;
+    unsigned mLateBlocksTold = 0;
+
+    std::atomic<unsigned> mUnderruns{0};
+    std::atomic<unsigned> mOverruns{0};
+    std::atomic<bool> mMuted{false}; // by a caller
+    std::atomic<bool> mHeld{false};  // while the device changes
     // Either way the mute fades over one block, so that it does not click.
     float mGain = 1.0F;               // [audio] at the end of the last block
     std::atomic<bool> mSilent{false}; // that it has reached 0

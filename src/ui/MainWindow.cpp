@@ -4,6 +4,7 @@
 #include "app/ApplicationServices.h"
 #include "app/Settings.h"
 #include "model/Orlo.h"
+#include "sound/AudioOutput.h"
 #include "sound/EngineRelay.h"
 #include "sound/PdPlayer.h"
 #include "ui/DiagnosticsDialog.h"
@@ -13,6 +14,7 @@
 #include "ui/OrloLeavesWidget.h"
 #include "ui/OrloView.h"
 #include "ui/PitchTexts.h"
+#include "ui/StatusLine.h"
 #include "ui/TweakDialog.h"
 #include "ui_MainWindow.h"
 #include "update/UpdateDialog.h"
@@ -98,6 +100,7 @@ MainWindow::MainWindow(Orlo* orlo)
     onTransposeChanged();
     makeDevelopmentDialogs();
     mOptionsDialog = new OptionsDialog(this);
+    makeStatusLine();
     ui->transposeWidget->highlight(mHighlightedRow, true);
     applicationUpdateCheck();
     repopulateChordBankMenu();
@@ -221,6 +224,14 @@ void MainWindow::makeDevelopmentDialogs()
     mTweakDialog = new TweakDialog(this);
     for (const GeometryConstant& constant : GEOMETRY_CONSTANTS)
         mTweakDialog->addInt(QLatin1StringView(constant.name), constant.value);
+}
+
+void MainWindow::makeStatusLine()
+{
+    auto* line = new StatusLine(ui->centralStack);
+    line->follow(app::audioOutput());
+    line->follow(app::midiOutput());
+    connect(line, &StatusLine::tryAgainRequested, app::audioOutput(), &AudioOutput::tryAgain);
 }
 
 void MainWindow::applicationUpdateCheck()

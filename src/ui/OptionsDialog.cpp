@@ -272,6 +272,13 @@ void OptionsDialog::onOneOneFreqEditEditingFinished()
 
 // ---------------------------------------------------------------- devices
 
+void OptionsDialog::listAudioDevices()
+{
+    mAudioDeviceMenu->clear();
+    mAudioDeviceMenu->addItems(app::audioOutput()->devices());
+    showAudioDevice();
+}
+
 void OptionsDialog::showAudioDevice()
 {
     mAudioDeviceMenu->setCurrentIndex(app::audioOutput()->selectedDevice());
@@ -287,10 +294,10 @@ void OptionsDialog::onAudioDeviceMenuActivated(int index)
 {
     AudioOutput* output = app::audioOutput();
     const int former = output->selectedDevice();
+    const QString name = mAudioDeviceMenu->itemText(index); // the list may change
     if (!output->selectDevice(index)) {
-        notice::show(
-            this, QMessageBox::Critical,
-            QStringLiteral("Failed to open audio device %1.").arg(mAudioDeviceMenu->itemText(index)));
+        notice::show(this, QMessageBox::Critical,
+                     QStringLiteral("Failed to open audio device %1.").arg(name));
         output->selectDevice(former);
     }
     showAudioDevice();

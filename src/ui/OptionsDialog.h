@@ -86,6 +86,7 @@ private:
     void addSwitches(QVBoxLayout* layout);
 
     void loadData();
+    void listAudioDevices();
     void showAudioDevice();
     void showMidi();
     void markNote();

@@ -203,18 +203,18 @@ void OptionsDialog::addDeviceRows(QGridLayout* grid)
         setUpMenu(menu);
     for (QComboBox* menu : {mAudioDeviceMenu, mMidiDeviceMenu}) // names longer than the menu
         connect(menu, &QComboBox::currentTextChanged, menu, &QWidget::setToolTip);
-    mAudioDeviceMenu->addItems(app::audioOutput()->devices());
+    listAudioDevices();
     mMidiDeviceMenu->addItem(MidiOutput::deactivatedName());
     mMidiDeviceMenu->addItems(app::midiOutput()->availablePorts());
     mMidiChannelMenu->addItem(QStringLiteral("MPE"));
     for (int channel = 1; channel <= MidiOutput::CHANNELS; ++channel)
         mMidiChannelMenu->addItem(QStringLiteral("MTS Ch ") + QString::number(channel));
-    showAudioDevice();
     showMidi();
     connect(mAudioDeviceMenu, &QComboBox::activated, this, &OptionsDialog::onAudioDeviceMenuActivated);
     connect(mMidiDeviceMenu, &QComboBox::activated, this, &OptionsDialog::onMidiOutputDeviceMenuActivated);
     connect(mMidiChannelMenu, &QComboBox::activated, this, &OptionsDialog::onMidiOutputChannelMenuActivated);
     connect(app::audioOutput(), &AudioOutput::selectedDeviceChanged, this, &OptionsDialog::showAudioDevice);
+    connect(app::audioOutput(), &AudioOutput::devicesChanged, this, &OptionsDialog::listAudioDevices);
     connect(app::midiOutput(), &MidiOutput::portLost, this, &OptionsDialog::onMidiPortLost);
     connect(app::midiOutput(), &MidiOutput::portBack, this, &OptionsDialog::onMidiPortBack);
 

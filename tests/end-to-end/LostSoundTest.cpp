@@ -37,6 +37,24 @@ TEST_F(LostSound, EndsInOrderAfterTheSoundServerDied)
     expectOrderlyEnd();
 }
 
+TEST_F(LostSound, ComesBackWithItsNoteWhenTheServerDoes)
+{
+    ASSERT_NO_FATAL_FAILURE(play());
+    const int n = qEnvironmentVariableIntValue("ORLO_RESTARTS");
+    for (int i = 0; i < std::max(2, n); ++i) {
+        desk.killSound();
+        recorder.reset();
+        ASSERT_TRUE(desk.restartSound());
+        QElapsedTimer t; t.start();
+        recorder = std::make_unique<Recorder>(desk.soundServer());
+        ASSERT_TRUE(recorder->connectToProgram());
+        EXPECT_TRUE(recorder->waitForSound());
+        printf("%d: %lld ms\n", i, t.elapsed());
+        EXPECT_TRUE(soundsAt(ROOT));
+    }
+    expectOrderlyEnd();
+}
+
 TEST_F(LostSound, ChangesThePatchAndEndsWhileTheSoundServerStandsStill)
 {
     ASSERT_NO_FATAL_FAILURE(play());

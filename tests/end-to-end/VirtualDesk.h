@@ -49,6 +49,8 @@ public:
     bool act(const QString& commands) const;
 
     void killSound();
+    /// The killed server again, under its name.
+    bool restartSound() { return startSoundServer(); }
     void freezeSound();
     void thawSound();
 

@@ -1,0 +1,33 @@
+#include "sound/BlockWatch.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::int64_t PATIENCE_MS = 1800;
+
+} // namespace
+
+void BlockWatch::start(std::int64_t nowMs, std::uint64_t blocks, std::int64_t blockMs)
+{
+    mLastLook = nowMs;
+    mBlocks = blocks;
+    mBlockMs = blockMs;
+    mStillMs = 0;
+    mPatienceMs = 2 * (PATIENCE_MS + blockMs);
+}
+
+bool BlockWatch::look(std::int64_t nowMs, std::uint64_t blocks)
+{
+    // However late a look comes, it stands for one interval: the blocks may have stood still with it.
+    const std::int64_t passed = std::min(nowMs - mLastLook, INTERVAL_MS);
+    mLastLook = nowMs;
+    if (blocks != mBlocks) {
+        mBlocks = blocks;
+        mStillMs = 0;
+        mPatienceMs = PATIENCE_MS + 2 * mBlockMs;
+        return false;
+    }
+    mStillMs += passed;
+    return mStillMs > mPatienceMs;
+}
