@@ -1,5 +1,7 @@
 #include "external/MidiPort.h"
 
+#include "sound/JackEpoch.h"
+
 #include <RtMidi.h>
 
 #include <QtGlobal>
@@ -9,6 +11,7 @@
 #endif
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -17,15 +20,15 @@ constexpr const char* PORT_NAME = "RtMidi Output";
 // what may be under way until the server has shown that it lives.
 constexpr std::size_t MOST_UNANSWERED = 4096;
 constexpr std::size_t LENGTH_BYTES = 4; // RtMidi puts them before each message
-constexpr int TRIES = 3;
+constexpr int TRIES = 4;
 
-/// How often this thread has gone to sleep by itself so far.
-long timesAsleep()
+/// How often another thread has run in this one's place so far.
+long timesAside()
 {
 #ifdef Q_OS_LINUX
     rusage usage{};
     if (getrusage(RUSAGE_THREAD, &usage) == 0)
-        return usage.ru_nvcsw;
+        return usage.ru_nvcsw + usage.ru_nivcsw;
 #endif
     return 0;
 }
@@ -39,40 +42,73 @@ MidiPort::MidiPort(Factory factory)
 
 MidiPort::~MidiPort() = default;
 
+bool MidiPort::isJack() const
+{
+    return mOutput && mOutput->getCurrentApi() == RtMidi::UNIX_JACK;
+}
+
 RtMidiOut& MidiPort::output()
 {
-    if (!mOutput)
+    if (!mOutput) {
+        mJackEpoch = JackEpoch::current();
         mOutput = mFactory();
+    }
     return *mOutput;
+}
+
+/// Looks too whether JACK's server has gone since there was one: this new client made the former ones
+/// of other parts of the program invalid then.
+unsigned int MidiPort::countPorts()
+{
+    RtMidiOut& made = output();
+    if (mOpen || !isJack())
+        return made.getPortCount();
+    bool hasServer = true;
+    made.setErrorCallback(
+        [](RtMidiError::Type, const std::string&, void* has) { *static_cast<bool*>(has) = false; }, &hasServer);
+    const unsigned int count = made.getPortCount();
+    made.setErrorCallback(nullptr);
+    if (std::exchange(mHadServer, hasServer) && !hasServer)
+        JackEpoch::end(mJackEpoch);
+    return count;
 }
 
 void MidiPort::releaseIdle()
 {
-    if (!mOpen && mOutput && mOutput->getCurrentApi() == RtMidi::UNIX_JACK)
+    if (!mOpen && isJack())
         mOutput.reset();
 }
 
 void MidiPort::check()
 {
-    output();
+    countPorts();
     releaseIdle();
 }
 
 std::vector<std::string> MidiPort::names()
 {
     std::vector<std::string> found;
-    const unsigned int count = output().getPortCount();
+    const unsigned int count = countPorts();
     for (unsigned int i = 0; i < count; ++i)
         found.push_back(output().getPortName(i));
     releaseIdle();
     return found;
 }
 
+std::optional<std::size_t> MidiPort::find(const std::string& name)
+{
+    const std::vector<std::string> all = names();
+    const auto found = std::find(all.begin(), all.end(), name);
+    if (found == all.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(found - all.begin());
+}
+
 std::optional<std::string> MidiPort::open(std::size_t index)
 {
     close();
     const auto number = static_cast<unsigned int>(index);
-    if (index >= output().getPortCount()) {
+    if (index >= countPorts()) {
         releaseIdle();
         return std::nullopt;
     }
@@ -82,23 +118,21 @@ std::optional<std::string> MidiPort::open(std::size_t index)
     mName = output().getPortName(number);
     mSinceAnswer = 0;
     // Where it does not show now that the server answers, it would not later.
-    mAsksServer = output().getCurrentApi() == RtMidi::UNIX_JACK && serverAnswers();
+    mAsksServer = isJack() && serverAnswers();
     return mName;
 }
 
 std::optional<std::string> MidiPort::open(const std::string& name)
 {
-    const std::vector<std::string> all = names();
-    const auto found = std::find(all.begin(), all.end(), name);
-    if (found == all.end())
-        return std::nullopt;
-    return open(static_cast<std::size_t>(found - all.begin()));
+    const std::optional<std::size_t> index = find(name);
+    return index ? open(*index) : std::nullopt;
 }
 
 void MidiPort::close()
 {
     if (!mOpen)
         return;
+    checkServer();
     mOpen = false;
     mOutput->closePort();
     releaseIdle();
@@ -107,6 +141,8 @@ void MidiPort::close()
 void MidiPort::abandon() noexcept
 {
     try {
+        if (mOpen)
+            checkServer();
         for (int channel = 0; mOpen && channel < midi::CHANNELS; ++channel)
             send(midi::allNotesOff(channel));
     } catch (const RtMidiError&) { // nobody is there to hear it
@@ -120,36 +156,48 @@ void MidiPort::abandon() noexcept
 
 void MidiPort::send(std::span<const midi::Byte> message)
 {
-    mSinceAnswer += message.size() + LENGTH_BYTES;
+    const std::size_t size = message.size() + LENGTH_BYTES;
+    mSinceAnswer += size;
     if (mAsksServer && mSinceAnswer > MOST_UNANSWERED) {
-        if (!serverAnswers())
-            throw RtMidiError("The MIDI server is gone.", RtMidiError::DRIVER_ERROR);
-        mSinceAnswer = message.size() + LENGTH_BYTES;
+        checkServer();
+        mSinceAnswer = size;
     }
     mOutput->sendMessage(message.data(), message.size());
 }
 
 bool MidiPort::isStillThere()
 {
-    if (mOutput->getPortName(static_cast<unsigned int>(mIndex)) != mName) {
-        const std::vector<std::string> all = names();
-        const auto found = std::find(all.begin(), all.end(), mName);
-        if (found == all.end())
-            return false;
-        mIndex = static_cast<std::size_t>(found - all.begin());
-    }
-    return !mAsksServer || serverAnswers();
+    checkServer();
+    if (mOutput->getPortName(static_cast<unsigned int>(mIndex)) == mName)
+        return true;
+    const std::optional<std::size_t> index = find(mName);
+    mIndex = index.value_or(mIndex);
+    return index.has_value();
+}
+
+/// Throws when JACK's server is dead, and leaves it.
+void MidiPort::checkServer()
+{
+    const bool isFormer = isJack() && mJackEpoch != JackEpoch::current();
+    if (!isFormer && (!mAsksServer || serverAnswers()))
+        return;
+    JackEpoch::end(mJackEpoch);
+    mOpen = mAsksServer = false;
+    // Not even its end may reach into the client library.
+    [[maybe_unused]] const RtMidiOut* left = mOutput.release();
+    throw RtMidiError("The MIDI server is gone.", RtMidiError::DRIVER_ERROR);
 }
 
 /// Gives the port its name once more, which changes nothing, but asks JACK's server and waits for its
-/// answer. A frozen server keeps this thread asleep; a dead one shows in that it did not sleep. One
-/// that lives may answer before it has to.
+/// answer. A frozen server keeps this thread asleep. That a dead one is not asked at all RtMidi does
+/// not tell, but then no other thread has had its turn meanwhile. One that lives can be so quick too,
+/// though not again and again.
 bool MidiPort::serverAnswers()
 {
     for (int i = 0; i < TRIES; ++i) {
-        const long before = timesAsleep();
+        const long before = timesAside();
         mOutput->setPortName(PORT_NAME);
-        if (timesAsleep() != before)
+        if (timesAside() != before)
             return true;
     }
     return false;

@@ -15,8 +15,8 @@ class RtMidiOut;
 /// threads inside one RtMidiOut corrupt it. Each call may throw RtMidiError, and may wait for the
 /// MIDI server as long as that is frozen, but never spins.
 ///
-/// No client of JACK is kept while no port is open: a later client of this process would pull it
-/// from under RtMidi once the server has died.
+/// A client of JACK whose server has died is left alone for ever (JackEpoch), and none is kept while no
+/// port is open.
 class MidiPort
 {
 public:
@@ -47,12 +47,18 @@ public:
 
 private:
     RtMidiOut& output();
+    unsigned int countPorts();
+    std::optional<std::size_t> find(const std::string& name);
     void releaseIdle();
+    bool isJack() const;
     bool serverAnswers();
+    void checkServer();
 
     const Factory mFactory;
     std::unique_ptr<RtMidiOut> mOutput;
     bool mOpen = false;
+    unsigned mJackEpoch = 0; // in which the output was made
+    bool mHadServer = false; // JACK's, when a client was made last
     bool mAsksServer = false;
     std::size_t mIndex = 0;
     std::string mName;

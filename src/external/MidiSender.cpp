@@ -4,6 +4,13 @@
 
 #include <RtMidi.h>
 
+#include <QtGlobal>
+
+#ifdef Q_OS_LINUX
+#include <pthread.h>
+#include <sched.h>
+#endif
+
 #include <array>
 #include <atomic>
 #include <condition_variable>
@@ -145,12 +152,13 @@ void MidiSender::Core::callPort(Call&& call)
 
 void MidiSender::Core::perform(const Request& request)
 {
+    const bool wasOpen = port.isOpen();
     try {
         request.work(port);
     } catch (const RtMidiError& error) {
         request.answer->error = error.getMessage();
     }
-    if (!port.isOpen()) {
+    if (!wasOpen && port.isOpen()) {
         failed = false;
         overflowed = false;
     }
@@ -224,8 +232,13 @@ std::optional<std::string> MidiSender::failure()
 {
     const std::int64_t since = mCore->sendingSince;
     const std::int64_t inside = since == 0 ? 0 : nowMs() - since;
-    if (inside > LONGEST_SEND.count())
+    if (inside > LONGEST_SEND.count()) {
         giveUp();
+#ifdef Q_OS_LINUX
+        const sched_param none{};
+        pthread_setschedparam(mThread.native_handle(), SCHED_IDLE, &none); // it may be spinning
+#endif
+    }
     if (mCore->abandoned)
         return "The MIDI system does not answer.";
     if (mCore->failed) {

@@ -269,9 +269,18 @@ TEST_F(OptionsDialogTest, TheMidiMenusOpenAndClosePorts)
     dialog->close();
     midi.system->sendsFail = true;
     midi.voiceOn(0, 100);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !midi.portOpen; }));
     report();
     EXPECT_EQ(boxes(), 1);
     EXPECT_EQ(ports->currentIndex(), 0);
+    midi.system->sendsFail = false;
+    ASSERT_TRUE(QTest::qWaitFor([this] { return midi.portOpen.load(); }));
+    EXPECT_EQ(ports->currentText().toStdString(), "Synth:in");
+    midi.system->sendsFail = true;
+    midi.voiceOn(0, 100);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !midi.portOpen; }));
+    choose(ports, "- deactivated -"); // is shown already, but the port is waited for
+    EXPECT_TRUE(midi.missingPort().isEmpty());
 }
 
 TEST_F(OptionsDialogTest, GlissandoRangesApplyAtTheEndOfTheirEdit)
