@@ -125,8 +125,8 @@ public:
     void setMaxVoices(int voices);
     int maxVoices() const { return mMaxVoices; }
 
-    /// [any] What sounded, and was not released, after the last block; in the order in which it
-    /// was started. Never blocks, and never half of two blocks.
+    /// [any] What sounded, and was not released, after the last block; in the order in which
+    /// the notes came. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
     /// [audio] In the order of selection, and of alteration.
     QList<OrloRatio> getAllSelectedRatios() const { return selectedNodes.toList(); }
@@ -234,8 +234,8 @@ private:
     float sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency);
     bool multiplyTransposition(const OrloRatio& by);
     void toggleLater();
-    /// The live list; getAllSoundingRatios() is of the block before.
     using SoundingRatios = boost::container::static_vector<OrloRatio, VoiceTable::SLOTS>;
+    /// The live list; getAllSoundingRatios() is of the block before.
     SoundingRatios soundingNow() const;
     void clearInstruction();
     void addToInstruction(int voice, float value1, float value2);

@@ -64,7 +64,7 @@ bool PdPlayer::init()
     for (RatioList* list : {&heldNodes, &cachedSounding})
         list->reserve(VoiceTable::SLOTS);
     alteredParameters.reserve(MANY_NODES);
-    soundingParameters.reserve(2 * VoiceTable::SLOTS); // a note that fades may have one besides
+    soundingParameters.reserve(VoiceTable::SLOTS);
     for (std::vector<OrloRatio>* list : {&mToggleLater, &mToggleNow, &mFormerlySelected})
         list->reserve(MANY_NODES);
     return true;
