@@ -96,19 +96,18 @@ bool PatchHandOver::await(const std::function<bool()>& done, const std::function
 {
     QElapsedTimer waited;
     waited.start();
-    while (!isOver()) {
+    while (!isOver() && Milliseconds(waited.elapsed()) < limit) {
         if (done())
             return true;
-        if (sinceLastBlock() < mLimits.stalled) {
-            QThread::usleep(POLL_US);
-        } else if (tryTakeEngine()) {
+        // Before the first block of all there is no stream to wait for.
+        const bool stalled = sinceLastBlock() >= mLimits.stalled || mSeenBlock == 0;
+        if (stalled && tryTakeEngine()) {
             runAside(drain);
             ++mDrained;
-        } else if (patienceEnds(waited, limit)) {
+        } else if (stalled && patienceEnds(waited, limit)) {
             return false;
-        } else {
-            QThread::usleep(POLL_US);
         }
+        QThread::usleep(POLL_US);
     }
     return false;
 }
@@ -153,7 +152,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
 {
     QElapsedTimer waited;
     waited.start();
-    while (isOver() || !tryTakeEngine()) {
+    while (!tryTakeEngine()) {
         if (isOver() || patienceEnds(waited, mLimits.change)) {
             qCritical() << "The audio thread does not come out of a block.";
             return false;

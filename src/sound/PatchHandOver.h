@@ -39,7 +39,7 @@ public:
         std::chrono::milliseconds again{500};
     };
     /// Where the program is about to end, for a block of any kind.
-    static constexpr std::chrono::milliseconds LONGEST_AT_END{1000};
+    static constexpr std::chrono::milliseconds LONGEST_AT_END{500};
     /// [gui] Long enough for the patch to fade its master volume.
     static constexpr unsigned long FADE_MS = 100;
 
@@ -64,7 +64,7 @@ public:
     bool request(Change change, const std::function<void()>& queue, const std::function<void()>& drain);
 
     /// [gui] Waits until `ready`, which the next blocks bring about; for `drain` see request(). False
-    /// when a block takes too long.
+    /// when that takes too long.
     bool waitUntil(const std::function<bool()>& ready, const std::function<void()>& drain);
 
     /// [gui] Runs `work` while no block runs. False, without running it, when a block does not end.
