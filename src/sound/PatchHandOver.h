@@ -38,8 +38,14 @@ public:
         /// may have slept.
         std::chrono::milliseconds again{500};
     };
-    /// Where the program is about to end, for a block of any kind.
-    static constexpr std::chrono::milliseconds LONGEST_AT_END{500};
+    /// When the program is about to end, and everything is saved.
+    static Limits limitsAtEnd()
+    {
+        Limits limits;
+        limits.change = std::chrono::milliseconds(1000);
+        limits.work = std::chrono::milliseconds(500);
+        return limits;
+    }
     /// [gui] Long enough for the patch to fade its master volume.
     static constexpr unsigned long FADE_MS = 100;
 

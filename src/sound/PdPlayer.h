@@ -68,7 +68,7 @@ public:
     /// must end without destroying the player.
     bool isSoundOver() const { return mHandOver.isOver(); }
     /// [gui] Waits until queueEventGui() has room for so many more, which the next blocks make. False
-    /// when a block does not end.
+    /// when that takes too long.
     bool waitForRoom(int events);
 
     /// [audio] Drains both command buffers, the device's first.

@@ -79,7 +79,7 @@ void PdPlayer::initAudio(int channels, int sampleRate)
 void PdPlayer::term()
 {
     qWarning() << "PdPlayer::term...";
-    mHandOver.setLimits({.change = PatchHandOver::LONGEST_AT_END, .work = PatchHandOver::LONGEST_AT_END});
+    mHandOver.setLimits(PatchHandOver::limitsAtEnd());
     unloadPatch();
 }
 

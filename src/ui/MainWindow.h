@@ -62,8 +62,8 @@ public:
     void refreshChordButtons();
     void clearAllChordButtons();
 
-    /// Copies the voice file into the runtime folder and opens the patch. An empty path does
-    /// nothing; a failure ends at a message box, and the window goes on.
+    /// Tries the voice file, copies it into the runtime folder and opens the patch. An empty path does
+    /// nothing; a failure ends at a message box, and the former voice plays on.
     void loadPatch(const QString& path);
     /// By index in the menu.
     void patch_by_Index(int index);
@@ -228,7 +228,7 @@ private:
     QString mLastPreset = QStringLiteral("*");
     bool mAltDown = false;
     bool mRestricted = false;
-    int mCurrentPatch = -1;                  // index in the menu
+    int mCurrentPatch = -1; // index in the menu
     bool mChangingVoice = false;
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
