@@ -23,7 +23,11 @@ protected:
     void expectOrderlyEnd()
     {
         ASSERT_TRUE(program->type(u"f"_s));
-        EXPECT_EQ(program->quit(), 0);
+        QElapsedTimer timer;
+        timer.start();
+        ::kill(static_cast<pid_t>(program->processId()), SIGTERM);
+        EXPECT_EQ(program->waitForExit(), 0);
+        EXPECT_LT(timer.elapsed(), 5000);
         EXPECT_TRUE(options()[u"circlesView"_s].toBool());
     }
     /// The recorder cannot leave a server that stands still.
@@ -37,21 +41,19 @@ TEST_F(LostSound, EndsInOrderAfterTheSoundServerDied)
     expectOrderlyEnd();
 }
 
-TEST_F(LostSound, ComesBackWithItsNoteWhenTheServerDoes)
+TEST_F(LostSound, ComesBackWithItsNoteAsOftenAsTheServerDoes)
 {
     ASSERT_NO_FATAL_FAILURE(play());
-    const int n = qEnvironmentVariableIntValue("ORLO_RESTARTS");
-    for (int i = 0; i < std::max(2, n); ++i) {
+    for (int restart = 0; restart < 2; ++restart) {
         desk.killSound();
-        recorder.reset();
+        recorder.reset(); // its client would keep this process from the next server
+        EXPECT_TRUE(waitUntil([&] { return log().count(u"The sound device is gone: "_s) == restart + 1; }));
         ASSERT_TRUE(desk.restartSound());
-        QElapsedTimer t; t.start();
         recorder = std::make_unique<Recorder>(desk.soundServer());
         ASSERT_TRUE(recorder->connectToProgram());
-        EXPECT_TRUE(recorder->waitForSound());
-        printf("%d: %lld ms\n", i, t.elapsed());
         EXPECT_TRUE(soundsAt(ROOT));
     }
+    ASSERT_TRUE(press("/") && recorder->waitForSilence());
     expectOrderlyEnd();
 }
 
@@ -72,6 +74,7 @@ TEST_F(LostSound, ChangesThePatchAndEndsWhileTheSoundServerStandsStill)
     EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
     desk.freezeSound();
     expectOrderlyEnd();
+    EXPECT_EQ(options()[u"audioDevice"_s].toInt(-1), 0) << "the lost device is not forgotten";
 }
 
 TEST_F(LostSound, AVoiceThatLoopsForEverCostsNothingButTheSound)

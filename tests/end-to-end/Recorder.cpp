@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::array<const char*, Recorder::CHANNELS> PROGRAM_OUTPUTS{"Brevick Tuning Orlo:out_0",
-                                                              "Brevick Tuning Orlo:out_1"};
+                                                                      "Brevick Tuning Orlo:out_1"};
 constexpr double SILENT_BELOW = 1e-5; // full scale is 1
 constexpr double SOUNDS_ABOVE = 1e-3;
 constexpr double SILENCE_SECONDS = 0.1;

@@ -19,6 +19,7 @@ TEST(CallGate, NothingGoesInBeforeACallThatWasGivenUpIsBack)
     EXPECT_FALSE(gate.run([thawed](BoundedCall::Ticket&) { thawed.wait(); }, 20ms));
     EXPECT_TRUE(gate.isStuck());
     EXPECT_FALSE(gate.run(count, 5s));
+    EXPECT_FALSE(gate.start(count));
     EXPECT_EQ(calls, 1);
 
     thaw->set_value();

@@ -1,0 +1,43 @@
+#include "ui/StatusLine.h"
+#include "ui/WindowFixture.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+
+TEST(StatusLine, NamesTheLostDeviceAndOffersToTryAgainUntilItIsBack)
+{
+    QWidget window;
+    auto* page = new QWidget(&window);
+    page->setGeometry(50, 40, 600, 300);
+    SoundDeviceDouble device;
+    StatusLine line(page);
+    line.follow(&device);
+    const auto* label = line.findChild<QLabel*>(QStringLiteral("statusLabel"));
+    auto* button = line.findChild<QPushButton*>(QStringLiteral("tryAgainButton"));
+    const auto shows = [&](const char* text, bool offers) {
+        EXPECT_EQ(label->text().toStdString(), text);
+        EXPECT_EQ(button->isHidden(), !offers);
+        EXPECT_EQ(line.testAttribute(Qt::WA_TransparentForMouseEvents), !offers);
+        EXPECT_TRUE(page->geometry().contains(line.geometry()));
+    };
+    shows("JACK: system", false);
+    emit device.lateBlocksCounted(2);
+    shows("JACK: system, late blocks: 2", false);
+
+    device.setSelectedDevice(-1);
+    emit device.deviceLost(QStringLiteral("JACK: system"));
+    emit device.lateBlocksCounted(3);
+    shows("JACK: system is gone. Trying again ...", true);
+    const QSignalSpy asked(&line, &StatusLine::tryAgainRequested);
+    button->click();
+    EXPECT_EQ(asked.count(), 1);
+
+    line.warn(StatusLine::Midi, QStringLiteral("No MIDI."));
+    shows("JACK: system is gone. Trying again ...    No MIDI.", true);
+    device.setSelectedDevice(1);
+    emit device.deviceOpened(QStringLiteral("JACK: studio"));
+    shows("No MIDI.", false);
+    line.clear(StatusLine::Midi);
+    shows("JACK: studio, late blocks: 3", false);
+}
