@@ -1,7 +1,6 @@
 #include "external/MidiOutRtMidi.h"
 
 #include "app/DebugLog.h"
-#include "sound/JackEpoch.h"
 
 #include <cstdlib>
 #include <optional>
@@ -89,10 +88,6 @@ void MidiOutRtMidi::term()
     if (isRtMidiOpen()) {
         silence();
         callRtMidi("closing", [](RtMidiOut& output) { output.closePort(); });
-    }
-    if (JackEpoch::current() != 0 && rtMidiOut) {
-        new std::shared_ptr<RtMidiOut>(std::move(rtMidiOut));
-        return;
     }
     // Its end disconnects from the server too; one that hangs in a call is not waited for again.
     const auto last = std::make_shared<std::shared_ptr<RtMidiOut>>(std::move(rtMidiOut));
