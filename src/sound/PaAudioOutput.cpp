@@ -200,7 +200,7 @@ PaAudioOutput::PaAudioOutput(QObject* parent)
 PaAudioOutput::~PaAudioOutput()
 {
     // A start-up that failed half way does not come through term().
-    if (mLibrary->isStarted)
+    if (!mEnded)
         term();
 }
 
@@ -217,11 +217,15 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
     setPlayer(player);
     if (!startLibrary(LONGEST_START))
         return false;
+    mEnded = false;
     qWarning() << "PortAudio initialised.";
     qDebug() << "PortAudio version number:" << Pa_GetVersion();
     qDebug() << "PortAudio version text:" << Pa_GetVersionText();
     devices();
-    return selectDevice(device) || selectDevice(-1);
+    const bool opened = selectDevice(device) || selectDevice(-1);
+    if (!opened) // a start that fails looks for nothing
+        mWatchTimer.stop();
+    return opened;
 }
 
 /// False, with a report, when it fails or does not answer.
@@ -243,13 +247,18 @@ void PaAudioOutput::term()
     qWarning() << "PaAudioOutput::term...";
     const Deadline deadline(LONGEST_END);
     mWatchTimer.stop();
-    if (!stopReturn(deadline))
+    mEnded = true;
+    const bool returnHangs = !stopReturn(deadline);
+    if (returnHangs) {
         mReturnTicket->giveUp();
+        if (mReturn->starting)
+            mReturn->opening->context->retired = true;
+    }
     closeStream(deadline);
     if (mUnderruns > 0 || mOverruns > 0)
         qWarning() << "Late blocks: underruns:" << mUnderruns << "overruns:" << mOverruns;
     // PortAudio cannot be ended while a call is inside, or after its JACK client has gone.
-    if (mReturn || !mLibrary->isStarted)
+    if (returnHangs || !mLibrary->isStarted)
         return;
     mLibrary->isStarted = false;
     if (mLibrary->isStuck() || mLibrary->jackEpoch != JackEpoch::current())
@@ -547,7 +556,7 @@ void PaAudioOutput::watch()
             giveUpStream();
     } else if (mReturn) {
         followReturn();
-    } else if (mLost && mClock.elapsed() >= mNextTryMs) {
+    } else if (mLost && mCanReturn && mClock.elapsed() >= mNextTryMs) {
         startReturn();
     }
 }
@@ -580,7 +589,7 @@ void PaAudioOutput::leaveLibrary()
     if (PortAudioLibrary* copy = PortAudioLibrary::loadCopy())
         mLibrary = copy;
     else
-        qCritical() << "The sound comes back when the program is started again.";
+        mCanReturn = false;
 }
 
 void PaAudioOutput::lose(const QString& name)
@@ -605,7 +614,7 @@ void PaAudioOutput::tryAgain()
 /// that is still inside is waited for: it comes back when the server does, or dies.
 void PaAudioOutput::startReturn()
 {
-    if (mLibrary->isStuck())
+    if (mLibrary->isStuck() || mReturnGate.isStuck())
         return;
     const bool anew = mReadAnew || !mLibrary->isStarted;
     if (anew && mLibrary->isStarted && mLibrary->jackEpoch != JackEpoch::current())

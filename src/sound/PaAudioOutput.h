@@ -98,6 +98,8 @@ private:
     BlockWatch mBlockWatch;
     bool mLost = false;     // and looked for
     bool mReadAnew = false; // by the next try
+    bool mCanReturn = true; // false when JACK's server died and there is no copy of PortAudio
+    bool mEnded = true;     // not started, or brought to its end
     qint64 mNextTryMs = 0;
     std::shared_ptr<ReturnJob> mReturn; // under way while there is one; then it alone has the library
     std::shared_ptr<BoundedCall::Ticket> mReturnTicket;
