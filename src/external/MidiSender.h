@@ -3,6 +3,7 @@
 #include "external/MidiBytes.h"
 #include "external/MidiPort.h"
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
