@@ -75,7 +75,10 @@ public:
     using MidiOutRtMidi::waitUntilSent;
 
 protected:
-    std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api) const override { return std::make_unique<NoOutput>(); }
+    std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api) const override
+    {
+        return std::make_unique<NoOutput>();
+    }
 };
 
 template <class Work>

@@ -29,7 +29,8 @@ QList<int> asList(const midi::Bytes& bytes)
 /// What stands for no port among the options.
 bool isNoPort(const QString& name)
 {
-    return name.isEmpty() || name == MidiOutput::deactivatedName() || name == QLatin1StringView("deactivated");
+    return name.isEmpty() || name == MidiOutput::deactivatedName()
+           || name == QLatin1StringView("deactivated");
 }
 
 void logFailure(const char* what, const std::string& why)
@@ -158,8 +159,7 @@ void MidiOutRtMidi::send(std::span<const midi::Byte> message)
 QStringList MidiOutRtMidi::availablePorts() const
 {
     const auto names = std::make_shared<std::vector<std::string>>();
-    const auto answer =
-        callSender("listing the ports", [names](MidiPort& port) { *names = port.names(); });
+    const auto answer = callSender("listing the ports", [names](MidiPort& port) { *names = port.names(); });
     qDebug() << "Midi Output ports available:";
     if (!answer)
         return {};
@@ -188,9 +188,8 @@ bool MidiOutRtMidi::selectPort(int index)
     if (index < 0)
         return false;
     const auto name = std::make_shared<std::optional<std::string>>();
-    const auto answer = callSender("opening", [name, index](MidiPort& port) {
-        *name = port.open(static_cast<std::size_t>(index));
-    });
+    const auto answer = callSender(
+        "opening", [name, index](MidiPort& port) { *name = port.open(static_cast<std::size_t>(index)); });
     return answer && *name && usePort(QString::fromStdString(**name));
 }
 
@@ -284,7 +283,8 @@ void MidiOutRtMidi::lookForPort()
             mSender->giveUp();
         if (mSender->isGivenUp())
             mSearch.reset();
-    } else if (mSinceSearch.hasExpired(MidiSender::lostThreads() > 0 ? SEARCH_BESIDE_LOST_MS : SEARCH_INTERVAL_MS)
+    } else if (mSinceSearch.hasExpired(MidiSender::lostThreads() > 0 ? SEARCH_BESIDE_LOST_MS
+                                                                     : SEARCH_INTERVAL_MS)
                && sender()) {
         const auto name = std::make_shared<std::optional<std::string>>();
         const auto open = [name, wanted = wantedPort.toStdString()](MidiPort& port) {
@@ -382,7 +382,8 @@ void MidiOutRtMidi::bendVoices(QList<int> voices, QList<float> frequencies)
     const qsizetype count = qMin(voices.size(), frequencies.size());
     for (qsizetype i = 0; i < count; ++i) {
         for (int held = 0; held < CHANNELS; ++held) {
-            if (channelActive[static_cast<size_t>(held)] && channelVoice[static_cast<size_t>(held)] == voices.at(i))
+            if (channelActive[static_cast<size_t>(held)]
+                && channelVoice[static_cast<size_t>(held)] == voices.at(i))
                 sendBend(held, frequencies.at(i));
         }
     }

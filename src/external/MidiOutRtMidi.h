@@ -8,7 +8,9 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <array>
 #include <memory>
+#include <optional>
 
 /// The MIDI output over RtMidi.
 ///
@@ -65,7 +67,10 @@ protected:
     /// Throws RtMidiError when the API does not come up. Called on the sender's thread.
     virtual std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api api) const;
     /// Waits until all that was sent has reached RtMidi.
-    bool waitUntilSent() const { return mSender && mSender->run([](MidiPort&) {}); }
+    bool waitUntilSent() const
+    {
+        return mSender && mSender->run([](MidiPort&) {});
+    }
 
 private:
     using Answer = MidiSender::Answer;

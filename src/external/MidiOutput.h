@@ -105,7 +105,7 @@ public:
 signals:
     /// [gui] The port failed and was closed. It is opened again as soon as it is back.
     void portLost(QString name);
-    /// [gui]
+    /// [gui] The port that was missing is open.
     void portBack(QString name);
 
 protected:

@@ -65,7 +65,8 @@ unsigned int MidiPort::countPorts()
         return made.getPortCount();
     bool hasServer = true;
     made.setErrorCallback(
-        [](RtMidiError::Type, const std::string&, void* has) { *static_cast<bool*>(has) = false; }, &hasServer);
+        [](RtMidiError::Type, const std::string&, void* has) { *static_cast<bool*>(has) = false; },
+        &hasServer);
     const unsigned int count = made.getPortCount();
     made.setErrorCallback(nullptr);
     if (std::exchange(mHadServer, hasServer) && !hasServer)

@@ -16,6 +16,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -25,7 +26,6 @@ using std::chrono::milliseconds;
 constexpr std::size_t RING_BYTES = 65536; // some 9,000 notes
 constexpr milliseconds POLL{1};
 constexpr milliseconds WATCH{1000};
-constexpr milliseconds SLOW{100};
 
 std::atomic<int> theLostThreads{0};
 
@@ -64,6 +64,7 @@ struct MidiSender::Core
     std::array<midi::Byte, midi::tuningChangeSize(256)> message;
 
     std::atomic<std::int64_t> sendingSince{0}; // ms; 0 while nothing is being sent
+    std::atomic<unsigned> sends{0};            // that came back
     std::atomic<bool> overflowed{false};
     std::atomic<bool> failed{false};
     std::atomic<bool> abandoned{false};
@@ -148,6 +149,7 @@ void MidiSender::Core::callPort(Call&& call)
         fail(error.getMessage());
     }
     sendingSince = 0;
+    ++sends;
 }
 
 void MidiSender::Core::perform(const Request& request)
@@ -245,7 +247,10 @@ std::optional<std::string> MidiSender::failure()
         const std::lock_guard lock(mCore->mutex);
         return mCore->why;
     }
-    if (mCore->overflowed && inside < SLOW.count()) // else it may be stuck, which is worse
+    const unsigned sends = mCore->sends;
+    const bool moves = std::exchange(mSendsSeen, sends) != sends;
+    const bool overflowed = mCore->overflowed;
+    if (std::exchange(mOverflowSeen, overflowed) && overflowed && moves) // else it may be stuck
         return "The device does not keep up.";
     return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include "external/MidiBytes.h"
 #include "external/MidiPort.h"
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -66,4 +67,6 @@ private:
 
     const std::shared_ptr<Core> mCore; // shared with the thread
     std::thread mThread;
+    unsigned mSendsSeen = 0;    // [gui] at the last look for a failure
+    bool mOverflowSeen = false; // [gui] one look later it shows whether the thread goes on
 };

@@ -25,7 +25,7 @@ struct MidiSystem
     QList<int> apisTried;
     std::atomic<bool> opensFail{false};
     std::atomic<bool> sendsFail{false};
-    std::atomic<bool> sendsHang{false}; // until it is false again
+    std::atomic<bool> sendsHang{false};    // until it is false again
     std::atomic<bool> enteredTwice{false}; // by two threads at once
     /// Hears what is sent instead of take(), on the sender's thread.
     std::function<void(std::span<const midi::Byte>)> listener;

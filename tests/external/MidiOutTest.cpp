@@ -211,12 +211,10 @@ TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
     std::array<MidiOutOverDouble, 3> outs;
     std::array<QStringList, 3> told;
     for (size_t i = 0; i < outs.size(); ++i) {
-        QObject::connect(&outs[i], &MidiOutput::portLost, &out, [&, i](const QString& lost) {
-            told[i].append(u"lost "_s + lost);
-        });
-        QObject::connect(&outs[i], &MidiOutput::portBack, &out, [&, i](const QString& back) {
-            told[i].append(u"back "_s + back);
-        });
+        QObject::connect(&outs[i], &MidiOutput::portLost, &out,
+                         [&, i](const QString& lost) { told[i].append(u"lost "_s + lost); });
+        QObject::connect(&outs[i], &MidiOutput::portBack, &out,
+                         [&, i](const QString& back) { told[i].append(u"back "_s + back); });
     }
     auto& [failing, vanishing, late] = outs;
     const LogCatcher log;

@@ -4,7 +4,8 @@
 
 void MidiReceiver::hear(std::span<const unsigned char> message)
 {
-    const bool understood = !message.empty() && (message[0] == 0xF0 ? hearTuning(message) : hearShort(message));
+    const bool understood =
+        !message.empty() && (message[0] == 0xF0 ? hearTuning(message) : hearShort(message));
     broken += understood ? 0 : 1;
 }
 
@@ -17,7 +18,9 @@ bool MidiReceiver::hearShort(std::span<const unsigned char> message)
     switch (message[0] & 0xF0) {
     case 0x80: mNotes.erase(note); return true;
     case 0x90: mNotes.insert(note); return true;
-    case 0xE0: mBend[static_cast<size_t>(channel)] = (message[2] * 128 + message[1] - 8192) / 8192.0; return true;
+    case 0xE0:
+        mBend[static_cast<size_t>(channel)] = (message[2] * 128 + message[1] - 8192) / 8192.0;
+        return true;
     case 0xB0: break;
     default: return false;
     }

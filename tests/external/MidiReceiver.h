@@ -26,8 +26,8 @@ private:
     bool hearTuning(std::span<const unsigned char> message);
 
     std::set<Note> mNotes;
-    std::map<int, double> mTuning;     // by key
-    std::array<double, 16> mBend{};    // -1 to 1
-    std::map<int, int> mControllers;   // of channel 0
-    double mRange = 2.0;               // semitones
+    std::map<int, double> mTuning;   // by key
+    std::array<double, 16> mBend{};  // -1 to 1
+    std::map<int, int> mControllers; // of channel 0
+    double mRange = 2.0;             // semitones
 };

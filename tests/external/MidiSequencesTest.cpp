@@ -71,8 +71,7 @@ public:
         std::set<int> taken;
         if (mPort >= 0) {
             for (const MidiReceiver::Note& note : devices[static_cast<size_t>(mPort)].notes()) {
-                const int voice =
-                    mMpe ? out.channelVoice[static_cast<size_t>(note.first)] : note.second - 32;
+                const int voice = mMpe ? out.channelVoice[static_cast<size_t>(note.first)] : note.second - 32;
                 ASSERT_TRUE(mVoices[static_cast<size_t>(voice)].sounds) << voice;
                 ASSERT_TRUE(heard.insert(voice).second) << voice << " sounds twice";
                 const double pitch = devices[static_cast<size_t>(mPort)].pitch(note, mMpe);
@@ -105,11 +104,14 @@ private:
     {
         return static_cast<float>(20.0 * std::pow(highest / 20.0, any(10000) / 10000.0));
     }
-    static double pitchOf(float frequency) { return 69.0 + 12.0 * std::log2(static_cast<double>(frequency) / 440.0); }
+    static double pitchOf(float frequency)
+    {
+        return 69.0 + 12.0 * std::log2(static_cast<double>(frequency) / 440.0);
+    }
 
     void start(int voice)
     {
-        stop(voice); // the player gives out free voices only
+        stop(voice);                                   // the player gives out free voices only
         const float frequency = anyFrequency(12500.0); // up to the last key
         router.receiveInstructions(PdPlayer::instructionNoteOn, {voice}, {frequency}, {0.8F});
         const auto sounding =

@@ -129,7 +129,7 @@ TEST_F(MpeOut, FrequenciesOutsideTheRangeAreClampedOnce)
         tune({0, 1}, {1.0F, 20000.0F});
     EXPECT_EQ(out.channelKey[0], 0);
     EXPECT_EQ(out.channelKey[1], 128); // the nearest to 127.99999
-    out.voiceOn(1, 100); // there is no key 128
+    out.voiceOn(1, 100);               // there is no key 128
     EXPECT_EQ(take(), "");
     AudioLog::drain();
     EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("MTS: Freq sent to MIDI below MIDI range: 1")), 1);
