@@ -472,6 +472,7 @@ void TuningOrloApplication::term()
 {
     syncToSettings();
     saveRunningChords();
+    mSettings.save(); // once more at the end; a sound system that fails on the way costs nothing then
     mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the output: the hand-over of the patch needs its callback

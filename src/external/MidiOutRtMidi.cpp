@@ -211,6 +211,7 @@ void MidiOutRtMidi::closePort()
         callSender("closing", [](MidiPort& port) { port.close(); });
     portName = deactivatedName();
     qDebug() << "Midi-Out port closed";
+    emit portReleased();
 }
 
 /// The sender has opened it.

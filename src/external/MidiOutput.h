@@ -107,6 +107,8 @@ signals:
     void portLost(QString name);
     /// [gui] The port that was missing is open.
     void portBack(QString name);
+    /// [gui] Closed by choice: none is waited for any more.
+    void portReleased();
 
 protected:
     bool onEngine(const std::function<void()>& work) const;

@@ -125,4 +125,6 @@ void StatusLine::follow(const MidiOutput* output)
 {
     connect(output, &MidiOutput::portLost, this,
             [this](const QString& name) { warn(Midi, QStringLiteral("MIDI port %1 is gone.").arg(name)); });
+    connect(output, &MidiOutput::portBack, this, [this] { clear(Midi); });
+    connect(output, &MidiOutput::portReleased, this, [this] { clear(Midi); });
 }

@@ -33,11 +33,16 @@ TEST(StatusLine, NamesTheLostDeviceAndOffersToTryAgainUntilItIsBack)
     button->click();
     EXPECT_EQ(asked.count(), 1);
 
-    line.warn(StatusLine::Midi, QStringLiteral("No MIDI."));
-    shows("JACK: system is gone. Trying again ...    No MIDI.", true);
+    MidiOutOverDouble midi;
+    line.follow(&midi);
+    emit midi.portLost(QStringLiteral("Synth:in"));
+    shows("JACK: system is gone. Trying again ...    MIDI port Synth:in is gone.", true);
     device.setSelectedDevice(1);
     emit device.deviceOpened(QStringLiteral("JACK: studio"));
-    shows("No MIDI.", false);
-    line.clear(StatusLine::Midi);
+    shows("MIDI port Synth:in is gone.", false);
+    emit midi.portBack(QStringLiteral("Synth:in"));
+    shows("JACK: studio, late blocks: 3", false);
+    emit midi.portLost(QStringLiteral("Synth:in"));
+    midi.selectPort(-1); // it is wanted no more
     shows("JACK: studio, late blocks: 3", false);
 }
