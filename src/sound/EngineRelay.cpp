@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int TRY_AGAIN_MS = 500;
+constexpr int TRY_AGAIN_MS = 5000; // the window stands still for up to two seconds each time
 constexpr std::size_t FIRST_ROOM = 4096; // ratios
 
 template <class List>
@@ -129,13 +129,16 @@ bool EngineRelay::read(Record& record)
 void EngineRelay::drain()
 {
     mWaker.answer();
+    AudioLog::drain();
+    // A receiver may run an event loop of its own, and come here again. What is newer than the state that
+    // is being told comes after it.
+    if (mResynchronising)
+        return;
     Record next;
     while (read(next))
         report(next);
-    // A receiver may run an event loop of its own, and come here again.
-    if (mLost.load(std::memory_order_relaxed) != 0 && !mResynchronising)
+    if (mLost.load(std::memory_order_relaxed) != 0)
         resynchronise();
-    AudioLog::drain();
 }
 
 void EngineRelay::report(const Record& record)
@@ -209,7 +212,8 @@ void EngineRelay::resynchronise()
             records = mRecords;
         });
         if (!ran) {
-            QTimer::singleShot(TRY_AGAIN_MS, this, &EngineRelay::drain);
+            if (!mPlayer.isSoundOver())
+                QTimer::singleShot(TRY_AGAIN_MS, this, &EngineRelay::drain);
             return;
         }
     }

@@ -153,7 +153,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
     QElapsedTimer waited;
     waited.start();
     while (!tryTakeEngine()) {
-        if (isOver() || patienceEnds(waited, mLimits.change)) {
+        if (isOver() || patienceEnds(waited, mLimits.work)) {
             qCritical() << "The audio thread does not come out of a block.";
             return false;
         }

@@ -96,7 +96,8 @@ void PdPlayer::queueEventGui(const OrloEvent* event)
 
 void PdPlayer::queueEventSerial(const OrloEvent* event)
 {
-    serialBuffer.queueEvent(event);
+    if (!isSoundOver())
+        serialBuffer.queueEvent(event);
 }
 
 void PdPlayer::queueEventFromInterface(QString source, const OrloEvent* event)

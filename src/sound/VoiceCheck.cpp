@@ -31,8 +31,8 @@ bool waitFor(QProcess& process, std::chrono::milliseconds limit)
         if (timer.hasExpired(limit.count()))
             return false;
         slice = SLICE_MS;
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents
-                                        | QEventLoop::ExcludeSocketNotifiers);
+        // The window is painted; what the engine and the system report arrives here too.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     }
     return true;
 }

@@ -95,12 +95,12 @@ MainWindow::MainWindow(Orlo* orlo)
     collectChordButtons();
     buildKeyMap();
 
+    makeStatusLine(); // before anything can be lost
     initPatchMenu();
     loadDefaultPatch();
     onTransposeChanged();
     makeDevelopmentDialogs();
     mOptionsDialog = new OptionsDialog(this);
-    makeStatusLine();
     ui->transposeWidget->highlight(mHighlightedRow, true);
     applicationUpdateCheck();
     repopulateChordBankMenu();

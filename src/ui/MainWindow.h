@@ -211,6 +211,7 @@ private:
     void addPatchToMenu(const QString& path);
     std::optional<QString> changeVoice(const QString& path);
     bool openVoicePatch(const QString& path);
+    void tellPatchFailed(const QString& path, const QString& reason);
     void tellPatch();
     void setNoPatchLoaded(bool on);
     void stepPatch(int by);
@@ -230,6 +231,7 @@ private:
     bool mRestricted = false;
     int mCurrentPatch = -1; // index in the menu
     bool mChangingVoice = false;
+    QString mNextVoice; // asked for meanwhile
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
     // Child dialogs that only a developer shows.

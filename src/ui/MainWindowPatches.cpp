@@ -17,6 +17,8 @@
 #include <QScopedValueRollback>
 #include <QStandardPaths>
 
+#include <utility>
+
 namespace {
 
 const QString NONE_LOADED = QStringLiteral("None loaded");
@@ -79,26 +81,37 @@ void MainWindow::loadDefaultPatch()
 
 void MainWindow::loadPatch(const QString& path)
 {
-    if (path.isEmpty() || mChangingVoice) // a device can ask while a voice is tried
+    if (path.isEmpty())
         return;
+    if (mChangingVoice) { // a device can ask while a voice is tried
+        mNextVoice = path;
+        return;
+    }
     const QString absolute = QFileInfo(path).absoluteFilePath();
     qWarning() << "Loading voice patch" << absolute;
     if (const std::optional<QString> reason = changeVoice(absolute)) {
-        QString text = QStringLiteral("Failed to load patch %1.").arg(absolute);
-        if (!reason->isEmpty())
-            text += QStringLiteral("\n\n") + *reason;
-        QMessageBox::critical(this, QCoreApplication::applicationName(), text, QMessageBox::Ok);
-        if (mCurrentPatch == -1)
-            setNoPatchLoaded(true);
-        else
-            ui->patchMenu->setCurrentIndex(mCurrentPatch);
-        return;
+        tellPatchFailed(absolute, *reason);
+    } else {
+        setNoPatchLoaded(false);
+        addPatchToMenu(absolute);
+        mCurrentPatch = ui->patchMenu->findData(absolute);
+        ui->patchMenu->setCurrentIndex(mCurrentPatch);
+        app::settings()->defaultPatch = ui->patchMenu->currentText() + PATCH_ENDING;
     }
-    setNoPatchLoaded(false);
-    addPatchToMenu(absolute);
-    mCurrentPatch = ui->patchMenu->findData(absolute);
-    ui->patchMenu->setCurrentIndex(mCurrentPatch);
-    app::settings()->defaultPatch = ui->patchMenu->currentText() + PATCH_ENDING;
+    if (!mNextVoice.isEmpty())
+        loadPatch(std::exchange(mNextVoice, QString()));
+}
+
+void MainWindow::tellPatchFailed(const QString& path, const QString& reason)
+{
+    QMessageBox box(QMessageBox::Critical, QCoreApplication::applicationName(),
+                    QStringLiteral("Failed to load patch %1.").arg(path), QMessageBox::Ok, this);
+    box.setInformativeText(reason);
+    box.exec();
+    if (mCurrentPatch == -1)
+        setNoPatchLoaded(true);
+    else
+        ui->patchMenu->setCurrentIndex(mCurrentPatch);
 }
 
 /// Nothing once the voice plays; otherwise what is wrong with it, which can be an empty text. The former

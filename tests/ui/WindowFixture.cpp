@@ -34,7 +34,7 @@ void BoxAnswers::timerEvent(QTimerEvent*)
     const Answer answer = mAnswers.isEmpty() ? Answer{false, QString()} : mAnswers.takeFirst();
     const auto press = [](QWidget* button) { QTest::mouseClick(button, Qt::LeftButton); };
     if (auto* message = qobject_cast<QMessageBox*>(box)) {
-        mShown.append(message->text());
+        mShown.append(message->text() + message->informativeText());
         QAbstractButton* button = message->button(answer.accept ? QMessageBox::Yes : QMessageBox::No);
         press(button ? button : message->button(QMessageBox::Ok));
         return;
