@@ -449,6 +449,7 @@ void PaAudioOutput::streamRuns(const OpenJob& job, int index)
     mStreamApi = job.hostApi;
     mDeviceName = mDeviceNames.value(index);
     mLost = false;
+    mStuckLimitMs = LONGEST_STUCK_MS;
     const double rate = job.info.sampleRate > 0.0 ? job.info.sampleRate : job.rate;
     mBlockWatch.start(mClock.elapsed(), player()->handOver().blocks(),
                       std::lround(1000.0 * framesPerBuffer() / rate));
@@ -580,12 +581,12 @@ void PaAudioOutput::leaveStream()
 {
     mLibrary->keep(mContext);
     forgetStream();
+    JackEpoch::end(mLibrary->jackEpoch);
     leaveLibrary();
 }
 
 void PaAudioOutput::leaveLibrary()
 {
-    JackEpoch::end(mLibrary->jackEpoch);
     if (PortAudioLibrary* copy = PortAudioLibrary::loadCopy())
         mLibrary = copy;
     else
@@ -599,6 +600,7 @@ void PaAudioOutput::lose(const QString& name)
     mDeviceName = name;
     mLost = true;
     mReadAnew = false;
+    mStuckUntilMs = mClock.elapsed() + mStuckLimitMs;
     mNextTryMs = mClock.elapsed() + FIRST_TRY_MS;
     mWatchTimer.start(LOOK_INTERVAL_MS);
     emit deviceLost(name);
@@ -611,11 +613,20 @@ void PaAudioOutput::tryAgain()
 }
 
 /// The first try goes by the list that there is: a server that only stood still needs no other. A call
-/// that is still inside is waited for: it comes back when the server does, or dies.
+/// that is still inside is waited for: it comes back when the server does, or dies. One that does not
+/// even then is left, with its library.
 void PaAudioOutput::startReturn()
 {
-    if (mLibrary->isStuck() || mReturnGate.isStuck())
+    if (mReturnGate.isStuck())
         return;
+    if (mLibrary->isStuck()) {
+        // ALSA's plugin for JACK never comes back from a server that died.
+        if (mLibrary->isJack(mStreamApi) || mClock.elapsed() < mStuckUntilMs)
+            return;
+        mStuckUntilMs = mClock.elapsed() + (mStuckLimitMs *= 2);
+        leaveLibrary();
+        mReadAnew = true;
+    }
     const bool anew = mReadAnew || !mLibrary->isStarted;
     if (anew && mLibrary->isStarted && mLibrary->jackEpoch != JackEpoch::current())
         leaveLibrary();
@@ -657,8 +668,10 @@ void PaAudioOutput::followReturn()
     }
     mReadAnew = true;
     mNextTryMs = mClock.elapsed() + TRY_AGAIN_MS;
-    if (opening && mLibrary->isJack(opening->hostApi)) // its client outlived the server
+    if (opening && mLibrary->isJack(opening->hostApi)) { // its client outlived the server
+        JackEpoch::end(mLibrary->jackEpoch);
         leaveLibrary();
+    }
 }
 
 /// What the return has read.

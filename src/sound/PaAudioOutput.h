@@ -48,6 +48,9 @@ public:
                                  void* userData);
 
 private:
+    // Doubled each time, since each copy stays in memory.
+    static constexpr qint64 LONGEST_STUCK_MS = 8000;
+
     class Deadline;
     struct StreamContext;
     struct OpenJob;
@@ -101,6 +104,8 @@ private:
     bool mCanReturn = true; // false when JACK's server died and there is no copy of PortAudio
     bool mEnded = true;     // not started, or brought to its end
     qint64 mNextTryMs = 0;
+    qint64 mStuckUntilMs = 0; // then a library whose call does not come back is left
+    qint64 mStuckLimitMs = LONGEST_STUCK_MS;
     std::shared_ptr<ReturnJob> mReturn; // under way while there is one; then it alone has the library
     std::shared_ptr<BoundedCall::Ticket> mReturnTicket;
     CallGate mReturnGate;
