@@ -73,14 +73,15 @@ bool PulseServer::start()
     mServer.setStandardOutputFile(QProcess::nullDevice());
     mServer.setStandardErrorFile(QProcess::nullDevice());
     // By the system's clock the sink takes its blocks evenly, as a sound card does.
-    mServer.start(u"pulseaudio"_s,
-                  {u"-n"_s, u"--daemonize=no"_s, u"--system=no"_s, u"--use-pid-file=no"_s,
-                   u"--exit-idle-time=-1"_s, u"--disable-shm=yes"_s, u"--realtime=no"_s,
-                   u"--high-priority=no"_s, u"-L"_s,
-                   u"module-pipe-sink file=%1 rate=%2 format=float32le use_system_clock_for_timing=yes"_s
-                       .arg(mFolder.filePath(QLatin1StringView(PIPE)))
-                       .arg(VirtualDesk::SAMPLE_RATE),
-                   u"-L"_s, u"module-native-protocol-unix socket=%1 auth-anonymous=1 auth-cookie-enabled=0"_s.arg(socket)});
+    mServer.start(
+        u"pulseaudio"_s,
+        {u"-n"_s, u"--daemonize=no"_s, u"--system=no"_s, u"--use-pid-file=no"_s, u"--exit-idle-time=-1"_s,
+         u"--disable-shm=yes"_s, u"--realtime=no"_s, u"--high-priority=no"_s, u"-L"_s,
+         u"module-pipe-sink file=%1 rate=%2 format=float32le use_system_clock_for_timing=yes"_s
+             .arg(mFolder.filePath(QLatin1StringView(PIPE)))
+             .arg(VirtualDesk::SAMPLE_RATE),
+         u"-L"_s,
+         u"module-native-protocol-unix socket=%1 auth-anonymous=1 auth-cookie-enabled=0"_s.arg(socket)});
     return mServer.waitForStarted() && waitUntil([&] { return QFile::exists(socket); });
 }
 
@@ -110,7 +111,7 @@ void PulseServer::listen()
             continue;
         const ssize_t bytes = ::read(mPipe, frames.data(), sizeof(frames));
         if (bytes > 0)
-            append({frames.data(), frames.data() + 1}, static_cast<size_t>(bytes) / (CHANNELS * sizeof(float)),
-                   CHANNELS);
+            append({frames.data(), frames.data() + 1},
+                   static_cast<size_t>(bytes) / (CHANNELS * sizeof(float)), CHANNELS);
     }
 }
