@@ -29,17 +29,17 @@ void PlayingFixture::start()
 
 double PlayingFixture::amplitudeNow(double frequency)
 {
-    return tone::amplitudeAt(recorder->record(LISTENING), frequency, VirtualDesk::SAMPLE_RATE);
+    return tone::amplitudeAt(ear().record(LISTENING), frequency, VirtualDesk::SAMPLE_RATE);
 }
 
 ::testing::AssertionResult PlayingFixture::soundsAt(double frequency)
 {
-    if (!recorder->waitForSound())
+    if (!ear().waitForSound())
         return ::testing::AssertionFailure() << "nothing sounds";
     std::optional<double> found;
     // The stroke's first moment is no steady sine, nor is a stretch with missing blocks.
     for (int attempt = 0; attempt < 10 && !found; ++attempt)
-        found = tone::pitch(recorder->record(LISTENING), VirtualDesk::SAMPLE_RATE);
+        found = tone::pitch(ear().record(LISTENING), VirtualDesk::SAMPLE_RATE);
     if (!found)
         return ::testing::AssertionFailure() << "what sounds is no sine";
     const double off = tone::centsBetween(*found, frequency);

@@ -29,6 +29,8 @@ protected:
         return program->click(screen->ball(ball, view));
     }
 
+    /// What the sound is heard by.
+    virtual Recording& ear() { return *recorder; }
     double amplitudeNow(double frequency);
     /// What sounds now is one sine, of this pitch.
     ::testing::AssertionResult soundsAt(double frequency);

@@ -1,23 +1,16 @@
 #include "end-to-end/Recorder.h"
 
-#include "end-to-end/VirtualDesk.h"
 #include "end-to-end/Waiting.h"
-#include "support/Tone.h"
 
 namespace {
 
 constexpr std::array<const char*, Recorder::CHANNELS> PROGRAM_OUTPUTS{"Brevick Tuning Orlo:out_0",
                                                                       "Brevick Tuning Orlo:out_1"};
-constexpr double SILENT_BELOW = 1e-5; // full scale is 1
-constexpr double SOUNDS_ABOVE = 1e-3;
-constexpr double SILENCE_SECONDS = 0.1;
 
 } // namespace
 
 Recorder::Recorder(const QString& server)
 {
-    for (auto& channel : mKept)
-        channel.resize(KEPT);
     mClient = jack_client_open("recorder", static_cast<jack_options_t>(JackNoStartServer | JackServerName),
                                nullptr, server.toLatin1().constData());
     if (!mClient)
@@ -41,14 +34,11 @@ Recorder::~Recorder()
 int Recorder::processBlock(jack_nframes_t frames, void* self)
 {
     auto* recorder = static_cast<Recorder*>(self);
-    const size_t from = recorder->mRecorded.load(std::memory_order_relaxed);
-    for (size_t channel = 0; channel < CHANNELS; ++channel) {
-        const auto* input =
+    std::array<const float*, CHANNELS> channels;
+    for (size_t channel = 0; channel < CHANNELS; ++channel)
+        channels[channel] =
             static_cast<const float*>(jack_port_get_buffer(recorder->mPorts[channel], frames));
-        for (jack_nframes_t i = 0; i < frames; ++i)
-            recorder->mKept[channel][(from + i) % KEPT] = input[i];
-    }
-    recorder->mRecorded.store(from + frames, std::memory_order_release);
+    recorder->append(channels, frames, 1);
     return 0;
 }
 
@@ -72,36 +62,4 @@ bool Recorder::connectTo(const std::array<const char*, CHANNELS>& outputs)
             return false;
     }
     return true;
-}
-
-std::vector<float> Recorder::record(double seconds, int channel)
-{
-    const auto frames = static_cast<size_t>(seconds * VirtualDesk::SAMPLE_RATE);
-    const size_t from = mRecorded.load(std::memory_order_acquire);
-    const auto enough = [&] { return mRecorded.load(std::memory_order_acquire) >= from + frames; };
-    if (!waitUntil(enough, static_cast<int>(seconds * 1000) + 10000))
-        return {};
-    std::vector<float> recording(frames);
-    for (size_t i = 0; i < frames; ++i)
-        recording[i] = mKept[static_cast<size_t>(channel)][(from + i) % KEPT];
-    return recording;
-}
-
-double Recorder::level(int channel)
-{
-    const std::vector<float> recording = record(SILENCE_SECONDS, channel);
-    return recording.empty() ? -1.0 : tone::level(recording);
-}
-
-bool Recorder::waitForSound()
-{
-    return waitUntil([this] { return level() > SOUNDS_ABOVE; });
-}
-
-bool Recorder::waitForSilence()
-{
-    return waitUntil([this] {
-        const double now = level();
-        return now >= 0.0 && now < SILENT_BELOW;
-    });
 }

@@ -1,5 +1,6 @@
 #include "end-to-end/VirtualDesk.h"
 
+#include "end-to-end/PulseServer.h"
 #include "end-to-end/Waiting.h"
 
 #include <QFile>
@@ -209,4 +210,11 @@ void VirtualDesk::freezeSound()
 void VirtualDesk::thawSound()
 {
     ::kill(static_cast<pid_t>(mJackServer.processId()), SIGCONT);
+}
+
+bool VirtualDesk::addPulse()
+{
+    mPulse = std::make_unique<PulseServer>(QDir(mFiles.path()));
+    mPulse->addTo(mEnvironment);
+    return mPulse->start();
 }

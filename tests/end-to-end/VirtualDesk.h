@@ -9,8 +9,10 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <memory>
 #include <optional>
 
+class PulseServer;
 struct xcb_connection_t;
 
 /// A test that is killed must not leave what it started behind.
@@ -48,6 +50,11 @@ public:
     /// Real pointer and key events, by an xdotool command line.
     bool act(const QString& commands) const;
 
+    /// A PulseAudio server too, for the programs that start from now on: their default sound device,
+    /// before JACK's.
+    bool addPulse();
+    PulseServer& pulse() { return *mPulse; }
+
     void killSound();
     /// The killed server again, under its name.
     bool restartSound() { return startSoundServer(); }
@@ -64,6 +71,7 @@ private:
     QTemporaryDir mFiles{QDir::tempPath() + QStringLiteral("/orlo-desk-XXXXXX")}; // ALSA splits at blanks
     QProcess mScreenServer;
     QProcess mJackServer;
+    std::unique_ptr<PulseServer> mPulse;
     xcb_connection_t* mScreen = nullptr;
     bool mHasSound = false;
     QString mSoundServer;
