@@ -260,6 +260,7 @@ bool TuningOrloApplication::startSound()
         return false;
     }
     mAudioOutput.logDevices();
+    connect(&mAudioOutput, &AudioOutput::selectedDeviceChanged, this, &TuningOrloApplication::keepDevice);
     if (!initPatchFolder())
         return startFailed(
             QStringLiteral("Initialisation of patch directory failed. This means no audio playback "
@@ -404,6 +405,13 @@ void TuningOrloApplication::syncFromSettings()
     connect(relay, &EngineRelay::monophonicChanged, &mSettings, &Settings::onMonophonicChanged);
 }
 
+/// One that is lost is wanted back at the next start.
+void TuningOrloApplication::keepDevice(int index)
+{
+    if (index != -1)
+        mSettings.audioDevice = index;
+}
+
 void TuningOrloApplication::syncToSettings()
 {
     mSettings.circlesView = mMainWindow->orloView()->view() == OrloLeavesWidget::Circles;
@@ -412,8 +420,7 @@ void TuningOrloApplication::syncToSettings()
         mSettings.windowSize = mMainWindow->size();
         mSettings.windowPos = mMainWindow->pos();
     }
-    if (mAudioOutput.selectedDevice() != -1) // one that is lost is wanted back at the next start
-        mSettings.audioDevice = mAudioOutput.selectedDevice();
+    keepDevice(mAudioOutput.selectedDevice());
     const MidiOutput* midi = mInterface.midiOutput;
     mSettings.midiOutDevice = midi->wantedPort.isEmpty() ? midi->portName : midi->wantedPort;
     mSettings.midiOutChannel = mInterface.midiOutput->channel;

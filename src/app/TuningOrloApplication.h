@@ -89,6 +89,7 @@ private:
     void loadRunningChords();
     void saveRunningChords();
     void startAutosave();
+    void keepDevice(int index);
     void showCritical(const QString& text);
     void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
 

@@ -29,7 +29,7 @@ constexpr milliseconds LONGEST_CLOSE{1500};
 constexpr milliseconds LONGEST_END{2000};
 constexpr milliseconds LONGEST_START{15000};
 constexpr milliseconds LONGEST_RETURN{1500}; // of a return that is to end
-constexpr qint64 TRY_AGAIN_MS = 2500;
+constexpr qint64 LONGEST_TRY_AGAIN_MS = 60000;
 // Until then the MIDI output has let go of its client of the same dead server.
 constexpr qint64 FIRST_TRY_MS = 1500;
 constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
@@ -91,6 +91,7 @@ struct PaAudioOutput::StreamContext
     PaAudioOutput* output;
     std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
     std::atomic<bool> inBlock{false};
+    std::atomic<std::uint64_t> calls{0}; // of the callback, retired or not
 };
 
 /// Opens a stream, and starts it. It owns what its calls touch, since they may be given up.
@@ -113,13 +114,16 @@ struct PaAudioOutput::OpenJob
         context->output = output;
     }
 
-    void open()
+    void check()
     {
         error = library->isFormatSupported(nullptr, &parameters, rate);
-        if (error == paInvalidSampleRate)
+        if (error == paInvalidSampleRate) {
             rate = deviceRate;
-        else if (error != paFormatIsSupported)
-            return;
+            error = paNoError;
+        }
+    }
+    void open()
+    {
         call = "Pa_OpenStream";
         error = library->openStream(&stream, nullptr, &parameters, rate, frames, paNoFlag,
                                     &PaAudioOutput::portAudioCallback, context.get());
@@ -136,10 +140,16 @@ struct PaAudioOutput::OpenJob
         if (error != paNoError)
             close();
     }
+    /// JACK's part of PortAudio ends the program over a stream whose server has died, so only one that
+    /// plays is closed there. Another never plays, and its context lives on.
     void close()
     {
-        if (stream)
+        if (!stream)
+            return;
+        if (!library->isJack(hostApi) || library->isStreamActive(stream) == 1)
             library->closeStream(stream);
+        else
+            new std::shared_ptr<StreamContext>(context);
         stream = nullptr;
     }
 
@@ -185,7 +195,9 @@ struct PaAudioOutput::ReturnJob
         if (paIndex < 0)
             return;
         opening = std::make_shared<OpenJob>(library, paIndex, frames, output);
-        opening->open();
+        opening->check();
+        if (opening->error == paNoError)
+            opening->open();
     }
     void start() { opening->start(); }
 };
@@ -246,7 +258,6 @@ void PaAudioOutput::term()
 {
     qWarning() << "PaAudioOutput::term...";
     const Deadline deadline(LONGEST_END);
-    mWatchTimer.stop();
     mEnded = true;
     const bool returnHangs = !stopReturn(deadline);
     if (returnHangs) {
@@ -255,10 +266,11 @@ void PaAudioOutput::term()
             mReturn->opening->context->retired = true;
     }
     closeStream(deadline);
+    mWatchTimer.stop();
     if (mUnderruns > 0 || mOverruns > 0)
         qWarning() << "Late blocks: underruns:" << mUnderruns << "overruns:" << mOverruns;
     // PortAudio cannot be ended while a call is inside, or after its JACK client has gone.
-    if (returnHangs || !mLibrary->isStarted)
+    if (returnHangs || mParked || !mLibrary->isStarted)
         return;
     mLibrary->isStarted = false;
     if (mLibrary->isStuck() || mLibrary->jackEpoch != JackEpoch::current())
@@ -286,6 +298,7 @@ void PaAudioOutput::readDevices() const
 {
     mDeviceNames.clear();
     mDeviceMap.clear();
+    mListed = mLibrary;
     if (const int count = mLibrary->getDeviceCount(); count < 0) {
         report("Pa_GetDeviceCount", count);
         return;
@@ -354,34 +367,52 @@ bool PaAudioOutput::changeDevice(int index, const Deadline& deadline)
         qCritical() << "The sound system does not answer.";
         return false;
     }
-    if (streamDied() && mLibrary->isJack(mStreamApi))
+    if (mStream && jackIsGone())
         leaveStream();
-    if (!mLibrary->isStarted) {
-        if (!startLibrary(deadline.left()))
+    // A library whose client of JACK is dead cannot open JACK's devices; a second one can.
+    for (bool again = true;; again = false) {
+        const int paIndex = findDevice(wanted, index, deadline);
+        if (paIndex == paNoDevice)
             return false;
+        const bool isJack = mLibrary->isJack(mLibrary->getDeviceInfo(paIndex)->hostApi);
+        const bool isFormer = isJack && mLibrary->jackEpoch != JackEpoch::current();
+        if (!closeStream(deadline))
+            return false;
+        if (!isFormer && openStream(paIndex, index, deadline))
+            return true;
+        if (!isJack || !again || mParked || mLibrary->isStuck() || !leaveLibrary())
+            return false;
+    }
+}
+
+/// PortAudio's index, and in `index` the list's, of the device of this name; the default one's for an
+/// empty name. paNoDevice, with a log line, when there is none.
+int PaAudioOutput::findDevice(const QString& wanted, int& index, const Deadline& deadline)
+{
+    if (!mLibrary->isStarted && !startLibrary(deadline.left()))
+        return paNoDevice;
+    if (mListed != mLibrary) {
         readDevices();
         emit devicesChanged();
     }
-    if (!wanted.isEmpty()) { // the list may have been read anew
+    if (!wanted.isEmpty() && mDeviceNames.value(index) != wanted) { // the list was read anew
         index = static_cast<int>(mDeviceNames.indexOf(wanted));
-        if (index < 0)
-            return false;
+        if (index < 0) {
+            qCritical().noquote() << "The sound device is not there:" << wanted;
+            return paNoDevice;
+        }
     }
-
     const int paIndex = paIndexOf(index);
-    if (paIndex == paNoDevice)
-        return false;
     const int count = mLibrary->getDeviceCount();
-    if (paIndex < 0 || paIndex >= count) {
-        qCritical().noquote() << QStringLiteral(
-                                     "Device index %1 passed to PaAudioOutput::selectDevice did not "
-                                     "translate to valid paIndex %2. Device count: %3.")
-                                     .arg(index)
-                                     .arg(paIndex)
-                                     .arg(count);
-        return false;
-    }
-    return closeStream(deadline) && openStream(paIndex, index, deadline);
+    if (paIndex == paNoDevice || (paIndex >= 0 && paIndex < count))
+        return paIndex;
+    qCritical().noquote() << QStringLiteral(
+                                 "Device index %1 passed to PaAudioOutput::selectDevice did not "
+                                 "translate to valid paIndex %2. Device count: %3.")
+                                 .arg(index)
+                                 .arg(paIndex)
+                                 .arg(count);
+    return paNoDevice;
 }
 
 bool PaAudioOutput::openStream(int paIndex, int index, const Deadline& deadline)
@@ -400,7 +431,11 @@ bool PaAudioOutput::openStream(int paIndex, int index, const Deadline& deadline)
         }
         return !reportFailure(*job);
     };
-    const bool opened = call(&OpenJob::open);
+    bool opened = call(&OpenJob::check);
+    if (opened) {
+        tellRate(*job);
+        opened = call(&OpenJob::open);
+    }
     if (opened)
         prepareEngine(*job);
     if (!opened || !call(&OpenJob::start)) {
@@ -413,32 +448,41 @@ bool PaAudioOutput::openStream(int paIndex, int index, const Deadline& deadline)
 
 bool PaAudioOutput::reportFailure(const OpenJob& job)
 {
-    const QLatin1StringView call(job.call);
-    if (job.rate != PREFERRED_RATE && call == QLatin1StringView("Pa_OpenStream"))
-        qWarning() << "Got invalid sample rate for 44100";
     if (job.error == paNoError)
         return false;
-    if (call == QLatin1StringView("Pa_IsFormatSupported"))
+    if (QLatin1StringView(job.call) == QLatin1StringView("Pa_IsFormatSupported"))
         qCritical() << "Output format not supported";
     report(job.call, job.error);
     return true;
 }
 
-/// Between the opening of a stream and its start, when no block runs: libpd learns the rate.
-void PaAudioOutput::prepareEngine(const OpenJob& job)
+/// Before a stream is opened.
+void PaAudioOutput::tellRate(const OpenJob& job)
 {
+    if (job.rate != PREFERRED_RATE)
+        qWarning() << "Got invalid sample rate for 44100";
     qWarning() << "Selecting device" << indexOf(job.parameters.device)
                << "with latency:" << job.parameters.suggestedLatency << "frames per buffer:" << job.frames
                << "sample rate:" << job.rate << "channel count:" << CHANNELS;
+    setEngineRate(job.rate);
+}
+
+/// Between the opening of a stream and its start, when no block runs.
+void PaAudioOutput::prepareEngine(const OpenJob& job)
+{
     qWarning() << "PaStream opened with output latency" << job.info.outputLatency << "and sample rate"
                << job.info.sampleRate;
-    const double real = job.info.sampleRate > 0.0 ? job.info.sampleRate : job.rate;
-    if (std::lround(real) != std::lround(job.rate))
-        qWarning() << "The stream has another sample rate than the one asked for: libpd is told" << real;
-    if (mContext && mContext->inBlock) // a patch that never comes out of its block
-        return;
-    player()->initAudio(CHANNELS, static_cast<int>(std::lround(real)));
+    if (job.info.sampleRate > 0.0 && std::lround(job.info.sampleRate) != std::lround(job.rate)) {
+        qWarning() << "The stream has another sample rate than the one asked for.";
+        setEngineRate(job.info.sampleRate);
+    }
     mGain = 0.0F; // the first block fades in
+}
+
+void PaAudioOutput::setEngineRate(double rate)
+{
+    if (!mContext || !mContext->inBlock) // else a patch never comes out of its block
+        player()->initAudio(CHANNELS, static_cast<int>(std::lround(rate)));
 }
 
 void PaAudioOutput::streamRuns(const OpenJob& job, int index)
@@ -450,6 +494,9 @@ void PaAudioOutput::streamRuns(const OpenJob& job, int index)
     mDeviceName = mDeviceNames.value(index);
     mLost = false;
     mStuckLimitMs = LONGEST_STUCK_MS;
+    mTryAgainMs = TRY_AGAIN_MS;
+    if (!mLibrary->isJack(mStreamApi))
+        mCanReturn = true;
     const double rate = job.info.sampleRate > 0.0 ? job.info.sampleRate : job.rate;
     mBlockWatch.start(mClock.elapsed(), player()->handOver().blocks(),
                       std::lround(1000.0 * framesPerBuffer() / rate));
@@ -496,16 +543,30 @@ struct PaAudioOutput::CloseJob
     }
 };
 
+/// A JACK stream whose callback has stopped.
+struct PaAudioOutput::ParkedStream
+{
+    CloseJob close;
+    int hostApi;
+    std::uint64_t callsThen; // of its callback
+};
+
 bool PaAudioOutput::closeStream(const Deadline& deadline)
 {
     if (!mStream)
         return true;
-    if (streamDied() && mLibrary->isJack(mStreamApi)) {
+    if (jackIsGone()) {
         leaveStream();
         return true;
     }
     mHeld = true;
+    const std::uint64_t calls = mContext->calls;
     waitForSilence();
+    if (mLibrary->isJack(mStreamApi) && !mSilent && mContext->calls == calls) {
+        parkStream();
+        mHeld = false;
+        return true;
+    }
     const auto job = std::make_shared<CloseJob>(CloseJob{mLibrary, mStream, mContext});
     qWarning() << "Stopping stream...";
     const bool answered = callHostApi(
@@ -545,15 +606,23 @@ bool PaAudioOutput::streamDied() const
     return mStream && mLibrary->isStreamActive(mStream) != 1;
 }
 
+/// The stream's server is dead: nothing may be called for the stream, nor for its library.
+bool PaAudioOutput::jackIsGone() const
+{
+    return mLibrary->isJack(mStreamApi) && (streamDied() || mLibrary->jackEpoch != JackEpoch::current());
+}
+
 void PaAudioOutput::watch()
 {
     const unsigned late = mUnderruns + mOverruns;
     if (late != mLateBlocksTold)
         emit lateBlocksCounted(mLateBlocksTold = late);
+    if (mParked)
+        followParked();
     if (mStream) {
         const bool still = mBlockWatch.look(mClock.elapsed(), player()->handOver().blocks());
         // A block that does not end is the patch's fault, not the device's.
-        if (streamDied() || (still && !mContext->inBlock))
+        if (streamDied() || jackIsGone() || (still && !mContext->inBlock))
             giveUpStream();
     } else if (mReturn) {
         followReturn();
@@ -566,14 +635,45 @@ void PaAudioOutput::watch()
 void PaAudioOutput::giveUpStream()
 {
     qCritical().noquote() << "The sound device is gone:" << mDeviceName;
-    if (streamDied() && mLibrary->isJack(mStreamApi)) {
+    if (jackIsGone()) {
         leaveStream();
+    } else if (mLibrary->isJack(mStreamApi)) {
+        parkStream();
     } else {
         const auto job = std::make_shared<CloseJob>(CloseJob{mLibrary, mStream, mContext});
         mLibrary->gates[mStreamApi].start([job](BoundedCall::Ticket&) { job->run(); });
         forgetStream();
     }
     lose(mDeviceName);
+}
+
+/// A JACK server that stands still may thaw or die, and a call for its stream that is under way when it
+/// dies ends the program. So none is made until one of both is seen.
+void PaAudioOutput::parkStream()
+{
+    qCritical() << "The sound server does not answer.";
+    mParked = std::make_shared<ParkedStream>(
+        ParkedStream{{mLibrary, mStream, mContext}, mStreamApi, mContext->calls});
+    forgetStream();
+    mWatchTimer.start(LOOK_INTERVAL_MS);
+}
+
+void PaAudioOutput::followParked()
+{
+    const ParkedStream& parked = *mParked;
+    PortAudioLibrary* library = parked.close.library;
+    if (library->isStreamActive(parked.close.stream) != 1 || library->jackEpoch != JackEpoch::current()) {
+        library->keep(parked.close.context);
+        JackEpoch::end(library->jackEpoch);
+        if (library == mLibrary && !mStream && !mReturn)
+            leaveLibrary();
+    } else if (parked.close.context->calls != parked.callsThen) {
+        const auto job = std::make_shared<CloseJob>(parked.close);
+        library->gates[parked.hostApi].start([job](BoundedCall::Ticket&) { job->run(); });
+    } else {
+        return;
+    }
+    mParked.reset();
 }
 
 /// With a stream whose JACK server died the whole library is left.
@@ -585,12 +685,14 @@ void PaAudioOutput::leaveStream()
     leaveLibrary();
 }
 
-void PaAudioOutput::leaveLibrary()
+/// False when there is no copy of it to be had.
+bool PaAudioOutput::leaveLibrary()
 {
     if (PortAudioLibrary* copy = PortAudioLibrary::loadCopy())
         mLibrary = copy;
     else
         mCanReturn = false;
+    return mCanReturn;
 }
 
 void PaAudioOutput::lose(const QString& name)
@@ -617,19 +719,19 @@ void PaAudioOutput::tryAgain()
 /// even then is left, with its library.
 void PaAudioOutput::startReturn()
 {
-    if (mReturnGate.isStuck())
+    if (mReturnGate.isStuck() || mParked)
         return;
     if (mLibrary->isStuck()) {
         // ALSA's plugin for JACK never comes back from a server that died.
-        if (mLibrary->isJack(mStreamApi) || mClock.elapsed() < mStuckUntilMs)
+        if (mLibrary->isStuckInJack() || mClock.elapsed() < mStuckUntilMs)
             return;
         mStuckUntilMs = mClock.elapsed() + (mStuckLimitMs *= 2);
-        leaveLibrary();
-        mReadAnew = true;
+        if (!leaveLibrary())
+            return;
     }
-    const bool anew = mReadAnew || !mLibrary->isStarted;
-    if (anew && mLibrary->isStarted && mLibrary->jackEpoch != JackEpoch::current())
-        leaveLibrary();
+    if (mLibrary->isStarted && mLibrary->jackEpoch != JackEpoch::current() && !leaveLibrary())
+        return;
+    const bool anew = mReadAnew || !mLibrary->isStarted || mListed != mLibrary;
     mReturn = std::make_shared<ReturnJob>(
         ReturnJob{mLibrary, mDeviceName, framesPerBuffer(), this, anew, paNoError, nullptr, false});
     callReturn(&ReturnJob::find);
@@ -655,6 +757,7 @@ void PaAudioOutput::followReturn()
     if (!mReturn->starting)
         takeList();
     if (!failed && !mReturn->starting) {
+        tellRate(*opening);
         prepareEngine(*opening);
         mReturn->starting = true;
         callReturn(&ReturnJob::start);
@@ -667,9 +770,10 @@ void PaAudioOutput::followReturn()
         return;
     }
     mReadAnew = true;
-    mNextTryMs = mClock.elapsed() + TRY_AGAIN_MS;
-    if (opening && mLibrary->isJack(opening->hostApi)) { // its client outlived the server
-        JackEpoch::end(mLibrary->jackEpoch);
+    mNextTryMs = mClock.elapsed() + mTryAgainMs;
+    // Its client may have outlived the server. Less often each time, since each copy stays in memory.
+    if (opening && mLibrary->isJack(opening->hostApi)) {
+        mTryAgainMs = qMin(2 * mTryAgainMs, LONGEST_TRY_AGAIN_MS);
         leaveLibrary();
     }
 }
@@ -772,6 +876,7 @@ int PaAudioOutput::portAudioCallback(const void*, void* output, unsigned long fr
                                      void* userData)
 {
     auto* context = static_cast<StreamContext*>(userData);
+    context->calls.fetch_add(1, std::memory_order_relaxed);
     context->inBlock = true;
     if (context->retired) {
         std::memset(output, 0, frames * CHANNELS * sizeof(float));

@@ -48,6 +48,7 @@ public:
                                  void* userData);
 
 private:
+    static constexpr qint64 TRY_AGAIN_MS = 2500;
     // Doubled each time, since each copy stays in memory.
     static constexpr qint64 LONGEST_STUCK_MS = 8000;
 
@@ -55,6 +56,7 @@ private:
     struct StreamContext;
     struct OpenJob;
     struct CloseJob;
+    struct ParkedStream;
     struct ReturnJob;
 
     static void report(const char* call, int error);
@@ -65,8 +67,11 @@ private:
     int indexOf(int paIndex) const { return mDeviceMap.key(paIndex, 0); }
 
     bool changeDevice(int index, const Deadline& deadline);
+    int findDevice(const QString& wanted, int& index, const Deadline& deadline);
     bool openStream(int paIndex, int index, const Deadline& deadline);
+    void tellRate(const OpenJob& job);
     void prepareEngine(const OpenJob& job);
+    void setEngineRate(double rate);
     void streamRuns(const OpenJob& job, int index);
     bool closeStream(const Deadline& deadline);
     void forgetStream();
@@ -75,9 +80,12 @@ private:
 
     void watch();
     bool streamDied() const;
+    bool jackIsGone() const;
     void giveUpStream();
+    void parkStream();
+    void followParked();
     void leaveStream();
-    void leaveLibrary();
+    bool leaveLibrary();
     void lose(const QString& name);
     void startReturn();
     void callReturn(void (ReturnJob::*step)());
@@ -94,6 +102,7 @@ private:
     int mStreamApi = -1;
     mutable QHash<int, int> mDeviceMap; // device list index to PortAudio's
     mutable QStringList mDeviceNames;   // the list
+    mutable const PortAudioLibrary* mListed = nullptr; // whose list that is
     QString mDeviceName;                // of the stream, or of the one that is lost
 
     QTimer mWatchTimer;
@@ -106,6 +115,8 @@ private:
     qint64 mNextTryMs = 0;
     qint64 mStuckUntilMs = 0; // then a library whose call does not come back is left
     qint64 mStuckLimitMs = LONGEST_STUCK_MS;
+    qint64 mTryAgainMs = TRY_AGAIN_MS;
+    std::shared_ptr<ParkedStream> mParked; // of a JACK server that stands still
     std::shared_ptr<ReturnJob> mReturn; // under way while there is one; then it alone has the library
     std::shared_ptr<BoundedCall::Ticket> mReturnTicket;
     CallGate mReturnGate;

@@ -97,6 +97,12 @@ bool PortAudioLibrary::isStuck() const
     return std::any_of(gates.begin(), gates.end(), [](const auto& gate) { return gate.second.isStuck(); });
 }
 
+bool PortAudioLibrary::isStuckInJack() const
+{
+    return std::any_of(gates.begin(), gates.end(),
+                       [this](const auto& gate) { return gate.second.isStuck() && isJack(gate.first); });
+}
+
 bool PortAudioLibrary::isJack(int hostApi) const
 {
     const PaHostApiInfo* info = getHostApiInfo(hostApi);

@@ -4,6 +4,7 @@
 
 #include <portaudio.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <vector>
@@ -27,6 +28,7 @@ public:
     void keep(const std::shared_ptr<void>& object) { mKept.push_back(object); }
     /// A call that was given up, or not waited for, is still inside.
     bool isStuck() const;
+    bool isStuckInJack() const;
     bool isJack(int hostApi) const;
 
     /// [any] Waits as long as it takes.
@@ -49,7 +51,7 @@ public:
 
     std::map<int, CallGate> gates; // [gui] by host API
     unsigned jackEpoch = 0;        // in which it was started
-    bool isStarted = false;
+    std::atomic<bool> isStarted = false;
 
 private:
     explicit PortAudioLibrary(void* handle);

@@ -293,11 +293,14 @@ void OptionsDialog::showMidi()
 void OptionsDialog::onAudioDeviceMenuActivated(int index)
 {
     AudioOutput* output = app::audioOutput();
-    const int former = output->selectedDevice();
+    int former = output->selectedDevice();
+    const QString formerName = mAudioDeviceMenu->itemText(former);
     const QString name = mAudioDeviceMenu->itemText(index); // the list may change
     if (!output->selectDevice(index)) {
         notice::show(this, QMessageBox::Critical,
                      QStringLiteral("Failed to open audio device %1.").arg(name));
+        if (mAudioDeviceMenu->itemText(former) != formerName)
+            former = mAudioDeviceMenu->findText(formerName);
         output->selectDevice(former);
     }
     showAudioDevice();
