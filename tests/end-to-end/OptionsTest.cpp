@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 class RunningOptions : public PlayingFixture
 {
 protected:
-    static constexpr double MOST_CLICK = -65.0; // dB of full scale
+    static constexpr double MOST_CLICK = -80.0; // dB of full scale
 
     void openAtTheSoundDevice()
     {
