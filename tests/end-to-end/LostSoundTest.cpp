@@ -19,17 +19,6 @@ protected:
         start();
         ASSERT_TRUE(press("/") && soundsAt(ROOT));
     }
-    /// The keys still work: what changes here is saved.
-    void expectOrderlyEnd()
-    {
-        ASSERT_TRUE(program->type(u"f"_s));
-        QElapsedTimer timer;
-        timer.start();
-        ::kill(static_cast<pid_t>(program->processId()), SIGTERM);
-        EXPECT_EQ(program->waitForExit(), 0);
-        EXPECT_LT(timer.elapsed(), 5000);
-        EXPECT_TRUE(options()[u"circlesView"_s].toBool());
-    }
     /// The recorder cannot leave a server that stands still.
     void TearDown() override { desk.thawSound(); }
 };

@@ -5,9 +5,11 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QJsonDocument>
 
 #include <cmath>
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +59,17 @@ bool PlayingFixture::hears(double frequency)
 bool PlayingFixture::hearsNoMore(double frequency)
 {
     return waitUntil([&] { return amplitudeNow(frequency) < 0.0001; });
+}
+
+void PlayingFixture::expectOrderlyEnd()
+{
+    ASSERT_TRUE(program->type(u"f"_s));
+    QElapsedTimer timer;
+    timer.start();
+    ::kill(static_cast<pid_t>(program->processId()), SIGTERM);
+    EXPECT_EQ(program->waitForExit(), 0);
+    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_TRUE(options()[u"circlesView"_s].toBool());
 }
 
 QJsonObject PlayingFixture::options() const

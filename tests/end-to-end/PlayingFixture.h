@@ -38,6 +38,10 @@ protected:
     bool hears(double frequency);
     bool hearsNoMore(double frequency);
 
+    /// The keys still work, the program ends in time when the system asks it to, and what changed here
+    /// is saved.
+    void expectOrderlyEnd();
+
     /// "options.json" as it lies on the disk.
     QJsonObject options() const;
     /// Before a start.

@@ -21,10 +21,9 @@ public:
     /// Leads a program's ALSA to it, as the only device.
     void addTo(QProcessEnvironment& environment) const;
 
+    /// Again too, after it was killed.
     bool start();
     void kill();
-    /// The killed server again.
-    bool restart() { return start(); }
     void freeze();
     void thaw();
 

@@ -5,8 +5,6 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
-#include <csignal>
-
 using namespace Qt::StringLiterals;
 
 /// The sound goes to PulseAudio and MIDI to JACK. What one of them does is nothing to the other.
@@ -30,7 +28,6 @@ protected:
     void TearDown() override
     {
         desk.thawSound();
-        desk.pulse().thaw();
         mListener.kill();
         mListener.waitForFinished(5000);
     }
@@ -68,16 +65,6 @@ protected:
         return desk.act((click(-6) + click(6)).repeated(times / 2)
                         + u"mousemove %1 %2"_s.arg(corner.x() + 2).arg(corner.y() + 2));
     }
-    void expectOrderlyEnd()
-    {
-        ASSERT_TRUE(program->type(u"f"_s));
-        QElapsedTimer timer;
-        timer.start();
-        ::kill(static_cast<pid_t>(program->processId()), SIGTERM);
-        EXPECT_EQ(program->waitForExit(), 0);
-        EXPECT_LT(timer.elapsed(), 5000);
-        EXPECT_TRUE(options()[u"circlesView"_s].toBool());
-    }
 
     bool onJack = false; // what is heard
 
@@ -91,7 +78,7 @@ TEST_F(TwoServers, PulseDiesAndComesBackWithItsNoteBesideMidi)
     desk.pulse().kill();
     EXPECT_TRUE(waitUntil([&] { return log().contains(u"The sound device is gone: ALSA: pulse"_s); }));
     ASSERT_TRUE(press("/3"));
-    ASSERT_TRUE(desk.pulse().restart());
+    ASSERT_TRUE(desk.pulse().start());
     EXPECT_TRUE(hears(ROOT) && hears(FIFTH));
     EXPECT_TRUE(hearsNotes(2)) << "what was pressed meanwhile waits for the blocks";
     ASSERT_TRUE(press("/5"));

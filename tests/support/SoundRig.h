@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/ClickLevel.h"
 #include "support/TestHome.h"
 
 #include "app/Settings.h"
@@ -64,5 +65,3 @@ private:
 QByteArray plainVoice(const QByteArray& factor, const QByteArray& macros = "Level(1)");
 
 float peak(const std::vector<float>& sound);
-/// The loudest of the sound's parts above 9 kHz, as dB of full scale: what a click is heard by.
-double clickLevel(const std::vector<float>& sound);
