@@ -378,9 +378,13 @@ bool PaAudioOutput::changeDevice(int index, const Deadline& deadline)
         const bool isFormer = isJack && mLibrary->jackEpoch != JackEpoch::current();
         if (!closeStream(deadline))
             return false;
+        if (isJack && mParked) {
+            qCritical() << "The sound server still does not answer, so Pa_OpenStream was not called.";
+            return false;
+        }
         if (!isFormer && openStream(paIndex, index, deadline))
             return true;
-        if (!isJack || !again || mParked || mLibrary->isStuck() || !leaveLibrary())
+        if (!isJack || !again || mLibrary->isStuck() || !leaveLibrary())
             return false;
     }
 }
@@ -667,7 +671,7 @@ void PaAudioOutput::followParked()
         JackEpoch::end(library->jackEpoch);
         if (library == mLibrary && !mStream && !mReturn)
             leaveLibrary();
-    } else if (parked.close.context->calls != parked.callsThen) {
+    } else if (parked.close.context->calls != parked.callsThen && !library->gates[parked.hostApi].isStuck()) {
         const auto job = std::make_shared<CloseJob>(parked.close);
         library->gates[parked.hostApi].start([job](BoundedCall::Ticket&) { job->run(); });
     } else {
