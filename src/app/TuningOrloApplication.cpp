@@ -373,7 +373,7 @@ void TuningOrloApplication::applyRestrictions(bool restricted)
 {
     if (mMainWindow)
         mMainWindow->applyRestrictions(restricted);
-    mInterface.restricted = restricted;
+    mInterface.setRestricted(restricted);
 }
 
 // ---------------------------------------------------------------- options

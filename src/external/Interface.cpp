@@ -38,6 +38,12 @@ void Interface::term()
     midiOutput->term();
 }
 
+void Interface::setRestricted(bool isRestricted)
+{
+    if (!restricted.exchange(isRestricted) && isRestricted)
+        midiOutput->endNotes(); // behind the last instruction that went out
+}
+
 void Interface::receiveInstructions(int parameter, QList<int> voices, QList<float> value1,
                                     QList<float> value2)
 {

@@ -32,8 +32,11 @@ public:
     void stopListening() {}
     void assignInputToEvent(int, QString) {}
 
+    /// [gui] Sets `restricted`. What sounds is silenced, as its note-off does not go out any more.
+    void setRestricted(bool isRestricted);
+
     MidiOutput* midiOutput = nullptr; // a child of this object
-    /// [gui] sets it, [audio] reads it: nothing goes out.
+    /// [audio] reads it: nothing goes out.
     std::atomic<bool> restricted{false};
 
 public slots:

@@ -15,6 +15,8 @@ constexpr int LAST_CHANNEL = MidiOutput::CHANNELS - 1;
 constexpr int LAST_KEY = 127;
 constexpr size_t MOST_KEYS = 256; // of one tuning change
 constexpr std::chrono::milliseconds WATCH_INTERVAL{100};
+// Of a choice of the player's, who waits for two calls at the most.
+constexpr qint64 LAST_TRY_MS = 3000;
 constexpr qint64 SEARCH_INTERVAL_MS = 2000;
 // A server that has died may yet set a thread free; one that spins never comes back.
 constexpr qint64 SEARCH_BESIDE_LOST_MS = 10000;
@@ -54,29 +56,9 @@ MidiOutRtMidi::~MidiOutRtMidi()
     MidiOutRtMidi::term();
 }
 
-std::unique_ptr<RtMidiOut> MidiOutRtMidi::createOutput(RtMidi::Api api) const
+MidiPort::Factory MidiOutRtMidi::outputFactory() const
 {
-    return std::make_unique<RtMidiOut>(api, CLIENT_NAME);
-}
-
-/// The sender's thread. Throws the first error when no API comes up.
-std::unique_ptr<RtMidiOut> MidiOutRtMidi::createAnyOutput() const
-{
-    // The default one may throw where a later one works: ALSA without its sequencer, before JACK.
-    std::vector<RtMidi::Api> compiled;
-    RtMidi::getCompiledApi(compiled);
-    std::vector<RtMidi::Api> apis{RtMidi::UNSPECIFIED};
-    apis.insert(apis.end(), compiled.begin(), compiled.end());
-    std::optional<RtMidiError> firstError;
-    for (const RtMidi::Api api : apis) {
-        try {
-            return createOutput(api);
-        } catch (const RtMidiError& error) {
-            if (!firstError)
-                firstError = error;
-        }
-    }
-    throw *firstError;
+    return [](RtMidi::Api api) { return std::make_unique<RtMidiOut>(api, CLIENT_NAME); };
 }
 
 bool MidiOutRtMidi::init()
@@ -123,7 +105,7 @@ MidiSender* MidiOutRtMidi::sender() const
     if (mSender && mSender->isGivenUp())
         dropSender();
     if (!mSender && MidiSender::lostThreads() < MOST_LOST_THREADS)
-        mSender = std::make_unique<MidiSender>([this] { return createAnyOutput(); });
+        mSender = std::make_unique<MidiSender>(outputFactory());
     return mSender.get();
 }
 
@@ -173,8 +155,13 @@ QStringList MidiOutRtMidi::availablePorts() const
 
 bool MidiOutRtMidi::selectPort(QString name)
 {
-    const auto index = static_cast<int>(availablePorts().indexOf(name));
-    const bool opened = selectPort(index);
+    QElapsedTimer timer;
+    timer.start();
+    QStringList ports = availablePorts();
+    if (mayAskAgain(timer))
+        ports = availablePorts();
+    const auto index = static_cast<int>(ports.indexOf(name));
+    const bool opened = openPort(index, timer);
     if (index < 0 && !isNoPort(name)) {
         wantedPort = name;
         startWatch();
@@ -184,22 +171,40 @@ bool MidiOutRtMidi::selectPort(QString name)
 
 bool MidiOutRtMidi::selectPort(int index)
 {
+    QElapsedTimer timer;
+    timer.start();
+    return openPort(index, timer);
+}
+
+bool MidiOutRtMidi::openPort(int index, const QElapsedTimer& sinceChoice)
+{
     closePort();
     if (index < 0)
         return false;
-    const auto name = std::make_shared<std::optional<std::string>>();
-    const auto answer = callSender(
-        "opening", [name, index](MidiPort& port) { *name = port.open(static_cast<std::size_t>(index)); });
-    return answer && *name && usePort(QString::fromStdString(**name));
+    const auto tryOnce = [&] {
+        const auto opened = std::make_shared<std::optional<MidiPort::Opened>>();
+        const auto answer = callSender("opening", [opened, index](MidiPort& port) {
+            *opened = port.open(static_cast<std::size_t>(index));
+        });
+        return answer && *opened && usePort(**opened);
+    };
+    return tryOnce() || (mayAskAgain(sinceChoice) && tryOnce());
+}
+
+/// When the sender has just been given up, as a new one may answer at once.
+bool MidiOutRtMidi::mayAskAgain(const QElapsedTimer& sinceChoice) const
+{
+    return mSender && mSender->isGivenUp() && !sinceChoice.hasExpired(LAST_TRY_MS);
 }
 
 /// By choice: nothing is waited for any more.
 void MidiOutRtMidi::closePort()
 {
-    const bool maybeOpen = portOpen || mSearch;
+    const bool maybeOpen = (portOpen || mSearch) && mSender && !mSender->isGivenUp();
     mWatch.stop();
     mSearch.reset();
     wantedPort.clear();
+    mWantedApi = RtMidi::UNSPECIFIED;
     const auto silenceIt = [this] {
         silence();
         forgetChannels();
@@ -215,7 +220,7 @@ void MidiOutRtMidi::closePort()
 }
 
 /// The sender has opened it.
-bool MidiOutRtMidi::usePort(const QString& name)
+bool MidiOutRtMidi::usePort(const MidiPort::Opened& opened)
 {
     const auto begin = [this] {
         mWriter = mSender.get();
@@ -229,10 +234,24 @@ bool MidiOutRtMidi::usePort(const QString& name)
         return false;
     }
     mFormerSender.reset();
-    portName = wantedPort = name;
+    portName = wantedPort = QString::fromStdString(opened.name);
+    mWantedApi = opened.api;
     qDebug().noquote() << "Midi-Out port opened: " << portName;
     startWatch();
     return true;
+}
+
+void MidiOutRtMidi::endNotes()
+{
+    const auto end = [this] {
+        if (mpeMode)
+            mpeAllVoicesOff();
+        else
+            allVoicesOff();
+        forgetChannels();
+    };
+    if (portOpen && !onEngine(end))
+        closePort(); // nothing can tell the device
 }
 
 void MidiOutRtMidi::silence()
@@ -258,6 +277,8 @@ void MidiOutRtMidi::watch()
 {
     if (!portOpen)
         lookForPort();
+    else if (!mSender || mSender.get() != mWriter)
+        losePort("The MIDI system does not answer."); // its sender was dropped
     else if (const auto why = mSender->failure())
         losePort(*why);
 }
@@ -267,7 +288,8 @@ void MidiOutRtMidi::losePort(const std::string& why)
     portOpen = false;
     const QString lost = std::exchange(portName, deactivatedName());
     logFailure("sending", why);
-    mSender->post([](MidiPort& port) { port.abandon(); });
+    if (mSender)
+        mSender->post([](MidiPort& port) { port.abandon(); });
     mSinceSearch.start();
     emit portLost(lost);
 }
@@ -276,8 +298,8 @@ void MidiOutRtMidi::losePort(const std::string& why)
 void MidiOutRtMidi::lookForPort()
 {
     if (mSearch && mSearch->answer->done) {
-        const auto [answer, name] = *std::exchange(mSearch, std::nullopt);
-        if (!answer->error && *name && usePort(QString::fromStdString(**name)))
+        const auto [answer, opened] = *std::exchange(mSearch, std::nullopt);
+        if (!answer->error && *opened && usePort(**opened))
             emit portBack(portName);
     } else if (mSearch) {
         if (mSinceSearch.hasExpired(MidiSender::LONGEST_CALL.count()))
@@ -287,11 +309,11 @@ void MidiOutRtMidi::lookForPort()
     } else if (mSinceSearch.hasExpired(MidiSender::lostThreads() > 0 ? SEARCH_BESIDE_LOST_MS
                                                                      : SEARCH_INTERVAL_MS)
                && sender()) {
-        const auto name = std::make_shared<std::optional<std::string>>();
-        const auto open = [name, wanted = wantedPort.toStdString()](MidiPort& port) {
-            *name = port.open(wanted);
+        const auto opened = std::make_shared<std::optional<MidiPort::Opened>>();
+        const auto open = [opened, wanted = wantedPort.toStdString(), api = mWantedApi](MidiPort& port) {
+            *opened = port.open(wanted, api);
         };
-        mSearch = Search{sender()->post(open), name};
+        mSearch = Search{sender()->post(open), opened};
         mSinceSearch.start();
     }
 }

@@ -62,10 +62,11 @@ public:
 
     void setChannel(int channel) override;
     void bendVoices(QList<int> voices, QList<float> frequencies) override;
+    void endNotes() override;
 
 protected:
-    /// Throws RtMidiError when the API does not come up. Called on the sender's thread.
-    virtual std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api api) const;
+    /// Called on the sender's thread, which may outlive this object.
+    virtual MidiPort::Factory outputFactory() const;
     /// Waits until all that was sent has reached RtMidi.
     bool waitUntilSent() const
     {
@@ -74,13 +75,14 @@ protected:
 
 private:
     using Answer = MidiSender::Answer;
-    std::unique_ptr<RtMidiOut> createAnyOutput() const;
     MidiSender* sender() const;
     void dropSender() const;
     std::shared_ptr<Answer> callSender(const char* what, MidiSender::Work work) const;
 
     void closePort();
-    bool usePort(const QString& name);
+    bool openPort(int index, const QElapsedTimer& sinceChoice);
+    bool mayAskAgain(const QElapsedTimer& sinceChoice) const;
+    bool usePort(const MidiPort::Opened& opened);
     void startWatch();
     void watch();
     void losePort(const std::string& why);
@@ -97,13 +99,14 @@ private:
     mutable std::unique_ptr<MidiSender> mSender;
     mutable std::unique_ptr<MidiSender> mFormerSender;
     QTimer mWatch; // [gui] runs while a port is open or wanted
-    /// [gui] A search for the port that is missing. `name` belongs to the sender until it has answered.
+    /// [gui] A search for the port that is missing. `opened` belongs to the sender until it has answered.
     struct Search
     {
         std::shared_ptr<Answer> answer;
-        std::shared_ptr<std::optional<std::string>> name;
+        std::shared_ptr<std::optional<MidiPort::Opened>> opened;
     };
     mutable std::optional<Search> mSearch;
+    RtMidi::Api mWantedApi = RtMidi::UNSPECIFIED; // [gui] of `wantedPort`, once it has been open
     QElapsedTimer mSinceSearch;
 
     // [audio]

@@ -95,6 +95,9 @@ public:
     /// has ended or was silenced, is left alone.
     virtual void bendVoices(QList<int> voices, QList<float> frequencies) = 0;
 
+    /// [gui] Silences the device. The notes stay silent until they are struck again.
+    virtual void endNotes() = 0;
+
     QString portName; // [gui]
     /// [gui] What was chosen, kept while that port is missing; empty for none.
     QString wantedPort;

@@ -2,8 +2,6 @@
 
 #include "sound/JackEpoch.h"
 
-#include <RtMidi.h>
-
 #include <QtGlobal>
 
 #ifdef Q_OS_LINUX
@@ -47,19 +45,44 @@ bool MidiPort::isJack() const
     return mOutput && mOutput->getCurrentApi() == RtMidi::UNIX_JACK;
 }
 
-RtMidiOut& MidiPort::output()
+/// Of this API, or of any.
+RtMidiOut& MidiPort::output(RtMidi::Api api)
 {
+    if (mOutput && api != RtMidi::UNSPECIFIED && mOutput->getCurrentApi() != api)
+        mOutput.reset();
     if (!mOutput) {
         mJackEpoch = JackEpoch::current();
-        mOutput = mFactory();
+        mOutput = api == RtMidi::UNSPECIFIED ? makeAnyOutput() : mFactory(api);
     }
     return *mOutput;
+}
+
+/// Throws the first error when no API comes up.
+std::unique_ptr<RtMidiOut> MidiPort::makeAnyOutput() const
+{
+    // The default one may throw where a later one works: ALSA without its sequencer, before JACK.
+    std::vector<RtMidi::Api> compiled;
+    RtMidi::getCompiledApi(compiled);
+    std::vector<RtMidi::Api> apis{RtMidi::UNSPECIFIED};
+    apis.insert(apis.end(), compiled.begin(), compiled.end());
+    std::optional<RtMidiError> firstError;
+    for (const RtMidi::Api api : apis) {
+        try {
+            return mFactory(api);
+        } catch (const RtMidiError& error) {
+            if (!firstError)
+                firstError = error;
+        }
+    }
+    throw *firstError;
 }
 
 /// Looks too whether JACK's server has gone since there was one: this new client made the former ones
 /// of other parts of the program invalid then.
 unsigned int MidiPort::countPorts()
 {
+    if (mOpen)
+        checkServer();
     RtMidiOut& made = output();
     if (mOpen || !isJack())
         return made.getPortCount();
@@ -88,24 +111,30 @@ void MidiPort::check()
 
 std::vector<std::string> MidiPort::names()
 {
+    std::vector<std::string> found = list();
+    releaseIdle();
+    return found;
+}
+
+std::vector<std::string> MidiPort::list()
+{
     std::vector<std::string> found;
     const unsigned int count = countPorts();
     for (unsigned int i = 0; i < count; ++i)
         found.push_back(output().getPortName(i));
-    releaseIdle();
     return found;
 }
 
 std::optional<std::size_t> MidiPort::find(const std::string& name)
 {
-    const std::vector<std::string> all = names();
+    const std::vector<std::string> all = list();
     const auto found = std::find(all.begin(), all.end(), name);
     if (found == all.end())
         return std::nullopt;
     return static_cast<std::size_t>(found - all.begin());
 }
 
-std::optional<std::string> MidiPort::open(std::size_t index)
+std::optional<MidiPort::Opened> MidiPort::open(std::size_t index)
 {
     close();
     const auto number = static_cast<unsigned int>(index);
@@ -120,13 +149,17 @@ std::optional<std::string> MidiPort::open(std::size_t index)
     mSinceAnswer = 0;
     // Where it does not show now that the server answers, it would not later.
     mAsksServer = isJack() && serverAnswers();
-    return mName;
+    return Opened{mName, output().getCurrentApi()};
 }
 
-std::optional<std::string> MidiPort::open(const std::string& name)
+std::optional<MidiPort::Opened> MidiPort::open(const std::string& name, RtMidi::Api api)
 {
-    const std::optional<std::size_t> index = find(name);
-    return index ? open(*index) : std::nullopt;
+    close();
+    output(api);
+    if (const std::optional<std::size_t> index = find(name))
+        return open(*index);
+    releaseIdle();
+    return std::nullopt;
 }
 
 void MidiPort::close()

@@ -2,14 +2,14 @@
 
 #include "external/MidiBytes.h"
 
+#include <RtMidi.h>
+
 #include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
-
-class RtMidiOut;
 
 /// The RtMidiOut and the port it has open. Everything here runs on one thread, the sender's: two
 /// threads inside one RtMidiOut corrupt it. Each call may throw RtMidiError, and may wait for the
@@ -20,20 +20,28 @@ class RtMidiOut;
 class MidiPort
 {
 public:
-    using Factory = std::function<std::unique_ptr<RtMidiOut>()>;
+    /// Makes an output of one API, and throws RtMidiError when that does not come up.
+    using Factory = std::function<std::unique_ptr<RtMidiOut>(RtMidi::Api)>;
+
+    struct Opened
+    {
+        std::string name;
+        RtMidi::Api api; // its port may be missing while another API has some
+    };
 
     explicit MidiPort(Factory factory);
     ~MidiPort();
     MidiPort(const MidiPort&) = delete;
     MidiPort& operator=(const MidiPort&) = delete;
 
-    /// Makes the RtMidiOut once, to see that there is one.
+    /// Makes the RtMidiOut once, to see that there is one: of the default API, or of the first compiled
+    /// one that comes up.
     void check();
     std::vector<std::string> names();
 
-    /// Closes what is open first. The port's name, or nothing when there is no such port.
-    std::optional<std::string> open(std::size_t index);
-    std::optional<std::string> open(const std::string& name);
+    /// Closes what is open first. Nothing when there is no such port.
+    std::optional<Opened> open(std::size_t index);
+    std::optional<Opened> open(const std::string& name, RtMidi::Api api);
     bool isOpen() const { return mOpen; }
     void close();
     /// Ends the notes on all channels, closes, and lets go of the RtMidiOut. An error on the way changes
@@ -46,7 +54,9 @@ public:
     bool isStillThere();
 
 private:
-    RtMidiOut& output();
+    RtMidiOut& output(RtMidi::Api api = RtMidi::UNSPECIFIED);
+    std::unique_ptr<RtMidiOut> makeAnyOutput() const;
+    std::vector<std::string> list();
     unsigned int countPorts();
     std::optional<std::size_t> find(const std::string& name);
     void releaseIdle();

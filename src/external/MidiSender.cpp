@@ -11,6 +11,7 @@
 #include <sched.h>
 #endif
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <condition_variable>
@@ -52,6 +53,7 @@ struct MidiSender::Core
 
     void run();
     void sendWritten();
+    void drain();
     void perform(const Request& request);
     void watchPort();
     template <class Call>
@@ -121,11 +123,22 @@ void MidiSender::Core::sendWritten()
 {
     std::uint32_t size = 0;
     while (!abandoned && ring.read(&size, sizeof(size))) {
-        ring.read(message.data(), size);
+        if (size > message.size() || !ring.read(message.data(), size)) {
+            fail("The messages are broken.");
+            drain();
+            return;
+        }
         if (failed || !port.isOpen())
             continue;
         callPort([&] { port.send(std::span(message).first(size)); });
     }
+}
+
+/// The writer adds whole messages: what comes after all that is there is one again.
+void MidiSender::Core::drain()
+{
+    while (const std::size_t bytes = std::min(ring.readable(), message.size()))
+        ring.read(message.data(), bytes);
 }
 
 void MidiSender::Core::watchPort()
@@ -159,6 +172,8 @@ void MidiSender::Core::perform(const Request& request)
         request.work(port);
     } catch (const RtMidiError& error) {
         request.answer->error = error.getMessage();
+        if (wasOpen && !port.isOpen())
+            fail(error.getMessage());
     }
     if (!wasOpen && port.isOpen()) {
         failed = false;

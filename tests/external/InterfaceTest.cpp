@@ -61,8 +61,17 @@ TEST_F(Router, TunesFirstAndStartsThen)
     for (const int unknown : {0, 3})
         EXPECT_EQ(receive(unknown, {0}, {440.0F}, {1.0F}), "");
     EXPECT_EQ(receive(1, {}, {}, {}), "");
-    router.restricted = true;
-    EXPECT_EQ(receive(1, {0}, {440.0F}, {1.0F}), "");
+    router.setRestricted(true);
+    EXPECT_EQ(receive(1, {0}, {440.0F}, {1.0F}), "B0 7B 00"); // only what sounded has ended
+
+    router.setRestricted(false);
+    out.setChannel(-1);
+    receive(1, {0}, {440.0F}, {1.0F});
+    router.setRestricted(true);
+    EXPECT_EQ(receive(-1, {0}, {-1.0F}, {-1.0F}),
+              onAllChannels(0xB0, "7B 00") + ", " + onAllChannels(0xE0, "00 40"));
+    router.setRestricted(false);
+    EXPECT_EQ(receive(1, {1}, {440.0F}, {1.0F}), "E0 00 40, 90 45 7F"); // no channel is taken
 }
 
 TEST_F(Router, EachVoiceOfThePlayerHasAKeyOfItsOwn)

@@ -34,7 +34,7 @@ public:
     {
     }
 
-    RtMidi::Api getCurrentApi() override { return RtMidi::UNSPECIFIED; }
+    RtMidi::Api getCurrentApi() override { return mSystem->api; }
     void openPort(unsigned int port, const std::string& name) override
     {
         const Call call(*this);
@@ -155,14 +155,15 @@ MidiOutOverDouble::MidiOutOverDouble(int apisThatFail, bool initNow)
 MidiOutOverDouble::~MidiOutOverDouble()
 {
     system->flush = nullptr;
-    term(); // its sender makes outputs by this class
 }
 
-std::unique_ptr<RtMidiOut> MidiOutOverDouble::createOutput(RtMidi::Api api) const
+MidiPort::Factory MidiOutOverDouble::outputFactory() const
 {
-    system->apisTried.append(api);
-    if (system->apisTried.size() <= system->apisThatFail)
-        throw RtMidiError("no MIDI here " + std::to_string(system->apisTried.size()),
-                          RtMidiError::DRIVER_ERROR);
-    return std::make_unique<OutputOverDouble>(system);
+    return [system = system](RtMidi::Api api) {
+        system->apisTried.append(api);
+        if (system->apisTried.size() <= system->apisThatFail)
+            throw RtMidiError("no MIDI here " + std::to_string(system->apisTried.size()),
+                              RtMidiError::DRIVER_ERROR);
+        return std::make_unique<OutputOverDouble>(system);
+    };
 }

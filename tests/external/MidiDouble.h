@@ -22,6 +22,7 @@ struct MidiSystem
     std::string take();
 
     int apisThatFail = 0;
+    RtMidi::Api api = RtMidi::UNSPECIFIED; // of each output
     QList<int> apisTried;
     std::atomic<bool> opensFail{false};
     std::atomic<bool> sendsFail{false};
@@ -53,7 +54,7 @@ public:
     const std::shared_ptr<MidiSystem> system = std::make_shared<MidiSystem>();
 
 protected:
-    std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api api) const override;
+    MidiPort::Factory outputFactory() const override;
 };
 
 std::string hex(const unsigned char* bytes, size_t size);

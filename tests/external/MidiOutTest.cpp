@@ -1,5 +1,6 @@
 #include "external/MidiDouble.h"
 #include "sound/AudioLog.h"
+#include "sound/JackEpoch.h"
 #include "support/LogCatcher.h"
 
 #include <gtest/gtest.h>
@@ -203,7 +204,7 @@ TEST_F(MidiOut, APortThatDoesNotOpenStaysClosed)
     EXPECT_TRUE(out.selectPort(0));
 }
 
-// Lost by an error, lost without one, not there at the start, and chosen by index.
+// Lost by an error, lost without one (over JACK), not there at the start, and chosen by index.
 TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
 {
     const QString name = QStringLiteral("Third:in");
@@ -219,6 +220,7 @@ TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
     auto& [failing, vanishing, late] = outs;
     const LogCatcher log;
     late.system->setPorts({});
+    vanishing.system->api = RtMidi::UNIX_JACK;
     EXPECT_FALSE(late.selectPort(name));
     EXPECT_TRUE(failing.selectPort(name));
     EXPECT_TRUE(vanishing.selectPort(3));
@@ -241,6 +243,7 @@ TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
     ASSERT_TRUE(waitFor([&] { return failing.portOpen && vanishing.portOpen && late.portOpen; }));
     EXPECT_EQ(failing.system->take(), "open 3 as RtMidi Output");
     EXPECT_EQ(vanishing.system->take(), "open 1 as RtMidi Output, " + bendRange("00", "32"));
+    EXPECT_EQ(vanishing.system->apisTried.last(), RtMidi::UNIX_JACK); // not of another that has ports now
     for (size_t i = 0; i < outs.size(); ++i) {
         EXPECT_EQ(outs[i].missingPort(), QString());
         const QStringList lost = &outs[i] == &late ? QStringList() : QStringList(u"lost "_s + name);
@@ -260,29 +263,49 @@ TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
     EXPECT_EQ(failing.portName, QStringLiteral("Synth:in"));
 }
 
-// As JACK's server does when it is frozen.
+// As JACK's server does when it is frozen. A listing waits for it too; a second one takes a new sender.
 TEST_F(MidiOut, ASenderThatSticksIsGivenUp)
 {
+    for (const int listings : {0, 2}) {
+        openFirst();
+        out.system->sendsHang = true;
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < 20000; ++i) // far more than has room
+            out.voiceOn(0, 64);
+        EXPECT_LT(timer.elapsed(), 1000) << "the player waits";
+        for (int i = 0; i < listings; ++i)
+            EXPECT_EQ(out.availablePorts().isEmpty(), i == 0);
+        ASSERT_TRUE(waitFor([&] { return !out.portOpen; })) << listings;
+        EXPECT_LT(timer.elapsed(), 4000);
+        EXPECT_EQ(out.missingPort(), QStringLiteral("Synth:in"));
+
+        // The one that hangs ends the notes of its port when it comes back, which nobody waits for.
+        timer.start();
+        ASSERT_TRUE(out.selectPort(3));
+        EXPECT_LT(timer.elapsed(), 4000);
+        out.system->sendsHang = false;
+        ASSERT_TRUE(waitFor([&] { return MidiSender::lostThreads() == 0; }));
+        take();
+        out.voiceOn(0, 64);
+        EXPECT_EQ(take(), "90 20 40");
+    }
+    // A choice does not wait for it to be noticed.
     openFirst();
     out.system->sendsHang = true;
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < 20000; ++i) // far more than has room
-        out.voiceOn(0, 64);
-    EXPECT_LT(timer.elapsed(), 200) << "the player waits";
-    ASSERT_TRUE(waitFor([&] { return !out.portOpen; }));
-    EXPECT_LT(timer.elapsed(), 3000);
-    EXPECT_EQ(out.missingPort(), QStringLiteral("Synth:in"));
-
-    // The one that hangs ends the notes of its port when it comes back, which nobody waits for.
-    timer.start();
-    ASSERT_TRUE(out.selectPort(3));
-    EXPECT_LT(timer.elapsed(), 1000);
-    out.system->sendsHang = false;
-    ASSERT_TRUE(waitFor([&] { return MidiSender::lostThreads() == 0; }));
-    take();
     out.voiceOn(0, 64);
-    EXPECT_EQ(take(), "90 20 40");
+    EXPECT_TRUE(out.selectPort(u"Third:in"_s));
+    out.system->sendsHang = false;
+    EXPECT_TRUE(waitFor([] { return MidiSender::lostThreads() == 0; }));
+}
+
+TEST_F(MidiOut, AListingAfterTheDeathOfJackAsksNoDeadClient)
+{
+    out.system->api = RtMidi::UNIX_JACK;
+    openFirst();
+    JackEpoch::end(JackEpoch::current());
+    EXPECT_EQ(out.availablePorts(), QStringList());
+    EXPECT_TRUE(waitFor([this] { return !out.portOpen; }));
 }
 
 // No window may wait longer, and the notes of an engine that never comes back cannot be ended.
