@@ -83,8 +83,7 @@ const Row ROWS[] = {
      [](SoundRig& rig, int round) {
          rig.queue(OrloEvent(OrloEvent::GlissOneSet, 0.5F + 0.01F * static_cast<float>(round % 9)));
      }},
-    {"reset of 128 nodes",
-     [](SoundRig& rig, int) { rig.queue(OrloEvent(OrloEvent::NodesResetAll, 0)); }},
+    {"reset of 128 nodes", [](SoundRig& rig, int) { rig.queue(OrloEvent(OrloEvent::NodesResetAll, 0)); }},
     {"reset of 128, started anew",
      [](SoundRig& rig, int) {
          rig.settings.softNodeReset = true;
@@ -99,8 +98,8 @@ public:
         : mThread([this, &rig, &times] {
             realTime = makeRealTime();
             std::array<float, 2 * SoundRig::FRAMES> block;
-            const auto period = std::chrono::nanoseconds(
-                static_cast<long long>(1e9 * SoundRig::FRAMES / SoundRig::RATE));
+            const auto period =
+                std::chrono::nanoseconds(static_cast<long long>(1e9 * SoundRig::FRAMES / SoundRig::RATE));
             auto next = Clock::now();
             while (mRunning) {
                 const auto begin = Clock::now();
@@ -186,8 +185,8 @@ int main(int argc, char** argv)
             while (hogging)
                 count = count + 1;
         });
-    std::printf("%-28s %7s %9s %9s %9s   (ms; a block lasts %.1f)\n", "", "blocks", "median", "99.9 %", "worst",
-                1000.0 * SoundRig::FRAMES / SoundRig::RATE);
+    std::printf("%-28s %7s %9s %9s %9s   (ms; a block lasts %.1f)\n", "", "blocks", "median", "99.9 %",
+                "worst", 1000.0 * SoundRig::FRAMES / SoundRig::RATE);
     for (const Row& row : ROWS)
         run(row, rig, seconds);
     hogging = false;

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int TRY_AGAIN_MS = 5000; // the window stands still for up to two seconds each time
+constexpr int TRY_AGAIN_MS = 5000;       // the window stands still for up to two seconds each time
 constexpr std::size_t FIRST_ROOM = 4096; // ratios
 
 template <class List>

@@ -410,9 +410,8 @@ int PaAudioOutput::findDevice(const QString& wanted, int& index, const Deadline&
     const int count = mLibrary->getDeviceCount();
     if (paIndex == paNoDevice || (paIndex >= 0 && paIndex < count))
         return paIndex;
-    qCritical().noquote() << QStringLiteral(
-                                 "Device index %1 passed to PaAudioOutput::selectDevice did not "
-                                 "translate to valid paIndex %2. Device count: %3.")
+    qCritical().noquote() << QStringLiteral("Device index %1 passed to PaAudioOutput::selectDevice did not "
+                                            "translate to valid paIndex %2. Device count: %3.")
                                  .arg(index)
                                  .arg(paIndex)
                                  .arg(count);

@@ -100,10 +100,10 @@ private:
     PaStream* mStream = nullptr;
     std::shared_ptr<StreamContext> mContext; // of the last stream
     int mStreamApi = -1;
-    mutable QHash<int, int> mDeviceMap; // device list index to PortAudio's
-    mutable QStringList mDeviceNames;   // the list
+    mutable QHash<int, int> mDeviceMap;                // device list index to PortAudio's
+    mutable QStringList mDeviceNames;                  // the list
     mutable const PortAudioLibrary* mListed = nullptr; // whose list that is
-    QString mDeviceName;                // of the stream, or of the one that is lost
+    QString mDeviceName;                               // of the stream, or of the one that is lost
 
     QTimer mWatchTimer;
     QElapsedTimer mClock;
@@ -117,7 +117,7 @@ private:
     qint64 mStuckLimitMs = LONGEST_STUCK_MS;
     qint64 mTryAgainMs = TRY_AGAIN_MS;
     std::shared_ptr<ParkedStream> mParked; // of a JACK server that stands still
-    std::shared_ptr<ReturnJob> mReturn; // under way while there is one; then it alone has the library
+    std::shared_ptr<ReturnJob> mReturn;    // under way while there is one; then it alone has the library
     std::shared_ptr<BoundedCall::Ticket> mReturnTicket;
     CallGate mReturnGate;
     unsigned mLateBlocksTold = 0;

@@ -231,7 +231,7 @@ private:
     bool mRestricted = false;
     int mCurrentPatch = -1; // index in the menu
     bool mChangingVoice = false;
-    QString mNextVoice; // asked for meanwhile
+    QString mNextVoice;                      // asked for meanwhile
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
     // Child dialogs that only a developer shows.

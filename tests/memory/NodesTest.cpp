@@ -152,7 +152,8 @@ TEST_F(Nodes, AGlissandoResetWithoutAPatchHoldsInTheNext)
                              OrloEvent::NodesResetAllAndControls}) {
         send(OrloEvent::GlissOneSet, 1.0F);
         send(OrloEvent::GlissTwoSet, 1.0F);
-        rig.underClock([this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
+        rig.underClock(
+            [this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
         send(reset);
         ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
         // B stands where the sliders stand, reset or not, and moves with them.
