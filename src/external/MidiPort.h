@@ -26,7 +26,7 @@ public:
     struct Opened
     {
         std::string name;
-        RtMidi::Api api; // its port may be missing while another API has some
+        RtMidi::Api api; // where it is to be looked for when it is lost
     };
 
     explicit MidiPort(Factory factory);
@@ -39,7 +39,8 @@ public:
     void check();
     std::vector<std::string> names();
 
-    /// Closes what is open first. Nothing when there is no such port.
+    /// Closes what is open first. Nothing when there is no such port. By name the API is the only one that
+    /// is asked, unless it is UNSPECIFIED.
     std::optional<Opened> open(std::size_t index);
     std::optional<Opened> open(const std::string& name, RtMidi::Api api);
     bool isOpen() const { return mOpen; }
