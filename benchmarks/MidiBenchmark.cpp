@@ -75,9 +75,9 @@ public:
     using MidiOutRtMidi::waitUntilSent;
 
 protected:
-    std::unique_ptr<RtMidiOut> createOutput(RtMidi::Api) const override
+    MidiPort::Factory outputFactory() const override
     {
-        return std::make_unique<NoOutput>();
+        return [](RtMidi::Api) { return std::make_unique<NoOutput>(); };
     }
 };
 
