@@ -3,6 +3,7 @@
 #include "app/DebugLog.h"
 #include "sound/FloatMode.h"
 #include "sound/JackEpoch.h"
+#include "sound/PaAudioOutputCalls.h"
 #include "sound/PdPlayer.h"
 
 #include <QThread>
@@ -17,8 +18,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int CHANNELS = 2;
-constexpr double PREFERRED_RATE = 44100.0;  // Hz
 constexpr unsigned long PD_BLOCK_SHIFT = 6; // 64 frames a tick
 // A fade is one block; a callback that does not come is not waited for.
 constexpr qint64 LONGEST_FADE_MS = 250;
@@ -28,179 +27,18 @@ constexpr milliseconds LONGEST_CHANGE{4000};
 constexpr milliseconds LONGEST_CLOSE{1500};
 constexpr milliseconds LONGEST_END{2000};
 constexpr milliseconds LONGEST_START{15000};
-constexpr milliseconds LONGEST_RETURN{1500}; // of a return that is to end
-constexpr qint64 LONGEST_TRY_AGAIN_MS = 60000;
-// Until then the MIDI output has let go of its client of the same dead server.
-constexpr qint64 FIRST_TRY_MS = 1500;
-constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
-constexpr int RETURN_INTERVAL_MS = 50;
 
 /// Leads the gain in a straight line, to reach `to` with the last frame.
 void applyRamp(float* output, unsigned long frames, float from, float to)
 {
     for (unsigned long i = 0; i < frames; ++i) {
         const float gain = from + (to - from) * static_cast<float>(i + 1) / static_cast<float>(frames);
-        output[i * CHANNELS] *= gain;
-        output[i * CHANNELS + 1] *= gain;
+        for (int channel = 0; channel < PaAudioOutput::CHANNELS; ++channel)
+            *output++ *= gain;
     }
-}
-
-QString deviceName(const PortAudioLibrary& library, const PaDeviceInfo& device)
-{
-    const PaHostApiInfo* api = library.getHostApiInfo(device.hostApi);
-    QString apiName = api ? QString::fromLocal8Bit(api->name) : QString();
-    if (apiName.toLower() == QStringLiteral("windows directsound"))
-        apiName = QStringLiteral("DS");
-    return apiName + QStringLiteral(": ") + QString::fromLocal8Bit(device.name);
-}
-
-/// Those with outputs, by PortAudio's index; an empty name for the others.
-QStringList outputNames(const PortAudioLibrary& library)
-{
-    QStringList names;
-    for (int paIndex = 0; paIndex < library.getDeviceCount(); ++paIndex) {
-        const PaDeviceInfo* device = library.getDeviceInfo(paIndex);
-        names.append(device && device->maxOutputChannels > 0 ? deviceName(library, *device) : QString());
-    }
-    return names;
 }
 
 } // namespace
-
-/// One time limit for several calls.
-class PaAudioOutput::Deadline
-{
-public:
-    explicit Deadline(milliseconds limit)
-        : mEnd(std::chrono::steady_clock::now() + limit)
-    {
-    }
-    milliseconds left(milliseconds most = milliseconds::max()) const
-    {
-        const auto left = std::chrono::duration_cast<milliseconds>(mEnd - std::chrono::steady_clock::now());
-        return std::clamp(left, milliseconds(0), most);
-    }
-
-private:
-    std::chrono::steady_clock::time_point mEnd;
-};
-
-/// What a stream's callback is given. It outlives the output if the stream was given up.
-struct PaAudioOutput::StreamContext
-{
-    PaAudioOutput* output;
-    std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
-    std::atomic<bool> inBlock{false};
-    std::atomic<std::uint64_t> calls{0}; // of the callback, retired or not
-};
-
-/// Opens a stream, and starts it. It owns what its calls touch, since they may be given up.
-struct PaAudioOutput::OpenJob
-{
-    /// Any thread that has the library to itself.
-    OpenJob(PortAudioLibrary* from, int paIndex, int framesPerBuffer, PaAudioOutput* output)
-        : library(from)
-        , frames(static_cast<unsigned long>(framesPerBuffer))
-        , context(std::make_shared<StreamContext>())
-    {
-        const PaDeviceInfo* device = library->getDeviceInfo(paIndex);
-        hostApi = device->hostApi;
-        deviceRate = device->defaultSampleRate;
-        parameters.device = paIndex;
-        parameters.channelCount = CHANNELS;
-        parameters.sampleFormat = paFloat32;
-        parameters.suggestedLatency =
-            (device->defaultLowOutputLatency + device->defaultHighOutputLatency) * 0.5;
-        context->output = output;
-    }
-
-    void check()
-    {
-        error = library->isFormatSupported(nullptr, &parameters, rate);
-        if (error == paInvalidSampleRate) {
-            rate = deviceRate;
-            error = paNoError;
-        }
-    }
-    void open()
-    {
-        call = "Pa_OpenStream";
-        error = library->openStream(&stream, nullptr, &parameters, rate, frames, paNoFlag,
-                                    &PaAudioOutput::portAudioCallback, context.get());
-        if (error != paNoError)
-            stream = nullptr;
-        else if (const PaStreamInfo* streamInfo = library->getStreamInfo(stream))
-            info = *streamInfo;
-    }
-    /// The callback may run before this returns.
-    void start()
-    {
-        call = "Pa_StartStream";
-        error = library->startStream(stream);
-        if (error != paNoError)
-            close();
-    }
-    /// JACK's part of PortAudio ends the program over a stream whose server has died, so only one that
-    /// plays is closed there. Another never plays, and its context lives on.
-    void close()
-    {
-        if (!stream)
-            return;
-        if (!library->isJack(hostApi) || library->isStreamActive(stream) == 1)
-            library->closeStream(stream);
-        else
-            new std::shared_ptr<StreamContext>(context);
-        stream = nullptr;
-    }
-
-    PortAudioLibrary* const library;
-    int hostApi = -1;
-    PaStreamParameters parameters{};
-    double deviceRate = 0.0; // its default, Hz
-    const unsigned long frames;
-    const std::shared_ptr<StreamContext> context;
-
-    double rate = PREFERRED_RATE; // asked for
-    PaStream* stream = nullptr;
-    PaStreamInfo info{};
-    PaError error = paNoError;
-    std::atomic<const char*> call = "Pa_IsFormatSupported"; // the one under way, or the one that failed
-};
-
-/// Brings a lost device back in two calls. All that is slow is done without the graphical thread,
-/// which only tells libpd the rate in between.
-struct PaAudioOutput::ReturnJob
-{
-    PortAudioLibrary* library;
-    QString name;
-    int frames;
-    PaAudioOutput* output;
-    bool anew; // PortAudio ends and starts again first, to read its devices anew
-
-    PaError error = paNoError;        // of the start
-    std::shared_ptr<OpenJob> opening; // null while the device is not there
-    bool starting = false;            // the second call
-
-    void find()
-    {
-        if (anew) {
-            if (library->isStarted)
-                library->terminate();
-            library->isStarted = false;
-            error = library->start();
-            if (error != paNoError)
-                return;
-        }
-        const int paIndex = static_cast<int>(outputNames(*library).indexOf(name));
-        if (paIndex < 0)
-            return;
-        opening = std::make_shared<OpenJob>(library, paIndex, frames, output);
-        opening->check();
-        if (opening->error == paNoError)
-            opening->open();
-    }
-    void start() { opening->start(); }
-};
 
 PaAudioOutput::PaAudioOutput(QObject* parent)
     : AudioOutput(parent)
@@ -303,7 +141,7 @@ void PaAudioOutput::readDevices() const
         report("Pa_GetDeviceCount", count);
         return;
     }
-    const QStringList outputs = outputNames(*mLibrary);
+    const QStringList outputs = mLibrary->outputNames();
     for (qsizetype paIndex = 0; paIndex < outputs.size(); ++paIndex) {
         if (outputs[paIndex].isEmpty())
             continue;
@@ -530,30 +368,6 @@ bool PaAudioOutput::closeDevice()
     return closeStream(Deadline(LONGEST_CLOSE));
 }
 
-/// It owns what it touches, since it may be given up.
-struct PaAudioOutput::CloseJob
-{
-    PortAudioLibrary* library;
-    PaStream* stream;
-    std::shared_ptr<StreamContext> context; // kept as long as its callback may run
-    PaError stopError = paNoError;
-    PaError closeError = paNoError;
-
-    void run()
-    {
-        stopError = library->stopStream(stream);
-        closeError = library->closeStream(stream);
-    }
-};
-
-/// A JACK stream whose callback has stopped.
-struct PaAudioOutput::ParkedStream
-{
-    CloseJob close;
-    int hostApi;
-    std::uint64_t callsThen; // of its callback
-};
-
 bool PaAudioOutput::closeStream(const Deadline& deadline)
 {
     if (!mStream)
@@ -599,219 +413,6 @@ void PaAudioOutput::forgetStream()
         QThread::msleep(1);
     mStream = nullptr;
     setSelectedDevice(-1);
-}
-
-// ---------------------------------------------------------------- a device that goes away
-
-/// The callback never ends a stream, so one that is not active has lost its device or server.
-bool PaAudioOutput::streamDied() const
-{
-    return mStream && mLibrary->isStreamActive(mStream) != 1;
-}
-
-/// The stream's server is dead: nothing may be called for the stream, nor for its library.
-bool PaAudioOutput::jackIsGone() const
-{
-    return mLibrary->isJack(mStreamApi) && (streamDied() || mLibrary->jackEpoch != JackEpoch::current());
-}
-
-void PaAudioOutput::watch()
-{
-    const unsigned late = mUnderruns + mOverruns;
-    if (late != mLateBlocksTold)
-        emit lateBlocksCounted(mLateBlocksTold = late);
-    if (mParked)
-        followParked();
-    if (mStream) {
-        const bool still = mBlockWatch.look(mClock.elapsed(), player()->handOver().blocks());
-        // A block that does not end is the patch's fault, not the device's.
-        if (streamDied() || jackIsGone() || (still && !mContext->inBlock))
-            giveUpStream();
-    } else if (mReturn) {
-        followReturn();
-    } else if (mLost && mCanReturn && mClock.elapsed() >= mNextTryMs) {
-        startReturn();
-    }
-}
-
-/// Without waiting for a server.
-void PaAudioOutput::giveUpStream()
-{
-    qCritical().noquote() << "The sound device is gone:" << mDeviceName;
-    if (jackIsGone()) {
-        leaveStream();
-    } else if (mLibrary->isJack(mStreamApi)) {
-        parkStream();
-    } else {
-        const auto job = std::make_shared<CloseJob>(CloseJob{mLibrary, mStream, mContext});
-        mLibrary->gates[mStreamApi].start([job](BoundedCall::Ticket&) { job->run(); });
-        forgetStream();
-    }
-    lose(mDeviceName);
-}
-
-/// A JACK server that stands still may thaw or die, and a call for its stream that is under way when it
-/// dies ends the program. So none is made until one of both is seen.
-void PaAudioOutput::parkStream()
-{
-    qCritical() << "The sound server does not answer.";
-    mParked = std::make_shared<ParkedStream>(
-        ParkedStream{{mLibrary, mStream, mContext}, mStreamApi, mContext->calls});
-    forgetStream();
-    mWatchTimer.start(LOOK_INTERVAL_MS);
-}
-
-void PaAudioOutput::followParked()
-{
-    const ParkedStream& parked = *mParked;
-    PortAudioLibrary* library = parked.close.library;
-    if (library->isStreamActive(parked.close.stream) != 1 || library->jackEpoch != JackEpoch::current()) {
-        library->keep(parked.close.context);
-        JackEpoch::end(library->jackEpoch);
-        if (library == mLibrary && !mStream && !mReturn)
-            leaveLibrary();
-    } else if (parked.close.context->calls != parked.callsThen && !library->gates[parked.hostApi].isStuck()) {
-        const auto job = std::make_shared<CloseJob>(parked.close);
-        library->gates[parked.hostApi].start([job](BoundedCall::Ticket&) { job->run(); });
-    } else {
-        return;
-    }
-    mParked.reset();
-}
-
-/// With a stream whose JACK server died the whole library is left.
-void PaAudioOutput::leaveStream()
-{
-    mLibrary->keep(mContext);
-    forgetStream();
-    JackEpoch::end(mLibrary->jackEpoch);
-    leaveLibrary();
-}
-
-/// False when there is no copy of it to be had.
-bool PaAudioOutput::leaveLibrary()
-{
-    if (PortAudioLibrary* copy = PortAudioLibrary::loadCopy())
-        mLibrary = copy;
-    else
-        mCanReturn = false;
-    return mCanReturn;
-}
-
-void PaAudioOutput::lose(const QString& name)
-{
-    if (name.isEmpty())
-        return;
-    mDeviceName = name;
-    mLost = true;
-    mReadAnew = false;
-    mStuckUntilMs = mClock.elapsed() + mStuckLimitMs;
-    mNextTryMs = mClock.elapsed() + FIRST_TRY_MS;
-    mWatchTimer.start(LOOK_INTERVAL_MS);
-    emit deviceLost(name);
-}
-
-void PaAudioOutput::tryAgain()
-{
-    if (mReadAnew) // the first try comes soon enough
-        mNextTryMs = 0;
-}
-
-/// The first try goes by the list that there is: a server that only stood still needs no other. A call
-/// that is still inside is waited for: it comes back when the server does, or dies. One that does not
-/// even then is left, with its library.
-void PaAudioOutput::startReturn()
-{
-    if (mReturnGate.isStuck() || mParked)
-        return;
-    if (mLibrary->isStuck()) {
-        // ALSA's plugin for JACK never comes back from a server that died.
-        if (mLibrary->isStuckInJack() || mClock.elapsed() < mStuckUntilMs)
-            return;
-        mStuckUntilMs = mClock.elapsed() + (mStuckLimitMs *= 2);
-        if (!leaveLibrary())
-            return;
-    }
-    if (mLibrary->isStarted && mLibrary->jackEpoch != JackEpoch::current() && !leaveLibrary())
-        return;
-    const bool anew = mReadAnew || !mLibrary->isStarted || mListed != mLibrary;
-    mReturn = std::make_shared<ReturnJob>(
-        ReturnJob{mLibrary, mDeviceName, framesPerBuffer(), this, anew, paNoError, nullptr, false});
-    callReturn(&ReturnJob::find);
-}
-
-void PaAudioOutput::callReturn(void (ReturnJob::*step)())
-{
-    mReturnTicket = mReturnGate.start([job = mReturn, step](BoundedCall::Ticket& ticket) {
-        (job.get()->*step)();
-        if (!ticket.finish() && job->opening)
-            job->opening->close();
-    });
-    mWatchTimer.start(RETURN_INTERVAL_MS);
-}
-
-/// When a call of the return has come back.
-void PaAudioOutput::followReturn()
-{
-    if (mReturnGate.isStuck())
-        return;
-    const std::shared_ptr<OpenJob> opening = mReturn->opening;
-    const bool failed = !opening || opening->error != paNoError;
-    if (!mReturn->starting)
-        takeList();
-    if (!failed && !mReturn->starting) {
-        tellRate(*opening);
-        prepareEngine(*opening);
-        mReturn->starting = true;
-        callReturn(&ReturnJob::start);
-        return;
-    }
-    mReturn.reset();
-    mWatchTimer.start(LOOK_INTERVAL_MS);
-    if (!failed) {
-        streamRuns(*opening, indexOf(opening->parameters.device));
-        return;
-    }
-    mReadAnew = true;
-    mNextTryMs = mClock.elapsed() + mTryAgainMs;
-    // Its client may have outlived the server. Less often each time, since each copy stays in memory.
-    if (opening && mLibrary->isJack(opening->hostApi)) {
-        mTryAgainMs = qMin(2 * mTryAgainMs, LONGEST_TRY_AGAIN_MS);
-        leaveLibrary();
-    }
-}
-
-/// What the return has read.
-void PaAudioOutput::takeList()
-{
-    const QStringList former = mDeviceNames;
-    if (mReturn->anew && mLibrary->isStarted) {
-        readDevices();
-        if (mDeviceNames != former)
-            emit devicesChanged();
-    }
-}
-
-/// False when the return is inside a call that does not end.
-bool PaAudioOutput::stopReturn(const Deadline& deadline)
-{
-    mLost = false;
-    if (!mReturn)
-        return true;
-    const Deadline patience(deadline.left(LONGEST_RETURN));
-    while (mReturnGate.isStuck() && patience.left() > milliseconds(0))
-        QThread::msleep(5);
-    if (mReturnGate.isStuck())
-        return false;
-    takeList();
-    const auto opening = mReturn->opening;
-    mReturn.reset();
-    if (!opening || !opening->stream)
-        return true;
-    opening->context->retired = true;
-    return callHostApi(
-        opening->hostApi, [opening](BoundedCall::Ticket&) { opening->close(); },
-        [] { return "Pa_CloseStream"; }, deadline.left());
 }
 
 // ---------------------------------------------------------------- mute

@@ -23,6 +23,9 @@ class PaAudioOutput : public AudioOutput
     Q_OBJECT
 
 public:
+    static constexpr int CHANNELS = 2;
+    static constexpr double PREFERRED_RATE = 44100.0; // Hz
+
     explicit PaAudioOutput(QObject* parent = nullptr);
     ~PaAudioOutput() override;
 
@@ -48,6 +51,7 @@ public:
                                  void* userData);
 
 private:
+    static constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
     static constexpr qint64 TRY_AGAIN_MS = 2500;
     // Doubled each time, since each copy stays in memory.
     static constexpr qint64 LONGEST_STUCK_MS = 8000;

@@ -31,6 +31,15 @@ void find(void* handle, const char* name, Function& function)
         qFatal("PortAudio has no %s.", name);
 }
 
+QString deviceName(const PortAudioLibrary& library, const PaDeviceInfo& device)
+{
+    const PaHostApiInfo* api = library.getHostApiInfo(device.hostApi);
+    QString apiName = api ? QString::fromLocal8Bit(api->name) : QString();
+    if (apiName.toLower() == QStringLiteral("windows directsound"))
+        apiName = QStringLiteral("DS");
+    return apiName + QStringLiteral(": ") + QString::fromLocal8Bit(device.name);
+}
+
 /// Never destroyed, since a thread may be inside.
 PortAudioLibrary* keepForEver(PortAudioLibrary* library)
 {
@@ -119,4 +128,14 @@ PaError PortAudioLibrary::start()
     const PaError error = initialize();
     isStarted = error == paNoError;
     return error;
+}
+
+QStringList PortAudioLibrary::outputNames() const
+{
+    QStringList names;
+    for (int paIndex = 0; paIndex < getDeviceCount(); ++paIndex) {
+        const PaDeviceInfo* device = getDeviceInfo(paIndex);
+        names.append(device && device->maxOutputChannels > 0 ? deviceName(*this, *device) : QString());
+    }
+    return names;
 }

@@ -2,6 +2,8 @@
 
 #include "sound/CallGate.h"
 
+#include <QStringList>
+
 #include <portaudio.h>
 
 #include <atomic>
@@ -33,6 +35,8 @@ public:
 
     /// [any] Waits as long as it takes.
     PaError start();
+    /// The devices with outputs, as "host API: device", by PortAudio's index; an empty name for the others.
+    QStringList outputNames() const;
 
     // PortAudio's functions by their names.
     decltype(&::Pa_Initialize) initialize = nullptr;

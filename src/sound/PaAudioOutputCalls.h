@@ -1,0 +1,170 @@
+#pragma once
+
+#include "sound/PaAudioOutput.h"
+#include "sound/PortAudioLibrary.h"
+
+#include <algorithm>
+#include <chrono>
+
+// What the output's calls into PortAudio are made of. A call may be given up, so it owns all that it
+// touches. For the output's own .cpp files.
+
+/// One time limit for several calls.
+class PaAudioOutput::Deadline
+{
+public:
+    explicit Deadline(std::chrono::milliseconds limit)
+        : mEnd(std::chrono::steady_clock::now() + limit)
+    {
+    }
+    std::chrono::milliseconds left(std::chrono::milliseconds most = std::chrono::milliseconds::max()) const
+    {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(mEnd - std::chrono::steady_clock::now());
+        return std::clamp(left, std::chrono::milliseconds(0), most);
+    }
+
+private:
+    std::chrono::steady_clock::time_point mEnd;
+};
+
+/// What a stream's callback is given. It outlives the output if the stream was given up.
+struct PaAudioOutput::StreamContext
+{
+    PaAudioOutput* output;
+    std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
+    std::atomic<bool> inBlock{false};
+    std::atomic<std::uint64_t> calls{0}; // of the callback, retired or not
+};
+
+/// Opens a stream, and starts it. It owns what its calls touch, since they may be given up.
+struct PaAudioOutput::OpenJob
+{
+    /// Any thread that has the library to itself.
+    OpenJob(PortAudioLibrary* from, int paIndex, int framesPerBuffer, PaAudioOutput* output)
+        : library(from)
+        , frames(static_cast<unsigned long>(framesPerBuffer))
+        , context(std::make_shared<StreamContext>())
+    {
+        const PaDeviceInfo* device = library->getDeviceInfo(paIndex);
+        hostApi = device->hostApi;
+        deviceRate = device->defaultSampleRate;
+        parameters.device = paIndex;
+        parameters.channelCount = CHANNELS;
+        parameters.sampleFormat = paFloat32;
+        parameters.suggestedLatency =
+            (device->defaultLowOutputLatency + device->defaultHighOutputLatency) * 0.5;
+        context->output = output;
+    }
+
+    void check()
+    {
+        error = library->isFormatSupported(nullptr, &parameters, rate);
+        if (error == paInvalidSampleRate) {
+            rate = deviceRate;
+            error = paNoError;
+        }
+    }
+    void open()
+    {
+        call = "Pa_OpenStream";
+        error = library->openStream(&stream, nullptr, &parameters, rate, frames, paNoFlag,
+                                    &PaAudioOutput::portAudioCallback, context.get());
+        if (error != paNoError)
+            stream = nullptr;
+        else if (const PaStreamInfo* streamInfo = library->getStreamInfo(stream))
+            info = *streamInfo;
+    }
+    /// The callback may run before this returns.
+    void start()
+    {
+        call = "Pa_StartStream";
+        error = library->startStream(stream);
+        if (error != paNoError)
+            close();
+    }
+    /// JACK's part of PortAudio ends the program over a stream whose server has died, so only one that
+    /// plays is closed there. Another never plays, and its context lives on.
+    void close()
+    {
+        if (!stream)
+            return;
+        if (!library->isJack(hostApi) || library->isStreamActive(stream) == 1)
+            library->closeStream(stream);
+        else
+            new std::shared_ptr<StreamContext>(context);
+        stream = nullptr;
+    }
+
+    PortAudioLibrary* const library;
+    int hostApi = -1;
+    PaStreamParameters parameters{};
+    double deviceRate = 0.0; // its default, Hz
+    const unsigned long frames;
+    const std::shared_ptr<StreamContext> context;
+
+    double rate = PREFERRED_RATE; // asked for
+    PaStream* stream = nullptr;
+    PaStreamInfo info{};
+    PaError error = paNoError;
+    std::atomic<const char*> call = "Pa_IsFormatSupported"; // the one under way, or the one that failed
+};
+
+/// It owns what it touches, since it may be given up.
+struct PaAudioOutput::CloseJob
+{
+    PortAudioLibrary* library;
+    PaStream* stream;
+    std::shared_ptr<StreamContext> context; // kept as long as its callback may run
+    PaError stopError = paNoError;
+    PaError closeError = paNoError;
+
+    void run()
+    {
+        stopError = library->stopStream(stream);
+        closeError = library->closeStream(stream);
+    }
+};
+
+/// A JACK stream whose callback has stopped.
+struct PaAudioOutput::ParkedStream
+{
+    CloseJob close;
+    int hostApi;
+    std::uint64_t callsThen; // of its callback
+};
+
+/// Brings a lost device back in two calls. All that is slow is done without the graphical thread,
+/// which only tells libpd the rate in between.
+struct PaAudioOutput::ReturnJob
+{
+    PortAudioLibrary* library;
+    QString name;
+    int frames;
+    PaAudioOutput* output;
+    bool anew; // PortAudio ends and starts again first, to read its devices anew
+
+    PaError error = paNoError;        // of the start
+    std::shared_ptr<OpenJob> opening; // null while the device is not there
+    bool starting = false;            // the second call
+
+    void find()
+    {
+        if (anew) {
+            if (library->isStarted)
+                library->terminate();
+            library->isStarted = false;
+            error = library->start();
+            if (error != paNoError)
+                return;
+        }
+        const int paIndex = static_cast<int>(library->outputNames().indexOf(name));
+        if (paIndex < 0)
+            return;
+        opening = std::make_shared<OpenJob>(library, paIndex, frames, output);
+        opening->check();
+        if (opening->error == paNoError)
+            opening->open();
+    }
+    void start() { opening->start(); }
+};
