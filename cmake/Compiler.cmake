@@ -5,7 +5,7 @@ target_compile_options(orlo_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
   -Wunused -Wnull-dereference -Wformat=2 -Werror
   # Log lines name the file below the project's root, not where it was built.
-  "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=")
+  "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
 
 target_compile_definitions(orlo_compiler INTERFACE
   # The log filter works by source file, in release builds too.

@@ -5,7 +5,7 @@ if(PkgConfig_FOUND)
   pkg_check_modules(PC_LIBPD QUIET libpd)
 endif()
 
-set(_libpd_hints "$ENV{LIBPD_ROOT}" "${LIBPD_ROOT}" "${CMAKE_SOURCE_DIR}/.deps/libpd"
+set(_libpd_hints "$ENV{LIBPD_ROOT}" "${LIBPD_ROOT}" "${PROJECT_SOURCE_DIR}/.deps/libpd"
                  ${PC_LIBPD_INCLUDE_DIRS} ${PC_LIBPD_LIBRARY_DIRS})
 find_path(LIBPD_INCLUDE_DIR z_libpd.h HINTS ${_libpd_hints}
           PATH_SUFFIXES include/libpd include libpd)

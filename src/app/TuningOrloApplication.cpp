@@ -7,9 +7,9 @@
 #include "sound/AudioLog.h"
 #include "sound/EngineRelay.h"
 #include "sound/OrloEvent.h"
-#include "ui/DiagnosticsDialog.h"
-#include "ui/MainWindow.h"
-#include "ui/OrloView.h"
+#include "ui/dialogs/DiagnosticsDialog.h"
+#include "ui/window/MainWindow.h"
+#include "ui/lattice/OrloView.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -4,7 +4,7 @@
 #include "app/DebugLog.h"
 #include "support/LogCatcher.h"
 #include "support/TestHome.h"
-#include "ui/DiagnosticsDialog.h"
+#include "ui/dialogs/DiagnosticsDialog.h"
 
 #include <gtest/gtest.h>
 

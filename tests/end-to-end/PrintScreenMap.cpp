@@ -5,10 +5,10 @@
 
 #include "app/TuningOrloApplication.h"
 #include "model/OrloBall.h"
-#include "ui/MainWindow.h"
-#include "ui/OrloBallWidget.h"
-#include "ui/OrloView.h"
-#include "ui/OrloWidget.h"
+#include "ui/window/MainWindow.h"
+#include "ui/lattice/OrloBallWidget.h"
+#include "ui/lattice/OrloView.h"
+#include "ui/lattice/OrloWidget.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

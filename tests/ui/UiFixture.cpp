@@ -2,11 +2,11 @@
 
 #include "model/OrloPath.h"
 #include "support/LogCatcher.h"
-#include "ui/GeometryConstants.h"
-#include "ui/OrloBallWidget.h"
-#include "ui/OrloStrutWidget.h"
-#include "ui/OrloView.h"
-#include "ui/OrloWidget.h"
+#include "ui/lattice/GeometryConstants.h"
+#include "ui/lattice/OrloBallWidget.h"
+#include "ui/lattice/OrloStrutWidget.h"
+#include "ui/lattice/OrloView.h"
+#include "ui/lattice/OrloWidget.h"
 
 #include <QCoreApplication>
 #include <QGraphicsEllipseItem>

@@ -6,7 +6,7 @@
 #include "model/OrloBall.h"
 #include "sound/PdMessageBuffer.h"
 #include "sound/PdPlayer.h"
-#include "ui/OrloLeavesWidget.h"
+#include "ui/lattice/OrloLeavesWidget.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include "memory/StoreAndRecall.h"
 #include "sound/AudioOutput.h"
 #include "support/TestHome.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 #include "ui/UiFixture.h"
 
 #include <QPushButton>

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "model/Note.h"
+#include "model/OrloPathUnlimited.h"
+#include "model/OrloRatio.h"
+#include "ui/cards/CardContents.h"
+#include "ui/cards/SoundGrape.h"
+
+#include <QColor>
+#include <QFrame>
+#include <QLine>
+#include <QList>
+
+class CardGraphic;
+class CardLabel;
+class CardStackTwoWidget;
+class CardStackWidget;
+class OrloBall;
+class SvgLoader;
+
+/// The panel that names one sounding pitch: a staff with clef, accidental and note, the name, the
+/// deviation in cents, the ratio, the frequency, and the soundgrape if the options ask for it.
+///
+/// A card says what was so when it was filled; its stack fills it again when the transposition or
+/// an option changes. Building the parts costs ten times as much as filling them, so a chord that
+/// moves takes its cards along. The layout is made in layOut() and nowhere else: when the card gets
+/// its size, its contents or another style.
+class CardWidget : public QFrame
+{
+    Q_OBJECT
+
+public:
+    /// The card of a ball, which outlives it.
+    CardWidget(const OrloBall* ball, CardStackWidget* stack);
+    /// The card of a pitch without a ball, by its absolute ratio.
+    CardWidget(const OrloRatio* ratio, CardStackTwoWidget* stack);
+    ~CardWidget() override;
+
+    /// Names the pitch at the end of this path; `frequency` in Hz.
+    static Note getNoteForPath(const OrloPathUnlimited* path, float frequency);
+    /// Puts the prime colour of `key` in the place of black in a graphic's text.
+    static void changeSvgColor(QByteArray* svg, int key);
+    static void changeSvgColor(QByteArray* svg, const QColor& color);
+    /// The key of the colour of a pitch: the highest prime on its way, at least 1. The absolute
+    /// origin is 1 in the absolute modes, whatever the way was.
+    static int findHighestPrime(const OrloPathUnlimited* path);
+    /// In staff spaces from the top line, downward; one diatonic step is 0.5.
+    static float getStaffLineForNote(bool bass, const Note& note);
+
+    /// 0 for the topmost.
+    void setCardHirarchy(int level) { mHierarchy = level; }
+    void decreaseCardHirarchy() { ++mHierarchy; }
+    int cardHirarchy() const { return mHierarchy; }
+
+    /// Fills the card from the present transposition and options.
+    void refill();
+    /// The same for another pitch of its stack, as a card that was just built.
+    void refillFor(const OrloBall* ball);
+    void refillFor(const OrloRatio& ratio);
+
+    /// Toggles the note.
+    void toggleRatioForCard() const;
+
+    /// As drawn, after the octave shift.
+    float staffPosition() const { return mContents.staffPosition; }
+    /// Whole octaves that the note is drawn lower than it sounds; below 0: higher.
+    int octaveShift() const { return mContents.octaveShift; }
+    const OrloRatio& relativeRatio() const { return mContents.relative; }
+    const OrloRatio& absoluteRatio() const { return mContents.absolute; }
+    /// Hz.
+    float frequency() const { return mContents.frequency; }
+    bool isAtStackTwo() const { return mAtStackTwo; }
+
+    QSize sizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void init();
+    void fill();
+    CardContents readContents() const;
+    const QByteArray* accidentalGraphic() const;
+    bool hasAccidental() const { return mContents.accidental != 0; }
+    CardLabel* addLabel(const char* name);
+    CardGraphic* addGraphic();
+    QByteArray recoloured(QByteArray svg) const;
+
+    void layOut();
+    void layOutStaff(const QRect& area);
+    void layOutCents(const QRect& area);
+    void layOutName(const QRect& area);
+    void layOutRatio(const QRect& area);
+    void layOutOctaveShift();
+    void layOutGrape();
+    void addArrows(const QList<int>& primes, SoundGrape::Direction direction);
+    QLine layOutPrimes(const QList<int>& primes, SoundGrape::Direction direction, bool show);
+
+    QPixmap paper();
+    void drawLines(QPainter& painter) const;
+    void drawSoundGrapeBW(QPainter& painter) const;
+
+    const bool mAtStackTwo;
+    const OrloBall* mBall = nullptr; // null: at the second stack
+    OrloRatio mRatio;                // what a card of the second stack was built for
+    SvgLoader* const mLoader;
+    CardContents mContents;
+    int mHierarchy = 0;
+    float mStaffSpacing = 0.0F; // pixels
+
+    // Child widgets.
+    CardGraphic* mClef = nullptr;
+    CardGraphic* mNote = nullptr;
+    CardGraphic* mAccidental = nullptr;      // on the staff
+    CardGraphic* mPlainAccidental = nullptr; // in the name
+    CardLabel* mNoteLabel = nullptr;
+    CardLabel* mOctaveLabel = nullptr;
+    CardLabel* mCentsLabel = nullptr;
+    CardLabel* mRatioLabel = nullptr;
+    CardLabel* mFreqLabel = nullptr;
+    CardLabel* mOctaveShiftLabel = nullptr;
+    CardLabel* mEnharmonicLabel = nullptr;
+    QList<CardGraphic*> mArrows;     // made when needed, hidden when not
+    CardLabel* mDownLabel = nullptr; // made when needed, hidden when not
+    CardLabel* mUpLabel = nullptr;
+    qsizetype mArrowsShown = 0;
+
+    QLine mDownLine; // null: none
+    QLine mUpLine;
+};

@@ -1,0 +1,31 @@
+#include "ui/dialogs/DiagnosticsDialog.h"
+
+#include "app/Accessors.h"
+#include "app/ApplicationServices.h"
+#include "ui_DiagnosticsDialog.h"
+
+#include <QScopedValueRollback>
+
+DiagnosticsDialog::DiagnosticsDialog(QWidget* parent)
+    : QDialog(parent)
+    , ui(std::make_unique<Ui::DiagnosticsDialog>())
+{
+    ui->setupUi(this);
+    setWindowFlags(windowFlags() | Qt::WindowMaximizeButtonHint);
+    mLines = app::application()->connectDiagnostics(this);
+}
+
+DiagnosticsDialog::~DiagnosticsDialog()
+{
+    // What is logged while the widgets go must not come to a form that is gone.
+    disconnect(mLines);
+}
+
+void DiagnosticsDialog::onMessage(const QString& text)
+{
+    // A line that appending gives rise to would give rise to the next.
+    if (mAppending)
+        return;
+    const QScopedValueRollback<bool> appending(mAppending, true);
+    ui->textArea->appendPlainText(text);
+}

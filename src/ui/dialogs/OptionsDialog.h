@@ -1,0 +1,117 @@
+#pragma once
+
+#include "sound/OrloEvent.h"
+#include "ui/dialogs/NoteTable.h"
+
+#include <QDialog>
+#include <QPoint>
+
+class FrequencySpinBox;
+class MainWindow;
+class QComboBox;
+class QDoubleSpinBox;
+class QGridLayout;
+class QLabel;
+class QTabWidget;
+class QVBoxLayout;
+
+/// All options in one window. A control acts when it is changed: it writes its option and tells
+/// whoever is concerned; nothing is taken back on closing. Graphical thread.
+///
+/// The note of 1/1 and its frequency are a pair: a new note sets the frequency, by the calibration
+/// of A4. The note never follows the frequency; where the two part, that is marked.
+class OptionsDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// Shows the present options. The window is its parent and is told what to draw anew.
+    explicit OptionsDialog(MainWindow* mainWindow);
+    ~OptionsDialog() override;
+
+    void selectTab(int index);
+    /// To where it was when it was last closed.
+    void rePosition();
+    void rePosition(QPoint position);
+    /// MIDI and the glissando ranges are unavailable.
+    void applyRestrictions(bool restricted);
+
+    /// Whether the frequency (Hz) is the tempered pitch of the table's note, as far as the decimals
+    /// of its size tell. Marks the note when it is not.
+    bool isOneOneFreqTempered(float calibration, float frequency, int noteIndex);
+    /// Decimals for a frequency (Hz) that the program sets: 6 below 1 Hz, 1 from 10000 Hz.
+    static int getFloatDecimalPrecision(float frequency);
+    /// Fills the menus of octave and note from the text of the 1/1 note.
+    void populateOneOneSplitMenu();
+    /// How far 1/1 is from its note, and the option that tells the names whether that is too far.
+    void updateCentsDisplay();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private slots:
+    void onMainPatchNumberOfVoicesMenuActivated(int index);
+    void onAudioDeviceMenuActivated(int index);
+    void onMidiOutputDeviceMenuActivated(int index);
+    void onMidiOutputChannelMenuActivated(int index);
+    void onMidiPortLost(const QString& name);
+    void onMidiPortBack(const QString& name);
+    void onCalibrationFreqEditValueChanged(double value);
+    void onOneOneNoteChanged(int index);
+    void onOneOneFreqEditValueChanged(double value);
+    void onOneOneFreqEditEditingFinished();
+    void onCentsShowDecimalsChanged(int index);
+    void onGlissOneRangeChanged(double value);
+    void onGlissTwoRangeChanged(double value);
+    void onGlissRangeMPEChanged(double value);
+    void onFurtherOptionsChanged2(bool on);
+    void onFurtherOptionsChanged5(bool on);
+    void onMaintainMacrosChanged(bool on);
+    void onAllowZoomChanged(bool on);
+    void onSoftNodeResetChanged(bool on);
+    void onUpdateCheckFrequencyActivated(int index);
+    void onUpdateButtonClicked();
+
+private:
+    QWidget* buildOptionsPage();
+    QWidget* buildRegisterPage();
+    QWidget* buildUpdatePage();
+    QWidget* buildAboutPage();
+    void addVoicesRow(QVBoxLayout* layout);
+    void addDeviceRows(QGridLayout* grid);
+    void addPitchRows(QGridLayout* grid);
+    void addCardRow(QVBoxLayout* layout);
+    void addGlissandoRows(QVBoxLayout* layout);
+    void addSwitches(QVBoxLayout* layout);
+
+    void loadData();
+    void listAudioDevices();
+    void showAudioDevice();
+    void showMidi();
+    void markNote();
+    void showSplitMenus(bool split);
+    void chooseSplitNote();
+
+    MainWindow* mMainWindow;
+    const NoteTable mNoteTable;
+    QPoint mSavedPosition;
+
+    double mCalibration = 440.0;       // Hz of A4
+    double mOneOneFrequency = 440.0;   // Hz
+    QString mOneOneNote;               // as the option has it
+    int mOneOneNoteIndex = 0;          // in the table
+    float mPreviousFrequency = 440.0F; // that the frequency box saw last
+
+    QTabWidget* mTabs = nullptr;
+    QComboBox* mAudioDeviceMenu = nullptr;
+    QComboBox* mMidiDeviceMenu = nullptr;
+    QComboBox* mMidiChannelMenu = nullptr;
+    QLabel* mOneOneNoteLabel = nullptr;
+    QComboBox* mOneOneNoteEdit = nullptr;
+    QComboBox* mOneOneNoteInOctaveEdit = nullptr;
+    QComboBox* mOneOneOctaveEdit = nullptr;
+    QLabel* mCentsLabel = nullptr;
+    FrequencySpinBox* mOneOneFreqEdit = nullptr;
+    QList<QDoubleSpinBox*> mRangeEdits;
+};

@@ -1,0 +1,178 @@
+// Nodes and glissando: what is sent and signalled, and when. The values are RandomNodesTest's.
+
+#include "sound/PatchEar.h"
+#include "support/LogCatcher.h"
+#include "support/SoundRig.h"
+
+#include "sound/OrloNodeSelectToggleEvent.h"
+#include "sound/OrloNoteEvent.h"
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+
+#include <atomic>
+#include <cmath>
+
+namespace {
+
+const QByteArray SILENT_PATCH = "#N canvas 0 0 200 200 12;\n";
+const OrloRatio A(1, 1);
+const OrloRatio B(3, 2);
+
+} // namespace
+
+class Nodes : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(rig.loadMainText(SILENT_PATCH)); }
+    void send(OrloEvent::Type type, float value = 1.0F) { rig.send(OrloEvent(type, value)); }
+    void toggle(const OrloRatio& ratio) { rig.send(OrloNoteEvent(ratio)); }
+    void select(const OrloRatio& ratio) { rig.send(OrloNodeSelectToggleEvent(ratio)); }
+    const PatchEar::Voice& voiceOf(const OrloRatio& ratio) const
+    {
+        return ear.voice(ear.voiceOf({ratio.numerator(), ratio.denominator()}));
+    }
+    float frequencyOf(const OrloRatio& ratio) const { return voiceOf(ratio).frequency; }
+
+    const LogCatcher quiet;
+    SoundRig rig;
+    PatchEar ear{rig.player};
+};
+
+TEST_F(Nodes, OneBendTellsOfAllSelectedVoices)
+{
+    std::atomic<bool> open{true};
+    rig.player.setPortOpenFlag(&open);
+    toggle(A);
+    toggle(B);
+    select(B);
+    select(A);
+    select(OrloRatio(5, 4)); // silent
+    QSignalSpy spy(&rig.player, &PdPlayer::instructionsToInterface);
+    send(OrloEvent::GlissOneSet, 1.0F);
+    ASSERT_EQ(spy.size(), 1);
+    EXPECT_EQ(spy[0][0].toInt(), 2);
+    EXPECT_EQ(spy[0][1].value<QList<int>>(), (QList<int>{1, 0})); // in the order of selection
+    EXPECT_EQ(spy[0][2].value<QList<float>>(), (QList<float>{1320.0F, 880.0F}));
+    EXPECT_EQ(spy[0][3].value<QList<float>>(), (QList<float>{-1.0F, -1.0F}));
+
+    spy.clear();
+    QSignalSpy selections(&rig.player, &PdPlayer::nodeSelected);
+    send(OrloEvent::NodesDeselectAll);
+    EXPECT_EQ(selections.size(), 3);
+    send(OrloEvent::GlissOneSet, 0.5F);
+    EXPECT_TRUE(spy.isEmpty());
+    rig.player.setPortOpenFlag(nullptr);
+}
+
+TEST_F(Nodes, TogglingAllSelectedWaitsForTheNextBlockAndLosesNone)
+{
+    // More than a ring of commands holds.
+    constexpr int many = 120;
+    for (int i = 1; i <= many; ++i)
+        select(OrloRatio(static_cast<unsigned>(i), 64));
+    rig.queue(OrloEvent(OrloEvent::NodesToggleAllSelected, 1.0F));
+    for (int i = 0; i < 250; ++i)
+        rig.queue(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
+    rig.render();
+    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
+    for (int i = 0; i < 250; ++i)
+        rig.queue(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
+    rig.render();
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), many);
+    send(OrloEvent::NodesToggleAllSelected);
+    rig.render();
+    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
+
+    // From the device too, whose commands run first in a block.
+    const OrloEvent event(OrloEvent::NodesToggleAllSelected, 1.0F);
+    rig.player.queueEventSerial(&event);
+    rig.render();
+    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
+    rig.render();
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), many);
+    EXPECT_EQ(quiet.count(QtWarningMsg, QStringLiteral("Command buffer full")), 0);
+}
+
+TEST_F(Nodes, ResettingAllWithControlsKeepsTheSelection)
+{
+    ASSERT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n#X obj 20 20 r query-macros;\n"
+                                 "#X msg 20 50 list info A(0.25):B;\n#X obj 20 80 s output-voice-info;\n"
+                                 "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n"));
+    toggle(A);
+    select(A);
+    select(B);
+    send(OrloEvent::Macro1Set, 0.75F);
+    send(OrloEvent::Macro2Set, 0.625F);
+    send(OrloEvent::GlissTwoSet, 0.0F);
+    QSignalSpy sliders(&rig.player, &PdPlayer::resetGlissSliders);
+    send(OrloEvent::NodesResetAllAndControls);
+    EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{A, B}));
+    EXPECT_EQ(voiceOf(A).macros[0], 0.25F);
+    EXPECT_EQ(voiceOf(A).macros[1], 0.625F); // its patch gives no default: it stays
+    send(OrloEvent::GlissTwoReset);
+    ASSERT_EQ(sliders.size(), 2);
+    EXPECT_EQ(sliders[0][0].value<short>(), 0);
+    EXPECT_EQ(sliders[1][0].value<short>(), 2);
+}
+
+TEST_F(Nodes, WhatIsDoneWithoutAPatchHoldsInTheNext)
+{
+    rig.settings.maintainMacroParameters = true;
+    send(OrloEvent::Macro1Set, 0.5F);
+    toggle(A);
+    select(A);
+    rig.underClock([this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
+    ASSERT_FALSE(rig.player.isPatchOpen());
+    toggle(B);
+    select(B);
+    send(OrloEvent::GlissOneSet, 1.0F);
+
+    QSignalSpy sliders(&rig.player, &PdPlayer::setMacroSliders);
+    ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
+    ASSERT_EQ(sliders.size(), 1);
+    EXPECT_EQ(sliders[0][0].value<QList<float>>(), (QList<float>{0.5F, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 2);
+    EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{B, A}));
+    EXPECT_EQ(voiceOf(B).gate, 1.0F);
+    EXPECT_EQ(frequencyOf(B), 1320.0F);
+    // A was out of reach of the slider, so it stands where it was, now with the slider at its end.
+    EXPECT_EQ(frequencyOf(A), 440.0F);
+    send(OrloEvent::GlissOneSet, 0.5F);
+    EXPECT_EQ(frequencyOf(B), 660.0F);
+    EXPECT_EQ(frequencyOf(A), 220.0F);
+}
+
+TEST_F(Nodes, AGlissandoResetWithoutAPatchHoldsInTheNext)
+{
+    toggle(B);
+    select(B);
+    for (const auto reset : {OrloEvent::GlissOneReset, OrloEvent::GlissTwoReset, OrloEvent::GlissBothReset,
+                             OrloEvent::NodesResetAllAndControls}) {
+        send(OrloEvent::GlissOneSet, 1.0F);
+        send(OrloEvent::GlissTwoSet, 1.0F);
+        rig.underClock(
+            [this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
+        send(reset);
+        ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
+        // B stands where the sliders stand, reset or not, and moves with them.
+        send(OrloEvent::GlissOneSet, 0.75F);
+        send(OrloEvent::GlissTwoSet, 0.75F);
+        EXPECT_NEAR(static_cast<double>(frequencyOf(B)), 660.0 * std::exp2(650.0 / 1200.0), 0.01) << reset;
+        send(OrloEvent::GlissBothReset);
+    }
+}
+
+TEST_F(Nodes, WhatIsNoPitchIsNotSelected)
+{
+    select(OrloRatio());
+    rig.send(OrloEvent(OrloEvent::NodeSelectToggle, 1.0F)); // as a device's map may name it
+    rig.send(OrloEvent(OrloEvent::NodeReset, 1.0F));
+    send(OrloEvent::GlissOneSet, std::nanf(""));
+    EXPECT_TRUE(rig.player.getAllSelectedRatios().isEmpty());
+    toggle(A);
+    select(A);
+    send(OrloEvent::GlissTwoSet, 0.5F);
+    EXPECT_EQ(frequencyOf(A), 440.0F);
+}

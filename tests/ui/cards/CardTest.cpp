@@ -1,0 +1,230 @@
+#include "ui/cards/CardFixture.h"
+#include "ui/cards/PitchTexts.h"
+
+namespace {
+
+using Card = CardFixture;
+
+// The inner rectangle of a card in the program's look, and what follows from its height of 64: the
+// staff space is 8, the clef 24 wide, the note 11 by 9.
+constexpr QRect INNER(6, 13, 164, 64);
+constexpr int SPACE = 8;
+
+TEST_F(Card, NotesStandByTheirClefAndFarOnesMoveByOctavesIntoTheStaff)
+{
+    // Ratio, name, position, shift, and where its text stands from the middle of the clef.
+    const std::tuple<OrloRatio, const char*, float, const char*, QPoint> rows[] = {
+        {{17, 16}, "B4", 2.0F, "", {}}, // flat
+        {{3, 5}, "C4", 5.0F, "", {}},         {{1, 2}, "A3", 0.0F, "", {}},
+        {{2, 1}, "A5", -1.0F, "", {}},        {{4, 1}, "A6", -1.0F, "8", {0, 10}},
+        {{8, 1}, "A7", -1.0F, "15", {0, 10}}, {{1, 8}, "A1", 3.5F, "8", {-9, 52}},
+    };
+    for (const auto& [ratio, name, position, shift, place] : rows) {
+        SCOPED_TRACE(name);
+        const CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
+        EXPECT_EQ(text(card, "noteLabel") + text(card, "octaveLabel"), QLatin1StringView(name));
+        EXPECT_EQ(card->staffPosition(), position);
+        const QLabel* shown = label(card, "octaveShiftLabel");
+        EXPECT_EQ(shown->text(), QLatin1StringView(shift));
+        if (*shift) {
+            EXPECT_EQ(shown->pos(), QPoint(INNER.x() + (24 - shown->width()) / 2, 0) + place);
+        }
+    }
+}
+
+TEST_F(Card, NumbersAreWrittenByTheirSize)
+{
+    const std::tuple<float, int, const char*> cents[] = {
+        {1.955F, 0, "+2"}, {-0.125F, 2, "-0.13"}, {-0.001F, 2, "+0.00"}, {3.0F, -1, "+3"}};
+    for (const auto& [value, decimals, shown] : cents)
+        EXPECT_EQ(texts::centsText(texts::roundedCents(value), decimals), QLatin1StringView(shown));
+
+    settings.centsShowDecimals = 2;
+    EXPECT_EQ(text(cardFor(5, 4), "centsLabel"), QStringLiteral("-13.69")) << "13.6863 cents below";
+    EXPECT_EQ(text(cardFor(3, 2), "freqLabel"), QStringLiteral("660.000 Hz"));
+    EXPECT_EQ(text(cardFor(1, 64), "freqLabel"), QStringLiteral("6.87500 Hz"));
+    settings.soundGrapeNotation = 1; // which takes room
+    updatePage();
+    EXPECT_EQ(text(cardFor(3, 2), "freqLabel"), QStringLiteral("660.00 Hz"));
+}
+
+TEST_F(Card, TheModesChooseTheRatioAndTheColour)
+{
+    transposeBy({5});
+    // Mode, whether within the octave, ratio and colour of 1/1, reached by -5; ratio a step of 5 up.
+    const std::tuple<int, bool, const char*, int, const char*> rows[] = {{0, false, "4/5", 5, "5/4"},
+                                                                         {0, true, "8/5", 5, "5/4"},
+                                                                         {1, false, "1/1", 1, "25/16"},
+                                                                         {2, false, "1/1", 1, "25/16"}};
+    for (const auto& [mode, withinOctave, ratio, color, up] : rows) {
+        SCOPED_TRACE(mode);
+        settings.absRelView = mode;
+        settings.ratiosWithinOctave = withinOctave;
+        updatePage();
+        CardWidget* origin = cardFor(1, 1);
+        EXPECT_EQ(text(origin, "ratioLabel"), QLatin1StringView(ratio));
+        EXPECT_EQ(text(cardFor(25, 16), "ratioLabel"), QLatin1StringView(up));
+        const QPoint note = graphics(origin)[1]->geometry().center();
+        EXPECT_EQ(origin->grab().toImage().pixelColor(note), orlo.lookupColor(color));
+    }
+}
+
+TEST_F(Card, PartsStandByTheNote)
+{
+    // Without an accidental: 60 - 24 - 11 leaves 25, and half of it is 13. Height 4.5 spaces.
+    const CardWidget* a = cardFor(1, 1);
+    ASSERT_EQ(graphics(a).size(), 2);
+    EXPECT_EQ(graphics(a)[0]->geometry(), QRect(6, 13, 24, 64));
+    EXPECT_EQ(graphics(a)[1]->geometry(), QRect(6 + 24 + 4 + 13, 45, 11, 9));
+    EXPECT_EQ(label(a, "noteLabel")->pos(), QPoint(76, 16));
+
+    // Bb4 at 2.0: the flat is 7 by 24, so the group of 21 leaves 15, half of it 8.
+    const CardWidget* flat = cardFor(17, 16);
+    for (const int moved : {0, 3}) {
+        settings.soundGrapeNotation = moved; // 3: of an unknown form, but still takes its room
+        updatePage();
+        ASSERT_EQ(graphics(flat).size(), 4);
+        EXPECT_EQ(graphics(flat)[3]->geometry(), QRect(42 - moved, 41 - SPACE, 7, 24));
+        EXPECT_EQ(graphics(flat)[1]->geometry(), QRect(52 - moved, 41, 11, 9));
+        const QLabel* name = label(flat, "noteLabel");
+        EXPECT_EQ(graphics(flat)[2]->geometry(), QRect(name->x() + name->width() + 1, 13, 7, 24));
+        EXPECT_EQ(label(flat, "octaveLabel")->x(), name->x() + name->width() + 1 + 7 + 2);
+    }
+    EXPECT_EQ(label(flat, "noteLabel")->pos(), QPoint(76 + 33, 19));
+}
+
+TEST_F(Card, CentsMoveOutOfTheNotesWay)
+{
+    const auto cents = [](const CardWidget* card) { return label(card, "centsLabel")->geometry(); };
+    const auto note = [](const CardWidget* card) { return graphics(card)[1]->geometry(); };
+    EXPECT_EQ(cents(cardFor(1, 1)).y(), INNER.y() - 3);
+    const CardWidget* high = cardFor(2, 1);
+    EXPECT_EQ(cents(high).y(), note(high).y() - cents(high).height() - 3);
+    const CardWidget* bass = cardFor(1, 3); // D3, 2 cents below
+    EXPECT_EQ(cents(bass).y(), INNER.y() + 64 - cents(bass).height() + 3);
+    const CardWidget* lowest = cardFor(19, 32); // C4, 2 cents below, on the ledger line
+    EXPECT_EQ(cents(lowest).y(), note(lowest).y() + 9 + 3);
+}
+
+TEST_F(Card, RatiosTakeTwoLinesOrNoneOfTheirNumbers)
+{
+    const std::tuple<OrloRatio, QString> rows[] = {
+        {{1220703125, 1073741824}, QStringLiteral("1220703125/\n 1073741824")}, // 5 to the 13th
+        {{2147483648, 2147483647}, QStringLiteral("out of\nbounds")},
+    };
+    for (const auto& [ratio, shown] : rows) {
+        const CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
+        EXPECT_EQ(text(card, "ratioLabel"), shown);
+        const QRect place = label(card, "ratioLabel")->geometry();
+        const QRect name = label(card, "noteLabel")->geometry();
+        EXPECT_EQ(place.topLeft(),
+                  QPoint(name.x(), name.y() + name.height() + 20 + 5 - qRound(place.height() / 2.0)));
+        EXPECT_LE(label(card, "freqLabel")->geometry().bottom(), card->height());
+    }
+    settings.soundGrapeNotation = 1;
+    updatePage();
+    const QLabel* large = label(cardFor(1220703125, 1073741824), "ratioLabel");
+    EXPECT_LE(large->geometry().right(), INNER.right() + 1) << "no digit is cut off";
+}
+
+TEST_F(Card, StaffAndLedgerLinesAreDrawnAtTheirHeights)
+{
+    const QColor first(0xaa, 0xaa, 0xaa);
+    const QColor second(0x7c, 0x7c, 0x7c); // at the second stack
+    const std::tuple<OrloRatio, QColor, int> rows[] = {
+        // ratio, colour, space of the ledger line
+        {{2, 1}, first, 1}, // A5 at -1.0
+        {{3, 5}, first, 7}, // C4 at 5.0
+        {{81, 16}, second, 0},
+    };
+    for (const auto& [ratio, color, ledger] : rows) {
+        SCOPED_TRACE(ratio.numerator());
+        CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
+        const QImage picture = card->grab().toImage();
+        for (int k = 2; k <= 6; ++k) {
+            EXPECT_EQ(picture.pixelColor(INNER.x() + 62, INNER.y() + k * SPACE), color) << k;
+            EXPECT_NE(picture.pixelColor(INNER.x() + 62, INNER.y() + k * SPACE + 1), color) << k;
+        }
+        const int left = graphics(card)[1]->x() - 4;
+        for (const int k : {1, 7})
+            EXPECT_EQ(picture.pixelColor(left, INNER.y() + k * SPACE) == color, k == ledger) << k;
+    }
+}
+
+TEST(SoundGrapeTest, StepsBecomeTwoSortedListsAndTexts)
+{
+    const SoundGrape grape = SoundGrape::fromSteps({7, -3, 2, 5, -31, 11, -2, 5, -3, 2, -11});
+    EXPECT_EQ(grape.down, (QList<int>{3, 3, 31}));
+    EXPECT_EQ(grape.up, (QList<int>{5, 5, 7}));
+
+    // Exponents run from 2 to 20.
+    const QString raised = QStringLiteral("<sup style=\"font-size:16pt\">%1</sup>");
+    EXPECT_EQ(SoundGrape::textOf({3, 3, 5}).text, u'3' + raised.arg(2) + QStringLiteral(",5"));
+    EXPECT_EQ(SoundGrape::textOf(QList<int>(20, 5)).text, u'5' + raised.arg(20));
+    EXPECT_EQ(SoundGrape::textOf(QList<int>(21, 5)).text, QStringLiteral("5"));
+}
+
+TEST(SoundGrapeTest, HeadsFollowTheArrowAndWrapAtTheEdge)
+{
+    using Arrow = SoundGrape::Arrow;
+    const QRect note(40, 50, 11, 9);
+    // Arrow 14, head 10, step 6: the first head at 14 - 10 + 6 from the corner.
+    const QList<Arrow> up =
+        SoundGrape::arrowsFrom(note, {3, 5, 7}, SoundGrape::Direction::Up, QRect(0, 0, 200, 200));
+    ASSERT_EQ(up.size(), 3);
+    EXPECT_EQ(up[0].place, QRect(51, 54 - 14, 14, 14));
+    EXPECT_EQ(up[2].place, QRect(51 + 16, 54 - 26, 10, 10));
+
+    // Room for one head after the arrow, and for rows of two heads at 61 and 71, not for one at 81.
+    const QRect room(0, 0, 88, 54 + 20);
+    const QList<Arrow> down =
+        SoundGrape::arrowsFrom(note, {3, 3, 5, 5, 7, 7}, SoundGrape::Direction::Down, room);
+    ASSERT_EQ(down.size(), 6);
+    EXPECT_EQ(down[2].place, QRect(61, 54, 10, 10)) << "the row starts again at the base";
+    EXPECT_EQ(down[5].place, QRect(77, 60, 10, 10));
+    EXPECT_EQ(down[5].kind, Arrow::Head) << "no prime is left over";
+
+    const QList<Arrow> more =
+        SoundGrape::arrowsFrom(note, QList<int>(9, 11), SoundGrape::Direction::Down, QRect(0, 0, 82, 74));
+    ASSERT_EQ(more.size(), 5);
+    EXPECT_EQ(more.last().kind, Arrow::More);
+    EXPECT_EQ(more.last().place, QRect(71, 54 - 2, 14, 14));
+}
+
+TEST_F(Card, TheSoundgrapeFollowsTheOption)
+{
+    const auto primes = [](const CardWidget* card) {
+        QStringList texts;
+        for (const QLabel* each : card->findChildren<QLabel*>(QStringLiteral("SGBWLabel"))) {
+            if (each->isVisible())
+                texts.append(each->text());
+        }
+        return texts.join(u' ').toStdString();
+    };
+    CardWidget* down = cardFor(1, 27); // D0
+    for (const int notation : {1, 2, 0, 3, -1}) {
+        SCOPED_TRACE(notation);
+        settings.soundGrapeNotation = notation;
+        updatePage();
+        EXPECT_EQ(graphics(down).size(), notation == 1 ? 2 + 3 : 2);
+        EXPECT_EQ(primes(down), notation == 2 ? "3<sup style=\"font-size:16pt\">3</sup>" : "");
+    }
+    settings.soundGrapeNotation = 1;
+    updatePage();
+    EXPECT_TRUE(graphics(down)[2]->svg().contains("fill:#5173b6")) << "the colour of 3";
+
+    settings.soundGrapeNotation = 2;
+    updatePage();
+    const QRect note = graphics(down)[1]->geometry();
+    EXPECT_EQ(down->grab().toImage().pixelColor(note.x() + 11 + 4, note.y() + 4 + 3), QColor(Qt::black));
+
+    // In the absolute modes the way of the transposition belongs to it.
+    transposeBy({11});
+    for (const int mode : {0, 1, 2}) {
+        settings.absRelView = mode;
+        updatePage();
+        EXPECT_EQ(primes(cardFor(11 * 7, 32)), mode == 0 ? "7" : "7,11");
+    }
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+// Balls of the lattice and of the node stack, by real presses.
+
+#include "ui/stacks/NodeStackFixture.h"
+#include "ui/lattice/OrloBallWidget.h"
+#include "ui/lattice/OrloWidget.h"
+
+namespace {
+
+using BallInput = NodeStackFixture;
+
+TEST_F(BallInput, ModifiersAndButtonsChooseTheCommand)
+{
+    constexpr auto shift = Qt::ShiftModifier;
+    constexpr auto alt = Qt::AltModifier;
+    constexpr auto control = Qt::ControlModifier;
+    // Of the lattice's ball the note by its path, all else by the relative ratio: 1/2 of 3/2. Of the
+    // stack's 25/16, which is 25/24 a fifth up.
+    const std::tuple<Qt::MouseButton, Qt::KeyboardModifiers, const char*, const char*> rows[] = {
+        {Qt::LeftButton, Qt::NoModifier, "0 1 /-2/3", "34 2 25/16"},
+        {Qt::LeftButton, shift, "36 1 3/4", "36 1 25/24"},
+        {Qt::LeftButton, alt, "37 1 3/4", "37 1 25/24"},
+        {Qt::LeftButton, control, "38 0 3/4", "38 0 25/24"},
+        {Qt::LeftButton, alt | control | shift, "38 1 3/4", "38 1 25/24"},
+        {Qt::LeftButton, shift | alt, "", ""},
+        {Qt::LeftButton, Qt::MetaModifier, "", ""},
+        {Qt::RightButton, alt | control, "", "35 1 25/16"},
+        {Qt::MiddleButton, Qt::NoModifier, "", ""},
+    };
+    const OrloRatio small(25, 16);
+    transposeBy({3});
+    add({small});
+    stack->showNodes();
+    for (const auto& [button, modifiers, ofLattice, ofStack] : rows) {
+        scene::click(*view, scene::centreOf(*view, "/-2/3"), modifiers, button);
+        EXPECT_EQ(said(), ofLattice) << button << ' ' << modifiers.toInt();
+        scene::click(*stack, pointOf(small), modifiers, button);
+        EXPECT_EQ(said(), ofStack) << button << ' ' << modifiers.toInt();
+    }
+}
+
+TEST_F(BallInput, AQuickDoubleClickPlaysOneToggle)
+{
+    const OrloRatio small(25, 16);
+    add({small});
+    stack->showNodes();
+    const std::pair<QGraphicsView*, QPoint> balls[] = {{view, scene::centreOf(*view, "/2")},
+                                                       {stack, pointOf(small)}};
+    for (const auto& [where, point] : balls) {
+        scene::click(*where, point);
+        stack->setHoldNodeForRatio(small, true); // at once, which puts the dot under the pointer
+        scene::mouse(*where, QEvent::MouseButtonDblClick, point, Qt::LeftButton, Qt::LeftButton);
+        scene::mouse(*where, QEvent::MouseButtonRelease, point, Qt::LeftButton, Qt::NoButton);
+        EXPECT_EQ(drain().size(), 1);
+        scene::click(*where, point);
+        EXPECT_EQ(drain().size(), 1) << "the third press plays again";
+    }
+}
+
+TEST_F(BallInput, EveryBallIsHitThroughItsMarksAndOnlyWithinItsCircle)
+{
+    view->buildScene(OrloLeavesWidget::Circles); // where no ball covers the centre of another
+    for (const OrloBallWidget* item : view->orloWidget()->balls()) {
+        const QString path = item->ball()->path().toString();
+        OrloBall* ball = ballAt(qPrintable(path));
+        ball->setPlaying(true);
+        ball->setSelected(true);
+        ball->setHold(true);
+        ball->setAltered(true);
+        scene::click(*view, view->mapFromScene(item->scenePos()));
+        EXPECT_EQ(said(), "0 1 " + path.toStdString());
+        report();
+    }
+    // Just outside the circle, but still in its square and its rings.
+    const double corner = 14 * 0.75;
+    scene::click(*view, view->mapFromScene(QPointF(corner, corner)));
+    orlo.onPrimeEnabledToggled(7, false);
+    scene::click(*view, scene::centreOf(*view, "/7"));
+    EXPECT_TRUE(drain().isEmpty()) << "a hidden ball does not play";
+}
+
+} // namespace

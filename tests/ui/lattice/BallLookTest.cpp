@@ -1,0 +1,140 @@
+#include "ui/lattice/OrloBallWidget.h"
+#include "ui/lattice/OrloStrutWidget.h"
+#include "ui/lattice/OrloView.h"
+#include "ui/UiFixture.h"
+
+#include <QGraphicsEllipseItem>
+#include <QPen>
+
+#include <array>
+
+namespace {
+
+constexpr QRgb CROWDED = 0xffb7b7b7;
+constexpr QRgb CENTRE = 0xff202020;
+constexpr QRgb OCTAVE = 0xff5b5b5b;
+constexpr QRgb FIFTH = 0xff5173b6;
+constexpr QRgb RED = 0xff9c0404;  // 5
+constexpr QRgb BLUE = 0xff2838d0; // 7
+constexpr QRgb GREY = 0xff9e9e9e; // 158 of each
+
+class BallLook : public UiFixture
+{
+protected:
+    BallLook() { view.init(OrloLeavesWidget::Circles, &orlo); }
+
+    scene::Circles circles(const char* path) const { return scene::circlesOf(scene::ballAt(view, path)); }
+    /// The colour that a ball at rest is drawn in, before it is dimmed.
+    void expectColor(const char* path, QRgb color)
+    {
+        EXPECT_EQ(circles(path).main->brush().color(), QColor(color).darker(115)) << path;
+        EXPECT_EQ(circles(path).altered->pen().color(), QColor(color)) << path;
+    }
+    void show(int absRelView)
+    {
+        settings.absRelView = absRelView;
+        view.updateOrloBalls();
+    }
+
+    OrloView view;
+};
+
+TEST_F(BallLook, ColoursFollowTheTransposition)
+{
+    // Steps, ball, and its colour by its own step, by the last step and by the highest one.
+    const std::tuple<QList<int>, const char*, std::array<QRgb, 3>> rows[] = {
+        {{}, "/", {CENTRE, CENTRE, CENTRE}},
+        {{}, "/-2/3", {FIFTH, FIFTH, FIFTH}},
+        {{3}, "/", {GREY, FIFTH, FIFTH}},
+        {{3}, "/-3", {FIFTH, CENTRE, CENTRE}}, // the steps cancel: this is the absolute origin
+        {{3}, "/2/-3", {FIFTH, OCTAVE, OCTAVE}},
+        {{3}, "/5", {RED, RED, RED}}, // a leaf keeps its own colour
+        {{5}, "/", {GREY, RED, RED}},
+        {{5}, "/2", {OCTAVE, OCTAVE, RED}},
+        {{5}, "/-5", {RED, CENTRE, CENTRE}},
+        {{5, 7}, "/", {GREY, CROWDED, BLUE}},
+        {{5, 7}, "/3", {FIFTH, FIFTH, BLUE}}, // crowded counts only where no 2 or 3 colours the ball
+        {{5, 7}, "/5", {RED, RED, RED}},
+        {{5, 3}, "/-3", {FIFTH, RED, RED}}, // one leaf step is no crowd
+    };
+    for (const auto& [steps, path, colors] : rows) {
+        orlo.onTransposed(OrloRatio(1, 1), 0);
+        transposeBy(steps);
+        for (const int mode : {0, 1, 2}) {
+            SCOPED_TRACE(mode);
+            show(mode);
+            expectColor(path, colors[static_cast<size_t>(mode)]);
+        }
+    }
+    settings.centralNodeColourRelativeMode = false;
+    show(0);
+    expectColor("/", CENTRE);
+}
+
+TEST_F(BallLook, APlayingBallIsBrighterWithAGlow)
+{
+    const scene::Circles tree = circles("/3");
+    ballAt("/3")->setPlaying(true);
+    EXPECT_EQ(tree.main->brush().color(), QColor(FIFTH).lighter(130));
+    EXPECT_TRUE(tree.glow->isVisible());
+    ballAt("/")->setPlaying(true);
+    EXPECT_EQ(circles("/").main->brush().color(), QColor(CENTRE)) << "the central pitch keeps its colour";
+
+    ballAt("/3")->setPlaying(false);
+    EXPECT_EQ(tree.main->brush().color(), QColor(FIFTH).darker(115));
+    EXPECT_FALSE(tree.glow->isVisible());
+}
+
+TEST_F(BallLook, EachMarkShowsByItself)
+{
+    const scene::Circles leaf = circles("/2/-11");
+    OrloBall* ball = ballAt("/2/-11");
+    for (const int mark : {1, 2, 3}) {
+        ball->setSelected(mark == 1);
+        ball->setHold(mark == 2);
+        ball->setAltered(mark == 3);
+        EXPECT_EQ(leaf.selected->isVisible(), mark == 1) << mark;
+        EXPECT_EQ(leaf.hold->isVisible(), mark == 2) << mark;
+        EXPECT_EQ(leaf.altered->isVisible(), mark == 3) << mark;
+    }
+}
+
+TEST_F(BallLook, TheThickOctaveStrutsMoveWithTheOrigin)
+{
+    const auto expectWidths = [this](int mode, int octave, int octaveOfFifth) {
+        show(mode);
+        EXPECT_EQ(scene::strutBetween(view, "/", "/2")->pen().width(), octave);
+        EXPECT_EQ(scene::strutBetween(view, "/-3", "/2/-3")->pen().width(), octaveOfFifth);
+        EXPECT_EQ(scene::strutBetween(view, "/", "/3")->pen().width(), 4) << "rising struts keep their width";
+    };
+    expectWidths(1, 4, 2);
+    // Up a fifth, the origin lies on the ball of -3: its octave is the one without a 3.
+    transposeBy({3});
+    expectWidths(1, 2, 4);
+    expectWidths(0, 4, 2);
+}
+
+} // namespace
+
+// The glow is drawn from a shared picture; a view paints into its window, at an offset.
+TEST_F(UiFixture, AGlowLiesUnderItsBallWhereverTheViewIs)
+{
+    QWidget window;
+    window.resize(900, 800);
+    OrloView view(&window);
+    view.init(OrloLeavesWidget::Grapes, &orlo);
+    view.setGeometry(120, 70, 700, 700);
+    view.setBackgroundBrush(QColor(88, 109, 97));
+    ballAt("/")->setPlaying(true);
+    window.show();
+    const QRect around(scene::centreOf(view, "/") - QPoint(40, 40), QSize(80, 80));
+    const QImage alone = view.viewport()->grab(around).toImage();
+    const QPoint offset = view.viewport()->mapTo(&window, QPoint());
+    const QImage inWindow = window.grab(around.translated(offset)).toImage();
+    EXPECT_EQ(alone.convertToFormat(QImage::Format_RGB32), inWindow.convertToFormat(QImage::Format_RGB32));
+
+    const QRgb glowing = inWindow.pixel(40 + 22, 40);
+    ballAt("/")->setPlaying(false);
+    const QRgb dark = window.grab(around.translated(offset)).toImage().pixel(40 + 22, 40);
+    EXPECT_GT(qGray(glowing), qGray(dark) + 20);
+}
