@@ -18,6 +18,9 @@ class Settings : public SerializableRoot
     Q_OBJECT
 
 public:
+    static constexpr float DEFAULT_VOLUME = 0.75F;
+    static constexpr int DEFAULT_VOICES = 128;
+
     /// Sets every default and creates the hidden data. The application's name must be set before,
     /// since a default names the config directory.
     Settings();
@@ -39,7 +42,7 @@ public:
     QString baseNote = QStringLiteral("A 4"); // letter, "b", "#" or blank, octave
     float baseNoteFreqRatio = 1.0F;           // 1/1 frequency over the calibration frequency
     bool oneOneFreqTempered = true;           // not stored
-    float masterVolume = 0.75F;               // 0 to 1
+    float masterVolume = DEFAULT_VOLUME;      // 0 to 1
     bool monophonic = false;
     QString defaultPatch = QStringLiteral("Sine.pd");
     SharedOption<bool> softNodeReset = false;
@@ -63,7 +66,7 @@ public:
     int glissRangeMPECents = 0;
     SharedOption<bool> maintainMacroParameters = false;
     int centsShowDecimals = 0;
-    int mainPatchNumberOfVoices = 128;
+    int mainPatchNumberOfVoices = DEFAULT_VOICES;
     const QList<int> mainPatchVoiceChoices{4, 8, 12, 16, 24, 32, 48, 64, 96, 128}; // not stored
 
 public slots:

@@ -2,14 +2,15 @@
 
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
+#include "external/MpeBendRange.h"
 #include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
 #include "sound/AudioLog.h"
 #include "sound/EngineRelay.h"
 #include "sound/OrloEvent.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
-#include "ui/window/MainWindow.h"
 #include "ui/lattice/OrloView.h"
+#include "ui/window/MainWindow.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -21,15 +22,11 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
 constexpr int AUTOSAVE_INTERVAL_MS = 900000;
-constexpr int DEFAULT_VOICES = 128;
 constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
-// Of the pitch bend's range, what the distance of a pitch from its key can need.
-constexpr int MPE_ROUNDING_CENTS = 50;
 
 /// The name must be set before the members are built: the options' defaults name the config
 /// directory, and Qt derives that from the application's name.
@@ -270,12 +267,10 @@ bool TuningOrloApplication::startSound()
 
 void TuningOrloApplication::startMidi()
 {
-    // Any number can stand in the file.
-    constexpr int widestGliss = std::numeric_limits<int>::max() - MPE_ROUNDING_CENTS;
     MidiOutput* output = mInterface.midiOutput;
     output->selectPort(mSettings.midiOutDevice);
     output->setChannel(mSettings.midiOutChannel);
-    output->mpeSetPitchBendRange(qMin(mSettings.glissRangeMPECents, widestGliss) + MPE_ROUNDING_CENTS);
+    output->mpeSetPitchBendRange(mpe::bendRange(mSettings.glissRangeMPECents));
 }
 
 /// Without a map of its tags there is no physical device.
@@ -306,8 +301,8 @@ bool TuningOrloApplication::initPatchFolder()
     QString mainPatch = mainPatchName(mSettings.mainPatchNumberOfVoices);
     if (!QFile::exists(shell + mainPatch)) {
         qWarning() << "There is no main patch for" << mSettings.mainPatchNumberOfVoices
-                   << "voices, the one for" << DEFAULT_VOICES << "is used.";
-        mainPatch = mainPatchName(DEFAULT_VOICES);
+                   << "voices, the one for" << Settings::DEFAULT_VOICES << "is used.";
+        mainPatch = mainPatchName(Settings::DEFAULT_VOICES);
     }
     qDebug() << "Patches init: Main patch:" << mainPatch;
 
@@ -394,8 +389,7 @@ void TuningOrloApplication::syncFromSettings()
         {OrloEvent::MonophonicSet, mSettings.monophonic ? 1.0F : 0.0F},
     };
     for (const auto& [type, value] : events) {
-        const auto event = std::make_unique<OrloEvent>(type, value);
-        mPlayer.queueEventGui(event.get());
+        mPlayer.queueGui(type, value);
     }
 
     // Only now, so that these events do not write back what was just read.

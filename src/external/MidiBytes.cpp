@@ -1,5 +1,7 @@
 #include "external/MidiBytes.h"
 
+#include "external/MpeBendRange.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -13,8 +15,6 @@ constexpr double A4_NOTE = 69.0;
 constexpr double STEPS = 128.0; // of seven bits
 constexpr int STEP_COUNT = 128;
 constexpr int LAST_STEP = 127;
-// What the rounding to the nearest key can need.
-constexpr int ROUNDING_CENTS = 50;
 
 constexpr Byte NOTE_OFF = 0x80;
 constexpr Byte NOTE_ON = 0x90;
@@ -124,7 +124,7 @@ double bendCents(double note, double start, int key, int rangeCents)
 {
     const double moved = (note - start) * 100.0;
     const double fromKey = (start - key) * 100.0;
-    const double room = static_cast<double>(rangeCents) - ROUNDING_CENTS;
+    const double room = static_cast<double>(rangeCents) - mpe::ROUNDING_CENTS;
     double bend = (note - key) * 100.0;
     if (moved > room)
         bend = fromKey + room;

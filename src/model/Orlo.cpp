@@ -4,6 +4,7 @@
 #include "model/OrloBall.h"
 #include "model/OrloPath.h"
 #include "model/OrloPathUnlimited.h"
+#include "model/PitchRange.h"
 
 #include <QDebug>
 #include <QJsonArray>
@@ -40,9 +41,6 @@ constexpr TreeBall DEFAULT_BALLS[] = {
     {"/2/3/3", nullptr}, {"/-3", "/2/-3"},      {"/-3/-3", "/2/-3/-3"},   {"/-3/-3/-3", "/2/-3/-3/-3"},
     {"/3", "/2/3"},      {"/3/3", "/2/3/3"},
 };
-
-constexpr float LOWEST_FREQUENCY = 20.0F; // Hz of 1/1 after a transposition
-constexpr float HIGHEST_FREQUENCY = 20000.0F;
 
 constexpr int LEAF_PRIMES[] = {5, 7, 11, 13, 17, 19, 23, 29, 31};
 
@@ -337,7 +335,7 @@ bool Orlo::canTransposeTo(const OrloRatio& candidate) const
     whole *= candidate;
     const float frequency =
         static_cast<float>(whole.numerator()) / static_cast<float>(whole.denominator()) * mBaseFrequency;
-    if (frequency < LOWEST_FREQUENCY || frequency > HIGHEST_FREQUENCY)
+    if (frequency < pitchrange::LOWEST || frequency > pitchrange::HIGHEST)
         return false;
     for (auto it = mBallMap.begin(); it != mBallMap.end(); ++it) {
         if (it.key().canMultiplyWith(candidate))

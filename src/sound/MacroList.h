@@ -10,6 +10,9 @@ struct MacroList
     /// The default of a name that gives none: the macro keeps its slider's value.
     static constexpr float NO_DEFAULT = -1.0F;
 
+    /// Whether a default is one: it is not at or below -0.5.
+    static bool isDefault(float value) { return value > -0.5F; }
+
     QStringList names;
     QList<float> defaults; // one for each name
 

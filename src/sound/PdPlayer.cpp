@@ -5,6 +5,7 @@
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "model/OrloPath.h"
+#include "model/PitchRange.h"
 #include "sound/AudioLog.h"
 #include "sound/EngineRelay.h"
 #include "sound/OrloNoteEvent.h"
@@ -18,8 +19,6 @@
 
 namespace {
 
-constexpr float LOWEST_FREQUENCY = 20.0F; // Hz, exclusive
-constexpr float HIGHEST_FREQUENCY = 20000.0F;
 // The value of a toggle that has power over hold.
 constexpr float TOGGLE_HELD = 2.0F;
 
@@ -92,6 +91,12 @@ void PdPlayer::queueEventGui(const OrloEvent* event)
 {
     if (!isSoundOver()) // nobody would ever read it
         guiBuffer.queueEvent(event);
+}
+
+void PdPlayer::queueGui(OrloEvent::Type type, float value)
+{
+    const auto event = std::make_unique<OrloEvent>(type, value);
+    queueEventGui(event.get());
 }
 
 void PdPlayer::queueEventSerial(const OrloEvent* event)
@@ -359,7 +364,7 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
                      << mSequence << "stolen" << (stolen ? "true" : "false");
 
     const float velocity = sendNodeParameters(ratio, slot, frequency);
-    if (frequency > LOWEST_FREQUENCY && frequency < HIGHEST_FREQUENCY) {
+    if (frequency > pitchrange::LOWEST && frequency < pitchrange::HIGHEST) {
         const auto voice = static_cast<float>(slot);
         sendPdVoiceMessage(voiceFrequency, frequency, voice);
         sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);

@@ -71,6 +71,9 @@ public:
     /// when that takes too long.
     bool waitForRoom(int events);
 
+    /// [gui] Queues a command that is a type and a value.
+    void queueGui(OrloEvent::Type type, float value);
+
     /// [audio] Drains both command buffers, the device's first.
     void processEvents();
     /// [audio] Carries out one command. A type outside the table is ignored.

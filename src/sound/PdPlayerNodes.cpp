@@ -7,13 +7,12 @@
 #include "app/DebugLog.h"
 #include "app/Settings.h"
 #include "model/Orlo.h"
+#include "sound/MacroList.h"
 
 #include <cmath>
 #include <optional>
 
 namespace {
-
-constexpr float NO_DEFAULT_BELOW = -0.5F; // a macro default at or below it is none
 
 bool softNodeReset()
 {
@@ -261,7 +260,7 @@ float PdPlayer::defaultMacro(int index) const
 {
     const auto macro = static_cast<size_t>(index);
     const float value = defaultParameters.macros[macro];
-    return value > NO_DEFAULT_BELOW ? value : currentParameters.macros[macro];
+    return MacroList::isDefault(value) ? value : currentParameters.macros[macro];
 }
 
 void PdPlayer::nodeResetParameters(const OrloRatio& ratio)

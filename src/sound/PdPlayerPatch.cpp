@@ -25,7 +25,6 @@ constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
 constexpr const char* VOICE_STOP = "voice-stop";
 constexpr const char* VOICE_INFO = "output-voice-info";
-constexpr float NO_DEFAULT_BELOW = -0.5F;                // a macro default at or below it is none
 constexpr QLatin1StringView VOICE_FILE("orlo_voice.pd"); // beside the main patch
 
 /// False, with a critical line, when libpd has no room for the message.
@@ -318,7 +317,7 @@ void PdPlayer::setMacroDefaultValues()
         const auto macro = static_cast<size_t>(i);
         defaultParameters.macros[macro] = mMacroDefaults[i];
         // Where the patch names none, the slider stays, and the next note starts from it.
-        if (!maintain && mMacroDefaults[i] > NO_DEFAULT_BELOW)
+        if (!maintain && MacroList::isDefault(mMacroDefaults[i]))
             currentParameters.macros[macro] = mMacroDefaults[i];
         ORLO_AUDIO_DEBUG << "Macro " << mMacroNames[i] << ": default set to" << mMacroDefaults[i];
     }

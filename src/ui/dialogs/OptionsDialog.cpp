@@ -3,11 +3,13 @@
 #include "app/Accessors.h"
 #include "app/Settings.h"
 #include "external/MidiOutput.h"
+#include "external/MpeBendRange.h"
+#include "model/PitchRange.h"
 #include "sound/AudioOutput.h"
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/FrequencySpinBox.h"
-#include "ui/window/MainWindow.h"
 #include "ui/dialogs/Notice.h"
+#include "ui/window/MainWindow.h"
 #include "update/UpdateDialog.h"
 
 #include <QCloseEvent>
@@ -22,12 +24,9 @@
 
 namespace {
 
-constexpr double REFERENCE_A4 = 440.0; // Hz, of the note table
-constexpr float LOWEST_PITCH = 20.0F;  // Hz
-constexpr float HIGHEST_PITCH = 20000.0F;
+constexpr double REFERENCE_A4 = 440.0;      // Hz, of the note table
 constexpr double FURTHEST_FROM_NOTE = 50.0; // cents
 constexpr int ZOOM_ON = 6;
-constexpr int MPE_ROUNDING_CENTS = 50; // what the distance of a pitch from its key can need
 constexpr int FIRST_SPLIT_INDEX_BELOW_A0 = 4;
 constexpr int FIRST_SPLIT_INDEX_OF_A8 = 3;
 
@@ -39,12 +38,6 @@ int decimalsOfTyped(double frequency)
     if (frequency >= 1000.0)
         return 2;
     return frequency >= 100.0 ? 3 : 4;
-}
-
-void queue(OrloEvent::Type type, float value)
-{
-    const OrloEvent event(type, value);
-    app::player()->queueEventGui(&event);
 }
 
 } // namespace
@@ -260,13 +253,13 @@ void OptionsDialog::onOneOneFreqEditValueChanged(double value)
 void OptionsDialog::onOneOneFreqEditEditingFinished()
 {
     const float typed = static_cast<float>(mOneOneFreqEdit->value());
-    const float frequency = qBound(LOWEST_PITCH, typed, HIGHEST_PITCH);
+    const float frequency = qBound(pitchrange::LOWEST, typed, pitchrange::HIGHEST);
     if (frequency != typed)
         mOneOneFreqEdit->setValue(static_cast<double>(frequency));
     mOneOneFrequency = static_cast<double>(frequency);
     app::settings()->baseFrequency = mOneOneFrequency;
     markNote();
-    queue(OrloEvent::BaseFrequencySet, frequency);
+    app::player()->queueGui(OrloEvent::BaseFrequencySet, frequency);
     updateCentsDisplay();
 }
 
@@ -372,20 +365,20 @@ void OptionsDialog::onCentsShowDecimalsChanged(int index)
 void OptionsDialog::onGlissOneRangeChanged(double value)
 {
     app::settings()->glissOneRangeCents = static_cast<float>(value);
-    queue(OrloEvent::GlissOneReset, 1.0F);
+    app::player()->queueGui(OrloEvent::GlissOneReset, 1.0F);
 }
 
 void OptionsDialog::onGlissTwoRangeChanged(double value)
 {
     app::settings()->glissTwoRangeCents = static_cast<float>(value);
-    queue(OrloEvent::GlissTwoReset, 1.0F);
+    app::player()->queueGui(OrloEvent::GlissTwoReset, 1.0F);
 }
 
 void OptionsDialog::onGlissRangeMPEChanged(double value)
 {
     const int cents = static_cast<int>(value);
     app::settings()->glissRangeMPECents = cents;
-    app::midiOutput()->mpeSetPitchBendRange(cents + MPE_ROUNDING_CENTS);
+    app::midiOutput()->mpeSetPitchBendRange(mpe::bendRange(cents));
 }
 
 void OptionsDialog::onFurtherOptionsChanged2(bool on)

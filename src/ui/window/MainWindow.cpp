@@ -6,16 +6,17 @@
 #include "model/Orlo.h"
 #include "sound/AudioOutput.h"
 #include "sound/EngineRelay.h"
+#include "sound/MacroList.h"
 #include "sound/PdPlayer.h"
+#include "ui/cards/PitchTexts.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
-#include "ui/lattice/GeometryConstants.h"
 #include "ui/dialogs/OptionsDialog.h"
-#include "ui/stacks/OrloLayer.h"
+#include "ui/dialogs/TweakDialog.h"
+#include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
-#include "ui/cards/PitchTexts.h"
+#include "ui/stacks/OrloLayer.h"
 #include "ui/window/StatusLine.h"
-#include "ui/dialogs/TweakDialog.h"
 #include "ui_MainWindow.h"
 #include "update/UpdateDialog.h"
 
@@ -35,8 +36,6 @@
 namespace {
 
 constexpr int MACRO_SLIDERS = 8;
-constexpr float NO_DEFAULT_BELOW = -0.5F; // a macro default at or below it is none
-constexpr double DEFAULT_VOLUME = 0.75;
 constexpr unsigned long TWEAK_PAUSE_MS = 100;
 constexpr QSize LOGO_SIZE(176, 56);
 constexpr int CIRCLES_PAGE = 0;
@@ -214,7 +213,7 @@ void MainWindow::connectSliders()
         connect(slider, &QSlider::sliderReleased, this,
                 [this, slider] { snapBack(slider, slider->maximum() / 2); });
     connect(ui->volumeSlider, &QSlider::sliderReleased, this, [this] {
-        snapBack(ui->volumeSlider, static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
+        snapBack(ui->volumeSlider, static_cast<int>(ui->volumeSlider->maximum() * Settings::DEFAULT_VOLUME));
     });
 }
 
@@ -364,12 +363,6 @@ void MainWindow::on_expandOrloButton_clicked()
 
 // ---------------------------------------------------------------- sound controls
 
-void MainWindow::queue(OrloEvent::Type type, float value)
-{
-    const auto event = std::make_unique<OrloEvent>(type, value);
-    app::player()->queueEventGui(event.get());
-}
-
 void MainWindow::on_monoButton_clicked()
 {
     if (!ui->monoButton->isChecked()) { // it was on, and a click does not turn it off
@@ -377,7 +370,7 @@ void MainWindow::on_monoButton_clicked()
         ui->polyButton->setChecked(false);
         return;
     }
-    queue(OrloEvent::MonophonicSet, 1.0F);
+    app::player()->queueGui(OrloEvent::MonophonicSet, 1.0F);
 }
 
 void MainWindow::on_polyButton_clicked()
@@ -387,7 +380,7 @@ void MainWindow::on_polyButton_clicked()
         ui->polyButton->setChecked(true);
         return;
     }
-    queue(OrloEvent::MonophonicSet, 0.0F);
+    app::player()->queueGui(OrloEvent::MonophonicSet, 0.0F);
 }
 
 void MainWindow::onMonophonicChanged(bool on)
@@ -403,7 +396,7 @@ void MainWindow::on_stopAllButton_clicked()
 
 void MainWindow::on_volumeSlider_valueChanged(int value)
 {
-    queue(OrloEvent::MasterVolumeSet, fraction(ui->volumeSlider, value));
+    app::player()->queueGui(OrloEvent::MasterVolumeSet, fraction(ui->volumeSlider, value));
 }
 
 void MainWindow::onVolumeChanged(float volume)
@@ -424,8 +417,8 @@ void MainWindow::onMacroSliderValueChanged(int value)
 
 void MainWindow::setMacro(int index, int sliderValue)
 {
-    queue(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + index),
-          fraction(ui->macroSlider1, sliderValue));
+    app::player()->queueGui(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + index),
+                            fraction(ui->macroSlider1, sliderValue));
 }
 
 void MainWindow::onMacroValueChanged(int macro, float value)
@@ -452,8 +445,8 @@ void MainWindow::queueMacros(const QList<float>& values)
 {
     const auto count = qMin<qsizetype>(values.size(), MACRO_SLIDERS);
     for (qsizetype i = 0; i < count; ++i) {
-        if (values[i] > NO_DEFAULT_BELOW)
-            queue(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + i), values[i]);
+        if (MacroList::isDefault(values[i]))
+            app::player()->queueGui(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + i), values[i]);
     }
 }
 
@@ -484,7 +477,7 @@ void MainWindow::snapBack(QSlider* slider, int value)
 int MainWindow::macroDefaultPosition(int number) const
 {
     const QSlider* slider = macroSlider(number);
-    if (number > mMacroDefaults.size() || mMacroDefaults[number - 1] <= NO_DEFAULT_BELOW)
+    if (number > mMacroDefaults.size() || !MacroList::isDefault(mMacroDefaults[number - 1]))
         return slider->value();
     return static_cast<int>(static_cast<float>(slider->maximum()) * mMacroDefaults[number - 1]);
 }

@@ -170,7 +170,6 @@ private:
     void updateReadout();
     OrloLayer* currentLayer() const;
 
-    void queue(OrloEvent::Type type, float value);
     void setMacro(int index, int sliderValue);
     void queueMacros(const QList<float>& values);
     QSlider* macroSlider(int number) const;

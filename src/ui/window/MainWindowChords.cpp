@@ -5,6 +5,7 @@
 #include "app/Accessors.h"
 #include "app/Settings.h"
 #include "memory/StoreAndRecall.h"
+#include "sound/PdPlayer.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
@@ -109,7 +110,7 @@ void MainWindow::recallChord(int number)
         on_polyButton_clicked();
     }
     memory->recallRatios(number, mode);
-    queue(OrloEvent::NodesRecalled, 1.0F);
+    app::player()->queueGui(OrloEvent::NodesRecalled, 1.0F);
     setChordButton(number, true);
 }
 
@@ -128,7 +129,7 @@ void MainWindow::reloadAllSoundingRatios()
     memory->clearRatios(scratch);
     memory->storeRatios(scratch);
     memory->recallRatios(scratch, StoreAndRecall::Standard);
-    queue(OrloEvent::NodesRecalled, 1.0F);
+    app::player()->queueGui(OrloEvent::NodesRecalled, 1.0F);
     memory->clearRatios(scratch);
 }
 
@@ -213,7 +214,7 @@ void MainWindow::on_chordClearAllButton_clicked()
 
 void MainWindow::on_chordHoldButton_clicked()
 {
-    queue(OrloEvent::NodesHold, ui->chordHoldButton->isChecked() ? 1.0F : 0.0F);
+    app::player()->queueGui(OrloEvent::NodesHold, ui->chordHoldButton->isChecked() ? 1.0F : 0.0F);
     if (!app::storeAndRecall()->isAnythingPlaying())
         ui->chordHoldButton->setChecked(false); // there is nothing that it could hold
 }

@@ -2,6 +2,8 @@
 
 #include "ui/window/MainWindow.h"
 
+#include "app/Accessors.h"
+#include "sound/PdPlayer.h"
 #include "ui_MainWindow.h"
 
 #include <QDebug>
@@ -19,12 +21,12 @@ float fraction(const QSlider* slider, int value)
 void MainWindow::on_glissSliderBig_valueChanged(int value)
 {
     qDebug() << "Gliss slider value, previous value " << value;
-    queue(OrloEvent::GlissOneSet, fraction(ui->glissSliderBig, value));
+    app::player()->queueGui(OrloEvent::GlissOneSet, fraction(ui->glissSliderBig, value));
 }
 
 void MainWindow::on_glissFineSliderBig_valueChanged(int value)
 {
-    queue(OrloEvent::GlissTwoSet, fraction(ui->glissFineSliderBig, value));
+    app::player()->queueGui(OrloEvent::GlissTwoSet, fraction(ui->glissFineSliderBig, value));
 }
 
 void MainWindow::on_glissButton_clicked()

@@ -3,6 +3,7 @@
 #include "ui/window/MainWindow.h"
 
 #include "app/Accessors.h"
+#include "app/Settings.h"
 #include "sound/PdPlayer.h"
 #include "ui/panel/TransposeWidget.h"
 #include "ui_MainWindow.h"
@@ -13,7 +14,6 @@
 namespace {
 
 constexpr int LAST_TRANSPOSE_ROW = 11;
-constexpr double DEFAULT_VOLUME = 0.75;
 
 // Where a key lies (keypad, group) does not matter, only what is held with it.
 constexpr Qt::KeyboardModifiers HELD =
@@ -43,7 +43,9 @@ void MainWindow::buildKeyMap()
     constexpr Qt::KeyboardModifiers alt = Qt::AltModifier;
     using Row = KeyRow;
     const auto click = [](QPushButton* button) { return [button] { button->animateClick(); }; };
-    const auto event = [this](OrloEvent::Type type) { return [this, type] { queue(type, 1.0F); }; };
+    const auto event = [this](OrloEvent::Type type) {
+        return [this, type] { app::player()->queueGui(type, 1.0F); };
+    };
     const auto ready = [this](const OrloEvent& eventOfOurs) {
         return [this, &eventOfOurs] { app::player()->queueEventGui(&eventOfOurs); };
     };
@@ -98,10 +100,10 @@ void MainWindow::buildKeyMap()
     addKey(Qt::Key_N, {Row::With, alt | control, event(OrloEvent::NodesResetAllDeselect)});
     addKey(Qt::Key_N, {Row::Exactly, alt, event(OrloEvent::NodesResetAll)});
     addKey(Qt::Key_N, {Row::Any, none, click(ui->normalizeRatiosButton)});
-    addKey(Qt::Key_O,
-           {Row::With, control, [this] {
-                ui->volumeSlider->setValue(static_cast<int>(ui->volumeSlider->maximum() * DEFAULT_VOLUME));
-            }});
+    addKey(Qt::Key_O, {Row::With, control, [this] {
+                           ui->volumeSlider->setValue(
+                               static_cast<int>(ui->volumeSlider->maximum() * Settings::DEFAULT_VOLUME));
+                       }});
     addKey(Qt::Key_O, {Row::Any, none, [this] {
                            if (ui->volumeSlider->value() + 1 < ui->volumeSlider->maximum())
                                ui->volumeSlider->setValue(ui->volumeSlider->value() + 2);
