@@ -4,6 +4,7 @@
 #include "sound/FloatMode.h"
 #include "sound/JackEpoch.h"
 #include "sound/PaAudioOutputCalls.h"
+#include "sound/PdBlockSize.h"
 #include "sound/PdPlayer.h"
 
 #include <QThread>
@@ -18,7 +19,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr unsigned long PD_BLOCK_SHIFT = 6; // 64 frames a tick
 // A fade is one block; a callback that does not come is not waited for.
 constexpr qint64 LONGEST_FADE_MS = 250;
 constexpr qint64 LONGEST_BLOCK_MS = 250;
@@ -463,9 +463,9 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
         if (!fadesOut)
             engine->processEvents();
         if (engine->isPatchOpen()) {
-            const unsigned long ticks = frames >> PD_BLOCK_SHIFT;
+            const unsigned long ticks = frames / PD_BLOCK_FRAMES;
             libpd_process_float(static_cast<int>(ticks), nullptr, output);
-            rendered = ticks << PD_BLOCK_SHIFT;
+            rendered = ticks * PD_BLOCK_FRAMES;
         }
         if (fadesOut)
             engine->processEvents();

@@ -1,4 +1,4 @@
-// The part of the player that hosts the patch: hand-over, messages and hooks.
+// The patch of the player: opening and closing, messages to it, and what it says.
 
 #include "sound/PdPlayer.h"
 
@@ -9,7 +9,7 @@
 #include "sound/AudioOutput.h"
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
-#include "sound/PatchFile.h"
+#include "sound/PatchOutline.h"
 
 #include <QDir>
 #include <QFile>
@@ -53,19 +53,14 @@ bool PdPlayer::init()
     libpd_set_printhook(&PdPlayer::pdPrintHook);
     libpd_set_listhook(&PdPlayer::pdListHook);
     libpd_init();
-    if (const Settings* settings = app::settings()) {
-        mGlissOneRange = settings->glissOneRangeCents;
-        mGlissTwoRange = settings->glissTwoRangeCents;
+    takeGlissandoRanges();
+    if (const Settings* settings = app::settings())
         setMaxVoices(settings->mainPatchNumberOfVoices);
-    }
-    for (RatioList* list : {&selectedNodes, &alteredNodes, &cachedSelected})
-        list->reserve(MANY_NODES);
+    mNodes.reserve(VoiceTable::SLOTS);
     for (RatioList* list : {&heldNodes, &cachedSounding})
         list->reserve(VoiceTable::SLOTS);
-    alteredParameters.reserve(MANY_NODES);
-    soundingParameters.reserve(VoiceTable::SLOTS);
     for (std::vector<OrloRatio>* list : {&mToggleLater, &mToggleNow, &mFormerlySelected})
-        list->reserve(MANY_NODES);
+        list->reserve(NodeBook::MANY_NODES);
     return true;
 }
 
@@ -96,7 +91,7 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
     for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
-        if (PatchFile::outline(part).endsInsideSubpatch) {
+        if (PatchOutline::read(part).endsInsideSubpatch) {
             qCritical() << "The patch is cut short:" << part;
             return false;
         }
@@ -253,10 +248,14 @@ bool PdPlayer::sendPdQueryMacrosMessage()
 
 bool PdPlayer::applyAllCurrentMacroValues(float voice)
 {
+    return applyMacros(mNodes.current(), voice);
+}
+
+bool PdPlayer::applyMacros(const NodeParameters& node, float voice)
+{
     bool sent = true;
     for (int macro = 1; macro <= NodeParameters::MACRO_COUNT; ++macro)
-        sent =
-            applyMacroValue(macro, currentParameters.macros[static_cast<size_t>(macro - 1)], voice) && sent;
+        sent = applyMacroValue(macro, node.macros[static_cast<std::size_t>(macro - 1)], voice) && sent;
     return sent;
 }
 
@@ -309,16 +308,11 @@ void PdPlayer::onMacroNamesReceived(const char* text)
 
 void PdPlayer::setMacroDefaultValues()
 {
-    const Settings* settings = app::settings();
-    const bool maintain = settings && settings->maintainMacroParameters;
+    const bool slides = !maintainMacroParameters();
     // A patch must not name more macros than there are; the rest of a longer list is dropped.
     const qsizetype count = qMin<qsizetype>(mMacroDefaults.size(), NodeParameters::MACRO_COUNT);
     for (qsizetype i = 0; i < count; ++i) {
-        const auto macro = static_cast<size_t>(i);
-        defaultParameters.macros[macro] = mMacroDefaults[i];
-        // Where the patch names none, the slider stays, and the next note starts from it.
-        if (!maintain && MacroList::isDefault(mMacroDefaults[i]))
-            currentParameters.macros[macro] = mMacroDefaults[i];
+        mNodes.setDefaultMacro(static_cast<std::size_t>(i), mMacroDefaults[i], slides);
         ORLO_AUDIO_DEBUG << "Macro " << mMacroNames[i] << ": default set to" << mMacroDefaults[i];
     }
 }
