@@ -6,6 +6,7 @@
 #include "sound/PaAudioOutputCalls.h"
 #include "sound/PdBlockSize.h"
 #include "sound/PdPlayer.h"
+#include "sound/ThreadCheck.h"
 
 #include <QThread>
 
@@ -329,6 +330,7 @@ void PaAudioOutput::setEngineRate(double rate)
 void PaAudioOutput::streamRuns(const OpenJob& job, int index)
 {
     qWarning() << "PaStream started";
+    ThreadCheck::setStreamRuns(true);
     mStream = job.stream;
     mContext = job.context;
     mStreamApi = job.hostApi;
@@ -412,6 +414,7 @@ void PaAudioOutput::forgetStream()
     while (mContext->inBlock && timer.elapsed() < LONGEST_BLOCK_MS)
         QThread::msleep(1);
     mStream = nullptr;
+    ThreadCheck::setStreamRuns(false);
     setSelectedDevice(-1);
 }
 

@@ -95,7 +95,7 @@ private:
     using Milliseconds = std::chrono::milliseconds;
 
     bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
-    void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
+    void giveEngineBack();
     std::uint64_t rounds() const;
     Milliseconds sinceLastBlock();
     bool patienceEnds(const QElapsedTimer& waited, Milliseconds limit);
