@@ -2,6 +2,7 @@
 
 #include "model/Orlo.h"
 #include "sound/EngineRelay.h"
+#include "sound/ThreadCheck.h"
 
 #include <QThread>
 
@@ -29,6 +30,7 @@ PdPlayer::~PdPlayer()
 
 void PdPlayer::connectLattice(PdPlayer* player, Orlo* orlo)
 {
+    ThreadCheck::gui();
     if (!player)
         return;
     const EngineRelay* relay = &player->relay();
@@ -43,10 +45,23 @@ void PdPlayer::connectLattice(PdPlayer* player, Orlo* orlo)
     connect(relay, &EngineRelay::nodesRecalled, orlo, &Orlo::afterMemoryRecall);
 }
 
+EngineRelay& PdPlayer::relay() const
+{
+    ThreadCheck::gui();
+    return *mRelay;
+}
+
+void PdPlayer::setPortOpenFlag(const std::atomic<bool>* flag)
+{
+    ThreadCheck::stopped();
+    mPortOpen = flag;
+}
+
 // ---------------------------------------------------------------- settings
 
 void PdPlayer::setVoiceVolume(float volume)
 {
+    ThreadCheck::audio();
     if (!std::isfinite(volume)) // the sum of adjustments
         return;
     mVoiceVolume = volume;
@@ -55,6 +70,7 @@ void PdPlayer::setVoiceVolume(float volume)
 
 void PdPlayer::setVolume(float volume)
 {
+    ThreadCheck::audio();
     if (!std::isfinite(volume))
         return;
     mMasterVolume = volume;
@@ -64,6 +80,7 @@ void PdPlayer::setVolume(float volume)
 
 void PdPlayer::setMonophonic(bool on)
 {
+    ThreadCheck::audio();
     mMonophonic = on;
     mMonoVoice = -1;
     emit monophonicChanged(on);
@@ -71,18 +88,21 @@ void PdPlayer::setMonophonic(bool on)
 
 void PdPlayer::setBaseFrequency(float frequency)
 {
+    ThreadCheck::audio();
     mBaseFrequency = frequency;
     emit baseFrequencyChanged(frequency);
 }
 
 void PdPlayer::togglePrimeEnabled(int prime)
 {
+    ThreadCheck::audio();
     mPrimeEnabled[prime] = !mPrimeEnabled[prime];
     emit primeEnabledToggled(prime, mPrimeEnabled[prime]);
 }
 
 void PdPlayer::setMaxVoices(int voices)
 {
+    ThreadCheck::stopped();
     mMaxVoices = qBound(1, voices, VoiceTable::SLOTS);
     qWarning() << "PdPlayer: Max number of voices set to " << mMaxVoices;
 }
@@ -99,6 +119,7 @@ void PdPlayer::setThreadPriority(int priority)
 
 bool PdPlayer::copyState(EngineState& state) const
 {
+    ThreadCheck::audio();
     const auto copied = [](const auto& ratios, std::vector<OrloRatio>& to) {
         to.clear();
         for (const OrloRatio& ratio : ratios) {

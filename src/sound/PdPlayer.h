@@ -89,7 +89,7 @@ public:
     /// [any] Each of its methods has a word of its own.
     PatchHandOver& handOver() { return mHandOver; }
     /// [gui]
-    EngineRelay& relay() const { return *mRelay; }
+    EngineRelay& relay() const;
     /// [audio] False when a list of the state has not room enough; nothing is allocated.
     bool copyState(EngineState& state) const;
 
@@ -154,9 +154,9 @@ public:
     /// the notes came. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
     /// [audio] In the order of selection. Allocates the list.
-    QList<OrloRatio> getAllSelectedRatios() const { return mNodes.selected().toList(); }
+    QList<OrloRatio> getAllSelectedRatios() const;
     /// [audio] In the order of alteration. Allocates the list.
-    QList<OrloRatio> getAllRatiosWithAlteredParameters() const { return mNodes.altered().toList(); }
+    QList<OrloRatio> getAllRatiosWithAlteredParameters() const;
     /// [audio] Hz, in single precision, without a glissando.
     float ratioToFrequency(const OrloRatio& ratio) const;
     /// [audio] The factor of a position of the coarse slider, by its range.
@@ -186,7 +186,7 @@ public:
     void onMacroNamesReceived(const char* text);
 
     /// [stopped] Where to read whether the external output's port is open; null: there is none.
-    void setPortOpenFlag(const std::atomic<bool>* flag) { mPortOpen = flag; }
+    void setPortOpenFlag(const std::atomic<bool>* flag);
 
     /// [gui] Connects all that the lattice hears from the player, through its relay.
     static void connectLattice(PdPlayer* player, Orlo* orlo);

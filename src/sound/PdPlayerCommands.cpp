@@ -6,6 +6,7 @@
 #include "model/Orlo.h"
 #include "sound/AudioLog.h"
 #include "sound/EngineRelay.h"
+#include "sound/ThreadCheck.h"
 
 #include <array>
 #include <cmath>
@@ -131,6 +132,7 @@ const PdPlayer::Handlers& PdPlayer::handlers()
 
 void PdPlayer::processChunk(const Chunk* chunk)
 {
+    ThreadCheck::audio();
     if (chunk->type < 0 || chunk->type >= OrloEvent::TYPE_COUNT)
         return;
     if (!std::isfinite(chunk->value)) {
@@ -150,18 +152,21 @@ void PdPlayer::processChunk(const Chunk* chunk)
 
 void PdPlayer::queueEventGui(const OrloEvent* event)
 {
+    ThreadCheck::gui();
     if (!isSoundOver()) // nobody would ever read it
         guiBuffer.queueEvent(event);
 }
 
 void PdPlayer::queueGui(OrloEvent::Type type, float value)
 {
+    ThreadCheck::gui();
     const auto event = std::make_unique<OrloEvent>(type, value);
     queueEventGui(event.get());
 }
 
 void PdPlayer::queueEventSerial(const OrloEvent* event)
 {
+    ThreadCheck::listener();
     if (!isSoundOver())
         serialBuffer.queueEvent(event);
 }
@@ -174,6 +179,7 @@ void PdPlayer::queueEventFromInterface(QString source, const OrloEvent* event)
 
 void PdPlayer::processEvents()
 {
+    ThreadCheck::audio();
     mRelay->beginBlock();
     // What the engine toggles by itself runs in the block after the command, whichever ring brought
     // that; it does not go through the rings, since each has one writer.

@@ -6,6 +6,8 @@
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
 #include "app/Settings.h"
+#include "sound/GlissandoMapping.h"
+#include "sound/ThreadCheck.h"
 
 namespace {
 
@@ -35,6 +37,7 @@ void PdPlayer::takeGlissandoRanges()
 
 void PdPlayer::nodeSelectToggleByRatio(OrloRatio ratio)
 {
+    ThreadCheck::audio();
     if (mNodes.deselect(ratio)) {
         emit nodeSelected(ratio, false);
     } else {
@@ -47,12 +50,14 @@ void PdPlayer::nodeSelectToggleByRatio(OrloRatio ratio)
 
 void PdPlayer::nodeDeselectAll()
 {
+    ThreadCheck::audio();
     while (!mNodes.selected().isEmpty())
         nodeSelectToggleByRatio(mNodes.selected().first());
 }
 
 void PdPlayer::selectAllSounding()
 {
+    ThreadCheck::audio();
     for (const OrloRatio& ratio : soundingNow()) {
         if (!mNodes.selected().contains(ratio))
             nodeSelectToggleByRatio(ratio);
@@ -61,13 +66,27 @@ void PdPlayer::selectAllSounding()
 
 void PdPlayer::toggleAllSelected()
 {
+    ThreadCheck::audio();
     mToggleLater.insert(mToggleLater.end(), mNodes.selected().begin(), mNodes.selected().end());
+}
+
+QList<OrloRatio> PdPlayer::getAllSelectedRatios() const
+{
+    ThreadCheck::audio();
+    return mNodes.selected().toList();
+}
+
+QList<OrloRatio> PdPlayer::getAllRatiosWithAlteredParameters() const
+{
+    ThreadCheck::audio();
+    return mNodes.altered().toList();
 }
 
 // ---------------------------------------------------------------- sliders
 
 void PdPlayer::setMacroValue(int macro, float value)
 {
+    ThreadCheck::audio();
     emit macroValueChanged(macro, value);
     mNodes.slideMacro(static_cast<std::size_t>(macro - 1), value, [&](const OrloRatio& ratio, float own) {
         if (const Voice* voice = mVoices.find(ratio))
@@ -77,6 +96,7 @@ void PdPlayer::setMacroValue(int macro, float value)
 
 void PdPlayer::applyGlissandoOne(float value)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Apply gliss one";
     mNodes.slideGlissandoOne(value);
     glissandoToNodes();
@@ -84,6 +104,7 @@ void PdPlayer::applyGlissandoOne(float value)
 
 void PdPlayer::applyGlissandoTwo(float value)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Apply gliss two";
     mNodes.slideGlissandoTwo(value);
     glissandoToNodes();
@@ -114,12 +135,14 @@ void PdPlayer::glissandoToNodes()
 
 float PdPlayer::glissandoOneMapping(float value) const
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Gliss one mapping: range, input: " << mGlissOneRange << value;
     return glissando::factor(mGlissOneRange, value);
 }
 
 float PdPlayer::glissandoTwoMapping(float value) const
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Gliss two mapping: range, input: " << mGlissTwoRange << value;
     return glissando::factor(mGlissTwoRange, value);
 }
@@ -162,6 +185,7 @@ void PdPlayer::restoreVoiceInPlace(const OrloRatio& ratio, const Voice& voice)
 
 void PdPlayer::nodeResetOne(OrloRatio ratio, bool deselect)
 {
+    ThreadCheck::audio();
     Voice* voice = mVoices.find(ratio);
     if (mNodes.altered().contains(ratio)) {
         nodeResetAltered(ratio, deselect, voice);
@@ -195,6 +219,7 @@ void PdPlayer::nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* vo
 
 void PdPlayer::resetSelectedNodes(bool deselect)
 {
+    ThreadCheck::audio();
     mFormerlySelected.assign(mNodes.selected().begin(), mNodes.selected().end());
     for (const OrloRatio& ratio : mFormerlySelected)
         nodeResetOne(ratio, deselect);
@@ -202,6 +227,7 @@ void PdPlayer::resetSelectedNodes(bool deselect)
 
 void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
 {
+    ThreadCheck::audio();
     const bool soft = softNodeReset();
     const SoundingRatios sounding = soundingNow();
     mFormerlySelected.assign(mNodes.selected().begin(), mNodes.selected().end());
@@ -236,6 +262,7 @@ void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
 
 void PdPlayer::resetGlissandoAllNodes(short which)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Node reset: current0, current1: " << mNodes.current().glissOne
                      << mNodes.current().glissTwo;
     emit resetGlissSliders(which);

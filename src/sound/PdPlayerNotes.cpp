@@ -7,6 +7,7 @@
 #include "model/PitchRange.h"
 #include "sound/AudioLog.h"
 #include "sound/OrloNoteEvent.h"
+#include "sound/ThreadCheck.h"
 #include "sound/VoiceStealing.h"
 
 #include <QThread>
@@ -79,6 +80,7 @@ void PdPlayer::removeNode(const OrloRatio& ratio)
 
 void PdPlayer::noteOn(const OrloRatio& ratio)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOn: Thread, ID, priority " << QThread::currentThread()
                      << QThread::currentThreadId() << QThread::currentThread()->priority();
     ++mSequence;
@@ -153,6 +155,7 @@ float PdPlayer::sendNodeParameters(const OrloRatio& ratio, int voice, float& fre
 
 void PdPlayer::noteOff(const OrloRatio& ratio)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOff: Thread, ID " << QThread::currentThread()
                      << QThread::currentThreadId();
     Voice* voice = mVoices.find(ratio);
@@ -191,6 +194,7 @@ void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1,
 
 void PdPlayer::onVoiceStopped(int index)
 {
+    ThreadCheck::audio();
     Voice* voice = mVoices.slot(index);
     if (!voice || !voice->released)
         return;
@@ -202,6 +206,7 @@ void PdPlayer::onVoiceStopped(int index)
 
 void PdPlayer::allNotesOff(bool force)
 {
+    ThreadCheck::audio();
     // A copy: a patch without a release reports its voices' end at once, and that takes entries
     // out of the map.
     SoundingRatios ratios;
@@ -215,6 +220,7 @@ void PdPlayer::allNotesOff(bool force)
 
 void PdPlayer::nodesHoldActive(bool active)
 {
+    ThreadCheck::audio();
     for (const OrloRatio& ratio : heldNodes)
         emit nodeHold(ratio, false);
     heldNodes.clear();
@@ -254,5 +260,6 @@ PdPlayer::SoundingRatios PdPlayer::soundingNow() const
 
 float PdPlayer::ratioToFrequency(const OrloRatio& ratio) const
 {
+    ThreadCheck::audio();
     return static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()) * mBaseFrequency;
 }

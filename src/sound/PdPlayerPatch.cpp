@@ -10,6 +10,7 @@
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
 #include "sound/PatchOutline.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDir>
 #include <QFile>
@@ -41,6 +42,7 @@ bool startMessage(int length, const char* purpose)
 
 bool PdPlayer::init()
 {
+    ThreadCheck::stopped();
     if (!guiBuffer.init()) {
         qCritical() << "failed to allocate gui command buffer";
         return false;
@@ -66,12 +68,14 @@ bool PdPlayer::init()
 
 void PdPlayer::initAudio(int channels, int sampleRate)
 {
+    ThreadCheck::gui();
     qWarning() << "Initialising libpd with sampleRate" << sampleRate;
     mHandOver.runBetweenBlocks([=] { libpd_init_audio(0, channels, sampleRate); });
 }
 
 void PdPlayer::term()
 {
+    ThreadCheck::gui();
     qWarning() << "PdPlayer::term...";
     mHandOver.setLimits(PatchHandOver::limitsAtEnd());
     unloadPatch();
@@ -88,6 +92,7 @@ bool PdPlayer::changePatch(PatchHandOver::Change change, OrloEvent::Type type)
 
 bool PdPlayer::loadPatch(const QFileInfo& file)
 {
+    ThreadCheck::gui();
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
     for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
@@ -114,6 +119,7 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
 
 void PdPlayer::unloadPatch()
 {
+    ThreadCheck::gui();
     if (isSoundOver())
         return;
     AudioOutput* output = app::audioOutput();
@@ -135,6 +141,7 @@ void PdPlayer::unloadPatch()
 
 bool PdPlayer::waitForRoom(int events)
 {
+    ThreadCheck::gui();
     return mHandOver.waitUntil([=, this] { return guiBuffer.room() >= events; }, [this] { processEvents(); });
 }
 
@@ -213,6 +220,7 @@ void PdPlayer::closePatch()
 
 bool PdPlayer::sendPdVoiceMessage(PdVoiceMessageType type, float value, float voice)
 {
+    ThreadCheck::audio();
     if (!startMessage(3, VOICE_INPUT))
         return false;
     libpd_add_float(value);
@@ -223,6 +231,7 @@ bool PdPlayer::sendPdVoiceMessage(PdVoiceMessageType type, float value, float vo
 
 bool PdPlayer::sendPdVolumeMessage(float volume)
 {
+    ThreadCheck::audio();
     if (!startMessage(1, MASTER_VOLUME))
         return false;
     libpd_add_float(volume);
@@ -231,6 +240,7 @@ bool PdPlayer::sendPdVolumeMessage(float volume)
 
 bool PdPlayer::setDsp(bool on) const
 {
+    ThreadCheck::audio();
     if (!startMessage(1, "setDsp"))
         return false;
     libpd_add_float(on ? 1.0F : 0.0F);
@@ -239,6 +249,7 @@ bool PdPlayer::setDsp(bool on) const
 
 bool PdPlayer::sendPdQueryMacrosMessage()
 {
+    ThreadCheck::audio();
     mQuerying = true;
     const int status = libpd_bang(QUERY_MACROS);
     if (status != 0)
@@ -248,6 +259,7 @@ bool PdPlayer::sendPdQueryMacrosMessage()
 
 bool PdPlayer::applyAllCurrentMacroValues(float voice)
 {
+    ThreadCheck::audio();
     return applyMacros(mNodes.current(), voice);
 }
 
@@ -261,11 +273,13 @@ bool PdPlayer::applyMacros(const NodeParameters& node, float voice)
 
 bool PdPlayer::applyMacroValue(int macro, float value, float voice)
 {
+    ThreadCheck::audio();
     return sendPdVoiceMessage(static_cast<PdVoiceMessageType>(voiceMacro1 + macro - 1), value, voice);
 }
 
 bool PdPlayer::alterFrequency(float frequency, float voice)
 {
+    ThreadCheck::audio();
     return sendPdVoiceMessage(voiceFrequency, frequency, voice);
 }
 
@@ -297,6 +311,7 @@ void PdPlayer::pdListHook(const char* source, int count, _atom* atoms)
 
 void PdPlayer::onMacroNamesReceived(const char* text)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Received macro names:" << text;
     const MacroList list = MacroList::parse(QString::fromUtf8(text));
     mMacroNames = list.names;

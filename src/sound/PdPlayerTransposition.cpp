@@ -5,9 +5,11 @@
 #include "model/Orlo.h"
 #include "model/OrloPath.h"
 #include "sound/AudioLog.h"
+#include "sound/ThreadCheck.h"
 
 void PdPlayer::transpose(signed char step)
 {
+    ThreadCheck::audio();
     if (step == 0)
         mTransposition = OrloRatio(1, 1);
     else if (!multiplyTransposition(OrloRatio(OrloRatio::productOfSteps(OrloPath(step).toCharArray()))))
@@ -17,6 +19,7 @@ void PdPlayer::transpose(signed char step)
 
 void PdPlayer::transpose(const OrloRatio& ratio)
 {
+    ThreadCheck::audio();
     if (multiplyTransposition(ratio))
         emit transposed(mTransposition, Orlo::FREE_TRANSPOSITION);
 }
