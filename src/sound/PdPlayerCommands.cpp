@@ -8,6 +8,7 @@
 #include "sound/EngineRelay.h"
 #include "sound/ThreadCheck.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <exception>
@@ -127,6 +128,7 @@ const PdPlayer::Handlers& PdPlayer::handlers()
         }
         return table;
     }();
+    static_assert(std::ranges::find(byType, nullptr) == byType.end(), "a type has no row");
     return byType;
 }
 

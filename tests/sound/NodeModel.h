@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <map>
-#include <numeric>
 #include <set>
 #include <vector>
 
@@ -25,9 +24,9 @@ public:
     struct Note
     {
         bool released = false;
-        bool frequencyTold = true; // false: it started outside of what may sound
-        double frequency = 0.0;    // Hz
-        Values values{};           // macros only
+        bool frequencyTold; // false: it started outside of what may sound
+        double frequency;   // Hz
+        Values values;      // macros only
     };
 
     /// Options.
@@ -41,18 +40,11 @@ public:
     std::set<Ratio> selected;
     std::set<Ratio> held;
 
+    /// A default below 0 is none: its slider stays where it is.
     explicit NodeModel(const Values& defaults)
         : mDefaults(defaults)
-        , mSliders(defaults)
     {
-    }
-
-    static Ratio times(Ratio a, Ratio b)
-    {
-        const quint64 n = a.first * b.first;
-        const quint64 d = a.second * b.second;
-        const quint64 common = std::gcd(n, d);
-        return {n / common, d / common};
+        takeDefaults();
     }
 
     std::set<Ratio> sounding() const
@@ -177,8 +169,10 @@ public:
             if (!softReset)
                 retune(ratio);
         }
-        if (controls)
-            mSliders = mDefaults;
+        if (controls) {
+            takeDefaults();
+            mSliders = centred(mSliders);
+        }
         mStarted.clear();
         for (const Ratio& ratio : all)
             softReset ? start(ratio) : restoreInPlace(ratio);
@@ -203,13 +197,19 @@ public:
         const std::set<Ratio> again = std::exchange(selected, {});
         stopAll(true);
         if (!maintainMacros)
-            std::copy_n(mDefaults.begin(), GLISS, mSliders.begin());
+            takeDefaults();
         for (const Ratio& ratio : all)
             start(ratio);
         selectAll(again);
     }
 
 private:
+    void takeDefaults()
+    {
+        for (size_t i = 0; i < GLISS; ++i)
+            mSliders[i] = mDefaults[i] < 0.0 ? mSliders[i] : mDefaults[i];
+    }
+
     static Values centred(Values values, int which = 0)
     {
         if (which != 2)
@@ -264,6 +264,6 @@ private:
     std::map<Ratio, Values> mStarted; // sounding and not altered: the macros of its start
     bool mHolding = false;
     const Values mDefaults;
-    Values mSliders;
+    Values mSliders{0, 0, 0, 0, 0, 0, 0, 0, 0.5, 0.5};
     std::array<double, 2> mRanges{1200.0, 100.0};
 };

@@ -89,7 +89,8 @@ TEST_F(Hardening, NoCommandWithAnyValueHarmsThePlayer)
                 rig.render(4);
             }
             serial(command(type, value));
-            for (const OrloRatio& ratio : rig.player.getAllSoundingRatios())
+            const QList<OrloRatio> selected = rig.player.getAllSelectedRatios();
+            for (const OrloRatio& ratio : rig.player.getAllSoundingRatios() + selected)
                 EXPECT_NE(ratio.numerator(), 0U);
             for (const QString& line : log.take())
                 EXPECT_FALSE(line.contains(NO_NUMBER)) << line.toStdString();

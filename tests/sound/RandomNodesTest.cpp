@@ -17,6 +17,7 @@
 
 #include <cmath>
 #include <random>
+#include <ranges>
 
 namespace {
 
@@ -25,10 +26,10 @@ using Ratio = NodeModel::Ratio;
 // Answers the query for its macros and is silent; it does not report a voice's end.
 const QByteArray PATCH = "#N canvas 0 0 200 200 12;\n"
                          "#X obj 20 20 r query-macros;\n"
-                         "#X msg 20 50 list info A(0.25):B(0.5):C(0.75):D(0.125):E(0.9):F(0.1):G(0):H(1);\n"
+                         "#X msg 20 50 list info A(0.25):B(0.5):C(0.75):D(0.125):E(0.9):F(0.1):G(0):H;\n"
                          "#X obj 20 80 s output-voice-info;\n"
                          "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n";
-const NodeModel::Values DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, 1.0, 0.5, 0.5};
+const NodeModel::Values DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, -1.0};
 
 // With paths, as balls have them, and the ratio of each.
 const std::pair<const char*, Ratio> BALLS[] = {
@@ -53,12 +54,6 @@ std::set<Ratio> setOf(const QList<OrloRatio>& ratios)
     return set;
 }
 
-/// At the very limits single precision may decide the other way.
-bool isAtALimit(double frequency)
-{
-    return std::abs(frequency / 20.0 - 1.0) <= 1e-3 || std::abs(frequency / 20000.0 - 1.0) <= 1e-3;
-}
-
 } // namespace
 
 class RandomNodes : public ::testing::Test
@@ -73,7 +68,12 @@ protected:
 
     int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); }
     bool chance(int percent) { return below(100) < percent; }
-    Ratio absolute(Ratio relative) const { return NodeModel::times(relative, transposition); }
+    Ratio absolute(Ratio relative) const
+    {
+        OrloRatio ratio = orlo(relative);
+        ratio *= orlo(transposition);
+        return {ratio.numerator(), ratio.denominator()};
+    }
     void queue(int type, double value = 1.0)
     {
         rig.queue(OrloEvent(static_cast<OrloEvent::Type>(type), static_cast<float>(value)));
@@ -152,11 +152,10 @@ protected:
     /// In a block of its own: the lattice must have heard of it before its balls are pressed again.
     void transposeAnyhow()
     {
+        const int step = transposition == Ratio{1, 1} ? (chance(50) ? 3 : -3) : 0;
         model.beginBlock();
-        const int step = steps >= 2 ? -3 : steps <= -2 ? 3 : chance(50) ? 3 : -3;
         queue(OrloEvent::TransposeByPrimeStep, step);
-        steps += step / 3;
-        transposition = NodeModel::times(transposition, step > 0 ? Ratio{3, 2} : Ratio{2, 3});
+        transposition = step == 0 ? Ratio{1, 1} : step > 0 ? Ratio{3, 2} : Ratio{2, 3};
         render();
     }
 
@@ -193,17 +192,15 @@ protected:
     /// False at the first difference.
     bool agrees()
     {
-        std::set<Ratio> altered;
-        for (const auto& [ratio, node] : model.altered)
-            altered.insert(ratio);
+        const auto altered = std::views::keys(model.altered);
         EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), model.sounding());
         EXPECT_EQ(ear.starts, model.starts);
         EXPECT_EQ(setOf(rig.player.getAllSelectedRatios()), model.selected);
-        EXPECT_EQ(setOf(rig.player.getAllRatiosWithAlteredParameters()), altered);
+        EXPECT_TRUE(std::ranges::equal(setOf(rig.player.getAllRatiosWithAlteredParameters()), altered));
         for (const auto& [ratio, note] : model.notes) {
             SCOPED_TRACE(QStringLiteral("%1/%2").arg(ratio.first).arg(ratio.second).toStdString());
             const PatchEar::Voice& voice = ear.voiceOf(ratio);
-            if (note.frequencyTold && !isAtALimit(note.frequency)) {
+            if (note.frequencyTold) {
                 EXPECT_NEAR(1200.0 * std::log2(static_cast<double>(voice.frequency) / note.frequency), 0.0,
                             MOST_CENTS_OFF);
             }
@@ -222,13 +219,11 @@ protected:
     PatchEar ear{rig.player};
     NodeModel model{DEFAULTS};
     Ratio transposition{1, 1};
-    int steps = 0; // of the prime 3
 };
 
 TEST_F(RandomNodes, ThePatchHearsWhatTheRulesSay)
 {
-    size_t mostNotes = 0;
-    size_t mostSelected = 0;
+    size_t most = 0; // sounding, and half as many selected
     for (int i = 1; i <= 10000; ++i) {
         SCOPED_TRACE(i);
         if (chance(2))
@@ -240,12 +235,9 @@ TEST_F(RandomNodes, ThePatchHearsWhatTheRulesSay)
             model.changePatch();
         }
         ASSERT_TRUE(agrees());
+        most = std::max(most, std::min(model.sounding().size(), 2 * model.selected.size()));
         if (i % 3 == 0)
             letVoicesEnd();
-        mostNotes = std::max(mostNotes, model.sounding().size());
-        mostSelected = std::max(mostSelected, model.selected.size());
     }
-    // It really was play and not silence.
-    EXPECT_GE(mostNotes, 10U);
-    EXPECT_GE(mostSelected, 5U);
+    EXPECT_GE(most, 10U) << "that was no play";
 }
