@@ -1,10 +1,11 @@
 #include "sound/AudioOutput.h"
 
+#include "sound/PdBlockSize.h"
+
 #include <QDebug>
 
 namespace {
 
-constexpr int PD_BLOCK = 64;
 constexpr int DEFAULT_FRAMES = 256;
 constexpr int MOST_FRAMES = 8192;
 
@@ -14,7 +15,7 @@ int usableFrames(int frames)
         return DEFAULT_FRAMES;
     if (frames >= MOST_FRAMES)
         return MOST_FRAMES;
-    return (frames + PD_BLOCK - 1) / PD_BLOCK * PD_BLOCK;
+    return (frames + PD_BLOCK_FRAMES - 1) / PD_BLOCK_FRAMES * PD_BLOCK_FRAMES;
 }
 
 } // namespace

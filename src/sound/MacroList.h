@@ -7,14 +7,15 @@
 /// text: any text gives a list.
 struct MacroList
 {
-    /// The default of a name that gives none: the macro keeps its slider's value.
+    /// Stands for the default of a name without one: that macro keeps its slider's value.
     static constexpr float NO_DEFAULT = -1.0F;
 
-    /// Whether a default is one: it is not at or below -0.5.
+    /// [any] False for NO_DEFAULT: a value at or below -0.5 is no default.
     static bool isDefault(float value) { return value > -0.5F; }
 
     QStringList names;
     QList<float> defaults; // one for each name
 
+    /// [any] Allocates.
     static MacroList parse(const QString& text);
 };

@@ -44,7 +44,7 @@ public:
         Macro8Set = 31,
         GlissOneSet = 32,
         GlissTwoSet = 33,
-        NoteToggleByRatio = 34, // absolute ratio; value 2.0 has power over hold
+        NoteToggleByRatio = 34, // absolute ratio; value 2.0 overrides hold
         NodeRemove = 35,        // absolute ratio
         TransposeByRatio = 36,
         NodeSelectToggle = 37, // relative ratio
@@ -56,13 +56,17 @@ public:
     };
     static constexpr std::int32_t TYPE_COUNT = 43;
 
+    /// [any] The type None, which does nothing.
     OrloEvent() = default;
+    /// [any]
     OrloEvent(Type type, float value);
     OrloEvent(const OrloEvent&) = default;
     OrloEvent& operator=(const OrloEvent&) = default;
     virtual ~OrloEvent();
 
+    /// [any]
     Type type() const { return mType; }
+    /// [any] Its meaning goes by the type.
     float value() const { return mValue; }
 
 private:

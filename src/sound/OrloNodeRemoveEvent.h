@@ -7,12 +7,14 @@
 class OrloNodeRemoveEvent : public OrloEvent
 {
 public:
+    /// [any]
     explicit OrloNodeRemoveEvent(const OrloRatio& ratio)
         : OrloEvent(NodeRemove, 1.0F)
         , mRatio(ratio)
     {
     }
 
+    /// [any]
     const OrloRatio& ratio() const { return mRatio; }
 
 private:

@@ -7,12 +7,14 @@
 class OrloNodeResetEvent : public OrloEvent
 {
 public:
+    /// [any]
     OrloNodeResetEvent(const OrloRatio& ratio, float value)
         : OrloEvent(NodeReset, value)
         , mRatio(ratio)
     {
     }
 
+    /// [any]
     const OrloRatio& ratio() const { return mRatio; }
 
 private:

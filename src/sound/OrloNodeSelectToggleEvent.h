@@ -7,12 +7,14 @@
 class OrloNodeSelectToggleEvent : public OrloEvent
 {
 public:
+    /// [any]
     explicit OrloNodeSelectToggleEvent(const OrloRatio& ratio)
         : OrloEvent(NodeSelectToggle, 1.0F)
         , mRatio(ratio)
     {
     }
 
+    /// [any]
     const OrloRatio& ratio() const { return mRatio; }
 
 private:

@@ -9,15 +9,25 @@
 class OrloNoteEvent : public OrloEvent
 {
 public:
+    /// The value of a toggle that ends a held note too.
+    static constexpr float OVERRIDES_HOLD = 2.0F;
+
+    /// [any] A ball's toggle, of the empty path.
     OrloNoteEvent();
+    /// [any] Reads the path from its text.
     explicit OrloNoteEvent(const QString& path);
+    /// [any]
     explicit OrloNoteEvent(const OrloPath& path);
+    /// [any] Leaves a held note alone.
     explicit OrloNoteEvent(const OrloRatio& ratio);
+    /// [any]
     OrloNoteEvent(const OrloRatio& ratio, float value);
     OrloNoteEvent(const OrloNoteEvent&) = default;
     OrloNoteEvent& operator=(const OrloNoteEvent&) = default;
 
+    /// [any]
     const OrloPath& path() const { return mPath; }
+    /// [any]
     const OrloRatio& ratio() const { return mRatio; }
 
 private:

@@ -7,12 +7,14 @@
 class OrloTransposeEvent : public OrloEvent
 {
 public:
+    /// [any]
     explicit OrloTransposeEvent(const OrloRatio& ratio)
         : OrloEvent(TransposeByRatio, 1.0F)
         , mRatio(ratio)
     {
     }
 
+    /// [any]
     const OrloRatio& ratio() const { return mRatio; }
 
 private:

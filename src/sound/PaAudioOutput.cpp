@@ -4,7 +4,9 @@
 #include "sound/FloatMode.h"
 #include "sound/JackEpoch.h"
 #include "sound/PaAudioOutputCalls.h"
+#include "sound/PdBlockSize.h"
 #include "sound/PdPlayer.h"
+#include "sound/ThreadCheck.h"
 
 #include <QThread>
 
@@ -18,7 +20,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr unsigned long PD_BLOCK_SHIFT = 6; // 64 frames a tick
 // A fade is one block; a callback that does not come is not waited for.
 constexpr qint64 LONGEST_FADE_MS = 250;
 constexpr qint64 LONGEST_BLOCK_MS = 250;
@@ -329,6 +330,7 @@ void PaAudioOutput::setEngineRate(double rate)
 void PaAudioOutput::streamRuns(const OpenJob& job, int index)
 {
     qWarning() << "PaStream started";
+    ThreadCheck::setStreamRuns(true);
     mStream = job.stream;
     mContext = job.context;
     mStreamApi = job.hostApi;
@@ -412,6 +414,7 @@ void PaAudioOutput::forgetStream()
     while (mContext->inBlock && timer.elapsed() < LONGEST_BLOCK_MS)
         QThread::msleep(1);
     mStream = nullptr;
+    ThreadCheck::setStreamRuns(false);
     setSelectedDevice(-1);
 }
 
@@ -463,9 +466,9 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
         if (!fadesOut)
             engine->processEvents();
         if (engine->isPatchOpen()) {
-            const unsigned long ticks = frames >> PD_BLOCK_SHIFT;
+            const unsigned long ticks = frames / PD_BLOCK_FRAMES;
             libpd_process_float(static_cast<int>(ticks), nullptr, output);
-            rendered = ticks << PD_BLOCK_SHIFT;
+            rendered = ticks * PD_BLOCK_FRAMES;
         }
         if (fadesOut)
             engine->processEvents();

@@ -1,6 +1,7 @@
 #include "sound/PatchHandOver.h"
 
 #include "sound/BoundedCall.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDebug>
 #include <QThread>
@@ -22,6 +23,7 @@ bool PatchHandOver::enterBlock()
     // After the end the engine stays where it is, even if its block should come back.
     if (isOver() || !tryTakeEngine())
         return false;
+    ThreadCheck::engineTaken();
     mEntered.fetch_add(1, std::memory_order_relaxed);
     doOfferedWork();
     return true;
@@ -37,13 +39,21 @@ void PatchHandOver::doOfferedWork()
     }
 }
 
+void PatchHandOver::giveEngineBack()
+{
+    ThreadCheck::engineGivenBack();
+    mEngineTaken.store(false, std::memory_order_release);
+}
+
 void PatchHandOver::leaveBlock()
 {
+    ThreadCheck::audio();
     giveEngineBack();
 }
 
 void PatchHandOver::finish(Change change)
 {
+    ThreadCheck::audio();
     mAwaited.compare_exchange_strong(change, Change::None, std::memory_order_release,
                                      std::memory_order_relaxed);
 }
@@ -74,6 +84,7 @@ bool PatchHandOver::patienceEnds(const QElapsedTimer& waited, Milliseconds limit
 void PatchHandOver::giveUpForGood()
 {
     mOver.store(true, std::memory_order_release);
+    ThreadCheck::engineLost();
     mAwaited.store(Change::None, std::memory_order_relaxed);
     qCritical() << "The audio thread does not come out of the patch. There is no more sound.";
 }
@@ -82,6 +93,7 @@ void PatchHandOver::giveUpForGood()
 bool PatchHandOver::runAside(const std::function<void()>& work)
 {
     const auto call = [this, work](BoundedCall::Ticket&) {
+        ThreadCheck::engineTaken();
         work();
         giveEngineBack();
     };
@@ -115,6 +127,7 @@ bool PatchHandOver::await(const std::function<bool()>& done, const std::function
 bool PatchHandOver::request(Change change, const std::function<void()>& queue,
                             const std::function<void()>& drain)
 {
+    ThreadCheck::gui();
     if (isOver())
         return false;
     mAwaited.store(change, std::memory_order_release);
@@ -145,11 +158,13 @@ bool PatchHandOver::request(Change change, const std::function<void()>& queue,
 
 bool PatchHandOver::waitUntil(const std::function<bool()>& ready, const std::function<void()>& drain)
 {
+    ThreadCheck::gui();
     return await(ready, drain, mLimits.work);
 }
 
 bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
 {
+    ThreadCheck::gui();
     QElapsedTimer waited;
     waited.start();
     while (!tryTakeEngine()) {
@@ -159,6 +174,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
         }
         QThread::usleep(100);
     }
+    ThreadCheck::engineTaken();
     work();
     giveEngineBack();
     return true;
@@ -166,6 +182,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
 
 bool PatchHandOver::runInBlock(const std::function<void()>& work)
 {
+    ThreadCheck::gui();
     if (isOver())
         return false;
     mWork = work;

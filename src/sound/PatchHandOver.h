@@ -46,7 +46,9 @@ public:
         limits.work = std::chrono::milliseconds(500);
         return limits;
     }
-    /// [gui] Long enough for the patch to fade its master volume.
+    /// A pause of the graphical thread, long enough for the patch to fade its master volume. Two belong
+    /// to a closing and one to an opening. The window closes, and PdPlayer::loadPatch closes again and
+    /// opens: five in all, half a second.
     static constexpr unsigned long FADE_MS = 100;
 
     /// [gui]
@@ -93,7 +95,7 @@ private:
     using Milliseconds = std::chrono::milliseconds;
 
     bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
-    void giveEngineBack() { mEngineTaken.store(false, std::memory_order_release); }
+    void giveEngineBack();
     std::uint64_t rounds() const;
     Milliseconds sinceLastBlock();
     bool patienceEnds(const QElapsedTimer& waited, Milliseconds limit);

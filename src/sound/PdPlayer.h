@@ -1,11 +1,11 @@
 #pragma once
 
 #include "model/OrloRatio.h"
-#include "sound/NodeParameters.h"
+#include "sound/GlissandoMapping.h"
+#include "sound/NodeBook.h"
 #include "sound/PatchHandOver.h"
 #include "sound/PdMessageBuffer.h"
 #include "sound/RatioList.h"
-#include "sound/RatioTable.h"
 #include "sound/StaticArray.h"
 #include "sound/VoiceSnapshot.h"
 #include "sound/VoiceTable.h"
@@ -17,6 +17,7 @@
 
 #include <boost/container/static_vector.hpp>
 
+#include <array>
 #include <atomic>
 #include <memory>
 #include <vector>
@@ -42,27 +43,32 @@ enum PdVoiceMessageType {
 /// on [gui] connect to the relay, which has the same signals; only what runs on [audio] too, as the
 /// router behind instructionsToInterface, connects to the player, directly.
 ///
-/// Commands allocate nothing, but for nodes beyond MANY_NODES and for a change of patch.
+/// Commands allocate nothing, but for nodes beyond NodeBook::MANY_NODES and for a change of patch. Its
+/// .cpp files: PdPlayerCommands (from the rings to the functions here), PdPlayerNotes (voices),
+/// PdPlayerNodes (selection, sliders, resets), PdPlayerPatch (libpd), PdPlayerTransposition.
 class PdPlayer : public QObject
 {
     Q_OBJECT
 
 public:
+    /// [stopped] There is one player.
     explicit PdPlayer(QObject* parent = nullptr);
+    /// [stopped] After term(), and never of a player whose sound is over.
     ~PdPlayer() override;
 
     /// [stopped] Makes the command buffers and starts libpd. False without memory for them.
     bool init();
-    /// [stopped] Tells libpd the sample rate; no stream may run.
+    /// [gui] Tells libpd the sample rate, between two blocks.
     void initAudio(int channels, int sampleRate);
     /// [gui] Closes the patch. The audio output must still run, or the wait takes a moment longer. An
     /// engine that is stuck is not waited for.
     void term();
 
     /// [gui] Opens the main patch once the audio thread has closed the former one. Waits for both,
-    /// muted, about half a second. False when the patch cannot be opened.
+    /// muted, for three times PatchHandOver::FADE_MS and the opening itself. False when the patch cannot
+    /// be opened.
     bool loadPatch(const QFileInfo& file);
-    /// [gui]
+    /// [gui] Closes the patch, muted, and waits for it: twice PatchHandOver::FADE_MS and the closing.
     void unloadPatch();
     /// [any] A patch has caught the engine for good: no patch can be changed any more, and the process
     /// must end without destroying the player.
@@ -80,82 +86,107 @@ public:
     void processChunk(const PdMessageBuffer::Chunk* chunk);
     /// [audio]
     bool isPatchOpen() const { return mPatch != nullptr; }
+    /// [any] Each of its methods has a word of its own.
     PatchHandOver& handOver() { return mHandOver; }
     /// [gui]
-    EngineRelay& relay() const { return *mRelay; }
+    EngineRelay& relay() const;
     /// [audio] False when a list of the state has not room enough; nothing is allocated.
     bool copyState(EngineState& state) const;
 
-    /// [audio] The ratio is absolute in both.
+    /// [audio] Starts the note of an absolute ratio, in the lowest free slot or in that of the oldest
+    /// voice.
     void noteOn(const OrloRatio& ratio);
+    /// [audio] Lets the note of an absolute ratio go; its slot is free when the patch reports the end.
     void noteOff(const OrloRatio& ratio);
     /// [audio] Frees a released slot; a late report about a slot in use does nothing.
     void onVoiceStopped(int voice);
+    /// [audio] Without force, held notes go on.
     void allNotesOff(bool force);
+    /// [audio] Holds what sounds now, instead of what was held before; or nothing any more.
     void nodesHoldActive(bool active);
     /// [audio] 0 resets. A product that no longer fits in 64 bits is refused with a warning.
     void transpose(signed char step);
+    /// [audio] The same by a ratio.
     void transpose(const OrloRatio& ratio);
-    /// [audio] Each sets and reports.
+    /// [audio] For notes that start from now on.
     void setVoiceVolume(float volume);
+    /// [audio] The patch's volume.
     void setVolume(float volume);
+    /// [audio] The next note does not stop a voice that was started before.
     void setMonophonic(bool on);
+    /// [audio] Hz of 1/1; for notes and glissandi from now on.
     void setBaseFrequency(float frequency);
+    /// [audio] A prime from 0 to 31.
     void togglePrimeEnabled(int prime);
 
     /// [audio] Macro from 1 to 8. Selected nodes follow, and stay at an end of the range that the
     /// slider pushes them against.
     void setMacroValue(int macro, float value);
-    /// [audio] The sliders, 0.0 to 1.0; selected nodes follow. One bend for all of them.
+    /// [audio] The coarse slider, 0.0 to 1.0; selected nodes follow. One bend for all of them.
     void applyGlissandoOne(float value);
+    /// [audio] The same with the fine slider.
     void applyGlissandoTwo(float value);
     /// [audio] Absolute ratio. Neither way is heard: selecting makes the node's values relative to
-    /// the sliders, deselecting makes them absolute again. May allocate the node's record.
+    /// the sliders, deselecting makes them absolute again.
     void nodeSelectToggleByRatio(OrloRatio ratio);
+    /// [audio]
     void nodeDeselectAll();
+    /// [audio] What is selected already stays so.
     void selectAllSounding();
     /// [audio] The notes of all selected nodes are toggled in the next block.
     void toggleAllSelected();
     /// [audio] Back to the patch's macros and no detuning. With the option `softNodeReset` a
     /// sounding node is started anew, else its voice is changed in place.
     void nodeResetOne(OrloRatio ratio, bool deselect);
+    /// [audio] The same with each selected node.
     void resetSelectedNodes(bool deselect);
+    /// [audio] The same with every node, and with the sliders when asked.
     void resetAllNodes(bool resetControls, bool deselect);
     /// [audio] 0 both, 1 or 2. Takes new ranges from the options.
     void resetGlissandoAllNodes(short which);
 
     /// [stopped] More than the 128 slots, or fewer than one, is corrected.
     void setMaxVoices(int voices);
+    /// [any] Fixed once the engine runs.
     int maxVoices() const { return mMaxVoices; }
 
     /// [any] What sounded, and was not released, after the last block; in the order in which
     /// the notes came. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
-    /// [audio] In the order of selection, and of alteration.
-    QList<OrloRatio> getAllSelectedRatios() const { return selectedNodes.toList(); }
-    QList<OrloRatio> getAllRatiosWithAlteredParameters() const { return alteredNodes.toList(); }
-    /// Hz, in single precision.
+    /// [audio] In the order of selection. Allocates the list.
+    QList<OrloRatio> getAllSelectedRatios() const;
+    /// [audio] In the order of alteration. Allocates the list.
+    QList<OrloRatio> getAllRatiosWithAlteredParameters() const;
+    /// [audio] Hz, in single precision, without a glissando.
     float ratioToFrequency(const OrloRatio& ratio) const;
+    /// [audio] The factor of a position of the coarse slider, by its range.
     float glissandoOneMapping(float value) const;
+    /// [audio] The same of the fine one.
     float glissandoTwoMapping(float value) const;
 
-    /// Raises or lowers the calling thread.
+    /// [any] Raises or lowers the calling thread.
     void setThreadPriority(int priority);
 
-    /// [audio] True on success, false when libpd refuses. Voices count from 0 here.
+    /// [audio] False when libpd refuses, here and in those below. Voices count from 0.
     bool sendPdVoiceMessage(PdVoiceMessageType type, float value, float voice);
+    /// [audio] What the sliders show.
     bool applyAllCurrentMacroValues(float voice);
+    /// [audio] Macro from 1 to 8.
     bool applyMacroValue(int macro, float value, float voice);
+    /// [audio] Hz, of a running voice.
     bool alterFrequency(float frequency, float voice);
+    /// [audio] Pure Data's own switch of sound.
     bool setDsp(bool on) const;
+    /// [audio] The patch answers to onMacroNamesReceived().
     bool sendPdQueryMacrosMessage();
+    /// [audio] The patch's volume, without keeping it.
     bool sendPdVolumeMessage(float volume);
 
-    /// [audio] Reads the patch's macro list; exported for the patch hook.
+    /// [audio] Reads the patch's macro list. Allocates; within a change of patch only.
     void onMacroNamesReceived(const char* text);
 
     /// [stopped] Where to read whether the external output's port is open; null: there is none.
-    void setPortOpenFlag(const std::atomic<bool>* flag) { mPortOpen = flag; }
+    void setPortOpenFlag(const std::atomic<bool>* flag);
 
     /// [gui] Connects all that the lattice hears from the player, through its relay.
     static void connectLattice(PdPlayer* player, Orlo* orlo);
@@ -163,10 +194,11 @@ public:
     enum Instruction { instructionNoteOn = 1, instructionNoteOff = -1, instructionBend = 2 };
 
 public slots:
-    /// Any thread but the listener's; the ring has one writer, the graphical thread.
+    /// [gui] Writes the event into the ring of the window. A full ring drops it with a warning.
     void queueEventGui(const OrloEvent* event);
-    /// The device listener's thread.
+    /// [listener] The same with the ring of the physical device.
     void queueEventSerial(const OrloEvent* event);
+    /// [any] Logs the event only.
     void queueEventFromInterface(QString source, const OrloEvent* event);
 
 signals:
@@ -197,40 +229,13 @@ signals:
 
 private:
     using Chunk = PdMessageBuffer::Chunk;
-    using Handler = void (PdPlayer::*)(const Chunk&);
-    static Handler handlerOf(std::int32_t type);
+    using Handlers = std::array<void (*)(PdPlayer&, const Chunk&), OrloEvent::TYPE_COUNT>; // by type
+    static const Handlers& handlers();
 
     void drain(PdMessageBuffer& buffer);
-    void onNoteToggleByPath(const Chunk& chunk);
-    void onNoteToggleByRatio(const Chunk& chunk);
-    void onAllNotesOff(const Chunk& chunk);
-    void onAllNotesOffForced(const Chunk& chunk);
-    void onNodesDeselectAll(const Chunk& chunk);
-    void onTransposeByPrimeStep(const Chunk& chunk);
-    void onVoiceVolumeAdjust(const Chunk& chunk);
-    void onVoiceVolumeSet(const Chunk& chunk);
-    void onMasterVolumeAdjust(const Chunk& chunk);
-    void onMasterVolumeSet(const Chunk& chunk);
-    void onMonophonicSet(const Chunk& chunk);
-    void onPatchStep(const Chunk& chunk);
-    void onBaseFrequencySet(const Chunk& chunk);
-    void onPrimeEnabledToggle(const Chunk& chunk);
-    void onMacroSet(const Chunk& chunk);
-    void onNodeRemove(const Chunk& chunk);
-    void onTransposeByRatio(const Chunk& chunk);
-    void onNodesRecalled(const Chunk& chunk);
-    void onNodesHold(const Chunk& chunk);
-    void onPatchOpen(const Chunk& chunk);
-    void onPatchClose(const Chunk& chunk);
-    void onNodesResetSelected(const Chunk& chunk);
-    void onNodesResetAll(const Chunk& chunk);
-    void onGlissReset(const Chunk& chunk);
-    void onNodesToggleAllSelected(const Chunk& chunk);
-    void onNodesSelectAllSounding(const Chunk& chunk);
-    void onGlissOneSet(const Chunk& chunk);
-    void onGlissTwoSet(const Chunk& chunk);
-    void onNodeSelectToggle(const Chunk& chunk);
-    void onNodeReset(const Chunk& chunk);
+    void toggleByPath(const OrloPath& path);
+    void toggleByRatio(const OrloRatio& ratio, float value);
+    void removeNode(const OrloRatio& ratio);
 
     int findSlot(bool& stolen);
     void stopPreviousMonoVoice(int slot);
@@ -245,17 +250,14 @@ private:
     void sendInstruction(Instruction instruction, int voice, float value1, float value2);
     bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
 
-    NodeParameters& nodeRecord(const OrloRatio& ratio) { return alteredParameters[ratio]; }
-    void makeNode(const OrloRatio& ratio);
+    static bool maintainMacroParameters();
+    void takeGlissandoRanges();
     void glissandoToNodes();
-    float glissedFrequency(const OrloRatio& ratio, float glissOne, float glissTwo) const;
-    void resetCurrentGlissando(short which);
     void nodeResetGlissando(const OrloRatio& ratio, short which);
     void nodeResetParameters(const OrloRatio& ratio);
     void nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* voice);
     void restoreVoiceInPlace(const OrloRatio& ratio, const Voice& voice);
-    void setSoundingParameters(const OrloRatio& ratio);
-    float defaultMacro(int index) const;
+    bool applyMacros(const NodeParameters& node, float voice);
     void writeToCache();
     void readFromCache();
 
@@ -268,9 +270,6 @@ private:
     static void pdListHook(const char* source, int count, _atom* atoms);
 
     static PdPlayer* sThis; // the libpd hooks are plain functions
-
-    /// Storage for so many is made beforehand; the tables grow beyond it with an allocation.
-    static constexpr int MANY_NODES = 4096;
 
     PdMessageBuffer guiBuffer;
     PdMessageBuffer serialBuffer;
@@ -289,18 +288,8 @@ private:
     bool mVoicesChanged = false; // since the snapshot
     bool mHoldActive = false;
     RatioList heldNodes;
-    RatioList selectedNodes; // each is altered too
-    RatioList alteredNodes;
-    // Absolute while the node is not selected, relative to the current ones while it is. The
-    // record of a node that was reset stays, and is replaced when the node is altered again.
-    RatioTable<NodeParameters> alteredParameters;
-    RatioTable<NodeParameters> soundingParameters; // of notes that are not altered
-    NodeParameters defaultParameters;
-    NodeParameters currentParameters; // what the sliders show
-    // What the next patch takes over from the last one.
-    NodeParameters cachedParameters;
-    RatioList cachedSounding;
-    RatioList cachedSelected;
+    NodeBook mNodes;
+    RatioList cachedSounding; // starts anew in the next patch
     bool mFirstPatch = true;
     std::vector<OrloRatio> mToggleLater; // in the next block
     std::vector<OrloRatio> mToggleNow;
@@ -312,15 +301,15 @@ private:
     void* mInfoBinding = nullptr;
     void* mStopBinding = nullptr;
     bool mQuerying = false;
-    // Set by loadPatch before it asks for the patch, and from then on the audio thread's until that
-    // has answered.
+    // loadPatch sets these before it asks for the patch; then they are the audio thread's until that has
+    // answered.
     QByteArray mPatchFileName;
     QByteArray mPatchDirectory;
     bool mPatchOpened = false;
     PatchHandOver mHandOver;
 
-    float mGlissOneRange = 1200.0F; // cents
-    float mGlissTwoRange = 100.0F;
+    float mGlissOneRange = glissando::DEFAULT_RANGE_ONE; // cents
+    float mGlissTwoRange = glissando::DEFAULT_RANGE_TWO;
     int mMaxVoices = VoiceTable::SLOTS;
     const std::atomic<bool>* mPortOpen = nullptr;
     // The lists of an instruction, with room for every voice, so that a note allocates none.

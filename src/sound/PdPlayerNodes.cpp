@@ -1,16 +1,13 @@
-// The part of the player that keeps what nodes carry beyond their sound: selection, macros and
-// detuning of their own, glissando, resets, and the cache around a change of patch.
+// The nodes of the player: selection, sliders and resets, told to the voices and to whoever listens,
+// and what goes over into the next patch. NodeBook has the arithmetic.
 
 #include "sound/PdPlayer.h"
 
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
 #include "app/Settings.h"
-#include "model/Orlo.h"
-#include "sound/MacroList.h"
-
-#include <cmath>
-#include <optional>
+#include "sound/GlissandoMapping.h"
+#include "sound/ThreadCheck.h"
 
 namespace {
 
@@ -20,210 +17,113 @@ bool softNodeReset()
     return settings && settings->softNodeReset;
 }
 
-bool maintainMacroParameters()
+} // namespace
+
+bool PdPlayer::maintainMacroParameters()
 {
     const Settings* settings = app::settings();
     return settings && settings->maintainMacroParameters;
 }
 
-float glissandoMapping(float rangeCents, float value)
+void PdPlayer::takeGlissandoRanges()
 {
-    return static_cast<float>(
-        std::exp2(static_cast<double>(rangeCents) * 2.0 * (static_cast<double>(value) - 0.5) / 1200.0));
-}
-
-/// Selection and reset of one node carry the ratio as the lattice knows it. Empty for what is no
-/// pitch or does not fit.
-std::optional<OrloRatio> absoluteForm(const OrloRatio& relative)
-{
-    const PublishedRatio::Value by =
-        app::orlo() ? app::orlo()->publishedTransposition() : PublishedRatio::Value{1, 1};
-    OrloRatio ratio(by.numerator, by.denominator);
-    if (relative.numerator() == 0 || !ratio.fitsWhenMultipliedWith(relative))
-        return std::nullopt;
-    ratio *= relative;
-    return ratio;
-}
-
-/// 0 both, 1 or 2.
-void resetPair(NodeParameters& parameters, const NodeParameters& to, short which)
-{
-    if (which == 0 || which == 1)
-        parameters.glissOne = to.glissOne;
-    if (which == 0 || which == 2)
-        parameters.glissTwo = to.glissTwo;
-}
-
-/// `base` plus `sign` times `by`, in every field.
-void addParameters(NodeParameters& base, float sign, const NodeParameters& by)
-{
-    base.glissOne += sign * by.glissOne;
-    base.glissTwo += sign * by.glissTwo;
-    for (size_t i = 0; i < base.macros.size(); ++i)
-        base.macros[i] += sign * by.macros[i];
-}
-
-} // namespace
-
-// ---------------------------------------------------------------- commands
-
-void PdPlayer::onNodesResetSelected(const Chunk& chunk)
-{
-    resetSelectedNodes(chunk.type == OrloEvent::NodesResetSelectedDeselect);
-}
-
-void PdPlayer::onNodesResetAll(const Chunk& chunk)
-{
-    const bool controls = chunk.type == OrloEvent::NodesResetAllAndControls
-                          || chunk.type == OrloEvent::NodesResetAllAndControlsDeselect;
-    const bool deselect = chunk.type == OrloEvent::NodesResetAllDeselect
-                          || chunk.type == OrloEvent::NodesResetAllAndControlsDeselect;
-    resetAllNodes(controls, deselect);
-}
-
-void PdPlayer::onGlissReset(const Chunk& chunk)
-{
-    // One, two, both.
-    const int which = chunk.type == OrloEvent::GlissBothReset ? 0 : chunk.type - OrloEvent::GlissOneReset + 1;
-    resetGlissandoAllNodes(static_cast<short>(which));
-}
-
-void PdPlayer::onNodesToggleAllSelected(const Chunk&)
-{
-    toggleAllSelected();
-}
-
-void PdPlayer::onNodesSelectAllSounding(const Chunk&)
-{
-    selectAllSounding();
-}
-
-void PdPlayer::onMacroSet(const Chunk& chunk)
-{
-    setMacroValue(chunk.type - OrloEvent::Macro1Set + 1, chunk.value);
-}
-
-void PdPlayer::onGlissOneSet(const Chunk& chunk)
-{
-    applyGlissandoOne(chunk.value);
-}
-
-void PdPlayer::onGlissTwoSet(const Chunk& chunk)
-{
-    applyGlissandoTwo(chunk.value);
-}
-
-void PdPlayer::onNodeSelectToggle(const Chunk& chunk)
-{
-    if (const auto ratio = absoluteForm(chunk.ratio))
-        nodeSelectToggleByRatio(*ratio);
-}
-
-void PdPlayer::onNodeReset(const Chunk& chunk)
-{
-    if (const auto ratio = absoluteForm(chunk.ratio))
-        nodeResetOne(*ratio, chunk.value != 0.0F);
+    if (const Settings* settings = app::settings()) {
+        mGlissOneRange = settings->glissOneRangeCents;
+        mGlissTwoRange = settings->glissTwoRangeCents;
+    }
 }
 
 // ---------------------------------------------------------------- selection
 
 void PdPlayer::nodeSelectToggleByRatio(OrloRatio ratio)
 {
-    if (selectedNodes.contains(ratio)) {
-        addParameters(nodeRecord(ratio), 1.0F, currentParameters);
-        selectedNodes.remove(ratio);
+    ThreadCheck::audio();
+    if (mNodes.deselect(ratio)) {
         emit nodeSelected(ratio, false);
     } else {
-        selectedNodes.append(ratio);
-        if (!alteredNodes.contains(ratio))
-            makeNode(ratio);
-        addParameters(nodeRecord(ratio), -1.0F, currentParameters);
+        if (mNodes.select(ratio))
+            emit nodeAltered(ratio, true);
         emit nodeSelected(ratio, true);
     }
     ORLO_AUDIO_DEBUG << "Node selection toggled with ratio: " << ratio.toString();
 }
 
-/// A node that is selected while it sounds keeps the macros with which it started.
-void PdPlayer::makeNode(const OrloRatio& ratio)
-{
-    alteredNodes.append(ratio);
-    emit nodeAltered(ratio, true);
-    alteredParameters[ratio] =
-        NodeParameters{soundingParameters.value(ratio, NodeParameters{currentParameters.macros}).macros};
-}
-
 void PdPlayer::nodeDeselectAll()
 {
-    while (!selectedNodes.isEmpty())
-        nodeSelectToggleByRatio(selectedNodes.first());
+    ThreadCheck::audio();
+    while (!mNodes.selected().isEmpty())
+        nodeSelectToggleByRatio(mNodes.selected().first());
 }
 
 void PdPlayer::selectAllSounding()
 {
+    ThreadCheck::audio();
     for (const OrloRatio& ratio : soundingNow()) {
-        if (!selectedNodes.contains(ratio))
+        if (!mNodes.selected().contains(ratio))
             nodeSelectToggleByRatio(ratio);
     }
 }
 
 void PdPlayer::toggleAllSelected()
 {
-    mToggleLater.insert(mToggleLater.end(), selectedNodes.begin(), selectedNodes.end());
+    ThreadCheck::audio();
+    mToggleLater.insert(mToggleLater.end(), mNodes.selected().begin(), mNodes.selected().end());
+}
+
+QList<OrloRatio> PdPlayer::getAllSelectedRatios() const
+{
+    ThreadCheck::audio();
+    return mNodes.selected().toList();
+}
+
+QList<OrloRatio> PdPlayer::getAllRatiosWithAlteredParameters() const
+{
+    ThreadCheck::audio();
+    return mNodes.altered().toList();
 }
 
 // ---------------------------------------------------------------- sliders
 
 void PdPlayer::setMacroValue(int macro, float value)
 {
-    const auto index = static_cast<size_t>(macro - 1);
-    currentParameters.macros.at(index) = value;
+    ThreadCheck::audio();
     emit macroValueChanged(macro, value);
-    for (const OrloRatio& ratio : selectedNodes) {
-        float& stored = nodeRecord(ratio).macros[index];
-        float effective = stored + value;
-        if (effective >= 1.0F) {
-            stored = 1.0F - value;
-            effective = 1.0F;
-        } else if (effective <= 0.0F) {
-            stored = 0.0F - value;
-            effective = 0.0F;
-        }
+    mNodes.slideMacro(static_cast<std::size_t>(macro - 1), value, [&](const OrloRatio& ratio, float own) {
         if (const Voice* voice = mVoices.find(ratio))
-            applyMacroValue(macro, effective, static_cast<float>(voice->voice));
-    }
+            applyMacroValue(macro, own, static_cast<float>(voice->voice));
+    });
 }
 
 void PdPlayer::applyGlissandoOne(float value)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Apply gliss one";
-    currentParameters.glissOne = value;
-    if (!mPatch)
-        cachedParameters.glissOne = value; // the next patch shall not jump back behind it
+    mNodes.slideGlissandoOne(value);
     glissandoToNodes();
 }
 
 void PdPlayer::applyGlissandoTwo(float value)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Apply gliss two";
-    currentParameters.glissTwo = value;
-    if (!mPatch)
-        cachedParameters.glissTwo = value;
+    mNodes.slideGlissandoTwo(value);
     glissandoToNodes();
 }
 
 void PdPlayer::glissandoToNodes()
 {
-    if (selectedNodes.isEmpty())
+    if (mNodes.selected().isEmpty())
         return;
     const bool open = portOpen();
     clearInstruction();
-    for (const OrloRatio& ratio : selectedNodes) {
+    for (const OrloRatio& ratio : mNodes.selected()) {
         const Voice* voice = mVoices.find(ratio);
         if (!voice)
             continue;
-        const NodeParameters& node = nodeRecord(ratio);
-        const float frequency = glissedFrequency(ratio, currentParameters.glissOne + node.glissOne,
-                                                 currentParameters.glissTwo + node.glissTwo);
+        const NodeParameters heard = mNodes.heard(ratio);
+        float frequency = ratioToFrequency(ratio);
+        frequency *= glissandoOneMapping(heard.glissOne);
+        frequency *= glissandoTwoMapping(heard.glissTwo);
         alterFrequency(frequency, static_cast<float>(voice->voice));
         if (open)
             addToInstruction(voice->voice, frequency, -1.0F);
@@ -233,51 +133,33 @@ void PdPlayer::glissandoToNodes()
                                      mInstructionValues2);
 }
 
-float PdPlayer::glissedFrequency(const OrloRatio& ratio, float glissOne, float glissTwo) const
-{
-    float frequency = ratioToFrequency(ratio);
-    frequency *= glissandoOneMapping(glissOne);
-    frequency *= glissandoTwoMapping(glissTwo);
-    return frequency;
-}
-
 float PdPlayer::glissandoOneMapping(float value) const
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Gliss one mapping: range, input: " << mGlissOneRange << value;
-    return glissandoMapping(mGlissOneRange, value);
+    return glissando::factor(mGlissOneRange, value);
 }
 
 float PdPlayer::glissandoTwoMapping(float value) const
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Gliss two mapping: range, input: " << mGlissTwoRange << value;
-    return glissandoMapping(mGlissTwoRange, value);
+    return glissando::factor(mGlissTwoRange, value);
 }
 
 // ---------------------------------------------------------------- resets
 
-/// A macro without a default in the patch stays where its slider is.
-float PdPlayer::defaultMacro(int index) const
-{
-    const auto macro = static_cast<size_t>(index);
-    const float value = defaultParameters.macros[macro];
-    return MacroList::isDefault(value) ? value : currentParameters.macros[macro];
-}
-
 void PdPlayer::nodeResetParameters(const OrloRatio& ratio)
 {
-    NodeParameters& node = nodeRecord(ratio);
-    node.glissOne = defaultParameters.glissOne;
-    node.glissTwo = defaultParameters.glissTwo;
-    ORLO_AUDIO_DEBUG << "Node reset parameters: ratio, np0, np1: " << ratio.toStringAbs() << node.glissOne
-                     << node.glissTwo;
-    for (int i = 0; i < NodeParameters::MACRO_COUNT; ++i)
-        node.macros[static_cast<size_t>(i)] = defaultMacro(i);
+    mNodes.resetNode(ratio);
+    ORLO_AUDIO_DEBUG << "Node reset parameters: ratio, np0, np1: " << ratio.toStringAbs()
+                     << mNodes.record(ratio).glissOne << mNodes.record(ratio).glissTwo;
     emit nodeAltered(ratio, false);
 }
 
 void PdPlayer::nodeResetGlissando(const OrloRatio& ratio, short which)
 {
-    const NodeParameters& source = which < 1 ? defaultParameters : nodeRecord(ratio);
+    const NodeParameters& source = which < 1 ? mNodes.defaults() : mNodes.record(ratio);
     ORLO_AUDIO_DEBUG << "glissOne, glissTwo: " << source.glissOne << source.glissTwo;
     const Voice* voice = mVoices.find(ratio);
     if (!voice)
@@ -297,19 +179,15 @@ void PdPlayer::nodeResetGlissando(const OrloRatio& ratio, short which)
 void PdPlayer::restoreVoiceInPlace(const OrloRatio& ratio, const Voice& voice)
 {
     applyAllCurrentMacroValues(static_cast<float>(voice.voice));
-    if (!voice.released) // a fading note has none; it took them along at its note-off
-        setSoundingParameters(ratio);
-}
-
-void PdPlayer::setSoundingParameters(const OrloRatio& ratio)
-{
-    soundingParameters[ratio] = NodeParameters{currentParameters.macros};
+    if (!voice.released) // at its note-off a fading note has lost what it started with
+        mNodes.setSounding(ratio);
 }
 
 void PdPlayer::nodeResetOne(OrloRatio ratio, bool deselect)
 {
+    ThreadCheck::audio();
     Voice* voice = mVoices.find(ratio);
-    if (alteredNodes.contains(ratio)) {
+    if (mNodes.altered().contains(ratio)) {
         nodeResetAltered(ratio, deselect, voice);
     } else if (voice && softNodeReset()) {
         noteOff(ratio);
@@ -322,7 +200,7 @@ void PdPlayer::nodeResetOne(OrloRatio ratio, bool deselect)
 void PdPlayer::nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* voice)
 {
     const bool soft = softNodeReset();
-    const bool wasSelected = selectedNodes.contains(ratio);
+    const bool wasSelected = mNodes.selected().contains(ratio);
     if (soft && voice)
         noteOff(ratio);
     if (wasSelected)
@@ -332,7 +210,7 @@ void PdPlayer::nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* vo
         nodeResetGlissando(ratio, 0);
         restoreVoiceInPlace(ratio, *voice);
     }
-    alteredNodes.remove(ratio);
+    mNodes.removeAltered(ratio);
     if (wasSelected && !deselect)
         nodeSelectToggleByRatio(ratio);
     if (soft && voice)
@@ -341,35 +219,35 @@ void PdPlayer::nodeResetAltered(const OrloRatio& ratio, bool deselect, Voice* vo
 
 void PdPlayer::resetSelectedNodes(bool deselect)
 {
-    mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
+    ThreadCheck::audio();
+    mFormerlySelected.assign(mNodes.selected().begin(), mNodes.selected().end());
     for (const OrloRatio& ratio : mFormerlySelected)
         nodeResetOne(ratio, deselect);
 }
 
 void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
 {
+    ThreadCheck::audio();
     const bool soft = softNodeReset();
     const SoundingRatios sounding = soundingNow();
-    mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
+    mFormerlySelected.assign(mNodes.selected().begin(), mNodes.selected().end());
     if (soft)
         allNotesOff(true);
     nodeDeselectAll();
-    for (const OrloRatio& ratio : alteredNodes) {
+    for (const OrloRatio& ratio : mNodes.altered()) {
         if (!soft)
             nodeResetGlissando(ratio, 0);
         nodeResetParameters(ratio);
     }
-    alteredNodes.clear();
+    mNodes.clearAltered();
     if (resetControls) {
         const auto count = qMin<qsizetype>(mMacroDefaults.size(), NodeParameters::MACRO_COUNT);
         for (int i = 0; i < count; ++i)
-            setMacroValue(i + 1, defaultMacro(i));
+            setMacroValue(i + 1, mNodes.defaultMacro(static_cast<std::size_t>(i)));
         emit resetGlissSliders(0);
-        resetCurrentGlissando(0);
-        for (int i = 0; i < NodeParameters::MACRO_COUNT; ++i)
-            currentParameters.macros[static_cast<size_t>(i)] = defaultMacro(i);
+        mNodes.resetSliders();
     }
-    soundingParameters.clear();
+    mNodes.clearSounding();
     for (const OrloRatio& ratio : sounding) {
         if (soft)
             noteOn(ratio);
@@ -382,34 +260,24 @@ void PdPlayer::resetAllNodes(bool resetControls, bool deselect)
     }
 }
 
-void PdPlayer::resetCurrentGlissando(short which)
-{
-    resetPair(currentParameters, defaultParameters, which);
-    if (!mPatch)
-        resetPair(cachedParameters, defaultParameters, which); // as by a move of the slider
-}
-
 void PdPlayer::resetGlissandoAllNodes(short which)
 {
-    ORLO_AUDIO_DEBUG << "Node reset: current0, current1: " << currentParameters.glissOne
-                     << currentParameters.glissTwo;
+    ThreadCheck::audio();
+    ORLO_AUDIO_DEBUG << "Node reset: current0, current1: " << mNodes.current().glissOne
+                     << mNodes.current().glissTwo;
     emit resetGlissSliders(which);
-    mFormerlySelected.assign(selectedNodes.begin(), selectedNodes.end());
+    mFormerlySelected.assign(mNodes.selected().begin(), mNodes.selected().end());
     nodeDeselectAll();
-    resetCurrentGlissando(which);
-    for (const OrloRatio& ratio : alteredNodes) {
-        NodeParameters& node = nodeRecord(ratio);
-        resetPair(node, defaultParameters, which);
+    mNodes.resetGlissandoSliders(which);
+    for (const OrloRatio& ratio : mNodes.altered()) {
+        mNodes.resetGlissando(ratio, which);
         ORLO_AUDIO_DEBUG << "Node reset: ratio, np0, np1, default, current0, current1: " << ratio.toString()
-                         << node.glissOne << node.glissTwo << defaultParameters.glissOne
-                         << currentParameters.glissOne << currentParameters.glissTwo;
+                         << mNodes.record(ratio).glissOne << mNodes.record(ratio).glissTwo
+                         << mNodes.defaults().glissOne << mNodes.current().glissOne
+                         << mNodes.current().glissTwo;
         nodeResetGlissando(ratio, which);
     }
-    // The options dialog changes a range and then asks for this reset.
-    if (const Settings* settings = app::settings()) {
-        mGlissOneRange = settings->glissOneRangeCents;
-        mGlissTwoRange = settings->glissTwoRangeCents;
-    }
+    takeGlissandoRanges(); // the options dialog changes one and then asks for this reset
     for (const OrloRatio& ratio : mFormerlySelected)
         nodeSelectToggleByRatio(ratio);
 }
@@ -421,21 +289,16 @@ void PdPlayer::writeToCache()
     cachedSounding.clear();
     for (const OrloRatio& ratio : soundingNow())
         cachedSounding.append(ratio);
-    cachedSelected.clear();
-    for (const OrloRatio& ratio : selectedNodes)
-        cachedSelected.append(ratio);
-    cachedParameters.glissOne = currentParameters.glissOne;
-    cachedParameters.glissTwo = currentParameters.glissTwo;
-    if (maintainMacroParameters())
-        cachedParameters.macros = currentParameters.macros;
+    mNodes.writeToCache(maintainMacroParameters());
 }
 
 void PdPlayer::readFromCache()
 {
-    currentParameters.glissOne = cachedParameters.glissOne;
-    currentParameters.glissTwo = cachedParameters.glissTwo;
-    if (maintainMacroParameters())
-        emit setMacroSliders(QList<float>(cachedParameters.macros.begin(), cachedParameters.macros.end()));
+    mNodes.readFromCache();
+    if (maintainMacroParameters()) {
+        const auto& macros = mNodes.cached().macros;
+        emit setMacroSliders(QList<float>(macros.begin(), macros.end()));
+    }
     // What was pressed while there was no patch has not been heard yet.
     for (const OrloRatio& ratio : soundingNow()) {
         noteOff(ratio);
@@ -443,10 +306,9 @@ void PdPlayer::readFromCache()
     }
     for (const OrloRatio& ratio : cachedSounding)
         noteOn(ratio);
-    for (const OrloRatio& ratio : cachedSelected) {
-        if (!selectedNodes.contains(ratio))
+    cachedSounding.clear();
+    for (const OrloRatio& ratio : mNodes.cachedSelection()) {
+        if (!mNodes.selected().contains(ratio))
             nodeSelectToggleByRatio(ratio);
     }
-    cachedSounding.clear();
-    cachedSelected.clear();
 }

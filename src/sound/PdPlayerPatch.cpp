@@ -1,4 +1,4 @@
-// The part of the player that hosts the patch: hand-over, messages and hooks.
+// The patch of the player: opening and closing, messages to it, and what it says.
 
 #include "sound/PdPlayer.h"
 
@@ -9,7 +9,8 @@
 #include "sound/AudioOutput.h"
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
-#include "sound/PatchFile.h"
+#include "sound/PatchOutline.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDir>
 #include <QFile>
@@ -41,6 +42,7 @@ bool startMessage(int length, const char* purpose)
 
 bool PdPlayer::init()
 {
+    ThreadCheck::stopped();
     if (!guiBuffer.init()) {
         qCritical() << "failed to allocate gui command buffer";
         return false;
@@ -53,30 +55,27 @@ bool PdPlayer::init()
     libpd_set_printhook(&PdPlayer::pdPrintHook);
     libpd_set_listhook(&PdPlayer::pdListHook);
     libpd_init();
-    if (const Settings* settings = app::settings()) {
-        mGlissOneRange = settings->glissOneRangeCents;
-        mGlissTwoRange = settings->glissTwoRangeCents;
+    takeGlissandoRanges();
+    if (const Settings* settings = app::settings())
         setMaxVoices(settings->mainPatchNumberOfVoices);
-    }
-    for (RatioList* list : {&selectedNodes, &alteredNodes, &cachedSelected})
-        list->reserve(MANY_NODES);
+    mNodes.reserve(VoiceTable::SLOTS);
     for (RatioList* list : {&heldNodes, &cachedSounding})
         list->reserve(VoiceTable::SLOTS);
-    alteredParameters.reserve(MANY_NODES);
-    soundingParameters.reserve(VoiceTable::SLOTS);
     for (std::vector<OrloRatio>* list : {&mToggleLater, &mToggleNow, &mFormerlySelected})
-        list->reserve(MANY_NODES);
+        list->reserve(NodeBook::MANY_NODES);
     return true;
 }
 
 void PdPlayer::initAudio(int channels, int sampleRate)
 {
+    ThreadCheck::gui();
     qWarning() << "Initialising libpd with sampleRate" << sampleRate;
     mHandOver.runBetweenBlocks([=] { libpd_init_audio(0, channels, sampleRate); });
 }
 
 void PdPlayer::term()
 {
+    ThreadCheck::gui();
     qWarning() << "PdPlayer::term...";
     mHandOver.setLimits(PatchHandOver::limitsAtEnd());
     unloadPatch();
@@ -93,10 +92,11 @@ bool PdPlayer::changePatch(PatchHandOver::Change change, OrloEvent::Type type)
 
 bool PdPlayer::loadPatch(const QFileInfo& file)
 {
+    ThreadCheck::gui();
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
     for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
-        if (PatchFile::outline(part).endsInsideSubpatch) {
+        if (PatchOutline::read(part).endsInsideSubpatch) {
             qCritical() << "The patch is cut short:" << part;
             return false;
         }
@@ -119,6 +119,7 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
 
 void PdPlayer::unloadPatch()
 {
+    ThreadCheck::gui();
     if (isSoundOver())
         return;
     AudioOutput* output = app::audioOutput();
@@ -140,6 +141,7 @@ void PdPlayer::unloadPatch()
 
 bool PdPlayer::waitForRoom(int events)
 {
+    ThreadCheck::gui();
     return mHandOver.waitUntil([=, this] { return guiBuffer.room() >= events; }, [this] { processEvents(); });
 }
 
@@ -218,6 +220,7 @@ void PdPlayer::closePatch()
 
 bool PdPlayer::sendPdVoiceMessage(PdVoiceMessageType type, float value, float voice)
 {
+    ThreadCheck::audio();
     if (!startMessage(3, VOICE_INPUT))
         return false;
     libpd_add_float(value);
@@ -228,6 +231,7 @@ bool PdPlayer::sendPdVoiceMessage(PdVoiceMessageType type, float value, float vo
 
 bool PdPlayer::sendPdVolumeMessage(float volume)
 {
+    ThreadCheck::audio();
     if (!startMessage(1, MASTER_VOLUME))
         return false;
     libpd_add_float(volume);
@@ -236,6 +240,7 @@ bool PdPlayer::sendPdVolumeMessage(float volume)
 
 bool PdPlayer::setDsp(bool on) const
 {
+    ThreadCheck::audio();
     if (!startMessage(1, "setDsp"))
         return false;
     libpd_add_float(on ? 1.0F : 0.0F);
@@ -244,6 +249,7 @@ bool PdPlayer::setDsp(bool on) const
 
 bool PdPlayer::sendPdQueryMacrosMessage()
 {
+    ThreadCheck::audio();
     mQuerying = true;
     const int status = libpd_bang(QUERY_MACROS);
     if (status != 0)
@@ -253,20 +259,27 @@ bool PdPlayer::sendPdQueryMacrosMessage()
 
 bool PdPlayer::applyAllCurrentMacroValues(float voice)
 {
+    ThreadCheck::audio();
+    return applyMacros(mNodes.current(), voice);
+}
+
+bool PdPlayer::applyMacros(const NodeParameters& node, float voice)
+{
     bool sent = true;
     for (int macro = 1; macro <= NodeParameters::MACRO_COUNT; ++macro)
-        sent =
-            applyMacroValue(macro, currentParameters.macros[static_cast<size_t>(macro - 1)], voice) && sent;
+        sent = applyMacroValue(macro, node.macros[static_cast<std::size_t>(macro - 1)], voice) && sent;
     return sent;
 }
 
 bool PdPlayer::applyMacroValue(int macro, float value, float voice)
 {
+    ThreadCheck::audio();
     return sendPdVoiceMessage(static_cast<PdVoiceMessageType>(voiceMacro1 + macro - 1), value, voice);
 }
 
 bool PdPlayer::alterFrequency(float frequency, float voice)
 {
+    ThreadCheck::audio();
     return sendPdVoiceMessage(voiceFrequency, frequency, voice);
 }
 
@@ -298,6 +311,7 @@ void PdPlayer::pdListHook(const char* source, int count, _atom* atoms)
 
 void PdPlayer::onMacroNamesReceived(const char* text)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Received macro names:" << text;
     const MacroList list = MacroList::parse(QString::fromUtf8(text));
     mMacroNames = list.names;
@@ -309,16 +323,11 @@ void PdPlayer::onMacroNamesReceived(const char* text)
 
 void PdPlayer::setMacroDefaultValues()
 {
-    const Settings* settings = app::settings();
-    const bool maintain = settings && settings->maintainMacroParameters;
+    const bool slides = !maintainMacroParameters();
     // A patch must not name more macros than there are; the rest of a longer list is dropped.
     const qsizetype count = qMin<qsizetype>(mMacroDefaults.size(), NodeParameters::MACRO_COUNT);
     for (qsizetype i = 0; i < count; ++i) {
-        const auto macro = static_cast<size_t>(i);
-        defaultParameters.macros[macro] = mMacroDefaults[i];
-        // Where the patch names none, the slider stays, and the next note starts from it.
-        if (!maintain && MacroList::isDefault(mMacroDefaults[i]))
-            currentParameters.macros[macro] = mMacroDefaults[i];
+        mNodes.setDefaultMacro(static_cast<std::size_t>(i), mMacroDefaults[i], slides);
         ORLO_AUDIO_DEBUG << "Macro " << mMacroNames[i] << ": default set to" << mMacroDefaults[i];
     }
 }

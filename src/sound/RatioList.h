@@ -57,23 +57,31 @@ public:
         int mPlace = NONE;
     };
 
+    /// [stopped] Makes the storage. Allocates when the capacity grows.
     void reserve(int capacity);
 
+    /// [audio]
     bool contains(const OrloRatio& ratio) const { return placeOf(ratio) != NONE; }
-    /// NONE when it is not there.
+    /// [audio] NONE when it is not there.
     int placeOf(const OrloRatio& ratio) const;
-    /// Its place. A ratio that is there stays where it is.
+    /// [audio] Returns its place. A ratio that is there stays where it is.
     int append(const OrloRatio& ratio);
-    /// The place that it had. The ratio may be the very element that goes.
+    /// [audio] Returns the place that it had, or NONE. The ratio may be the very element that goes.
     int remove(const OrloRatio& ratio);
+    /// [audio] Keeps the storage.
     void clear();
 
+    /// [audio]
     bool isEmpty() const { return mFirst == NONE; }
+    /// [audio] How many find room without an allocation.
     int capacity() const { return static_cast<int>(mNodes.size()); }
+    /// [audio] The list must not be empty.
     const OrloRatio& first() const { return node(mFirst).ratio; }
+    /// [audio] In the order in which they came.
     const_iterator begin() const { return {this, mFirst}; }
+    /// [audio] Behind the last.
     const_iterator end() const { return {this, NONE}; }
-    /// Allocates.
+    /// [audio] Allocates.
     QList<OrloRatio> toList() const { return QList<OrloRatio>(begin(), end()); }
 
 private:

@@ -1,6 +1,6 @@
 #include "sound/VoiceCheck.h"
 
-#include "sound/PatchFile.h"
+#include "sound/PatchOutline.h"
 #include "trial/TrialAnswer.h"
 
 #include <QCoreApplication>
@@ -52,7 +52,7 @@ QString VoiceCheck::trialProgram()
 
 QString VoiceCheck::whyNot(const QString& voice) const
 {
-    const PatchFile::Outline outline = PatchFile::outline(voice);
+    const PatchOutline outline = PatchOutline::read(voice);
     if (!outline.readable)
         return QStringLiteral("The file cannot be read.");
     if (outline.endsInsideSubpatch)

@@ -27,7 +27,7 @@ public:
 
     /// [audio] Effect: what the map holds now is what read() gives from now on. In its order.
     void publish(const RatioTable<Voice*>& noteMap);
-    /// [any]
+    /// [any] Allocates the list.
     QList<Entry> read() const;
 
 private:

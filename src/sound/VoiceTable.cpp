@@ -17,19 +17,6 @@ Voice* VoiceTable::freeSlot(int maxVoices)
     return nullptr;
 }
 
-Voice* VoiceTable::oldestSlot(int maxVoices)
-{
-    Voice* oldest = nullptr;
-    std::uint32_t limit = 2147483647;
-    for (int i = 0; i < maxVoices; ++i) {
-        if (mVoices[i].seqId != 0 && mVoices[i].seqId < limit) {
-            limit = mVoices[i].seqId;
-            oldest = &mVoices[i];
-        }
-    }
-    return oldest;
-}
-
 Voice* VoiceTable::slot(int index)
 {
     return index >= 0 && index < SLOTS ? &mVoices[index] : nullptr;

@@ -1,5 +1,7 @@
 #include "trial/VoiceTrial.h"
 
+#include "sound/PdBlockSize.h"
+
 #include <z_libpd.h>
 
 #include <array>
@@ -10,7 +12,6 @@
 namespace {
 
 constexpr int RATE = 44100; // Hz
-constexpr int TICK = 64;    // frames
 constexpr int CHANNELS = 2;
 // A voice that names its macros is one, and need not be heard: this is enough to meet a loop in it.
 constexpr int SHORT_NOTE_MS = 100;
@@ -91,8 +92,9 @@ bool VoiceTrial::noteSounds(float voice, float level)
 bool VoiceTrial::render(int milliseconds)
 {
     bool sounds = false;
-    std::array<float, TICK * CHANNELS> block{};
-    for (int frames = 0; frames < RATE / 1000 * (sounds ? SHORT_NOTE_MS : milliseconds); frames += TICK) {
+    std::array<float, PD_BLOCK_FRAMES * CHANNELS> block{};
+    for (int frames = 0; frames < RATE / 1000 * (sounds ? SHORT_NOTE_MS : milliseconds);
+         frames += PD_BLOCK_FRAMES) {
         libpd_process_float(1, nullptr, block.data());
         for (const float sample : block)
             sounds = sounds || sample != 0.0F;

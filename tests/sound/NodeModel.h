@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <map>
-#include <numeric>
 #include <set>
 #include <vector>
 
@@ -17,44 +16,35 @@ class NodeModel
 {
 public:
     using Ratio = std::pair<quint64, quint64>; // in lowest terms
-    using Macros = std::array<double, 8>;
+    /// On the sliders' scale: eight macros, then the coarse glissando and the fine one.
+    using Values = std::array<double, 10>;
+    static constexpr size_t GLISS = 8;
 
-    struct Node
-    {
-        Macros macros{};
-        double glissOne = 0.5;
-        double glissTwo = 0.5;
-    };
     /// What the patch knows of the note's voice.
     struct Note
     {
         bool released = false;
-        bool frequencyTold = true; // false: it started outside of what may sound
-        double frequency = 0.0;    // Hz
-        Macros macros{};
+        bool frequencyTold; // false: it started outside of what may sound
+        double frequency;   // Hz
+        Values values;      // macros only
     };
 
     /// Options.
     bool softReset = false;
     bool maintainMacros = false;
-    double newRangeOne = 1200.0; // cents, in force after the next glissando reset
-    double newRangeTwo = 100.0;
+    std::array<double, 2> newRanges{1200.0, 100.0}; // cents, in force after the next glissando reset
 
     std::map<Ratio, Note> notes; // sounding or fading
     int starts = 0;              // of notes, so far
-    std::map<Ratio, Node> altered;
+    std::map<Ratio, Values> altered;
     std::set<Ratio> selected;
     std::set<Ratio> held;
-    Macros sliders{};
-    double slideOne = 0.5;
-    double slideTwo = 0.5;
 
-    static Ratio times(Ratio a, Ratio b)
+    /// A default below 0 is none: its slider stays where it is.
+    explicit NodeModel(const Values& defaults)
+        : mDefaults(defaults)
     {
-        const quint64 n = a.first * b.first;
-        const quint64 d = a.second * b.second;
-        const quint64 common = std::gcd(n, d);
-        return {n / common, d / common};
+        takeDefaults();
     }
 
     std::set<Ratio> sounding() const
@@ -114,12 +104,12 @@ public:
         if (altered.contains(ratio))
             return;
         const auto started = mStarted.find(ratio);
-        altered[ratio] = Node{started != mStarted.end() ? started->second : sliders};
+        altered[ratio] = started != mStarted.end() ? started->second : centred(mSliders);
     }
 
-    void selectSounding()
+    void selectAll(const std::set<Ratio>& ratios)
     {
-        for (const Ratio& ratio : sounding()) {
+        for (const Ratio& ratio : ratios) {
             if (!selected.contains(ratio))
                 select(ratio);
         }
@@ -127,29 +117,21 @@ public:
 
     void toggleSelected() { mLater.insert(mLater.end(), selected.begin(), selected.end()); }
 
-    /// From 0.
-    void moveMacro(int macro, double value)
+    /// Any of the ten sliders.
+    void slide(size_t which, double value)
     {
-        const auto i = static_cast<size_t>(macro);
-        const double movement = value - sliders[i];
-        sliders[i] = value;
+        const double movement = value - mSliders[which];
+        mSliders[which] = value;
         for (const Ratio& ratio : selected) {
-            double& own = altered[ratio].macros[i];
-            own = std::clamp(own + movement, 0.0, 1.0);
+            double& own = altered[ratio][which];
+            own += movement;
+            if (which >= GLISS) {
+                retune(ratio);
+                continue;
+            }
+            own = std::clamp(own, 0.0, 1.0);
             if (const auto note = notes.find(ratio); note != notes.end())
-                note->second.macros[i] = own;
-        }
-    }
-
-    /// 1 or 2.
-    void moveGliss(int which, double value)
-    {
-        double& slide = which == 1 ? slideOne : slideTwo;
-        const double movement = value - slide;
-        slide = value;
-        for (const Ratio& ratio : selected) {
-            (which == 1 ? altered[ratio].glissOne : altered[ratio].glissTwo) += movement;
-            retune(ratio);
+                note->second.values[which] = own;
         }
     }
 
@@ -188,69 +170,77 @@ public:
                 retune(ratio);
         }
         if (controls) {
-            sliders = mDefaults;
-            slideOne = slideTwo = 0.5;
+            takeDefaults();
+            mSliders = centred(mSliders);
         }
         mStarted.clear();
         for (const Ratio& ratio : all)
             softReset ? start(ratio) : restoreInPlace(ratio);
-        if (!deselect) {
-            for (const Ratio& ratio : again)
-                select(ratio);
-        }
+        if (!deselect)
+            selectAll(again);
     }
 
     /// 1, 2, or 0 for both.
     void resetGliss(int which)
     {
-        const auto centre = [which](double& one, double& two) {
-            if (which != 2)
-                one = 0.5;
-            if (which != 1)
-                two = 0.5;
-        };
-        centre(slideOne, slideTwo);
+        mSliders = centred(mSliders, which);
         for (auto& [ratio, node] : altered) {
-            centre(node.glissOne, node.glissTwo);
+            node = centred(node, which);
             retune(ratio);
         }
-        mRangeOne = newRangeOne;
-        mRangeTwo = newRangeTwo;
+        mRanges = newRanges;
     }
 
-    void changePatch(const Macros& defaults)
+    void changePatch()
     {
         const std::set<Ratio> all = sounding();
         const std::set<Ratio> again = std::exchange(selected, {});
         stopAll(true);
-        mDefaults = defaults;
         if (!maintainMacros)
-            sliders = defaults;
+            takeDefaults();
         for (const Ratio& ratio : all)
             start(ratio);
-        for (const Ratio& ratio : again)
-            select(ratio);
+        selectAll(again);
     }
 
 private:
-    void start(Ratio ratio)
+    void takeDefaults()
     {
-        ++starts;
+        for (size_t i = 0; i < GLISS; ++i)
+            mSliders[i] = mDefaults[i] < 0.0 ? mSliders[i] : mDefaults[i];
+    }
+
+    static Values centred(Values values, int which = 0)
+    {
+        if (which != 2)
+            values[GLISS] = 0.5;
+        if (which != 1)
+            values[GLISS + 1] = 0.5;
+        return values;
+    }
+
+    Values valuesOf(Ratio ratio) const
+    {
         const auto node = altered.find(ratio);
-        const double frequency = frequencyOf(ratio);
-        notes[ratio] = {false, frequency > 20.0 && frequency < 20000.0, frequency,
-                        node != altered.end() ? node->second.macros : sliders};
-        if (node == altered.end())
-            mStarted[ratio] = sliders;
+        return node != altered.end() ? node->second : centred(mSliders);
     }
 
     double frequencyOf(Ratio ratio) const
     {
-        const auto found = altered.find(ratio);
-        const Node node = found != altered.end() ? found->second : Node{};
-        const double cents = 2.0 * (mRangeOne * (node.glissOne - 0.5) + mRangeTwo * (node.glissTwo - 0.5));
+        const Values values = valuesOf(ratio);
+        const double cents =
+            2.0 * mRanges[0] * (values[GLISS] - 0.5) + 2.0 * mRanges[1] * (values[GLISS + 1] - 0.5);
         return 440.0 * static_cast<double>(ratio.first) / static_cast<double>(ratio.second)
                * std::pow(2.0, cents / 1200.0);
+    }
+
+    void start(Ratio ratio)
+    {
+        ++starts;
+        const double frequency = frequencyOf(ratio);
+        notes[ratio] = {false, frequency > 20.0 && frequency < 20000.0, frequency, valuesOf(ratio)};
+        if (!altered.contains(ratio))
+            mStarted[ratio] = centred(mSliders);
     }
 
     void retune(Ratio ratio)
@@ -265,15 +255,15 @@ private:
     void restoreInPlace(Ratio ratio)
     {
         Note& note = notes[ratio];
-        note.macros = sliders;
+        note.values = mSliders;
         if (!note.released)
-            mStarted[ratio] = sliders;
+            mStarted[ratio] = centred(mSliders);
     }
 
     std::vector<Ratio> mLater;
-    std::map<Ratio, Macros> mStarted; // sounding and not altered: the macros of its start
+    std::map<Ratio, Values> mStarted; // sounding and not altered: the macros of its start
     bool mHolding = false;
-    Macros mDefaults{};
-    double mRangeOne = 1200.0;
-    double mRangeTwo = 100.0;
+    const Values mDefaults;
+    Values mSliders{0, 0, 0, 0, 0, 0, 0, 0, 0.5, 0.5};
+    std::array<double, 2> mRanges{1200.0, 100.0};
 };

@@ -19,6 +19,9 @@ namespace {
 const QByteArray SILENT_PATCH = "#N canvas 0 0 200 200 12;\n";
 const OrloRatio A(1, 1);
 const OrloRatio B(3, 2);
+const OrloRatio C(5, 4);
+const OrloRatio D(7, 4);
+const float SEMITONE = std::exp2(1.0F / 12.0F); // the range of the fine glissando
 
 } // namespace
 
@@ -29,9 +32,15 @@ protected:
     void send(OrloEvent::Type type, float value = 1.0F) { rig.send(OrloEvent(type, value)); }
     void toggle(const OrloRatio& ratio) { rig.send(OrloNoteEvent(ratio)); }
     void select(const OrloRatio& ratio) { rig.send(OrloNodeSelectToggleEvent(ratio)); }
+    /// Closes it, and what is to follow is not there.
+    void losePatch()
+    {
+        rig.underClock([this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("no.pd")))); });
+        ASSERT_FALSE(rig.player.isPatchOpen());
+    }
     const PatchEar::Voice& voiceOf(const OrloRatio& ratio) const
     {
-        return ear.voice(ear.voiceOf({ratio.numerator(), ratio.denominator()}));
+        return ear.voiceOf({ratio.numerator(), ratio.denominator()});
     }
     float frequencyOf(const OrloRatio& ratio) const { return voiceOf(ratio).frequency; }
 
@@ -48,7 +57,7 @@ TEST_F(Nodes, OneBendTellsOfAllSelectedVoices)
     toggle(B);
     select(B);
     select(A);
-    select(OrloRatio(5, 4)); // silent
+    select(C); // silent
     QSignalSpy spy(&rig.player, &PdPlayer::instructionsToInterface);
     send(OrloEvent::GlissOneSet, 1.0F);
     ASSERT_EQ(spy.size(), 1);
@@ -68,53 +77,26 @@ TEST_F(Nodes, OneBendTellsOfAllSelectedVoices)
 
 TEST_F(Nodes, TogglingAllSelectedWaitsForTheNextBlockAndLosesNone)
 {
-    // More than a ring of commands holds.
-    constexpr int many = 120;
+    constexpr int many = 120; // with the rest more than a ring of commands holds
+    const OrloEvent toggleAll(OrloEvent::NodesToggleAllSelected, 1.0F);
+    const OrloEvent other(OrloEvent::VoiceVolumeSet, 1.0F);
+    const auto renderFullRing = [&] {
+        for (int i = 0; i < 250; ++i)
+            rig.queue(other);
+        rig.render();
+        return rig.player.getAllSoundingRatios().size();
+    };
     for (int i = 1; i <= many; ++i)
         select(OrloRatio(static_cast<unsigned>(i), 64));
-    rig.queue(OrloEvent(OrloEvent::NodesToggleAllSelected, 1.0F));
-    for (int i = 0; i < 250; ++i)
-        rig.queue(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
-    rig.render();
-    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
-    for (int i = 0; i < 250; ++i)
-        rig.queue(OrloEvent(OrloEvent::VoiceVolumeSet, 1.0F));
-    rig.render();
-    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), many);
-    send(OrloEvent::NodesToggleAllSelected);
-    rig.render();
-    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
-
     // From the device too, whose commands run first in a block.
-    const OrloEvent event(OrloEvent::NodesToggleAllSelected, 1.0F);
-    rig.player.queueEventSerial(&event);
-    rig.render();
-    EXPECT_TRUE(rig.player.getAllSoundingRatios().isEmpty());
-    rig.render();
-    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), many);
+    for (const bool fromDevice : {false, true}) {
+        fromDevice ? rig.player.queueEventSerial(&toggleAll) : rig.player.queueEventGui(&toggleAll);
+        EXPECT_EQ(renderFullRing(), 0);
+        EXPECT_EQ(renderFullRing(), many);
+        rig.send(toggleAll);
+        EXPECT_EQ(renderFullRing(), 0);
+    }
     EXPECT_EQ(quiet.count(QtWarningMsg, QStringLiteral("Command buffer full")), 0);
-}
-
-TEST_F(Nodes, ResettingAllWithControlsKeepsTheSelection)
-{
-    ASSERT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n#X obj 20 20 r query-macros;\n"
-                                 "#X msg 20 50 list info A(0.25):B;\n#X obj 20 80 s output-voice-info;\n"
-                                 "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n"));
-    toggle(A);
-    select(A);
-    select(B);
-    send(OrloEvent::Macro1Set, 0.75F);
-    send(OrloEvent::Macro2Set, 0.625F);
-    send(OrloEvent::GlissTwoSet, 0.0F);
-    QSignalSpy sliders(&rig.player, &PdPlayer::resetGlissSliders);
-    send(OrloEvent::NodesResetAllAndControls);
-    EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{A, B}));
-    EXPECT_EQ(voiceOf(A).macros[0], 0.25F);
-    EXPECT_EQ(voiceOf(A).macros[1], 0.625F); // its patch gives no default: it stays
-    send(OrloEvent::GlissTwoReset);
-    ASSERT_EQ(sliders.size(), 2);
-    EXPECT_EQ(sliders[0][0].value<short>(), 0);
-    EXPECT_EQ(sliders[1][0].value<short>(), 2);
 }
 
 TEST_F(Nodes, WhatIsDoneWithoutAPatchHoldsInTheNext)
@@ -122,57 +104,67 @@ TEST_F(Nodes, WhatIsDoneWithoutAPatchHoldsInTheNext)
     rig.settings.maintainMacroParameters = true;
     send(OrloEvent::Macro1Set, 0.5F);
     toggle(A);
+    toggle(C);
     select(A);
-    rig.underClock([this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
-    ASSERT_FALSE(rig.player.isPatchOpen());
-    toggle(B);
+    losePatch();
+    for (const OrloRatio& ratio : {B, C, D, D}) // C sounded before, D is let go again
+        toggle(ratio);
     select(B);
     send(OrloEvent::GlissOneSet, 1.0F);
+    send(OrloEvent::GlissTwoSet, 1.0F);
 
     QSignalSpy sliders(&rig.player, &PdPlayer::setMacroSliders);
+    QSignalSpy toggled(&rig.player, &PdPlayer::noteToggled);
     ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
     ASSERT_EQ(sliders.size(), 1);
     EXPECT_EQ(sliders[0][0].value<QList<float>>(), (QList<float>{0.5F, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(rig.player.getAllSoundingRatios().size(), 2);
+    EXPECT_EQ(toggled.size(), 5); // B and C end and start, A starts: each has one voice
+    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{C, A, B}));
     EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{B, A}));
     EXPECT_EQ(voiceOf(B).gate, 1.0F);
-    EXPECT_EQ(frequencyOf(B), 1320.0F);
-    // A was out of reach of the slider, so it stands where it was, now with the slider at its end.
+    EXPECT_NEAR(frequencyOf(B), 1320.0F * SEMITONE, 0.01F);
+    // A was out of reach of the sliders, so it stands where it was, now with the sliders at their ends.
     EXPECT_EQ(frequencyOf(A), 440.0F);
     send(OrloEvent::GlissOneSet, 0.5F);
+    send(OrloEvent::GlissTwoSet, 0.5F);
     EXPECT_EQ(frequencyOf(B), 660.0F);
-    EXPECT_EQ(frequencyOf(A), 220.0F);
+    EXPECT_NEAR(frequencyOf(A), 220.0F / SEMITONE, 0.01F);
 }
 
 TEST_F(Nodes, AGlissandoResetWithoutAPatchHoldsInTheNext)
 {
     toggle(B);
     select(B);
-    for (const auto reset : {OrloEvent::GlissOneReset, OrloEvent::GlissTwoReset, OrloEvent::GlissBothReset,
-                             OrloEvent::NodesResetAllAndControls}) {
+    QSignalSpy sliders(&rig.player, &PdPlayer::resetGlissSliders);
+    const std::pair<OrloEvent::Type, short> rows[] = {{OrloEvent::GlissOneReset, 1},
+                                                      {OrloEvent::GlissTwoReset, 2},
+                                                      {OrloEvent::GlissBothReset, 0},
+                                                      {OrloEvent::NodesResetAllAndControls, 0}};
+    for (const auto& [reset, which] : rows) {
         send(OrloEvent::GlissOneSet, 1.0F);
         send(OrloEvent::GlissTwoSet, 1.0F);
-        rig.underClock(
-            [this] { rig.player.loadPatch(QFileInfo(rig.home.path(QStringLiteral("absent.pd")))); });
+        losePatch();
+        sliders.clear();
         send(reset);
+        ASSERT_EQ(sliders.size(), 1);
+        EXPECT_EQ(sliders[0][0].value<short>(), which);
         ASSERT_TRUE(rig.loadMainText(SILENT_PATCH));
         // B stands where the sliders stand, reset or not, and moves with them.
         send(OrloEvent::GlissOneSet, 0.75F);
         send(OrloEvent::GlissTwoSet, 0.75F);
-        EXPECT_NEAR(static_cast<double>(frequencyOf(B)), 660.0 * std::exp2(650.0 / 1200.0), 0.01) << reset;
+        EXPECT_NEAR(frequencyOf(B), 660.0F * std::exp2(650.0F / 1200.0F), 0.01F) << reset;
         send(OrloEvent::GlissBothReset);
     }
 }
 
-TEST_F(Nodes, WhatIsNoPitchIsNotSelected)
+TEST_F(Nodes, MonophonicAgainForgetsTheVoiceFromBefore)
 {
-    select(OrloRatio());
-    rig.send(OrloEvent(OrloEvent::NodeSelectToggle, 1.0F)); // as a device's map may name it
-    rig.send(OrloEvent(OrloEvent::NodeReset, 1.0F));
-    send(OrloEvent::GlissOneSet, std::nanf(""));
-    EXPECT_TRUE(rig.player.getAllSelectedRatios().isEmpty());
+    send(OrloEvent::MonophonicSet, 1.0F);
     toggle(A);
-    select(A);
-    send(OrloEvent::GlissTwoSet, 0.5F);
-    EXPECT_EQ(frequencyOf(A), 440.0F);
+    send(OrloEvent::MonophonicSet, 0.0F);
+    send(OrloEvent::MonophonicSet, 1.0F);
+    toggle(B);
+    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{A, B}));
+    toggle(C);
+    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{A, C}));
 }

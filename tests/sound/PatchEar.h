@@ -7,7 +7,6 @@
 
 #include <array>
 #include <map>
-#include <set>
 
 /// Hears what the patch really receives on its input, and which voice each note was given.
 class PatchEar : public QObject
@@ -16,7 +15,7 @@ public:
     /// What a voice has been told last.
     struct Voice
     {
-        float gate = 0.0F;
+        float gate = -1.0F;     // not told yet
         float frequency = 0.0F; // Hz
         std::array<float, 8> macros{};
     };
@@ -25,49 +24,36 @@ public:
     explicit PatchEar(PdPlayer& player)
     {
         // A starting note is told its macros, frequency, volume and gate, and then it is signalled.
-        connect(
-            &player, &PdPlayer::noteToggled, this,
-            [this](const OrloRatio& ratio, bool on) {
-                if (!on)
-                    return;
-                mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mLastVoice;
-                ++mStarts;
-            },
-            Qt::DirectConnection);
+        const auto hearStart = [this](const OrloRatio& ratio, bool on) {
+            if (!on)
+                return;
+            mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mLastVoice;
+            ++starts;
+        };
+        connect(&player, &PdPlayer::noteToggled, this, hearStart, Qt::DirectConnection);
     }
 
-    /// Notes so far, those that started anew among them.
-    int starts() const { return mStarts; }
-    int voiceOf(Key ratio) const { return mVoiceOf.at(ratio); }
-    const Voice& voice(int number) const { return mVoices.at(static_cast<size_t>(number)); }
-    /// Voices that have been let go and not been started since; the test may report their end.
-    const std::set<int>& fading() const { return mFading; }
-    /// The test has reported this one's end.
-    void forget(int voice) { mFading.erase(voice); }
+    int numberOf(Key ratio) const { return mVoiceOf.at(ratio); }
+    const Voice& voiceOf(Key ratio) const { return voices.at(static_cast<size_t>(numberOf(ratio))); }
+
+    int starts = 0;                // of notes so far, those that started anew among them
+    std::array<Voice, 129> voices; // from 1
 
 private:
     void hear(float value, int type, int number)
     {
         mLastVoice = number;
-        Voice& voice = mVoices.at(static_cast<size_t>(number));
-        if (type == voiceGate) {
+        Voice& voice = voices.at(static_cast<size_t>(number));
+        if (type == voiceGate)
             voice.gate = value;
-            if (value == 0.0F)
-                mFading.insert(number);
-            else
-                mFading.erase(number);
-        } else if (type == voiceFrequency) {
+        else if (type == voiceFrequency)
             voice.frequency = value;
-        } else if (type >= voiceMacro1) {
+        else if (type >= voiceMacro1)
             voice.macros.at(static_cast<size_t>(type - voiceMacro1)) = value;
-        }
     }
 
-    int mStarts = 0;
     int mLastVoice = 0;
-    std::array<Voice, 129> mVoices;
     std::map<Key, int> mVoiceOf;
-    std::set<int> mFading;
     const PdReceiver mReceiver{"orlo-in", [this](const auto& list) {
                                    if (list.size() == 3)
                                        hear(list[0], static_cast<int>(list[1]), static_cast<int>(list[2]));

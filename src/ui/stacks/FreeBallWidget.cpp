@@ -7,9 +7,9 @@
 #include "sound/OrloTransposeEvent.h"
 #include "sound/PdPlayer.h"
 #include "ui/lattice/BallPress.h"
+#include "ui/lattice/PitchHeight.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/NodeStackWidget.h"
-#include "ui/lattice/PitchHeight.h"
 
 #include <QGraphicsSceneMouseEvent>
 
@@ -18,8 +18,6 @@
 namespace {
 
 constexpr BallCircles::Proportions PROPORTIONS{1.6, 1.4, 5};
-/// Tells a note of the stack from one of the lattice or of a card.
-constexpr float STACK_NOTE_VALUE = 2.0F;
 
 } // namespace
 
@@ -29,7 +27,7 @@ FreeBallWidget::FreeBallWidget(NodeStackWidget* stack, const OrloRatio* ratio, i
     , mStack(stack)
     , mRatio(*ratio)
     , mCircles(this, diameter, PROPORTIONS)
-    , mNoteEvent(mRatio, STACK_NOTE_VALUE)
+    , mNoteEvent(mRatio, OrloNoteEvent::OVERRIDES_HOLD)
     , mRemoveEvent(mRatio)
     , mSelectEvent(pitch::relativeOf(mRatio))
     , mResetEvent(pitch::relativeOf(mRatio), 0.0F)

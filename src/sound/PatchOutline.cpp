@@ -1,13 +1,11 @@
-#include "sound/PatchFile.h"
+#include "sound/PatchOutline.h"
 
 #include <QFile>
 #include <QFileInfo>
 
-namespace PatchFile {
-
 namespace {
 
-/// "inlet~" of "#X obj 20 20 inlet~ fwd"; empty for what is no object.
+/// "inlet~" of "#X obj 20 20 inlet~ fwd"; empty for a statement that makes no object.
 QByteArray objectName(const QByteArray& statement)
 {
     if (!statement.startsWith("#X obj "))
@@ -17,9 +15,9 @@ QByteArray objectName(const QByteArray& statement)
 
 } // namespace
 
-Outline outline(const QString& path)
+PatchOutline PatchOutline::read(const QString& path)
 {
-    Outline outline;
+    PatchOutline outline;
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return outline;
@@ -48,5 +46,3 @@ Outline outline(const QString& path)
     outline.endsInsideSubpatch = depth > 1; // the outermost canvas has no end of its own
     return outline;
 }
-
-} // namespace PatchFile

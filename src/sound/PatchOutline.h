@@ -2,10 +2,8 @@
 
 class QString;
 
-/// What can be said of a Pure Data file before libpd reads it. Any thread.
-namespace PatchFile {
-
-struct Outline
+/// What can be said of a Pure Data file before libpd reads it.
+struct PatchOutline
 {
     bool readable = false;
     /// The file ends inside a subpatch, as one cut short by a broken copy may. libpd must not read
@@ -14,8 +12,7 @@ struct Outline
     // Of the patch itself, for messages and for signals.
     int inlets = 0;
     int outlets = 0;
+
+    /// [any] but [audio], since it reads the file.
+    static PatchOutline read(const QString& path);
 };
-
-Outline outline(const QString& path);
-
-} // namespace PatchFile

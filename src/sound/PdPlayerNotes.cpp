@@ -1,0 +1,265 @@
+// The notes of the player: on and off, the prime gate, monophonic play, hold, and what sounds.
+
+#include "sound/PdPlayer.h"
+
+#include "app/DebugLog.h"
+#include "model/OrloPath.h"
+#include "model/PitchRange.h"
+#include "sound/AudioLog.h"
+#include "sound/OrloNoteEvent.h"
+#include "sound/ThreadCheck.h"
+#include "sound/VoiceStealing.h"
+
+#include <QThread>
+
+#include <array>
+#include <charconv>
+
+namespace {
+
+/// As OrloPath::toString, without an allocation; a path that has no step is never refused.
+std::array<char, 64> pathText(const OrloPath& path)
+{
+    std::array<char, 64> text{};
+    char* end = text.data();
+    for (const signed char* step = path.toCharArray(); *step != 0; ++step) {
+        *end++ = '/';
+        end = std::to_chars(end, text.data() + text.size() - 1, static_cast<int>(*step)).ptr;
+    }
+    return text;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- toggles
+
+void PdPlayer::toggleByPath(const OrloPath& path)
+{
+    if (!path.isValid())
+        return;
+    // Only the last step counts: a disabled prime in the middle of a path does not stop the note.
+    const int length = path.length();
+    const int prime = length == 0 ? 1 : qAbs(static_cast<int>(path.toCharArray()[length - 1]));
+    if (prime >= mPrimeEnabled.CAPACITY || !mPrimeEnabled[prime])
+        return;
+    const OrloRatio relative(OrloRatio::productOfSteps(path.toCharArray()));
+    if (!mTransposition.fitsWhenMultipliedWith(relative)) {
+        AudioLog::warning("PdPlayer: the pitch of \"%1\" does not fit and stays silent.",
+                          {pathText(path).data()});
+        return;
+    }
+    OrloRatio ratio(mTransposition);
+    ratio *= relative;
+    const Voice* voice = mVoices.find(ratio);
+    if (!voice || voice->released)
+        noteOn(ratio);
+    else
+        noteOff(ratio); // the press of a ball overrides hold
+}
+
+void PdPlayer::toggleByRatio(const OrloRatio& ratio, float value)
+{
+    // A device's map names types only, so its event has the ratio 0/1, which would take voices in silence.
+    if (ratio.numerator() == 0)
+        return;
+    const Voice* voice = mVoices.find(ratio);
+    if (!voice || voice->released)
+        noteOn(ratio);
+    else if (!mHoldActive || value == OrloNoteEvent::OVERRIDES_HOLD || !heldNodes.contains(ratio))
+        noteOff(ratio);
+}
+
+void PdPlayer::removeNode(const OrloRatio& ratio)
+{
+    if (mVoices.find(ratio))
+        noteOff(ratio);
+    emit removeNodeInStack(ratio);
+}
+
+// ---------------------------------------------------------------- on and off
+
+void PdPlayer::noteOn(const OrloRatio& ratio)
+{
+    ThreadCheck::audio();
+    ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOn: Thread, ID, priority " << QThread::currentThread()
+                     << QThread::currentThreadId() << QThread::currentThread()->priority();
+    ++mSequence;
+    float frequency = ratioToFrequency(ratio);
+    bool stolen = false;
+    // Chosen before the previous mono voice stops, so that a new voice starts beside its release.
+    const int slot = findSlot(stolen);
+    if (slot < 0)
+        return;
+    if (mMonophonic)
+        stopPreviousMonoVoice(slot);
+
+    mVoices.take(*mVoices.slot(slot), ratio, mSequence);
+    mVoicesChanged = true;
+    ORLO_AUDIO_DEBUG << "noteOn for ratio" << ratio.toString() << "freq" << frequency << "voice" << slot
+                     << "seqId" << mSequence << "stolen" << (stolen ? "true" : "false");
+
+    const float velocity = sendNodeParameters(ratio, slot, frequency);
+    // Exclusive here; for 1/1 itself the bounds are allowed.
+    if (frequency > pitchrange::LOWEST && frequency < pitchrange::HIGHEST) {
+        const auto voice = static_cast<float>(slot);
+        sendPdVoiceMessage(voiceFrequency, frequency, voice);
+        sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);
+        sendPdVoiceMessage(voiceGate, 1.0F, voice);
+        if (portOpen())
+            sendInstruction(instructionNoteOn, slot, frequency, velocity);
+    }
+    emit noteToggled(ratio, true);
+
+    if (!mNodes.altered().contains(ratio))
+        mNodes.setSounding(ratio);
+}
+
+int PdPlayer::findSlot(bool& stolen)
+{
+    if (const Voice* free = mVoices.freeSlot(mMaxVoices))
+        return free->voice;
+    const Voice* oldest = VoiceStealing::oldest(mVoices, mMaxVoices);
+    if (!oldest)
+        return -1;
+    stolen = true;
+    if (!oldest->released)
+        noteOff(OrloRatio(oldest->ratio));
+    onVoiceStopped(oldest->voice);
+    return oldest->voice;
+}
+
+void PdPlayer::stopPreviousMonoVoice(int slot)
+{
+    if (const Voice* previous = mVoices.slot(mMonoVoice);
+        previous && previous->seqId != 0 && !previous->released) {
+        ORLO_AUDIO_DEBUG << "turning off previous mono voice" << mMonoVoice << "ratio"
+                         << previous->ratio.toString();
+        noteOff(OrloRatio(previous->ratio));
+    }
+    mMonoVoice = slot;
+}
+
+/// Sends the eight macros of a starting note and bends its frequency as its node asks. Returns the
+/// value that goes out as velocity.
+float PdPlayer::sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency)
+{
+    const NodeParameters heard = mNodes.heard(ratio);
+    if (mNodes.altered().contains(ratio)) {
+        frequency *= glissandoOneMapping(heard.glissOne);
+        frequency *= glissandoTwoMapping(heard.glissTwo);
+    }
+    applyMacros(heard, static_cast<float>(voice));
+    // A selected node goes by the slider, even if its own first macro is another.
+    return mNodes.selected().contains(ratio) ? mNodes.current().macros[0] : heard.macros[0];
+}
+
+void PdPlayer::noteOff(const OrloRatio& ratio)
+{
+    ThreadCheck::audio();
+    ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOff: Thread, ID " << QThread::currentThread()
+                     << QThread::currentThreadId();
+    Voice* voice = mVoices.find(ratio);
+    if (!voice)
+        return;
+    ORLO_AUDIO_DEBUG << "noteOff for ratio" << ratio.toString() << "voice" << voice->voice;
+    voice->released = true;
+    mVoicesChanged = true;
+    sendPdVoiceMessage(voiceGate, 0.0F, static_cast<float>(voice->voice));
+    if (portOpen())
+        sendInstruction(instructionNoteOff, voice->voice, -1.0F, -1.0F);
+    emit noteToggled(ratio, false);
+    mNodes.endSounding(ratio);
+}
+
+void PdPlayer::clearInstruction()
+{
+    mInstructionVoices.clear(); // keeps its room
+    mInstructionValues1.clear();
+    mInstructionValues2.clear();
+}
+
+void PdPlayer::addToInstruction(int voice, float value1, float value2)
+{
+    mInstructionVoices.append(voice);
+    mInstructionValues1.append(value1);
+    mInstructionValues2.append(value2);
+}
+
+void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1, float value2)
+{
+    clearInstruction();
+    addToInstruction(voice, value1, value2);
+    emit instructionsToInterface(instruction, mInstructionVoices, mInstructionValues1, mInstructionValues2);
+}
+
+void PdPlayer::onVoiceStopped(int index)
+{
+    ThreadCheck::audio();
+    Voice* voice = mVoices.slot(index);
+    if (!voice || !voice->released)
+        return;
+    ORLO_AUDIO_DEBUG << "voice stopped for" << voice->ratio.toString() << "voice" << index;
+    mVoicesChanged = true;
+    if (mVoices.release(*voice))
+        ORLO_AUDIO_DEBUG << "removing voice" << index << "from note map";
+}
+
+void PdPlayer::allNotesOff(bool force)
+{
+    ThreadCheck::audio();
+    // A copy: a patch without a release reports its voices' end at once, and that takes entries
+    // out of the map.
+    SoundingRatios ratios;
+    for (const Voice* voice : mVoices.noteMap) // released ones too
+        ratios.push_back(voice->ratio);
+    for (const OrloRatio& ratio : ratios) {
+        if (force || !heldNodes.contains(ratio))
+            noteOff(ratio);
+    }
+}
+
+void PdPlayer::nodesHoldActive(bool active)
+{
+    ThreadCheck::audio();
+    for (const OrloRatio& ratio : heldNodes)
+        emit nodeHold(ratio, false);
+    heldNodes.clear();
+    if (active) {
+        for (const OrloRatio& ratio : soundingNow()) {
+            heldNodes.append(ratio);
+            emit nodeHold(ratio, true);
+        }
+    }
+    mHoldActive = active;
+}
+
+// ---------------------------------------------------------------- what sounds
+
+QList<OrloRatio> PdPlayer::getAllSoundingRatios() const
+{
+    QList<OrloRatio> sounding;
+    for (const VoiceSnapshot::Entry& entry : mSnapshot.read()) {
+        ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios: ratio, voice, seqId, inRelease "
+                         << entry.ratio.toString() << entry.voice << entry.seqId << entry.released;
+        if (!entry.released)
+            sounding.append(entry.ratio);
+    }
+    ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios, number of which are " << sounding.size();
+    return sounding;
+}
+
+PdPlayer::SoundingRatios PdPlayer::soundingNow() const
+{
+    SoundingRatios sounding;
+    for (const Voice* voice : mVoices.noteMap) {
+        if (!voice->released)
+            sounding.push_back(voice->ratio);
+    }
+    return sounding;
+}
+
+float PdPlayer::ratioToFrequency(const OrloRatio& ratio) const
+{
+    ThreadCheck::audio();
+    return static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()) * mBaseFrequency;
+}
