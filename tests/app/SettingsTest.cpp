@@ -76,9 +76,8 @@ protected:
     const TestHome home;
     Settings settings;
 };
-IN_ALL_LOCALES(SettingsTest);
 
-TEST_P(SettingsTest, EveryKeyIsReadAndWrittenBack)
+TEST_F(SettingsTest, EveryKeyIsReadAndWrittenBack)
 {
     EXPECT_TRUE(settings.init()); // a first start writes all defaults
     EXPECT_EQ(home.read(FILE_NAME), QJsonDocument(defaults()).toJson(QJsonDocument::Indented));
@@ -109,7 +108,7 @@ TEST_P(SettingsTest, EveryKeyIsReadAndWrittenBack)
     }
 }
 
-TEST_P(SettingsTest, NumbersAreCutAndPairsAreSplit)
+TEST_F(SettingsTest, NumbersAreCutAndPairsAreSplit)
 {
     const std::pair<double, int> numbers[] = {
         {3.9, 3}, {-3.9, -3}, {0.999, 0}, {1e300, 2147483647}, {-1e300, -2147483647 - 1}};
@@ -131,7 +130,7 @@ TEST_P(SettingsTest, NumbersAreCutAndPairsAreSplit)
     }
 }
 
-TEST_P(SettingsTest, ASyntaxErrorKeepsTheDefaultsAndTheFile)
+TEST_F(SettingsTest, ASyntaxErrorKeepsTheDefaultsAndTheFile)
 {
     for (const char* json : {"", "{\"masterVolume\": 0.5", "{\"masterVolume\": 0,5}", "\xff\xfe"}) {
         home.write(FILE_NAME, json);
@@ -145,7 +144,7 @@ TEST_P(SettingsTest, ASyntaxErrorKeepsTheDefaultsAndTheFile)
     }
 }
 
-TEST_P(SettingsTest, AFolderOrFileWithoutPermission)
+TEST_F(SettingsTest, AFolderOrFileWithoutPermission)
 {
     EXPECT_TRUE(settings.init());
     const QByteArray file = home.path(FILE_NAME).toLocal8Bit();

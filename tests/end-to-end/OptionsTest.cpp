@@ -1,6 +1,6 @@
 #include "end-to-end/PlayingFixture.h"
-#include "end-to-end/Waiting.h"
 #include "support/ClickLevel.h"
+#include "support/Waiting.h"
 
 #include <QElapsedTimer>
 
@@ -14,13 +14,6 @@ class RunningOptions : public PlayingFixture
 protected:
     static constexpr double MOST_CLICK = -80.0; // dB of full scale
 
-    void openAtTheSoundDevice()
-    {
-        ASSERT_TRUE(program->type(u"ctrl+comma"_s));
-        ASSERT_TRUE(waitUntil([this] { return desk.window(u"Options"_s).has_value(); }));
-        const QString dialog = QString::number(desk.window(u"Options"_s)->id);
-        ASSERT_TRUE(desk.act(u"windowfocus %1 key Tab Tab"_s.arg(dialog)));
-    }
     /// How loud the former device's sound breaks off.
     double clickOfChange(const QString& key)
     {
@@ -30,40 +23,37 @@ protected:
         EXPECT_TRUE(program->type(key) && waitUntil([&] { return starts() > before; }));
         return clickLevel(recorder->since(from));
     }
-    void TearDown() override { desk.thawSound(); }
 };
 
 TEST_F(RunningOptions, ANoteOutlivesEveryChangeOfTheSoundDevice)
 {
     start();
     ASSERT_TRUE(press("/3"));
-    const double note = ROOT * 1.5;
-    ASSERT_TRUE(soundsAt(note));
-    ASSERT_NO_FATAL_FAILURE(openAtTheSoundDevice());
+    ASSERT_TRUE(soundsAt(FIFTH) && openOptions());
 
     const double first = clickOfChange(u"Down"_s);
     // PortAudio numbers the ports of each stream anew.
     ASSERT_TRUE(recorder->connectTo({"Brevick Tuning Orlo:out_2", "Brevick Tuning Orlo:out_3"}));
-    EXPECT_TRUE(soundsAt(note));
+    EXPECT_TRUE(soundsAt(FIFTH));
     const double second = clickOfChange(u"Up"_s);
     // A busy machine loses a block now and then, which is a click too.
     EXPECT_LT(std::min(first, second), MOST_CLICK) << first << " and " << second;
     ASSERT_TRUE(recorder->connectTo({"Brevick Tuning Orlo:out_4", "Brevick Tuning Orlo:out_5"}));
-    EXPECT_TRUE(soundsAt(note));
+    EXPECT_TRUE(soundsAt(FIFTH));
 
     // A server that stands still is not called before it is back. Then the former device is opened by
     // itself.
-    desk.freezeSound();
+    desk.jack().freeze();
     QElapsedTimer timer;
     timer.start();
     ASSERT_TRUE(program->type(u"Down"_s));
     ASSERT_TRUE(program->waitForBox());
     EXPECT_LT(timer.elapsed(), 5000);
     EXPECT_TRUE(log().contains(u"still does not answer, so Pa_OpenStream was not called"_s));
-    desk.thawSound();
+    desk.jack().thaw();
     ASSERT_TRUE(program->confirmBox());
     ASSERT_TRUE(recorder->connectTo({"Brevick Tuning Orlo:out_6", "Brevick Tuning Orlo:out_7"}));
-    EXPECT_TRUE(soundsAt(note));
+    EXPECT_TRUE(soundsAt(FIFTH));
 
     EXPECT_EQ(program->quit(), 0);
     EXPECT_EQ(options()[u"audioDevice"_s].toInt(), 0);

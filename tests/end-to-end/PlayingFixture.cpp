@@ -1,24 +1,43 @@
 #include "end-to-end/PlayingFixture.h"
 
-#include "end-to-end/Waiting.h"
 #include "support/Tone.h"
+#include "support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 
 #include <cmath>
-#include <csignal>
 
 using namespace Qt::StringLiterals;
 
 void PlayingFixture::SetUp()
 {
     ASSERT_TRUE(desk.isReady()) << "Xvfb or jackd does not start.";
-    screen = std::make_unique<ScreenMap>(desk);
-    ASSERT_TRUE(screen->isValid()) << "print_screen_map gave no map.";
+    const QTemporaryDir elsewhere; // it must not leave files in the test's home
+    QProcessEnvironment environment = desk.environment();
+    environment.insert(u"XDG_DATA_HOME"_s, elsewhere.path());
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(QCoreApplication::applicationDirPath() + u"/print_screen_map"_s, QStringList());
+    ASSERT_TRUE(process.waitForFinished(60000));
+    // The line may stand behind others: the sound libraries print too.
+    const QByteArray printed = process.readAllStandardOutput();
+    screen = QJsonDocument::fromJson(printed.mid(printed.indexOf("\n{") + 1).split('\n').first()).object();
+    ASSERT_FALSE(screen.isEmpty()) << "print_screen_map gave no map.";
     recorder = std::make_unique<Recorder>(desk.soundServer());
+}
+
+QPoint PlayingFixture::place(const char* group, const char* name) const
+{
+    const QJsonArray point = screen[QLatin1StringView(group)][QLatin1StringView(name)].toArray();
+    if (point.size() != 2)
+        qFatal("The window has no %s among its %s.", name, group);
+    return {point[0].toInt(), point[1].toInt()};
 }
 
 void PlayingFixture::start()
@@ -41,9 +60,9 @@ double PlayingFixture::amplitudeNow(double frequency)
     std::optional<double> found;
     // The stroke's first moment is no steady sine, nor is a stretch with missing blocks.
     for (int attempt = 0; attempt < 10 && !found; ++attempt)
-        found = tone::pitch(ear().record(LISTENING), VirtualDesk::SAMPLE_RATE);
+        found = tone::pitchOfSine(ear().record(LISTENING), frequency, VirtualDesk::SAMPLE_RATE);
     if (!found)
-        return ::testing::AssertionFailure() << "what sounds is no sine";
+        return ::testing::AssertionFailure() << "what sounds is no sine near " << frequency;
     const double off = tone::centsBetween(*found, frequency);
     if (std::abs(off) > MOST_CENTS_OFF)
         return ::testing::AssertionFailure()
@@ -61,13 +80,20 @@ bool PlayingFixture::hearsNoMore(double frequency)
     return waitUntil([&] { return amplitudeNow(frequency) < 0.0001; });
 }
 
-void PlayingFixture::expectOrderlyEnd()
+bool PlayingFixture::openOptions()
 {
-    ASSERT_TRUE(program->type(u"f"_s));
+    return program->type(u"ctrl+comma"_s)
+           && waitUntil([this] { return desk.window(u"Options"_s).has_value(); })
+           && desk.act(u"windowfocus %1 key Tab Tab"_s.arg(desk.window(u"Options"_s)->id));
+}
+
+void PlayingFixture::expectOrderlyEnd(RunningProgram& ending, int signal)
+{
+    ASSERT_TRUE(ending.type(u"f"_s));
     QElapsedTimer timer;
     timer.start();
-    ::kill(static_cast<pid_t>(program->processId()), SIGTERM);
-    EXPECT_EQ(program->waitForExit(), 0);
+    ending.send(signal);
+    EXPECT_EQ(ending.waitForExit(), 0);
     EXPECT_LT(timer.elapsed(), 5000);
     EXPECT_TRUE(options()[u"circlesView"_s].toBool());
 }
@@ -87,16 +113,9 @@ QString PlayingFixture::log() const
     return QString::fromUtf8(home.read(u"log.txt"_s));
 }
 
-QStringList PlayingFixture::voicePatches()
-{
-    const QDir folder(QCoreApplication::applicationDirPath() + u"/patches"_s);
-    return folder.entryList({u"*.pd"_s}, QDir::Files, QDir::Name).replaceInStrings(u".pd"_s, QString());
-}
-
 QString PlayingFixture::patchKey(const QString& patch)
 {
-    const qsizetype index = voicePatches().indexOf(patch);
-    if (index < 0 || index > 9)
-        qFatal("No key chooses the patch %s.", qPrintable(patch));
+    const QDir folder(QCoreApplication::applicationDirPath() + u"/patches"_s);
+    const qsizetype index = folder.entryList({u"*.pd"_s}, QDir::Files, QDir::Name).indexOf(patch + u".pd"_s);
     return u"ctrl+%1"_s.arg((index + 1) % 10);
 }

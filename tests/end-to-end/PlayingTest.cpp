@@ -1,77 +1,50 @@
 #include "end-to-end/PlayingFixture.h"
-#include "end-to-end/Waiting.h"
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-struct Pressed
-{
-    const char* path;
-    // Each step of 2 is an octave; a step of another prime is that prime over the largest power of 2
-    // below it, a step down its reciprocal.
-    double ratio;
-    const char* view = "grapes";
-};
-
-} // namespace
-
 using Playing = PlayingFixture;
+// A path and its ratio. Each step of 2 is an octave; a step of another prime is that prime over the
+// largest power of 2 below it, a step down its reciprocal.
+using Presses = std::vector<std::pair<const char*, double>>;
 
 TEST_F(Playing, EachPressedBallSoundsAtItsRatioUntilPressedAgain)
 {
     start();
-    const Pressed balls[] = {
-        {"/", 1.0},
-        {"/3", 3.0 / 2},
-        {"/2", 2.0},
-        {"/-2/-2/3/3", 9.0 / 16},
-        {"/-3/-3/-3", 8.0 / 27},
-        {"/5", 5.0 / 4},
-        {"/2/3/-7", 2.0 * 3 / 2 * 4 / 7},
-        {"/2/-3/31", 2.0 * 2 / 3 * 31 / 16}, // leaves
-        // The other view has its leaves elsewhere.
-        {"/-3/11", 2.0 / 3 * 11 / 8, "circles"},
-        {"/-2/-13", 1.0 / 2 * 8 / 13, "circles"},
-    };
-    const char* view = "grapes";
-    for (const Pressed& ball : balls) {
-        SCOPED_TRACE(ball.path);
-        if (view != std::string(ball.view)) {
-            // A note goes on through the change.
-            ASSERT_TRUE(press("/3") && soundsAt(ROOT * 3.0 / 2.0));
-            ASSERT_TRUE(program->click(screen->widget("circlesViewButton")));
-            EXPECT_TRUE(soundsAt(ROOT * 3.0 / 2.0));
-            view = ball.view;
-            ASSERT_TRUE(press("/3", view) && recorder->waitForSilence());
+    const auto play = [this](const char* view, const Presses& presses) {
+        for (const auto& [path, ratio] : presses) {
+            SCOPED_TRACE(path);
+            ASSERT_TRUE(press(path, view));
+            EXPECT_TRUE(soundsAt(ROOT * ratio));
+            EXPECT_GT(recorder->level(1), 0.001) << "The right side is silent.";
+            ASSERT_TRUE(press(path, view) && recorder->waitForSilence());
         }
-        ASSERT_TRUE(press(ball.path, view));
-        EXPECT_TRUE(soundsAt(ROOT * ball.ratio));
-        EXPECT_GT(recorder->level(1), 0.001) << "The right side is silent.";
-        ASSERT_TRUE(press(ball.path, view) && recorder->waitForSilence());
-    }
+    };
+    play("grapes", {{"/", 1.0},
+                    {"/-2/-2/3/3", 9.0 / 16},
+                    {"/-3/-3/-3", 8.0 / 27},
+                    {"/2/3/-7", 2.0 * 3 / 2 * 4 / 7},
+                    {"/2/-3/31", 2.0 * 2 / 3 * 31 / 16}});
+    // A note goes on through the change of the view.
+    ASSERT_TRUE(press("/3") && soundsAt(FIFTH) && clickOn("circlesViewButton"));
+    EXPECT_TRUE(soundsAt(FIFTH));
+    ASSERT_TRUE(press("/3", "circles") && recorder->waitForSilence());
+    play("circles", {{"/-3/11", 2.0 / 3 * 11 / 8}, {"/-2/-13", 1.0 / 2 * 8 / 13}});
     EXPECT_EQ(program->quit(), 0);
 }
 
-TEST_F(Playing, AFadedNoteFreesItsVoice)
+TEST_F(Playing, AStoredChordComesBackAfterARestart)
 {
-    // Of four voices three are held. A voice that was not freed would make a later note steal the
-    // oldest, which is a held one.
-    writeOptions({{u"mainPatchNumberOfVoices"_s, 4}});
     start();
-    const Pressed held[] = {{"/", 1.0}, {"/3", 3.0 / 2}, {"/2", 2.0}};
-    const Pressed passing[] = {{"/-2", 1.0 / 2}, {"/2/3", 3.0}, {"/3/3", 9.0 / 4}, {"/-2/3", 3.0 / 4}};
-    for (const Pressed& note : held)
-        ASSERT_TRUE(press(note.path) && hears(ROOT * note.ratio)) << note.path;
-    for (const Pressed& note : passing) {
-        ASSERT_TRUE(press(note.path) && hears(ROOT * note.ratio)) << note.path;
-        ASSERT_TRUE(press(note.path) && hearsNoMore(ROOT * note.ratio)) << note.path;
-    }
-    for (const Pressed& note : held)
-        EXPECT_GT(amplitudeNow(ROOT * note.ratio), 0.01) << note.path;
-    // There really are four only: the fifth takes the oldest one's place.
-    ASSERT_TRUE(press(passing[0].path) && press(passing[1].path));
-    EXPECT_TRUE(hearsNoMore(ROOT));
-    for (const Pressed& note : {passing[0], passing[1], held[1]})
-        EXPECT_GT(amplitudeNow(ROOT * note.ratio), 0.01) << note.path;
+    ASSERT_TRUE(press("/") && press("/3") && hears(ROOT) && hears(FIFTH));
+    for (const char* button : {"chordStoreToButton", "chordButton_01", "chordStoreToButton"})
+        ASSERT_TRUE(clickOn(button));
+    ASSERT_EQ(program->quit(), 0);
+
+    start();
+    ASSERT_TRUE(press("/2") && hears(ROOT * 2.0));
+    ASSERT_TRUE(program->type(u"1"_s));
+    EXPECT_TRUE(hears(ROOT) && hears(FIFTH) && hearsNoMore(ROOT * 2.0)) << "the chord and nothing else";
+    ASSERT_TRUE(clickOn("chordAdditiveRecallButton") && program->type(u"1"_s));
+    EXPECT_TRUE(hearsNoMore(ROOT) && hearsNoMore(FIFTH)) << "what sounds of it ends";
+    EXPECT_EQ(program->quit(), 0);
 }

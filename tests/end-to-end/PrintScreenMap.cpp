@@ -5,10 +5,10 @@
 
 #include "app/TuningOrloApplication.h"
 #include "model/OrloBall.h"
-#include "ui/window/MainWindow.h"
 #include "ui/lattice/OrloBallWidget.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/lattice/OrloWidget.h"
+#include "ui/window/MainWindow.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -19,15 +19,6 @@
 #include <cstdio>
 
 namespace {
-
-MainWindow* mainWindow()
-{
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (auto* window = qobject_cast<MainWindow*>(widget))
-            return window;
-    }
-    return nullptr;
-}
 
 QJsonArray toJson(QPoint point)
 {
@@ -62,7 +53,7 @@ int main(int argc, char** argv)
     TuningOrloApplication application(argc, argv);
     if (!application.init())
         return 1;
-    MainWindow* window = mainWindow();
+    MainWindow* window = application.mainWindow();
     if (!window || !QTest::qWaitForWindowExposed(window, 20000))
         return 2;
     QCoreApplication::processEvents();
@@ -75,6 +66,6 @@ int main(int argc, char** argv)
         map.insert(QLatin1StringView(name), balls(window));
     }
     application.term();
-    std::puts(QJsonDocument(map).toJson(QJsonDocument::Compact).constData());
+    std::printf("\n%s\n", QJsonDocument(map).toJson(QJsonDocument::Compact).constData());
     return 0;
 }

@@ -1,11 +1,9 @@
 #include "end-to-end/PulseServer.h"
 
 #include "end-to-end/VirtualDesk.h"
-#include "end-to-end/Waiting.h"
+#include "support/Waiting.h"
 
 #include <QFile>
-
-#include <csignal>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -19,7 +17,7 @@ namespace {
 constexpr const char* SOCKET = "pulse-socket";
 constexpr const char* PIPE = "pulse-pipe";
 
-void write(const QString& path, const char* text)
+void writeFile(const QString& path, const char* text)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0)
@@ -32,9 +30,9 @@ PulseServer::PulseServer(const QDir& folder)
     : mFolder(folder)
 {
     // PortAudio wants a hardware device beside the plugin's.
-    write(mFolder.filePath(u"pulse-alsa.conf"_s),
-          "pcm.pulse { type pulse }\nctl.pulse { type pulse }\npcm.none { type hw card 99 }\n");
-    write(mFolder.filePath(u"pulse-client.conf"_s), "autospawn = no\n");
+    writeFile(mFolder.filePath(u"pulse-alsa.conf"_s),
+              "pcm.pulse { type pulse }\nctl.pulse { type pulse }\npcm.none { type hw card 99 }\n");
+    writeFile(mFolder.filePath(u"pulse-client.conf"_s), "autospawn = no\n");
     const QByteArray pipe = QFile::encodeName(mFolder.filePath(QLatin1StringView(PIPE)));
     ::mkfifo(pipe.constData(), 0600);
     mPipe = ::open(pipe.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
@@ -45,7 +43,7 @@ PulseServer::~PulseServer()
 {
     mEnds = true;
     mListener.join();
-    kill();
+    killNow();
     ::close(mPipe);
 }
 
@@ -59,7 +57,7 @@ void PulseServer::addTo(QProcessEnvironment& environment) const
     environment.insert(u"PULSE_SERVER"_s, u"unix:"_s + mFolder.filePath(QLatin1StringView(SOCKET)));
 }
 
-bool PulseServer::start()
+bool PulseServer::startServer()
 {
     const QString socket = mFolder.filePath(QLatin1StringView(SOCKET));
     QFile::remove(socket);
@@ -68,37 +66,17 @@ bool PulseServer::start()
     environment.remove(u"PULSE_SERVER"_s);
     environment.insert(u"HOME"_s, mFolder.path());
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"disabled:"_s);
-    mServer.setProcessEnvironment(environment);
-    endWithTest(mServer);
-    mServer.setStandardOutputFile(QProcess::nullDevice());
-    mServer.setStandardErrorFile(QProcess::nullDevice());
+    setProcessEnvironment(environment);
     // By the system's clock the sink takes its blocks evenly, as a sound card does.
-    mServer.start(
-        u"pulseaudio"_s,
-        {u"-n"_s, u"--daemonize=no"_s, u"--system=no"_s, u"--use-pid-file=no"_s, u"--exit-idle-time=-1"_s,
-         u"--disable-shm=yes"_s, u"--realtime=no"_s, u"--high-priority=no"_s, u"-L"_s,
-         u"module-pipe-sink file=%1 rate=%2 format=float32le use_system_clock_for_timing=yes"_s
-             .arg(mFolder.filePath(QLatin1StringView(PIPE)))
-             .arg(VirtualDesk::SAMPLE_RATE),
-         u"-L"_s,
-         u"module-native-protocol-unix socket=%1 auth-anonymous=1 auth-cookie-enabled=0"_s.arg(socket)});
-    return mServer.waitForStarted() && waitUntil([&] { return QFile::exists(socket); });
-}
-
-void PulseServer::kill()
-{
-    mServer.kill();
-    mServer.waitForFinished(5000);
-}
-
-void PulseServer::freeze()
-{
-    ::kill(static_cast<pid_t>(mServer.processId()), SIGSTOP);
-}
-
-void PulseServer::thaw()
-{
-    ::kill(static_cast<pid_t>(mServer.processId()), SIGCONT);
+    start(u"pulseaudio"_s,
+          {u"-n"_s, u"--daemonize=no"_s, u"--system=no"_s, u"--use-pid-file=no"_s, u"--exit-idle-time=-1"_s,
+           u"--disable-shm=yes"_s, u"--realtime=no"_s, u"--high-priority=no"_s, u"-L"_s,
+           u"module-pipe-sink file=%1 rate=%2 format=float32le use_system_clock_for_timing=yes"_s
+               .arg(mFolder.filePath(QLatin1StringView(PIPE)))
+               .arg(VirtualDesk::SAMPLE_RATE),
+           u"-L"_s,
+           u"module-native-protocol-unix socket=%1 auth-anonymous=1 auth-cookie-enabled=0"_s.arg(socket)});
+    return waitForStarted() && waitUntil([&] { return QFile::exists(socket); });
 }
 
 /// The listener's thread. The server writes whole frames.

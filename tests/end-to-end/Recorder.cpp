@@ -1,6 +1,6 @@
 #include "end-to-end/Recorder.h"
 
-#include "end-to-end/Waiting.h"
+#include "support/Waiting.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "end-to-end/Recording.h"
 
 #include "end-to-end/VirtualDesk.h"
-#include "end-to-end/Waiting.h"
 #include "support/Tone.h"
+#include "support/Waiting.h"
 
 #include <algorithm>
 #include <span>

@@ -1,6 +1,6 @@
 #include "end-to-end/RunningProgram.h"
 
-#include "end-to-end/Waiting.h"
+#include "support/Waiting.h"
 
 #include <QCoreApplication>
 
@@ -21,20 +21,9 @@ QString RunningProgram::executable()
 RunningProgram::RunningProgram(VirtualDesk& desk, const QString& executable)
     : mDesk(desk)
 {
-    mProcess.setProcessEnvironment(desk.environment());
-    mProcess.setStandardOutputFile(QProcess::nullDevice());
-    mProcess.setStandardErrorFile(QProcess::nullDevice());
-    endWithTest(mProcess);
-    mProcess.start(executable, QStringList());
-    mProcess.waitForStarted();
-}
-
-RunningProgram::~RunningProgram()
-{
-    if (!isRunning())
-        return;
-    mProcess.kill();
-    mProcess.waitForFinished(5000);
+    setProcessEnvironment(desk.environment());
+    start(executable, QStringList());
+    waitForStarted();
 }
 
 bool RunningProgram::waitForWindow()
@@ -99,10 +88,9 @@ bool RunningProgram::confirmBox()
 
 std::optional<int> RunningProgram::waitForExit(int longestMs)
 {
-    if (!waitUntil([this] { return !isRunning(); }, longestMs)
-        || mProcess.exitStatus() != QProcess::NormalExit)
+    if (!waitUntil([this] { return !isRunning(); }, longestMs) || exitStatus() != NormalExit)
         return std::nullopt;
-    return mProcess.exitCode();
+    return exitCode();
 }
 
 std::optional<int> RunningProgram::quit()

@@ -1,25 +1,23 @@
 #pragma once
 
+#include "end-to-end/TestProcess.h"
 #include "end-to-end/VirtualDesk.h"
 
 #include <QPoint>
-#include <QProcess>
 #include <QString>
 
 #include <optional>
 
 /// The real executable on a desk, with the test's home. Played by real pointer and key events;
 /// points are in its window. Killed when this object goes and it still runs.
-class RunningProgram
+class RunningProgram : public TestProcess
 {
 public:
     /// Beside the test's own executable.
     static QString executable();
 
     explicit RunningProgram(VirtualDesk& desk, const QString& executable = RunningProgram::executable());
-    ~RunningProgram();
-    RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
+    ~RunningProgram() override { killNow(); }
 
     /// The main window is there and has the keys. False too when the program ended before.
     bool waitForWindow();
@@ -37,14 +35,11 @@ public:
     /// Return on the box.
     bool confirmBox();
 
-    bool isRunning() const { return mProcess.state() != QProcess::NotRunning; }
     /// Empty when it does not end by itself, or ends by a signal.
     std::optional<int> waitForExit(int longestMs = 20000);
     /// By the window's close button.
     std::optional<int> quit();
-    qint64 processId() const { return mProcess.processId(); }
 
 private:
     VirtualDesk& mDesk;
-    QProcess mProcess;
 };

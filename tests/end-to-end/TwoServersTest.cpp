@@ -1,9 +1,7 @@
 #include "end-to-end/PlayingFixture.h"
-#include "end-to-end/PulseServer.h"
-#include "end-to-end/Waiting.h"
+#include "support/Waiting.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 
 using namespace Qt::StringLiterals;
 
@@ -11,8 +9,6 @@ using namespace Qt::StringLiterals;
 class TwoServers : public PlayingFixture
 {
 protected:
-    static constexpr double FIFTH = ROOT * 3.0 / 2.0;
-
     void SetUp() override
     {
         PlayingFixture::SetUp();
@@ -25,23 +21,15 @@ protected:
         ASSERT_TRUE(press("/") && soundsAt(ROOT));
         ASSERT_TRUE(hearsNotes(1));
     }
-    void TearDown() override
-    {
-        desk.thawSound();
-        mListener.kill();
-        mListener.waitForFinished(5000);
-    }
     Recording& ear() override { return onJack ? static_cast<Recording&>(*recorder) : desk.pulse(); }
 
     /// Under the same name each time.
     void startMidiListener()
     {
-        mListener.kill();
-        mListener.waitForFinished(5000);
+        mListener.killNow();
         mHeard.clear();
-        endWithTest(mListener);
         mListener.setProcessEnvironment(desk.environment());
-        mListener.setProcessChannelMode(QProcess::MergedChannels);
+        mListener.setStandardOutputFile(QString());
         mListener.start(u"jack_midi_dump"_s, QStringList());
         ASSERT_TRUE(mListener.waitForStarted());
     }
@@ -58,7 +46,7 @@ protected:
     bool pressManyTimes(const char* ball, int times)
     {
         const QPoint corner = program->place().topLeft();
-        const QPoint middle = corner + screen->ball(ball);
+        const QPoint middle = corner + place("grapes", ball);
         const auto click = [&](int side) {
             return u"mousemove %1 %2 click --delay 1 1 "_s.arg(middle.x() + side).arg(middle.y());
         };
@@ -69,16 +57,16 @@ protected:
     bool onJack = false; // what is heard
 
 private:
-    QProcess mListener;
+    TestProcess mListener;
     QByteArray mHeard;
 };
 
 TEST_F(TwoServers, PulseDiesAndComesBackWithItsNoteBesideMidi)
 {
-    desk.pulse().kill();
+    desk.pulse().killNow();
     EXPECT_TRUE(waitUntil([&] { return log().contains(u"The sound device is gone: ALSA: pulse"_s); }));
     ASSERT_TRUE(press("/3"));
-    ASSERT_TRUE(desk.pulse().start());
+    ASSERT_TRUE(desk.pulse().startServer());
     EXPECT_TRUE(hears(ROOT) && hears(FIFTH));
     EXPECT_TRUE(hearsNotes(2)) << "what was pressed meanwhile waits for the blocks";
     ASSERT_TRUE(press("/5"));
@@ -89,9 +77,7 @@ TEST_F(TwoServers, PulseDiesAndComesBackWithItsNoteBesideMidi)
 
 TEST_F(TwoServers, AFrozenPulseIsLeftForJack)
 {
-    ASSERT_TRUE(program->type(u"ctrl+comma"_s));
-    ASSERT_TRUE(waitUntil([this] { return desk.window(u"Options"_s).has_value(); }));
-    ASSERT_TRUE(desk.act(u"windowfocus %1 key Tab Tab"_s.arg(desk.window(u"Options"_s)->id)));
+    ASSERT_TRUE(openOptions());
     desk.pulse().freeze();
     QElapsedTimer timer;
     timer.start();
@@ -120,7 +106,7 @@ TEST_F(TwoServers, JackFrozenAndKilledUnderMidiIsNothingToTheSound)
 {
     constexpr double A_LATE_BLOCK = 0.2; // seconds
     size_t from = ear().length();
-    desk.freezeSound();
+    desk.jack().freeze();
     ASSERT_TRUE(pressManyTimes("/3", 600));
     EXPECT_TRUE(waitUntil([&] { return log().contains(u"MIDI output: sending failed: "_s); }));
     ASSERT_TRUE(program->waitForBox() && program->confirmBox());
@@ -129,15 +115,15 @@ TEST_F(TwoServers, JackFrozenAndKilledUnderMidiIsNothingToTheSound)
     EXPECT_LE(ear().longestSilenceSince(from), A_LATE_BLOCK);
 
     from = ear().length();
-    desk.killSound();
-    ASSERT_TRUE(desk.restartSound());
+    desk.jack().killNow();
+    ASSERT_TRUE(desk.startJack());
     ASSERT_NO_FATAL_FAILURE(startMidiListener());
     // A press that comes before the port is open again says nothing.
     EXPECT_TRUE(waitUntil([&] { return press("/3") && notesHeard() > 0; }, 30000));
     EXPECT_TRUE(hears(ROOT));
     EXPECT_LE(ear().longestSilenceSince(from), A_LATE_BLOCK);
 
-    desk.freezeSound();
+    desk.jack().freeze();
     expectOrderlyEnd();
     EXPECT_EQ(options()[u"midiOutDevice"_s].toString(), u"midi-monitor:input"_s);
 }

@@ -1,127 +1,70 @@
 #include "end-to-end/VirtualDesk.h"
 
-#include "end-to-end/PulseServer.h"
-#include "end-to-end/Waiting.h"
+#include "support/Waiting.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <jack/jack.h>
 #include <xcb/xcb.h>
 
-#include <csignal>
-#include <cstdlib>
-#include <memory>
-
-#include <sys/prctl.h>
-
 using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr int SOUND_SERVERS = 3;
-
-struct FreeReply
-{
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <class Reply>
-using ReplyPointer = std::unique_ptr<Reply, FreeReply>;
-
-void stop(QProcess& process)
-{
-    if (process.state() == QProcess::NotRunning)
-        return;
-    ::kill(static_cast<pid_t>(process.processId()), SIGCONT);
-    process.terminate();
-    if (!process.waitForFinished(5000)) {
-        process.kill();
-        process.waitForFinished(5000);
-    }
-}
-
-} // namespace
-
-void endWithTest(QProcess& process)
-{
-    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-}
 
 VirtualDesk::VirtualDesk()
     : mEnvironment(QProcessEnvironment::systemEnvironment())
 {
-    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "QT_SCALE_FACTOR", "QT_STYLE_OVERRIDE",
-                             "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI", "QT_LOGGING_RULES"})
+    for (const char* name :
+         {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "QT_SCALE_FACTOR", "QT_STYLE_OVERRIDE",
+          "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI", "QT_LOGGING_RULES", "JACK_DEFAULT_SERVER"})
         mEnvironment.remove(QLatin1StringView(name));
     mEnvironment.insert(u"JACK_NO_START_SERVER"_s, u"1"_s);
     hideSoundCards();
     // libjack writes on standard error otherwise, whenever it looks for a server.
     jack_set_error_function([](const char*) {});
     jack_set_info_function([](const char*) {});
-    startScreen();
-    startSound();
+    if (startScreen() && startSound())
+        mEnvironment.insert(u"JACK_DEFAULT_SERVER"_s, mSoundServer);
 }
 
-VirtualDesk::~VirtualDesk()
+bool VirtualDesk::startScreen()
 {
-    if (mScreen)
-        xcb_disconnect(mScreen);
-    stop(mJackServer);
-    stop(mScreenServer);
-}
-
-void VirtualDesk::startScreen()
-{
-    endWithTest(mScreenServer);
-    mScreenServer.setStandardErrorFile(QProcess::nullDevice());
+    mScreenServer.setStandardOutputFile(QString());
     mScreenServer.startCommand(u"Xvfb -displayfd 1 -screen 0 1280x800x24 -noreset -nolisten tcp"_s);
-    const auto hasNumber = [this] { return mScreenServer.canReadLine(); };
-    if (!mScreenServer.waitForStarted() || !waitUntil(hasNumber))
-        return;
-    const QByteArray display = ':' + mScreenServer.readLine().trimmed();
-    mEnvironment.insert(u"DISPLAY"_s, QString::fromLatin1(display));
-    mScreen = xcb_connect(display.constData(), nullptr);
-    if (xcb_connection_has_error(mScreen) != 0) {
-        xcb_disconnect(mScreen);
-        mScreen = nullptr;
-    }
+    if (!waitUntil([this] { return mScreenServer.canReadLine(); }))
+        return false;
+    mEnvironment.insert(u"DISPLAY"_s, u':' + QString::fromLatin1(mScreenServer.readLine().trimmed()));
+    return true;
 }
 
-void VirtualDesk::startSound()
+bool VirtualDesk::startSound()
 {
     // JACK remembers few servers, and a killed one until the next of its name. So there are few
     // names; one that is in use belongs to another run of the tests.
-    for (int number = 1; number <= SOUND_SERVERS; ++number) {
-        mSoundServer = u"orlo-test-%1"_s.arg(number);
-        if (startSoundServer()) {
-            mEnvironment.insert(u"JACK_DEFAULT_SERVER"_s, mSoundServer);
-            mHasSound = true;
-            return;
-        }
+    for (const QString& name : {u"orlo-test-1"_s, u"orlo-test-2"_s, u"orlo-test-3"_s}) {
+        mSoundServer = name;
+        if (startJack())
+            return true;
     }
+    return false;
 }
 
-bool VirtualDesk::startSoundServer()
+bool VirtualDesk::startJack()
 {
-    endWithTest(mJackServer);
-    mJackServer.setStandardOutputFile(QProcess::nullDevice());
-    mJackServer.setStandardErrorFile(QProcess::nullDevice());
     // Few ports: each reserves memory in every client.
     mJackServer.startCommand(
         u"jackd -n %1 -r -p 128 -d dummy -r %2 -p %3"_s.arg(mSoundServer).arg(SAMPLE_RATE).arg(BLOCK));
-    const QByteArray server = mSoundServer.toLatin1();
     bool answered = false;
     const auto settled = [&] {
         jack_client_t* client =
             jack_client_open("looking", static_cast<jack_options_t>(JackNoStartServer | JackServerName),
-                             nullptr, server.constData());
+                             nullptr, mSoundServer.toLatin1().constData());
         if (client)
             jack_client_close(client);
         answered = client != nullptr;
-        return answered || mJackServer.state() == QProcess::NotRunning;
+        return answered || !mJackServer.isRunning();
     };
     // The one that answers could be the other run's.
-    return mJackServer.waitForStarted() && waitUntil(settled) && answered
-           && !mJackServer.waitForFinished(200);
+    return waitUntil(settled) && answered && !mJackServer.waitForFinished(200);
 }
 
 /// A card of the machine's own would be the default device, before JACK's. PortAudio wants at least
@@ -134,54 +77,41 @@ void VirtualDesk::hideSoundCards()
     mEnvironment.insert(u"ALSA_CONFIG_PATH"_s, file.fileName());
 }
 
-// ---------------------------------------------------------------- the screen
-
-quint32 VirtualDesk::atom(const char* name) const
-{
-    const ReplyPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        mScreen, xcb_intern_atom(mScreen, 0, static_cast<uint16_t>(qstrlen(name)), name), nullptr));
-    return reply ? reply->atom : 0;
-}
-
 std::optional<VirtualDesk::Window> VirtualDesk::window(const QString& title) const
 {
+    QProcess xdotool;
+    xdotool.setProcessEnvironment(mEnvironment);
     // Without a window manager every window of a program is a child of the root.
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(mScreen)).data->root;
-    const ReplyPointer<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(mScreen, xcb_query_tree(mScreen, root), nullptr));
-    if (!tree)
+    xdotool.start(u"xdotool"_s, {u"search"_s, u"--maxdepth"_s, u"1"_s, u"--onlyvisible"_s, u"--name"_s,
+                                 u'^' + title + u'$', u"getwindowgeometry"_s, u"--shell"_s});
+    xdotool.waitForFinished();
+    static const QRegularExpression look(
+        u"WINDOW=(\\d+)\nX=(-?\\d+)\nY=(-?\\d+)\nWIDTH=(\\d+)\nHEIGHT=(\\d+)"_s);
+    const auto found = look.match(QString::fromLatin1(xdotool.readAllStandardOutput()));
+    const auto number = [&found](int group) { return found.captured(group).toInt(); };
+    if (!found.hasMatch())
         return std::nullopt;
-    const quint32 nameAtom = atom("_NET_WM_NAME");
-    const quint32 textAtom = atom("UTF8_STRING");
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        const xcb_window_t id = children[i];
-        const ReplyPointer<xcb_get_property_reply_t> name(xcb_get_property_reply(
-            mScreen, xcb_get_property(mScreen, 0, id, nameAtom, textAtom, 0, 256), nullptr));
-        const ReplyPointer<xcb_get_window_attributes_reply_t> look(
-            xcb_get_window_attributes_reply(mScreen, xcb_get_window_attributes(mScreen, id), nullptr));
-        const ReplyPointer<xcb_get_geometry_reply_t> place(
-            xcb_get_geometry_reply(mScreen, xcb_get_geometry(mScreen, id), nullptr));
-        if (!name || !look || !place || look->map_state != XCB_MAP_STATE_VIEWABLE)
-            continue;
-        const auto* text = static_cast<const char*>(xcb_get_property_value(name.get()));
-        if (QString::fromUtf8(text, xcb_get_property_value_length(name.get())) == title)
-            return Window{id, QRect(place->x, place->y, place->width, place->height)};
-    }
-    return std::nullopt;
+    return Window{found.captured(1).toUInt(), QRect(number(2), number(3), number(4), number(5))};
 }
 
 void VirtualDesk::requestClose(const Window& window) const
 {
+    xcb_connection_t* screen = xcb_connect(mEnvironment.value(u"DISPLAY"_s).toLatin1().constData(), nullptr);
+    const auto atom = [screen](const QByteArray& name) {
+        const auto cookie = xcb_intern_atom(screen, 0, static_cast<uint16_t>(name.size()), name.constData());
+        const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+            xcb_intern_atom_reply(screen, cookie, nullptr), &std::free);
+        return reply ? reply->atom : 0;
+    };
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = window.id;
     event.type = atom("WM_PROTOCOLS");
     event.data.data32[0] = atom("WM_DELETE_WINDOW");
-    event.data.data32[1] = XCB_CURRENT_TIME;
-    xcb_send_event(mScreen, 0, window.id, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
-    xcb_flush(mScreen);
+    xcb_send_event(screen, 0, window.id, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
+    xcb_flush(screen);
+    xcb_disconnect(screen);
 }
 
 bool VirtualDesk::act(const QString& commands) const
@@ -194,27 +124,9 @@ bool VirtualDesk::act(const QString& commands) const
            && xdotool.exitCode() == 0;
 }
 
-// ---------------------------------------------------------------- the sound server
-
-void VirtualDesk::killSound()
-{
-    mJackServer.kill();
-    mJackServer.waitForFinished(5000);
-}
-
-void VirtualDesk::freezeSound()
-{
-    ::kill(static_cast<pid_t>(mJackServer.processId()), SIGSTOP);
-}
-
-void VirtualDesk::thawSound()
-{
-    ::kill(static_cast<pid_t>(mJackServer.processId()), SIGCONT);
-}
-
 bool VirtualDesk::addPulse()
 {
     mPulse = std::make_unique<PulseServer>(QDir(mFiles.path()));
     mPulse->addTo(mEnvironment);
-    return mPulse->start();
+    return mPulse->startServer();
 }

@@ -1,22 +1,14 @@
 #pragma once
 
+#include "end-to-end/PulseServer.h"
+#include "end-to-end/TestProcess.h"
+
 #include <QDir>
-#include <QPoint>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QRect>
-#include <QString>
-#include <QStringList>
 #include <QTemporaryDir>
 
 #include <memory>
 #include <optional>
-
-class PulseServer;
-struct xcb_connection_t;
-
-/// A test that is killed must not leave what it started behind.
-void endWithTest(QProcess& process);
 
 /// A screen and a sound device of one test's own: an X server without a window manager and a JACK
 /// server with its dummy driver. Both end with this object, or with the test's process.
@@ -25,7 +17,7 @@ class VirtualDesk
 public:
     struct Window
     {
-        quint32 id = 0;
+        uint id = 0;
         QRect place; // of what is inside, on the screen
     };
 
@@ -33,12 +25,9 @@ public:
     static constexpr int BLOCK = 256; // frames
 
     VirtualDesk();
-    ~VirtualDesk();
-    VirtualDesk(const VirtualDesk&) = delete;
-    VirtualDesk& operator=(const VirtualDesk&) = delete;
 
     /// Both servers came up.
-    bool isReady() const { return mScreen && mHasSound; }
+    bool isReady() const { return mEnvironment.contains(QStringLiteral("JACK_DEFAULT_SERVER")); }
     /// For a program that runs on this desk: the test's own, without what would lead it elsewhere.
     const QProcessEnvironment& environment() const { return mEnvironment; }
     const QString& soundServer() const { return mSoundServer; }
@@ -55,25 +44,19 @@ public:
     bool addPulse();
     PulseServer& pulse() { return *mPulse; }
 
-    void killSound();
-    /// The killed server again, under its name.
-    bool restartSound() { return startSoundServer(); }
-    void freezeSound();
-    void thawSound();
+    TestProcess& jack() { return mJackServer; }
+    /// Again too, under its name, after it was killed.
+    bool startJack();
 
 private:
     void hideSoundCards();
-    void startScreen();
-    void startSound();
-    bool startSoundServer();
-    quint32 atom(const char* name) const;
+    bool startScreen();
+    bool startSound();
 
     QTemporaryDir mFiles{QDir::tempPath() + QStringLiteral("/orlo-desk-XXXXXX")}; // ALSA splits at blanks
-    QProcess mScreenServer;
-    QProcess mJackServer;
+    TestProcess mScreenServer;
+    TestProcess mJackServer;
     std::unique_ptr<PulseServer> mPulse;
-    xcb_connection_t* mScreen = nullptr;
-    bool mHasSound = false;
     QString mSoundServer;
     QProcessEnvironment mEnvironment;
 };

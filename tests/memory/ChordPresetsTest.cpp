@@ -19,7 +19,7 @@ protected:
         home.write(u"outside/dear.txt"_s, "dear");
     }
 
-    bool dearIsThere() const { return home.read(u"outside/dear.txt"_s) == "dear"; }
+    bool isOutsideKept() const { return home.read(u"outside/dear.txt"_s) == "dear"; }
     /// Everything in the home, but for what is in the presets directory.
     QStringList outside() const
     {
@@ -74,7 +74,7 @@ TEST_F(Presets, WhatIsNoNameTouchesNothing)
     }
     presets.removePreset(bank, u"../../outside/dear"_s);
     EXPECT_EQ(outside(), before);
-    EXPECT_TRUE(dearIsThere());
+    EXPECT_TRUE(isOutsideKept());
     EXPECT_EQ(presets.banks(), QStringList{bank});
     EXPECT_TRUE(presets.presets(bank).isEmpty());
 }
@@ -89,21 +89,22 @@ TEST_F(Presets, RemovingABankNeverFollowsALink)
     ASSERT_TRUE(QFile::link(target, inside + u"/deep/er/folder"_s));
     ASSERT_TRUE(QFile::link(target + u"/dear.txt"_s, inside + u"/dear.btoc"_s));
     presets.removePreset(bank, u"dear"_s);
-    EXPECT_TRUE(dearIsThere());
+    EXPECT_TRUE(isOutsideKept());
     ASSERT_TRUE(QFile::link(target + u"/dear.txt"_s, inside + u"/dear.btoc"_s));
     presets.removeBank(bank);
     EXPECT_FALSE(QFileInfo::exists(inside));
-    EXPECT_TRUE(dearIsThere());
+    EXPECT_TRUE(isOutsideKept());
 
     ASSERT_TRUE(QFile::link(target, presets.bankPath(u"Linked"_s)));
     EXPECT_EQ(presets.banks(), QStringList{u"Linked"_s});
     presets.removeBank(u"Linked"_s);
     EXPECT_TRUE(presets.banks().isEmpty());
-    EXPECT_TRUE(dearIsThere());
+    EXPECT_TRUE(isOutsideKept());
 
     // Nor does a new preset write through a link that leads nowhere.
     ASSERT_TRUE(presets.makeBank(bank));
     ASSERT_TRUE(QFile::link(target + u"/new.txt"_s, inside + u"/new.btoc"_s));
+    EXPECT_TRUE(presets.presetExists(bank, u"new"_s));
     EXPECT_FALSE(presets.makePreset(bank, u"new"_s));
     EXPECT_FALSE(QFileInfo::exists(target + u"/new.txt"_s));
 }
@@ -118,5 +119,5 @@ TEST_F(Presets, WithoutADirectoryThereIsNothing)
         EXPECT_FALSE(none.makePreset(bank, u"a"_s));
         none.removeBank(bank);
     }
-    EXPECT_TRUE(dearIsThere());
+    EXPECT_TRUE(isOutsideKept());
 }

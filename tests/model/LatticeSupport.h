@@ -20,29 +20,23 @@ public:
     LatticeFixture()
     {
         app::setParts({.orlo = &orlo, .settings = &settings});
-        const auto plain = [this](auto signal, const char* name) {
-            QObject::connect(&orlo, signal, [this, name] { said.append(QLatin1StringView(name)); });
-        };
-        const auto ratio = [this](auto signal, const char* name) {
-            QObject::connect(&orlo, signal, [this, name](const OrloRatio& r) { say(name, r); });
-        };
-        const auto flag = [this](auto signal, const char* name) {
-            QObject::connect(&orlo, signal, [this, name](const OrloRatio& r, bool on) {
-                say(name, r, on ? " on" : " off");
+        const auto hear = [this]<class... Values>(void (Orlo::*signal)(Values...), const char* name) {
+            QObject::connect(&orlo, signal, [this, name](const Values&... values) {
+                said.append(QStringList{QLatin1StringView(name), text(values)...}.join(u' '));
             });
         };
-        plain(&Orlo::transposeOrBaseFrequencyChanged, "changed");
-        ratio(&Orlo::showCard, "show card");
-        ratio(&Orlo::hideCard, "hide card");
-        ratio(&Orlo::addNodeToStack, "add");
-        plain(&Orlo::showNodesInStack, "show nodes");
-        ratio(&Orlo::hideNodeInStack, "hide node");
-        flag(&Orlo::toggleNodeInStack, "toggle");
-        ratio(&Orlo::removeNodeInStack, "remove");
-        flag(&Orlo::selectNodeInStack, "select");
-        flag(&Orlo::setHoldNodeInStack, "hold");
-        flag(&Orlo::setAlteredNodeInStack, "alter");
-        plain(&Orlo::resetNodeStack, "reset");
+        hear(&Orlo::transposeOrBaseFrequencyChanged, "changed");
+        hear(&Orlo::showCard, "show card");
+        hear(&Orlo::hideCard, "hide card");
+        hear(&Orlo::addNodeToStack, "add");
+        hear(&Orlo::showNodesInStack, "show nodes");
+        hear(&Orlo::hideNodeInStack, "hide node");
+        hear(&Orlo::toggleNodeInStack, "toggle");
+        hear(&Orlo::removeNodeInStack, "remove");
+        hear(&Orlo::selectNodeInStack, "select");
+        hear(&Orlo::setHoldNodeInStack, "hold");
+        hear(&Orlo::setAlteredNodeInStack, "alter");
+        hear(&Orlo::resetNodeStack, "reset");
     }
     ~LatticeFixture() { app::setParts({}); }
     LatticeFixture(const LatticeFixture&) = delete;
@@ -70,11 +64,11 @@ public:
     Orlo orlo;
 
 private:
-    void say(const char* name, const OrloRatio& ratio, const char* end = "")
+    static QString text(const OrloRatio& ratio)
     {
-        said.append(u"%1 %2/%3"_s.arg(QLatin1StringView(name)).arg(ratio.numerator()).arg(ratio.denominator())
-                    + QLatin1StringView(end));
+        return u"%1/%2"_s.arg(ratio.numerator()).arg(ratio.denominator());
     }
+    static QString text(bool on) { return on ? u"on"_s : u"off"_s; }
 
     QStringList said;
 };

@@ -8,14 +8,9 @@
 
 namespace {
 
-class LatticeTest : public ::testing::Test, protected LatticeFixture
+class LatticeTest : public LocaleTest, protected LatticeFixture
 {
 };
-
-class LatticeFile : public LocaleTest, protected LatticeFixture
-{
-};
-IN_ALL_LOCALES(LatticeFile);
 
 const QString FILE_NAME = u"orlo_v2.json"_s;
 
@@ -138,7 +133,7 @@ TEST_F(LatticeTest, NotesAndNodesReachTheBallOrElseTheStack)
     EXPECT_EQ(marks("/5"), 0);
 }
 
-TEST_P(LatticeFile, IsMadeOnceAndReadsBackTheSame)
+TEST_F(LatticeTest, IsMadeOnceAndReadsBackTheSame)
 {
     ASSERT_TRUE(init(orlo));
     const QByteArray bytes = home.read(FILE_NAME);

@@ -13,9 +13,8 @@ namespace {
 class PathTexts : public LocaleTest
 {
 };
-IN_ALL_LOCALES(PathTexts);
 
-TEST_P(PathTexts, ReadAndPrint)
+TEST_F(PathTexts, ReadAndPrint)
 {
     const std::tuple<const char*, const char*, QList<int>> rows[] = {
         {"", "/", {}},

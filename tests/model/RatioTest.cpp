@@ -18,6 +18,8 @@ constexpr Integer TWO_63 = 1ULL << 63;
 constexpr Integer LARGEST = 0xFFFFFFFFFFFFFFFF;
 constexpr Integer THREE_20 = 3486784401;
 constexpr Integer THREE_40 = THREE_20 * THREE_20;
+constexpr Integer THREE_38 = THREE_40 / 9;
+constexpr Integer TWO_61 = 1ULL << 61;
 constexpr Integer PRIME_31_6 = 887503681; // to the sixth power
 
 class RatioTest : public LocaleTest, protected LatticeFixture
@@ -25,7 +27,6 @@ class RatioTest : public LocaleTest, protected LatticeFixture
 protected:
     void transposeBy(Integer n, Integer d) { orlo.onTransposed(OrloRatio(n, d), Orlo::FREE_TRANSPOSITION); }
 };
-IN_ALL_LOCALES(RatioTest);
 
 TEST(PrimeTables, HoldTheOctaveReducedPrimes)
 {
@@ -39,7 +40,7 @@ TEST(PrimeTables, HoldTheOctaveReducedPrimes)
         EXPECT_FALSE(Orlo::isValidPrime(step)) << step;
 }
 
-TEST_P(RatioTest, EqualityHashAndZero)
+TEST_F(RatioTest, EqualityHashAndZero)
 {
     EXPECT_EQ(OrloRatio(6, 4), OrloRatio(3, 2));
     EXPECT_FALSE(OrloRatio(3, 2) == OrloRatio(2, 3));
@@ -53,7 +54,7 @@ TEST_P(RatioTest, EqualityHashAndZero)
     EXPECT_EQ(std::unique_ptr<OrloPathUnlimited>(zero.getUnlimitedPathFromRatio())->length(), 0);
 }
 
-TEST_P(RatioTest, TheSecondFieldIsAssignedButNotCopied)
+TEST_F(RatioTest, TheSecondFieldIsAssignedButNotCopied)
 {
     orlo.onTransposed(OrloRatio(3, 2), 3);
     const OrloRatio third(OrloPath(u"/5"_s));
@@ -75,7 +76,7 @@ TEST_P(RatioTest, TheSecondFieldIsAssignedButNotCopied)
         << "no prime leaves it alone";
 }
 
-TEST_P(RatioTest, TextsReduceIntoOneOctaveForDisplayOnly)
+TEST_F(RatioTest, TextsReduceIntoOneOctaveForDisplayOnly)
 {
     const std::tuple<Integer, Integer, const char*, const char*> rows[] = {
         // ratio, within an octave, plain
@@ -104,7 +105,7 @@ TEST_P(RatioTest, TextsReduceIntoOneOctaveForDisplayOnly)
     }
 }
 
-TEST_P(RatioTest, AbsoluteAndRelative)
+TEST_F(RatioTest, AbsoluteAndRelative)
 {
     transposeBy(3, 2);
     EXPECT_EQ(OrloRatio(4, 3).getAbsRatio(), Rational(2, 1));
@@ -127,48 +128,25 @@ TEST_P(RatioTest, AbsoluteAndRelative)
 
 TEST(RatioPaths, AreCanonical)
 {
+    constexpr Integer odd = 100280245065;   // the product of all odd primes up to 31
+    constexpr Integer octaves = 1ULL << 31; // the product of the largest powers of 2 below them
     const std::tuple<OrloRatio, const char*, const char*> rows[] = {
-        // the ratio, its path and its unlimited path
-        {{1, 1}, "/", "/"},
-        {{9, 8}, "/3/3/-2", "/3/3/-2"},
-        {{1, 4}, "/-2/-2", "/-2/-2"},
-        {{3, 1}, "/3/2", "/3/2"},
-        {{31, 29}, "/31/-29", "/31/-29"},
-        {{10, 21}, "/5/-3/-7", "/5/-3/-7"},                    // 5/4 * 2/3 * 4/7
-        {{81, 80}, "/3/3/3/3/-5/-2", "/3/3/3/3/-5/-2/-2"},     // 81/16 * 4/5 = 81/20, two octaves too high
-        {{111, 64}, "/3/-2/-2/-2/-2/-2", "/3/-2/-2/-2/-2/-2"}, // 37 is dropped, its octaves are not
+        // the ratio, its path, and what its unlimited path has behind that
+        {{1, 1}, "/", ""},
+        {{9, 8}, "/3/3/-2", ""},
+        {{1, 4}, "/-2/-2", ""},
+        {{3, 1}, "/3/2", ""},
+        {{10, 21}, "/5/-3/-7", ""},           // 5/4 * 2/3 * 4/7
+        {{81, 80}, "/3/3/3/3/-5/-2", "/-2"},  // 81/16 * 4/5 = 81/20, two octaves too high
+        {{111, 64}, "/3/-2/-2/-2/-2/-2", ""}, // 37 is dropped, its octaves are not
+        {{odd, octaves}, "/3/5/7/11/13/17", "/19/23/29/31"},
+        {{octaves, odd}, "/-3/-5/-7/-11/-13/-17", "/-19/-23/-29/-31"},
     };
-    for (const auto& [ratio, path, unlimited] : rows) {
+    for (const auto& [ratio, path, behind] : rows) {
+        const std::unique_ptr<OrloPathUnlimited> unlimited(ratio.getUnlimitedPathFromRatio());
         EXPECT_EQ(std::unique_ptr<OrloPath>(ratio.getPathFromRatio())->toString().toStdString(), path);
-        EXPECT_EQ(
-            std::unique_ptr<OrloPathUnlimited>(ratio.getUnlimitedPathFromRatio())->toString().toStdString(),
-            unlimited);
-    }
-}
-
-TEST(RatioPaths, RoundTripOverAllPrimes)
-{
-    // Every product of the ten odd primes with exponents -1, 0 and 1, spread over some octaves.
-    for (int code = 0; code < 59049; ++code) {
-        Integer n = 1;
-        Integer d = 1;
-        QList<int> up, down;
-        int rest = code;
-        for (const int prime : {3, 5, 7, 11, 13, 17, 19, 23, 29, 31}) {
-            if (rest % 3 == 1) {
-                n *= static_cast<Integer>(prime);
-                up.append(prime);
-            } else if (rest % 3 == 2) {
-                d *= static_cast<Integer>(prime);
-                down.append(-prime);
-            }
-            rest /= 3;
-        }
-        (code % 2 ? n : d) <<= code % 17;
-        const OrloRatio ratio(n, d);
-        const std::unique_ptr<OrloPathUnlimited> path(ratio.getUnlimitedPathFromRatio());
-        ASSERT_EQ(path->toRatio(), ratio) << n << '/' << d;
-        ASSERT_EQ(path->toList().first(up.size() + down.size()), up + down) << n << '/' << d;
+        EXPECT_EQ(unlimited->toString().toStdString(), std::string(path) + behind);
+        EXPECT_TRUE(unlimited->toRatio() == ratio || ratio == OrloRatio(111, 64)) << path;
     }
 }
 
@@ -195,6 +173,7 @@ TEST(RatioProducts, AreGuardedAtTheEdgeOf64Bits)
         {{(1ULL << 53) + 1, 1}, {1, 1}, true, true},
         {{3, 2}, {5, 4}, true, true},
         {{0, 1}, {5, 4}, true, true},
+        {{5 * THREE_38, TWO_61}, {5 * TWO_61, THREE_38}, true, true}, // only when both pairs cancel
     };
     for (const auto& [a, b, fits, can] : rows) {
         SCOPED_TRACE(::testing::Message() << a.numerator() << '/' << a.denominator() << " * " << b.numerator()

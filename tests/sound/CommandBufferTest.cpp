@@ -59,14 +59,13 @@ TEST(Commands, OfTheDeviceRunBeforeThoseOfTheScreen)
 TEST(Commands, DoWhatTheirNumberSays)
 {
     const std::tuple<int, float, const char*> rows[] = {
-        {-1, 1.0F, ""},
+        {-1, 1.0F, ""}, // no such type
         {43, 1.0F, ""},
-        {-2147483647, 1.0F, ""},
         {2147483647, 1.0F, ""},
-        {15, -2.5F, "transposed 2/3 -3"},
-        {15, 2.4F, "transposed 4/3 2"}, // a half rounds away from zero
-        {15, 258.6F, "transposed 2/1 3"},
-        {15, 0.49F, "transposed 1/1 0"}, // as signed bytes 3, and 0, which resets
+        {15, -2.5F, "transposed 2/3 -3"}, // a half rounds away from zero
+        {15, 2.4F, "transposed 4/3 2"},
+        {15, 258.6F, "transposed 2/1 3"}, // 3 as a signed byte
+        {15, 0.49F, "transposed 1/1 0"},  // 0 resets
         {16, 0.25F, "voiceVolumeChanged 1.25"},
         {17, 0.5F, "voiceVolumeChanged 0.5"},
         {16, -0.25F, "voiceVolumeChanged 0.25"},
@@ -80,19 +79,19 @@ TEST(Commands, DoWhatTheirNumberSays)
         {23, 5.0F, "primeEnabledToggled 5 off"},
         {23, 5.9F, "primeEnabledToggled 5 on"},
         {23, 31.0F, "primeEnabledToggled 31 off"},
-        {23, 32.0F, ""},
+        {23, 32.0F, ""}, // beyond the primes
         {23, -7.0F, ""},
         {24, 0.25F, "macroValueChanged 1 0.25"},
         {31, 1.0F, "macroValueChanged 8 1"},
-        {3, 1.0F, "removeNodeInStack 0/1"},
+        {3, 1.0F, "removeNodeInStack 0/1"},  // no ratio was given
         {35, 1.0F, "removeNodeInStack 0/1"}, // deselecting runs on into removing
-        {36, 1.0F, ""},
+        {36, 1.0F, ""},                      // no transposition by 0/1
         {39, 1.0F, "nodesRecalled"},
-        {40, 0.999F, ""}, // no transposition by 0/1
-        {41, 0.0F, ""},
+        {40, 0.999F, ""}, // hold is on at exactly 1
+        {41, 0.0F, ""},   // no patch was named
         {42, 0.0F, ""},
-        {19, NAN, ""},
-        {22, INFINITY, ""}, // no patch was named; no numbers
+        {19, NAN, ""}, // no numbers
+        {22, INFINITY, ""},
     };
     SoundRig rig;
     EngineLog log(rig.player);

@@ -9,6 +9,7 @@
 #include "sound/OrloNoteEvent.h"
 #include "support/EngineClock.h"
 #include "support/LogCatcher.h"
+#include "support/SignalText.h"
 #include "support/SoundRig.h"
 
 #include <gtest/gtest.h>
@@ -20,27 +21,6 @@
 
 namespace {
 
-std::string text(const OrloRatio& ratio)
-{
-    return std::to_string(ratio.numerator()) + '/' + std::to_string(ratio.denominator());
-}
-template <class T>
-requires std::is_arithmetic_v<T> std::string text(T value)
-{
-    return std::to_string(value);
-}
-std::string text(const QStringList& list)
-{
-    return list.join(u'|').toStdString();
-}
-std::string text(const QList<float>& list)
-{
-    QStringList texts;
-    for (const float value : list)
-        texts.append(QString::number(static_cast<double>(value)));
-    return text(texts);
-}
-
 /// Every signal that PdPlayer and its relay share, as lines: the name, what it is of, the last word.
 template <class Sender>
 class Ear : public QObject
@@ -50,7 +30,8 @@ public:
     {
         const auto hear = [&]<class... Values>(void (Sender::*signal)(Values...), const char* name) {
             const auto write = [this, name](const Values&... values) {
-                lines.push_back((std::string(name) + ... + (' ' + text(values))));
+                lines.push_back(
+                    QStringList{QLatin1StringView(name), signalText(values)...}.join(u' ').toStdString());
             };
             QObject::connect(&sender, signal, this, write, Qt::DirectConnection);
         };
@@ -85,7 +66,7 @@ public:
         }
         std::erase_if(words, [](const auto& entry) {
             const auto& [of, word] = entry;
-            return of.front() == '-' || (word == "0" && of.find('/') != std::string::npos);
+            return of.front() == '-' || (word == "off" && of.find('/') != std::string::npos);
         });
         return words;
     }
@@ -191,9 +172,9 @@ TEST_F(Relay, AfterALossTheWindowShowsWhatTheEngineHas)
         rig.player.copyState(state);
         auto expected = engine.shown();
         for (size_t i = 0; i < state.sliders.macros.size(); ++i) // a reset changes some of them unsaid
-            expected["macro " + std::to_string(i + 1)] = text(state.sliders.macros[i]);
+            expected["macro " + std::to_string(i + 1)] = signalText(state.sliders.macros[i]).toStdString();
         EXPECT_EQ(window.shown(), expected);
-        EXPECT_EQ(text(rig.orlo.transposition()), text(state.transposition));
+        EXPECT_EQ(rig.orlo.transposition(), state.transposition);
         const QList<OrloRatio> sounding = rig.player.getAllSoundingRatios();
         for (unsigned long long n = 1; n <= 128; ++n) {
             if (const OrloBall* ball = rig.orlo.ballFromRatio(OrloRatio(n, 16))) {

@@ -29,6 +29,7 @@ TEST(VoiceCheck, TellsAVoiceFromWhatIsNone)
         {plainVoice("1"), {}},
         {plainVoice("1").replace("*~ 0.1", "*~ 0"), {}}, // silent, but it names its macros
         {mute, {}},                                      // the other way round
+        {plainVoice("1") + "#X text 9 9 \\; #N canvas 0 0 9 9 12 \\;;\n", {}}, // escaped, so no canvas
         {QByteArray(mute).replace("\\$1 5", "\\$1 900").replace("*~ 0.1", "*~ 0.0001"), {}},
         {"", QStringLiteral("no inlet")},
         {"this is no patch", QStringLiteral("no inlet")},

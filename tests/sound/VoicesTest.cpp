@@ -16,11 +16,10 @@
 namespace {
 
 // Reports each voice's end at once, inside the gate message itself.
-const QByteArray PATCH_WITHOUT_RELEASE = "#N canvas 0 0 200 200 12;\n"
-                                         "#X obj 20 20 r orlo-in;\n#X obj 20 50 route 0;\n"
-                                         "#X obj 20 80 route 1;\n#X msg 20 110 list \\$1;\n"
-                                         "#X obj 20 140 s voice-stop;\n#X connect 0 0 1 0;\n"
-                                         "#X connect 1 0 2 0;\n#X connect 2 0 3 0;\n#X connect 3 0 4 0;\n";
+const QByteArray PATCH_WITHOUT_RELEASE =
+    "#N canvas 0 0 200 200 12;\n#X obj 20 20 r orlo-in;\n#X obj 20 50 route 0;\n#X obj 20 80 route 1;\n"
+    "#X msg 20 110 list \\$1;\n#X obj 20 140 s voice-stop;\n"
+    "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n#X connect 2 0 3 0;\n#X connect 3 0 4 0;\n";
 
 const OrloRatio A(1, 1);
 const OrloRatio B(3, 2);
@@ -29,30 +28,25 @@ const OrloRatio C(2, 1);
 /// What a note-on sends to voice `voice`, counted from 1, and signals.
 std::string started(int voice, const char* frequency, const char* ratio)
 {
-    QString lines;
+    const std::string number = std::to_string(voice);
+    std::string lines;
     for (int type = 4; type <= 11; ++type)
-        lines += QStringLiteral("orlo-in 0 %1 %2; ").arg(type).arg(voice);
-    lines += QStringLiteral("orlo-in %2 2 %1; orlo-in 1 3 %1; orlo-in 1 1 %1; noteToggled %3 on")
-                 .arg(voice)
-                 .arg(QLatin1StringView(frequency), QLatin1StringView(ratio));
-    return lines.toStdString();
+        lines += "orlo-in 0 " + std::to_string(type) + ' ' + number + "; ";
+    return lines + "orlo-in " + frequency + " 2 " + number + "; orlo-in 1 3 " + number + "; orlo-in 1 1 "
+           + number + "; noteToggled " + ratio + " on";
 }
 
 std::string stopped(int voice, const char* ratio)
 {
-    return QStringLiteral("orlo-in 0 1 %1; noteToggled %2 off")
-        .arg(voice)
-        .arg(QLatin1StringView(ratio))
-        .toStdString();
+    return "orlo-in 0 1 " + std::to_string(voice) + "; noteToggled " + ratio + " off";
 }
 
 class Voices : public ::testing::Test
 {
 protected:
-    explicit Voices(int voices = 2)
-        : rig(voices)
-        , log(rig.player)
+    Voices()
     {
+        rig.player.setMaxVoices(2);
         // Open, and silent, so that the test speaks for it.
         EXPECT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n"));
         log.take();
@@ -70,16 +64,7 @@ protected:
     }
 
     SoundRig rig;
-    EngineLog log;
-};
-
-class ManyVoices : public Voices
-{
-protected:
-    ManyVoices()
-        : Voices(128)
-    {
-    }
+    EngineLog log{rig.player};
 };
 
 } // namespace
@@ -140,8 +125,9 @@ TEST_F(Voices, FrequenciesAtTheBoundsAreMarkedButNotGated)
     }
 }
 
-TEST_F(ManyVoices, OnlyTheLastStepOfAPathMeetsThePrimeGate)
+TEST_F(Voices, OnlyTheLastStepOfAPathMeetsThePrimeGate)
 {
+    rig.player.setMaxVoices(128);
     send(OrloEvent::PrimeEnabledToggle, 5.0F);
     log.take();
     const std::pair<const char*, const char*> rows[] = {
@@ -174,7 +160,7 @@ TEST_F(Voices, WhatNoLongerFitsIn64BitsIsRefused)
     EXPECT_EQ(log.said(), "transposed 1/1 0");
 }
 
-TEST_F(ManyVoices, HoldTellsWhatItHolds)
+TEST_F(Voices, HoldTellsWhatItHolds)
 {
     for (const OrloRatio& ratio : {A, B, B}) // the last one is releasing, so it is not held
         toggle(ratio);
@@ -198,8 +184,9 @@ TEST_F(ManyVoices, HoldTellsWhatItHolds)
     EXPECT_EQ(log.said(), stopped(1, "2/1"));
 }
 
-TEST_F(ManyVoices, AllNotesEndThoughThePatchReportsThemAtOnce)
+TEST_F(Voices, AllNotesEndThoughThePatchReportsThemAtOnce)
 {
+    rig.player.setMaxVoices(128);
     ASSERT_TRUE(rig.loadMainText(PATCH_WITHOUT_RELEASE));
     // Squares, which meet in few places of a hash table: there an erasure moves other entries.
     for (unsigned long long n = 1; n <= 100; ++n)

@@ -1,8 +1,6 @@
 #include "support/BlockCost.h"
 
-#include "support/AllocationCounter.h"
-
-#ifdef __linux__
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 #include <algorithm>
 #include <array>
@@ -18,6 +16,7 @@
 namespace {
 
 thread_local bool counting = false;
+thread_local int allocations = 0;
 
 struct Locks
 {
@@ -53,17 +52,14 @@ struct Counts
         _exit(1);
     raise(SIGSTOP);
     prepare();
-    Counts counts{};
-    {
-        const AllocationCounter allocations;
-        locks.count = 0;
-        counting = true;
-        syscall(MARK);
-        work();
-        syscall(MARK);
-        counting = false;
-        counts = {allocations.count(), locks};
-    }
+    allocations = 0;
+    locks.count = 0;
+    counting = true;
+    syscall(MARK);
+    work();
+    syscall(MARK);
+    counting = false;
+    const Counts counts{allocations, locks};
     const bool told = write(pipe, &counts, sizeof(counts)) == sizeof(counts);
     _exit(told ? 0 : 1);
 }
@@ -93,6 +89,19 @@ std::vector<long> trace(pid_t child)
 }
 
 } // namespace
+
+#define COUNTED_ALLOCATION(function, parameters, ...)                                                        \
+    void* __libc_##function parameters;                                                                      \
+    void* function parameters                                                                                \
+    {                                                                                                        \
+        allocations += counting ? 1 : 0;                                                                     \
+        return __libc_##function(__VA_ARGS__);                                                               \
+    }
+extern "C" {
+COUNTED_ALLOCATION(malloc, (size_t size), size)
+COUNTED_ALLOCATION(calloc, (size_t count, size_t size), count, size)
+COUNTED_ALLOCATION(realloc, (void* memory, size_t size), memory, size)
+}
 
 #define COUNTED(function, type)                                                                              \
     extern "C" int function(type* object)                                                                    \
@@ -128,8 +137,6 @@ BlockCost BlockCost::of(const std::function<void()>& prepare, const std::functio
 
 bool BlockCost::works()
 {
-    if (!AllocationCounter::WORKS)
-        return false;
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
     const BlockCost cost = of([] {},
                               [&] {

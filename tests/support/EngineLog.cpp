@@ -1,38 +1,9 @@
 #include "support/EngineLog.h"
 
 #include "sound/PdPlayer.h"
+#include "support/SignalText.h"
 
 #include <QMutexLocker>
-
-namespace {
-
-template <class T>
-QString text(const T& value)
-{
-    if constexpr (std::is_same_v<T, OrloRatio>)
-        return QStringLiteral("%1/%2").arg(value.numerator()).arg(value.denominator());
-    else if constexpr (std::is_same_v<T, bool>)
-        return value ? QStringLiteral("on") : QStringLiteral("off");
-    else if constexpr (std::is_same_v<T, QString>)
-        return value;
-    else if constexpr (std::is_same_v<T, QStringList>)
-        return value.join(u'|');
-    else if constexpr (std::is_same_v<T, float>)
-        return QString::number(static_cast<double>(value), 'g', 7);
-    else
-        return QString::number(value);
-}
-
-template <class T>
-requires(!std::is_same_v<T, QString>) QString text(const QList<T>& values)
-{
-    QStringList texts;
-    for (const T value : values)
-        texts.append(text(value));
-    return u'[' + texts.join(u' ') + u']';
-}
-
-} // namespace
 
 EngineLog::EngineLog(PdPlayer& player)
     : mVoiceMessages("orlo-in", [this](const auto& list) { add(QStringLiteral("orlo-in"), list); })
@@ -42,7 +13,7 @@ EngineLog::EngineLog(PdPlayer& player)
     const auto hear = [this, &player]<class... Values>(void (PdPlayer::*signal)(Values...),
                                                        const char* name) {
         const auto write = [this, name](const Values&... values) {
-            add(QStringList{QLatin1StringView(name), text(values)...}.join(u' '));
+            add(QStringList{QLatin1StringView(name), signalText(values)...}.join(u' '));
         };
         connect(&player, signal, this, write, Qt::DirectConnection);
     };
@@ -68,7 +39,7 @@ EngineLog::EngineLog(PdPlayer& player)
 void EngineLog::add(QString line, const std::vector<float>& numbers)
 {
     for (const float number : numbers)
-        line += u' ' + text(number);
+        line += u' ' + signalText(number);
     add(line);
 }
 

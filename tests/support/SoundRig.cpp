@@ -96,13 +96,17 @@ void SoundRig::send(const OrloEvent& event)
     render();
 }
 
-void SoundRig::renderInto(std::vector<float>& left)
+void SoundRig::renderInto(std::vector<float>& left, std::vector<float>* right)
 {
     std::array<float, 2 * FRAMES> block;
     block.fill(std::nanf("")); // whatever is not written shows
     output.renderBlock(block.data(), FRAMES);
-    for (size_t i = 0; i < block.size(); i += 2)
-        left.push_back(block[i]);
+    for (size_t i = 0; i < block.size(); ++i) {
+        if (i % 2 == 0)
+            left.push_back(block[i]);
+        else if (right)
+            right->push_back(block[i]);
+    }
 }
 
 std::vector<float> SoundRig::render(int blocks)
@@ -151,24 +155,15 @@ void SoundRig::reportVoiceStop(float voice)
 
 QByteArray plainVoice(const QByteArray& factor, const QByteArray& macros)
 {
-    QByteArray patch = "#N canvas 0 0 400 300 12;\n"
-                       "#X obj 20 20 inlet;\n"
-                       "#X obj 120 20 inlet~;\n"
-                       "#X obj 20 50 route gate query;\n"
-                       "#X obj 120 60 *~ FACTOR;\n"
-                       "#X obj 120 90 osc~;\n"
-                       "#X msg 20 90 \\$1 5;\n"
-                       "#X obj 20 120 line~;\n"
-                       "#X obj 120 150 *~;\n"
-                       "#X obj 120 180 *~ 0.1;\n"
-                       "#X obj 20 220 outlet~;\n"
-                       "#X obj 120 220 outlet~;\n"
-                       "#X obj 220 220 outlet;\n"
-                       "#X msg 220 90 macros MACROS;\n"
-                       "#X connect 0 0 2 0;\n#X connect 1 0 3 0;\n#X connect 2 0 5 0;\n"
-                       "#X connect 2 1 12 0;\n#X connect 3 0 4 0;\n#X connect 4 0 7 0;\n"
-                       "#X connect 5 0 6 0;\n#X connect 6 0 7 1;\n#X connect 7 0 8 0;\n"
-                       "#X connect 8 0 9 0;\n#X connect 8 0 10 0;\n#X connect 12 0 11 0;\n";
+    QByteArray patch =
+        "#N canvas 0 0 400 300 12;\n#X obj 20 20 inlet;\n#X obj 120 20 inlet~;\n"
+        "#X obj 20 50 route gate query;\n#X obj 120 60 *~ FACTOR;\n#X obj 120 90 osc~;\n"
+        "#X msg 20 90 \\$1 5;\n#X obj 20 120 line~;\n#X obj 120 150 *~;\n#X obj 120 180 *~ 0.1;\n"
+        "#X obj 20 220 outlet~;\n#X obj 120 220 outlet~;\n#X obj 220 220 outlet;\n"
+        "#X msg 220 90 macros MACROS;\n"
+        "#X connect 0 0 2 0;\n#X connect 1 0 3 0;\n#X connect 2 0 5 0;\n#X connect 2 1 12 0;\n"
+        "#X connect 3 0 4 0;\n#X connect 4 0 7 0;\n#X connect 5 0 6 0;\n#X connect 6 0 7 1;\n"
+        "#X connect 7 0 8 0;\n#X connect 8 0 9 0;\n#X connect 8 0 10 0;\n#X connect 12 0 11 0;\n";
     return patch.replace("FACTOR", factor).replace("MACROS", macros);
 }
 

@@ -40,6 +40,8 @@ public:
     void send(const OrloEvent& event);
     /// The left channel of so many blocks.
     std::vector<float> render(int blocks = 1);
+    /// One block, at the end of what is there.
+    void renderInto(std::vector<float>& left, std::vector<float>* right = nullptr);
     /// Renders until the output is silent; false when it is not after ten seconds of sound.
     bool renderUntilSilent();
 
@@ -56,9 +58,6 @@ public:
     Orlo orlo;
     PdPlayer player;
     PaAudioOutput output;
-
-private:
-    void renderInto(std::vector<float>& left);
 };
 
 /// A voice of one oscillator at `factor` times the frequency, with this macro list.

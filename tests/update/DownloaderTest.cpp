@@ -1,5 +1,6 @@
 #include "update/Downloader.h"
 
+#include "support/FullDisk.h"
 #include "update/UpdateFixture.h"
 
 #include <QFile>
@@ -8,9 +9,6 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QUrl>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -36,15 +34,15 @@ protected:
         downloader->setDownloadDir(downloads);
         downloader->setFileName(u"new.dmg"_s);
     }
-    void start(const QByteArray& answer, bool leaveOpen = false)
+    void start(const LoopbackServer::Answer& answer)
     {
-        server.put(u"/new.dmg"_s, answer, leaveOpen);
+        server.put(u"/new.dmg"_s, answer);
         downloader->startDownload(QUrl(server.url(u"/new.dmg"_s)));
     }
     /// One that never ends, with its first bytes on the disk.
     bool startEndless()
     {
-        start(LoopbackServer::cut("begun", 1000), true);
+        start(LoopbackServer::cut("begun", 1000, true));
         return soon([this] { return content(u"new.dmg.part"_s) == "begun"; });
     }
     template <class Widget>
@@ -61,11 +59,11 @@ protected:
 TEST_F(DownloaderTest, BringsTheWholeFileAndAsksWhetherToOpenIt)
 {
     const QByteArray file = pattern(5000000);
-    const QByteArray answers[] = {LoopbackServer::ok(file), LoopbackServer::withoutLength(file),
-                                  LoopbackServer::redirect(u"/elsewhere/x"_s)};
+    const LoopbackServer::Answer answers[] = {LoopbackServer::ok(file), LoopbackServer::withoutLength(file),
+                                              LoopbackServer::redirect(u"/elsewhere/x"_s)};
     server.put(u"/elsewhere/x"_s, LoopbackServer::ok(file));
     const QString path = downloads + u"new.dmg"_s;
-    for (const QByteArray& answer : answers) {
+    for (const auto& answer : answers) {
         QSignalSpy done(downloader.get(), &Downloader::downloadFinished);
         start(answer);
         EXPECT_EQ(downloaded(), QStringList()); // the former is gone
@@ -90,9 +88,12 @@ TEST_F(DownloaderTest, BringsTheWholeFileAndAsksWhetherToOpenIt)
     EXPECT_EQ(boxText(), u"Cannot find downloaded update!|"_s);
 
     downloader->setUseCustomInstallProcedures(true);
-    start(answers[0]);
-    EXPECT_TRUE(soon([&] { return content(u"new.dmg"_s) == file; }));
-    EXPECT_EQ(box(), nullptr);
+    server.put(u"/elsewhere/x"_s, LoopbackServer::ok("small"));
+    for (int i = 0; i <= web::REDIRECT_LIMIT; ++i) { // which each download has for itself
+        start(answers[2]);
+        EXPECT_TRUE(soon([&] { return content(u"new.dmg"_s) == "small"; }));
+        EXPECT_EQ(box(), nullptr);
+    }
 }
 
 TEST_F(DownloaderTest, WhatIsNotWholeIsNeitherKeptNorOffered)
@@ -100,20 +101,19 @@ TEST_F(DownloaderTest, WhatIsNotWholeIsNeitherKeptNorOffered)
     const QByteArray file = pattern(100000);
     const QString interrupted = u"The connection was interrupted."_s;
     const QString notFollowed = u"The server sends on to an address that is not followed."_s;
-    const std::tuple<QByteArray, bool, QString> rows[] = {
-        // answer, whether it is left open, reason
-        {LoopbackServer::cut(file, 100001), false, interrupted},
-        {LoopbackServer::cut(file, 100001), true, interrupted},
-        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n8\r\nfour", false, interrupted},
-        {LoopbackServer::notFound(), false, u"The server answered with the code 404."_s},
-        {LoopbackServer::ok(""), false, u"The server sent an empty file."_s},
-        {LoopbackServer::redirect(u"/new.dmg"_s), false, notFollowed},
-        {LoopbackServer::redirect(u"file:///etc/hostname"_s), false, notFollowed},
+    const std::pair<LoopbackServer::Answer, QString> rows[] = {
+        {LoopbackServer::cut(file, 100001), interrupted},
+        {LoopbackServer::cut(file, 100001, true), interrupted},
+        {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n8\r\nfour"}, interrupted},
+        {LoopbackServer::notFound(), u"The server answered with the code 404."_s},
+        {LoopbackServer::ok(""), u"The server sent an empty file."_s},
+        {LoopbackServer::redirect(u"/new.dmg"_s), notFollowed},
+        {LoopbackServer::redirect(u"file:///etc/hostname"_s), notFollowed},
     };
-    for (const auto& [answer, leaveOpen, reason] : rows) {
+    for (const auto& [answer, reason] : rows) {
         downloader->setTransferTimeout(300);
-        start(answer, leaveOpen);
-        EXPECT_EQ(nextBox(), FAILED + reason) << answer.left(99).toStdString();
+        start(answer);
+        EXPECT_EQ(nextBox(), FAILED + reason) << answer.bytes.left(99).toStdString();
         EXPECT_EQ(downloaded(), QStringList());
         EXPECT_FALSE(downloader->isVisible());
     }
@@ -133,8 +133,7 @@ TEST_F(DownloaderTest, NoNameLeadsOutOfTheFolder)
     for (const QString& name : hostile) {
         downloader->setFileName(name);
         start(LoopbackServer::ok("theirs"));
-        EXPECT_EQ(boxText(), FAILED + u"The address that the server gave has no usable file name."_s)
-            << qPrintable(name);
+        EXPECT_TRUE(boxText().endsWith(u" has no usable file name."_s)) << qPrintable(name);
     }
     EXPECT_TRUE(server.requests().isEmpty());
     EXPECT_TRUE(Downloader::isSafeFileName(u"Brevick%20Tuning Orlo 2..1.dmg"_s));
@@ -152,16 +151,11 @@ TEST_F(DownloaderTest, NoNameLeadsOutOfTheFolder)
 TEST_F(DownloaderTest, TellsWhatCannotBeWritten)
 {
     const QString target = QDir(downloads).filePath(u"new.dmg"_s);
-    // As on a full disk: files of this process end at 4096 bytes.
-    rlimit former{};
-    getrlimit(RLIMIT_FSIZE, &former);
-    const rlimit full{4096, former.rlim_max};
-    const auto formerHandler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &full);
-    start(LoopbackServer::ok(pattern(100000)));
-    EXPECT_EQ(nextBox(), FAILED + u"&quot;"_s + target + u".part&quot; cannot be written."_s);
-    setrlimit(RLIMIT_FSIZE, &former);
-    std::signal(SIGXFSZ, formerHandler);
+    {
+        const FullDisk full(4096);
+        start(LoopbackServer::ok(pattern(100000)));
+        EXPECT_EQ(nextBox(), FAILED + u"&quot;"_s + target + u".part&quot; cannot be written."_s);
+    }
     EXPECT_EQ(downloaded(), QStringList());
 
     for (const QString& taken : {target, target + u".part"_s}) {
@@ -230,7 +224,7 @@ TEST_F(DownloaderTest, TellsSizesAndTheTimeThatRemains)
     EXPECT_EQ(Downloader::remainingText(90), u"2 minutes"_s);
     EXPECT_EQ(Downloader::remainingText(9000), u"about 3 hours"_s);
     // Two tenths come; the rest would take four times as long as they took in whole seconds.
-    start(LoopbackServer::cut(QByteArray(1024, 'x'), 10240), true);
+    start(LoopbackServer::cut(QByteArray(1024, 'x'), 10240, true));
     EXPECT_TRUE(soon([this] { return content(u"new.dmg.part"_s).size() == 1024; }));
     QTest::qWait(1100);
     server.sendMore(QByteArray(1024, 'x'));

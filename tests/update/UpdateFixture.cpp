@@ -25,7 +25,7 @@ void LoopbackServer::read(QTcpSocket* socket)
         return;
     mLast = socket;
     mRequests.append(socket->readAll());
-    const Answer answer = mAnswers.value(mRequests.last().split(' ').value(1), {notFound(), false});
+    const Answer answer = mAnswers.value(mRequests.last().split(' ').value(1), notFound());
     socket->write(answer.bytes);
     if (!answer.leaveOpen)
         socket->disconnectFromHost();
@@ -36,14 +36,15 @@ QString LoopbackServer::url(const QString& path) const
     return QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(path);
 }
 
-QByteArray LoopbackServer::cut(const QByteArray& body, qsizetype promised)
+LoopbackServer::Answer LoopbackServer::cut(const QByteArray& body, qsizetype promised, bool leaveOpen)
 {
-    return "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(promised) + "\r\n\r\n" + body;
+    return {"HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(promised) + "\r\n\r\n" + body,
+            leaveOpen};
 }
 
-QByteArray LoopbackServer::redirect(const QString& to)
+LoopbackServer::Answer LoopbackServer::redirect(const QString& to)
 {
-    return "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: " + to.toUtf8() + "\r\n\r\n";
+    return {"HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: " + to.toUtf8() + "\r\n\r\n"};
 }
 
 AddressCatcher::AddressCatcher()

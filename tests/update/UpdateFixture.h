@@ -22,33 +22,31 @@ inline void PrintTo(const QString& text, std::ostream* out)
 class LoopbackServer : public QTcpServer
 {
 public:
+    /// Header and all. Then the connection ends, unless it is left open, as by a server that went to sleep.
+    struct Answer
+    {
+        QByteArray bytes;
+        bool leaveOpen = false;
+    };
+
     LoopbackServer();
 
-    /// The answer to a request of this path, header and all. Then the connection ends, unless it is
-    /// left open, as by a server that went to sleep.
-    void put(const QString& path, const QByteArray& answer, bool leaveOpen = false)
-    {
-        mAnswers.insert(path.toUtf8(), {answer, leaveOpen});
-    }
+    /// To a request of this path.
+    void put(const QString& path, const Answer& answer) { mAnswers.insert(path.toUtf8(), answer); }
     /// More for the last request, whose connection is open.
     void sendMore(const QByteArray& bytes) { mLast->write(bytes); }
     QString url(const QString& path) const;
     /// Headers of all requests, in their order.
     const QList<QByteArray>& requests() const { return mRequests; }
 
-    static QByteArray ok(const QByteArray& body) { return cut(body, body.size()); }
+    static Answer ok(const QByteArray& body) { return cut(body, body.size()); }
     /// Promises another length than it gives.
-    static QByteArray cut(const QByteArray& body, qsizetype promised);
-    static QByteArray withoutLength(const QByteArray& body) { return "HTTP/1.1 200 OK\r\n\r\n" + body; }
-    static QByteArray redirect(const QString& to);
-    static QByteArray notFound() { return "HTTP/1.1 404 Not Found\r\nContent-Length: 5\r\n\r\nGone."; }
+    static Answer cut(const QByteArray& body, qsizetype promised, bool leaveOpen = false);
+    static Answer withoutLength(const QByteArray& body) { return {"HTTP/1.1 200 OK\r\n\r\n" + body}; }
+    static Answer redirect(const QString& to);
+    static Answer notFound() { return {"HTTP/1.1 404 Not Found\r\nContent-Length: 5\r\n\r\nGone."}; }
 
 private:
-    struct Answer
-    {
-        QByteArray bytes;
-        bool leaveOpen;
-    };
     void read(QTcpSocket* socket);
 
     QHash<QByteArray, Answer> mAnswers; // by path
