@@ -239,9 +239,9 @@ BENCHMARK(snapshotRead)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
-    installQuietLog();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -16,10 +16,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <iostream>
-#include <mutex>
-#include <set>
 #include <streambuf>
 #include <string>
 
@@ -31,16 +28,6 @@ using Messages = std::vector<midi::Bytes>;
 
 constexpr int VOICES = 16;
 constexpr int CALLS = 100; // of a batch: what they send fits into either buffer
-
-/// From any thread.
-void sayOnce(const std::string& line)
-{
-    static std::mutex mutex;
-    static std::set<std::string> said;
-    const std::lock_guard lock(mutex);
-    if (said.insert(line).second)
-        std::fprintf(stderr, "%s\n", line.c_str());
-}
 
 /// Of what RtMidi and JACK print, each line once: without a JACK server they would repeat six of them at
 /// each of some hundred new outputs.
@@ -231,9 +218,9 @@ BENCHMARK_CAPTURE(bend16Voices, mpe, true)->UseManualTime()->Iterations(50);
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     const QCoreApplication application(argc, argv);
     const LinesOnce linesOnce;
-    installQuietLog();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

@@ -205,9 +205,9 @@ BENCHMARK(queuePress)->Iterations(2000)->UseManualTime();
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
-    installQuietLog();
     benchmark::Initialize(&argc, argv);
     PdPlayer::connectLattice(&rig().player, &rig().orlo);
     benchmark::RunSpecifiedBenchmarks();

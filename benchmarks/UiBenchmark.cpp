@@ -338,10 +338,10 @@ BENCHMARK(sortPlainly)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicroseco
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    installQuietLog();
     QApplication::setStyle(QStringLiteral("Fusion"));
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
     benchmark::Initialize(&argc, argv);

@@ -362,8 +362,8 @@ void printOpenings()
 
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
     installQuietLog();
+    QCoreApplication application(argc, argv);
     setFlushToZero(); // for the yardsticks too
     printCosts();
     printComparison();
