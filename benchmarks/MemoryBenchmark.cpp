@@ -1,6 +1,7 @@
-// The cost of nodes and chord memory, with a thousand altered nodes in the tables. Each beside a
-// baseline of the same run.
+// The cost of nodes and chord memory, with a thousand altered nodes in the tables.
 
+#include "Baseline.h"
+#include "QuietLog.h"
 #include "memory/StoreAndRecall.h"
 #include "support/SoundRig.h"
 
@@ -72,11 +73,12 @@ void glissStep(benchmark::State& state)
     Stage stage;
     stage.selectSounding(static_cast<int>(state.range(0)));
     float value = 0.0F;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         value = value < 1.0F ? value + 1.0F / 256.0F : 0.0F;
         stage.rig.queue(OrloEvent(OrloEvent::GlissOneSet, value));
         stage.rig.player.processEvents();
     }
+    setBaseline(state, "messagesAlone", state.range(0));
 }
 
 void macroStep(benchmark::State& state)
@@ -84,7 +86,7 @@ void macroStep(benchmark::State& state)
     Stage stage;
     stage.selectSounding(static_cast<int>(state.range(0)));
     float value = 0.0F;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         value = value < 1.0F ? value + 1.0F / 256.0F : 0.0F;
         stage.rig.queue(OrloEvent(OrloEvent::Macro1Set, value));
         stage.rig.player.processEvents();
@@ -92,13 +94,14 @@ void macroStep(benchmark::State& state)
         stage.rig.player.relay().drain();
         state.ResumeTiming();
     }
+    setBaseline(state, "messagesAlone", state.range(0));
 }
 
 /// What the messages of a step cost by themselves.
 void messagesAlone(benchmark::State& state)
 {
     Stage stage;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (int i = 0; i < state.range(0); ++i)
             stage.rig.player.sendPdVoiceMessage(voiceFrequency, 440.0F, static_cast<float>(i));
     }
@@ -114,7 +117,7 @@ void resetAll(benchmark::State& state)
         if (i % 64 == 0)
             stage.blocks();
     }
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
         for (int n = 0; n < ALTERED; ++n) {
             stage.select(n);
@@ -142,7 +145,7 @@ void recallBlock(benchmark::State& state)
         player.disconnect(&player.relay());
         QObject::connect(&player, &PdPlayer::noteToggled, &orlo, &Orlo::onNoteToggled, Qt::QueuedConnection);
     }
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
         stage.rig.queue(OrloEvent(OrloEvent::AllNotesOffForced, 1.0F));
         stage.blocks();
@@ -154,6 +157,8 @@ void recallBlock(benchmark::State& state)
         state.ResumeTiming();
         player.processEvents();
     }
+    if (state.range(0) == 0)
+        setBaseline(state, "recallBlock/queued:1");
 }
 
 /// From the press on a chord button to the first block that sounds.
@@ -166,7 +171,7 @@ void recallToSound(benchmark::State& state)
         chord.append(ratioNumber(i * 7));
     memory.storedChords()->insert(1, chord);
     double blocks = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         memory.recallRatios(1, StoreAndRecall::Standard);
         do
             ++blocks;
@@ -178,13 +183,14 @@ void recallToSound(benchmark::State& state)
         state.ResumeTiming();
     }
     state.counters["blocks"] = benchmark::Counter(blocks, benchmark::Counter::kAvgIterations);
+    setBaseline(state, "blockAlone");
 }
 
 /// One block of the same patch in silence.
 void blockAlone(benchmark::State& state)
 {
     Stage stage(QStringLiteral("Sine.pd"));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(stage.rig.render());
 }
 
@@ -195,7 +201,7 @@ void lookUpInPlainList(benchmark::State& state)
     for (int n = 0; n < state.range(0); ++n)
         list.append(ratioNumber(n));
     const OrloRatio last = list.last();
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(list.contains(last));
 }
 
@@ -205,15 +211,16 @@ void lookUp(benchmark::State& state)
     for (int n = 0; n < state.range(0); ++n)
         list.append(ratioNumber(n));
     const OrloRatio last = ratioNumber(static_cast<int>(state.range(0)) - 1);
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(list.contains(last));
+    setBaseline(state, "lookUpInPlainList", state.range(0));
 }
 
 void snapshotRead(benchmark::State& state)
 {
     Stage stage;
     stage.selectSounding(128);
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(stage.rig.player.getAllSoundingRatios());
 }
 
@@ -228,15 +235,13 @@ BENCHMARK(lookUpInPlainList)->Arg(10)->Arg(100)->Arg(ALTERED);
 BENCHMARK(lookUp)->Arg(10)->Arg(100)->Arg(ALTERED);
 BENCHMARK(snapshotRead)->Unit(benchmark::kMicrosecond);
 
-void quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
-
 } // namespace
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
-    qInstallMessageHandler(quiet);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

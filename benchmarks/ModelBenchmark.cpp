@@ -1,17 +1,18 @@
+#include "Baseline.h"
+#include "QuietLog.h"
+
 #include "model/Orlo.h"
 #include "model/OrloBall.h"
 #include "model/OrloPath.h"
 
 #include <benchmark/benchmark.h>
 
-#include <QLoggingCategory>
-
 #include <chrono>
 #include <memory>
 #include <unordered_map>
 
-// Every benchmark measures a baseline in the same run: the least that the same amount of work could
-// cost. The counter `of_baseline` is the cost over that, so it means the same on every machine.
+// The cost of the tuning model. The baseline of each benchmark is the least that the same amount of work
+// could cost.
 
 namespace {
 
@@ -40,11 +41,10 @@ void measure(benchmark::State& state, qsizetype count, Work&& work, Baseline&& b
 {
     const double base = meanSeconds(baseline);
     const auto start = Clock::now();
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         work();
     const double own = Seconds(Clock::now() - start).count() / static_cast<double>(state.iterations());
-    state.counters["baseline_ns"] = base * 1e9;
-    state.counters["of_baseline"] = own / base;
+    setCosts(state, own, base);
     state.counters["ns_each"] = own * 1e9 / static_cast<double>(count);
 }
 
@@ -194,7 +194,7 @@ BENCHMARK(printPaths)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+    installQuietLog();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

@@ -1,6 +1,8 @@
-// What the sound engine adds to Pure Data's own work. Each figure is paired: the engine's way and
-// libpd's bare calls take turns in one run, on the same patch, and the medians are compared.
+// What the sound engine adds to Pure Data's own work. The baseline is libpd's bare calls: they and the
+// engine take turns in one run, on the same patch, and the medians are compared.
 
+#include "Baseline.h"
+#include "QuietLog.h"
 #include "support/SoundRig.h"
 
 #include "sound/EngineRelay.h"
@@ -44,14 +46,10 @@ public:
 
     double lastOfOurs() const { return mOurs.back(); }
 
-    void report(benchmark::State& state)
+    /// Of one call, when so many were timed together.
+    void report(benchmark::State& state, int calls = 1)
     {
-        const double ours = median(mOurs);
-        const double bare = median(mBare);
-        state.counters["ours_ns"] = ours;
-        state.counters["bare_ns"] = bare;
-        state.counters["own_ns"] = ours - bare;
-        state.counters["own_percent"] = 100.0 * (ours - bare) / bare;
+        setCosts(state, 1e-9 * median(mOurs) / calls, 1e-9 * median(mBare) / calls);
     }
 
 private:
@@ -185,9 +183,7 @@ void queueing(benchmark::State& state, const Event& event)
         buffer.processEvents(chunks);
         chunks.setSize(0);
     }
-    pair.report(state);
-    for (const char* name : {"ours_ns", "bare_ns", "own_ns"})
-        state.counters[name] = state.counters[name] / BATCH; // for each event
+    pair.report(state, BATCH);
 }
 
 void queueSlider(benchmark::State& state)
@@ -209,9 +205,9 @@ BENCHMARK(queuePress)->Iterations(2000)->UseManualTime();
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     benchmark::Initialize(&argc, argv);
     PdPlayer::connectLattice(&rig().player, &rig().orlo);
     benchmark::RunSpecifiedBenchmarks();

@@ -2,6 +2,7 @@
 // FluidSynth. Everything that is compared takes turns in one run, block by block, and medians are
 // compared, so that a busy machine slows all alike. A table on standard output.
 
+#include "QuietLog.h"
 #include "support/SoundRig.h"
 
 #include "sound/FloatMode.h"
@@ -361,11 +362,8 @@ void printOpenings()
 
 int main(int argc, char** argv)
 {
+    installQuietLog();
     QCoreApplication application(argc, argv);
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-        if (type == QtFatalMsg)
-            std::fprintf(stderr, "%s\n", qPrintable(text));
-    });
     setFlushToZero(); // for the yardsticks too
     printCosts();
     printComparison();
