@@ -15,8 +15,8 @@ inline constexpr float DEFAULT_RANGE_TWO = 100.0F;
 /// the same curve.
 inline float factor(float rangeCents, float slider)
 {
-    const double cents = static_cast<double>(rangeCents) * 2.0 * (static_cast<double>(slider) - 0.5);
-    return static_cast<float>(std::exp2(cents / 1200.0));
+    const double position = static_cast<double>(slider) - static_cast<double>(MIDDLE);
+    return static_cast<float>(std::exp2(static_cast<double>(rangeCents) * 2.0 * position / 1200.0));
 }
 
 } // namespace glissando

@@ -4,9 +4,8 @@
 
 #include <array>
 
-/// What a sounding or selected node carries: eight macros and two glissando values, on the scale
-/// of the sliders from 0.0 to 1.0. A glissando in the middle changes
-/// nothing.
+/// What a sounding or selected node carries: eight macros and two glissando values, on the scale of the
+/// sliders from 0.0 to 1.0. The middle of a glissando changes nothing.
 struct NodeParameters
 {
     static constexpr int MACRO_COUNT = 8;

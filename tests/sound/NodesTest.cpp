@@ -119,7 +119,7 @@ TEST_F(Nodes, WhatIsDoneWithoutAPatchHoldsInTheNext)
     ASSERT_EQ(sliders.size(), 1);
     EXPECT_EQ(sliders[0][0].value<QList<float>>(), (QList<float>{0.5F, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(toggled.size(), 5); // B and C end and start, A starts: each has one voice
-    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{C, A, B}));
+    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{A, C, B}));
     EXPECT_EQ(rig.player.getAllSelectedRatios(), (QList<OrloRatio>{B, A}));
     EXPECT_EQ(voiceOf(B).gate, 1.0F);
     EXPECT_NEAR(frequencyOf(B), 1320.0F * SEMITONE, 0.01F);
