@@ -110,7 +110,7 @@ void VirtualDesk::requestClose(const Window& window) const
     event.type = atom("WM_PROTOCOLS");
     event.data.data32[0] = atom("WM_DELETE_WINDOW");
     xcb_send_event(screen, 0, window.id, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
-    xcb_flush(screen);
+    atom("WM_PROTOCOLS"); // the answer comes once the server has read the event, which an end would lose
     xcb_disconnect(screen);
 }
 
