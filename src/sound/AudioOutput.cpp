@@ -6,14 +6,14 @@ namespace {
 
 constexpr int PD_BLOCK = 64;
 constexpr int DEFAULT_FRAMES = 256;
-constexpr int MOST_FRAMES = 8192;
+constexpr int MAX_FRAMES = 8192;
 
 int usableFrames(int frames)
 {
     if (frames <= 0)
         return DEFAULT_FRAMES;
-    if (frames >= MOST_FRAMES)
-        return MOST_FRAMES;
+    if (frames >= MAX_FRAMES)
+        return MAX_FRAMES;
     return (frames + PD_BLOCK - 1) / PD_BLOCK * PD_BLOCK;
 }
 

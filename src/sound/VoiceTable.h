@@ -13,30 +13,33 @@ struct Voice
     bool released = false;
 };
 
-/// The voice slots and the map from a sounding or fading ratio to its latest slot. [audio] only,
-/// once the engine runs. Slots never move, so the map holds pointers to them.
+/// The voice slots and the map from a sounding or fading ratio to its latest slot. Slots never move, so the
+/// map holds pointers to them.
 class VoiceTable
 {
 public:
     static constexpr int SLOTS = 128;
 
+    /// [any]
     VoiceTable();
 
-    /// The lowest free slot below `maxVoices`; null when all are taken.
+    /// [audio] The lowest free slot below `maxVoices`; null when all are taken.
     Voice* freeSlot(int maxVoices);
-    /// The slot below `maxVoices` that was taken first; null when none is taken.
+    /// [audio] The slot below `maxVoices` that was taken first; null when none is taken.
     Voice* oldestSlot(int maxVoices);
-    /// Null for an index outside the table.
+    /// [audio] Null for an index outside the table.
     Voice* slot(int index);
+    /// [audio] The latest slot of the ratio; null for none.
     Voice* find(const OrloRatio& ratio) const { return noteMap.value(ratio, nullptr); }
 
-    /// Marks the slot taken and points the map to it; an older slot of the same ratio goes on
+    /// [audio] Marks the slot taken and points the map to it; an older slot of the same ratio goes on
     /// fading without an entry.
     void take(Voice& voice, const OrloRatio& ratio, std::uint32_t seqId);
-    /// Frees the slot. True when the map pointed to it and the entry was removed.
+    /// [audio] Frees the slot. True when the map pointed to it and the entry was removed.
     bool release(Voice& voice);
 
-    RatioTable<Voice*> noteMap; // with room for every slot
+    /// [audio] With room for every slot.
+    RatioTable<Voice*> noteMap;
 
 private:
     StaticArray<Voice, SLOTS> mVoices;
