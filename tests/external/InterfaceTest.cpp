@@ -2,7 +2,6 @@
 
 #include "external/MidiDouble.h"
 #include "sound/OrloNoteEvent.h"
-#include "support/AllocationCounter.h"
 #include "support/SoundRig.h"
 
 #include <gtest/gtest.h>
@@ -89,25 +88,4 @@ TEST_F(Router, EachVoiceOfThePlayerHasAKeyOfItsOwn)
     press(3, 2);
     press(5, 4);
     EXPECT_EQ(out.system->take(), "");
-}
-
-TEST_F(Router, ANoteAllocatesNothingForMidi)
-{
-    if (!AllocationCounter::WORKS)
-        GTEST_SKIP() << "Allocations cannot be counted in this build.";
-    const auto allocationsOfAPress = [this](unsigned long long numerator) {
-        press(numerator, 8); // everything that grows once has grown
-        press(numerator, 8);
-        const AllocationCounter counter;
-        press(numerator, 8);
-        press(numerator, 8);
-        return counter.count();
-    };
-    for (const int channel : {0, -1}) {
-        out.setChannel(channel);
-        out.selectPort(-1);
-        const int without = allocationsOfAPress(11);
-        ASSERT_TRUE(out.selectPort(0));
-        EXPECT_EQ(allocationsOfAPress(13), without) << "channel " << channel;
-    }
 }
