@@ -3,6 +3,7 @@
 #include "app/DebugLog.h"
 #include "external/MidiOutRtMidi.h"
 #include "sound/PdPlayer.h"
+#include "sound/ThreadCheck.h"
 
 #include <limits>
 
@@ -14,8 +15,8 @@ constexpr double FULL_VELOCITY = 127.0;
 int velocityOf(float value)
 {
     const double velocity = static_cast<double>(value) * FULL_VELOCITY;
-    constexpr double most = std::numeric_limits<int>::max();
-    return static_cast<int>(qBound(-most, velocity, most));
+    constexpr double max = std::numeric_limits<int>::max();
+    return static_cast<int>(qBound(-max, velocity, max));
 }
 
 } // namespace
@@ -40,6 +41,7 @@ void Interface::term()
 
 void Interface::setRestricted(bool isRestricted)
 {
+    ThreadCheck::gui();
     if (!restricted.exchange(isRestricted) && isRestricted)
         midiOutput->endNotes(); // behind the last instruction that went out
 }
@@ -47,6 +49,7 @@ void Interface::setRestricted(bool isRestricted)
 void Interface::receiveInstructions(int parameter, QList<int> voices, QList<float> value1,
                                     QList<float> value2)
 {
+    ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Interface: Received: parameter, voices, value1, value2 " << parameter << voices
                      << value1 << value2;
     if (restricted) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 /// What the MIDI output sends, as bytes. Pure functions without state; none but those that append
-/// to a vector allocates, and those not while its capacity lasts.
+/// to a vector allocates, and those not while its capacity lasts. Every function is [any].
 ///
 /// A note is a MIDI key as a fraction: 69.0 is 440 Hz, whatever the player's calibration. Channels
 /// count from 0 to 15. Key and velocity are cut to a byte without a test of their range.

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// The shape of a MIDI input. The program has none yet.
+/// An empty shape for a MIDI input, which the program does not have yet. Nothing makes one.
 class MidiIn : public QObject
 {
     Q_OBJECT

@@ -4,7 +4,7 @@
 
 class RtMidiIn;
 
-/// The place of a MIDI input over RtMidi. The program has none yet.
+/// An empty shape for a MIDI input over RtMidi, which the program does not have yet. Nothing makes one.
 class MidiInRtMidi : public QObject
 {
     Q_OBJECT

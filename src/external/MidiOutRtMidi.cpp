@@ -2,8 +2,9 @@
 
 #include "app/DebugLog.h"
 #include "sound/AudioLog.h"
+#include "sound/ThreadCheck.h"
 
-#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <optional>
 #include <utility>
@@ -12,23 +13,19 @@ namespace {
 
 constexpr const char* CLIENT_NAME = "RtMidi Output Client";
 constexpr int LAST_CHANNEL = MidiOutput::CHANNELS - 1;
-constexpr int LAST_KEY = 127;
-constexpr size_t MOST_KEYS = 256; // of one tuning change
+constexpr int DEFAULT_BEND_RANGE_CENTS = 200; // of a device
 constexpr std::chrono::milliseconds WATCH_INTERVAL{100};
-// Of a choice of the player's, who waits for two calls at the most.
+// A choice of the player's that has taken so long is not tried again: it is two calls at most.
 constexpr qint64 LAST_TRY_MS = 3000;
-constexpr qint64 SEARCH_INTERVAL_MS = 2000;
-// A server that has died may yet set a thread free; one that spins never comes back.
-constexpr qint64 SEARCH_BESIDE_LOST_MS = 10000;
-// Given up by then, MIDI stays off until one of them comes back.
-constexpr int MOST_LOST_THREADS = 3;
+// With so many given up, MIDI stays off until one of them comes back.
+constexpr int MAX_LOST_THREADS = 3;
 
-QList<int> asList(const midi::Bytes& bytes)
+QList<int> asList(std::span<const midi::Byte> bytes)
 {
     return QList<int>(bytes.begin(), bytes.end());
 }
 
-/// What stands for no port among the options.
+/// The texts that the options have for no port.
 bool isNoPort(const QString& name)
 {
     return name.isEmpty() || name == MidiOutput::deactivatedName()
@@ -45,7 +42,6 @@ void logFailure(const char* what, const std::string& why)
 MidiOutRtMidi::MidiOutRtMidi(QObject* parent)
     : MidiOutput(parent)
 {
-    mTuningChange.reserve(midi::tuningChangeSize(MOST_KEYS));
     mWatch.setInterval(WATCH_INTERVAL);
     connect(&mWatch, &QTimer::timeout, this, &MidiOutRtMidi::watch);
 }
@@ -64,6 +60,7 @@ MidiPort::Factory MidiOutRtMidi::outputFactory() const
 bool MidiOutRtMidi::init()
 {
     const auto failure = std::make_shared<std::optional<RtMidiError>>();
+    mReturn.cancel();
     mWriter = nullptr;
     mSender.reset();
     const bool answered = sender() && sender()->run([failure](MidiPort& port) {
@@ -86,8 +83,9 @@ bool MidiOutRtMidi::init()
 
 void MidiOutRtMidi::term()
 {
+    ThreadCheck::stopped();
     mWatch.stop();
-    mSearch.reset();
+    mReturn.cancel();
     if (portOpen && mWriter)
         silence();
     if (mSender && !mSender->run([](MidiPort& port) { port.close(); }))
@@ -104,14 +102,14 @@ MidiSender* MidiOutRtMidi::sender() const
 {
     if (mSender && mSender->isGivenUp())
         dropSender();
-    if (!mSender && MidiSender::lostThreads() < MOST_LOST_THREADS)
+    if (!mSender && MidiSender::lostThreads() < MAX_LOST_THREADS)
         mSender = std::make_unique<MidiSender>(outputFactory());
     return mSender.get();
 }
 
 void MidiOutRtMidi::dropSender() const
 {
-    mSearch.reset();
+    mReturn.dropSearch();
     if (mSender.get() == mWriter)
         mFormerSender = std::move(mSender);
     mSender.reset();
@@ -132,6 +130,7 @@ std::shared_ptr<MidiSender::Answer> MidiOutRtMidi::callSender(const char* what, 
 /// is not sent. No port is open but one that has a writer.
 void MidiOutRtMidi::send(std::span<const midi::Byte> message)
 {
+    ThreadCheck::audio();
     if (portOpen && mWriter && midi::isWellFormed(message))
         mWriter->write(message);
 }
@@ -140,6 +139,7 @@ void MidiOutRtMidi::send(std::span<const midi::Byte> message)
 
 QStringList MidiOutRtMidi::availablePorts() const
 {
+    ThreadCheck::gui();
     const auto names = std::make_shared<std::vector<std::string>>();
     const auto answer = callSender("listing the ports", [names](MidiPort& port) { *names = port.names(); });
     qDebug() << "Midi Output ports available:";
@@ -155,6 +155,7 @@ QStringList MidiOutRtMidi::availablePorts() const
 
 bool MidiOutRtMidi::selectPort(QString name)
 {
+    ThreadCheck::gui();
     QElapsedTimer timer;
     timer.start();
     QStringList ports = availablePorts();
@@ -171,6 +172,7 @@ bool MidiOutRtMidi::selectPort(QString name)
 
 bool MidiOutRtMidi::selectPort(int index)
 {
+    ThreadCheck::gui();
     QElapsedTimer timer;
     timer.start();
     return openPort(index, timer);
@@ -200,14 +202,13 @@ bool MidiOutRtMidi::mayAskAgain(const QElapsedTimer& sinceChoice) const
 /// By choice: nothing is waited for any more.
 void MidiOutRtMidi::closePort()
 {
-    const bool maybeOpen = (portOpen || mSearch) && mSender && !mSender->isGivenUp();
+    const bool maybeOpen = (portOpen || mReturn.isSearching()) && mSender && !mSender->isGivenUp();
     mWatch.stop();
-    mSearch.reset();
+    mReturn.cancel();
     wantedPort.clear();
-    mWantedApi = RtMidi::UNSPECIFIED;
     const auto silenceIt = [this] {
         silence();
-        forgetChannels();
+        mpeChannels.freeAll();
         portOpen = false;
     };
     if (portOpen && !onEngine(silenceIt))
@@ -224,7 +225,7 @@ bool MidiOutRtMidi::usePort(const MidiPort::Opened& opened)
 {
     const auto begin = [this] {
         mWriter = mSender.get();
-        forgetChannels();
+        mpeChannels.freeAll();
         portOpen = true;
         if (mpeMode)
             mpeApplyPitchBendRange();
@@ -235,7 +236,7 @@ bool MidiOutRtMidi::usePort(const MidiPort::Opened& opened)
     }
     mFormerSender.reset();
     portName = wantedPort = QString::fromStdString(opened.name);
-    mWantedApi = opened.api;
+    mReturn.setApi(opened.api);
     qDebug().noquote() << "Midi-Out port opened: " << portName;
     startWatch();
     return true;
@@ -243,12 +244,13 @@ bool MidiOutRtMidi::usePort(const MidiPort::Opened& opened)
 
 void MidiOutRtMidi::endNotes()
 {
+    ThreadCheck::gui();
     const auto end = [this] {
         if (mpeMode)
             mpeAllVoicesOff();
         else
             allVoicesOff();
-        forgetChannels();
+        mpeChannels.freeAll();
     };
     if (portOpen && !onEngine(end))
         closePort(); // nothing can tell the device
@@ -269,7 +271,7 @@ void MidiOutRtMidi::silence()
 
 void MidiOutRtMidi::startWatch()
 {
-    mSinceSearch.start();
+    mReturn.pause();
     mWatch.start();
 }
 
@@ -290,38 +292,22 @@ void MidiOutRtMidi::losePort(const std::string& why)
     logFailure("sending", why);
     if (mSender)
         mSender->post([](MidiPort& port) { port.abandon(); });
-    mSinceSearch.start();
+    mReturn.pause();
     emit portLost(lost);
 }
 
-/// Never waits: a frozen server must not freeze the window.
 void MidiOutRtMidi::lookForPort()
 {
-    if (mSearch && mSearch->answer->done) {
-        const auto [answer, opened] = *std::exchange(mSearch, std::nullopt);
-        if (!answer->error && *opened && usePort(**opened))
-            emit portBack(portName);
-    } else if (mSearch) {
-        if (mSinceSearch.hasExpired(MidiSender::LONGEST_CALL.count()))
-            mSender->giveUp();
-        if (mSender->isGivenUp())
-            mSearch.reset();
-    } else if (mSinceSearch.hasExpired(MidiSender::lostThreads() > 0 ? SEARCH_BESIDE_LOST_MS
-                                                                     : SEARCH_INTERVAL_MS)
-               && sender()) {
-        const auto opened = std::make_shared<std::optional<MidiPort::Opened>>();
-        const auto open = [opened, wanted = wantedPort.toStdString(), api = mWantedApi](MidiPort& port) {
-            *opened = port.open(wanted, api);
-        };
-        mSearch = Search{sender()->post(open), opened};
-        mSinceSearch.start();
-    }
+    const std::optional<MidiPort::Opened> opened = mReturn.look(wantedPort, [this] { return sender(); });
+    if (opened && usePort(*opened))
+        emit portBack(portName);
 }
 
 // ---------------------------------------------------------------- the channel
 
 void MidiOutRtMidi::setChannel(int newChannel)
 {
+    ThreadCheck::gui();
     if (onEngine([this, newChannel] { applyChannel(newChannel); }))
         return;
     closePort(); // nothing can tell the device
@@ -333,7 +319,7 @@ void MidiOutRtMidi::applyChannel(int newChannel)
 {
     const bool toMpe = newChannel == MPE;
     if (toMpe != mpeMode.exchange(toMpe))
-        forgetChannels();
+        mpeChannels.freeAll();
     if (toMpe) {
         if (portOpen && channel != MPE) {
             allVoicesOff(); // still on the old channel
@@ -352,52 +338,29 @@ void MidiOutRtMidi::applyChannel(int newChannel)
 
 // ---------------------------------------------------------------- MIDI Tuning Standard
 
-/// The note of a frequency, moved into the range with a warning.
-double MidiOutRtMidi::noteInRange(int voice, float frequency)
-{
-    const double note = midi::noteOfFrequency(frequency);
-    const bool isInRange = note >= 0.0 && note < midi::MAX_NOTE;
-    const auto at = static_cast<size_t>(voice);
-    const bool warnedBefore = at < mWarned.size() && std::exchange(mWarned[at], !isInRange);
-    if (isInRange)
-        return note;
-    const bool isBelow = note < 0.0;
-    if (!warnedBefore)
-        AudioLog::warning(isBelow ? "MTS: Freq sent to MIDI below MIDI range: %1"
-                                  : "MTS: Freq sent to MIDI above MIDI range: %1",
-                          {static_cast<double>(frequency)});
-    return isBelow ? 0.0 : midi::TOP_NOTE;
-}
-
 void MidiOutRtMidi::setKeyFrequency(QList<int> voices, QList<float> frequencies)
 {
+    ThreadCheck::audio();
     if (mpeMode) {
         mpeSetVoiceFrequency(voices, frequencies);
         return;
     }
-    const qsizetype given = qMin(voices.size(), frequencies.size());
-    // A key that is none would break the whole message.
-    const auto hasKey = [this](int voice) { return firstKey + voice <= LAST_KEY; };
-    const auto count = std::count_if(voices.cbegin(), voices.cbegin() + given, hasKey);
-    if (count == 0)
+    const auto noteOf = [this](int voice, float frequency) { return mNoteRange.noteOf(voice, frequency); };
+    sendTuning("MTS Midi message sent: ", mtsKeys.tune(voices, frequencies, noteOf));
+}
+
+/// Nothing for an empty message.
+void MidiOutRtMidi::sendTuning(const char* what, std::span<const midi::Byte> message)
+{
+    if (message.empty())
         return;
-    midi::beginTuningChange(mTuningChange, count);
-    for (qsizetype i = 0; i < given; ++i) {
-        if (!hasKey(voices.at(i)))
-            continue;
-        const int key = firstKey + voices.at(i);
-        const double note = noteInRange(voices.at(i), frequencies.at(i));
-        midi::addKeyTuning(mTuningChange, key, midi::tuningOfNote(note));
-        if (!tunedKeys.contains(key))
-            tunedKeys.append(key);
-    }
-    midi::endTuningChange(mTuningChange);
-    send(mTuningChange);
-    ORLO_AUDIO_DEBUG << "MTS Midi message sent: " << asList(mTuningChange);
+    send(message);
+    ORLO_AUDIO_DEBUG << what << asList(message);
 }
 
 void MidiOutRtMidi::bendVoices(QList<int> voices, QList<float> frequencies)
 {
+    ThreadCheck::audio();
     if (!mpeMode) {
         setKeyFrequency(voices, frequencies);
         return;
@@ -405,8 +368,7 @@ void MidiOutRtMidi::bendVoices(QList<int> voices, QList<float> frequencies)
     const qsizetype count = qMin(voices.size(), frequencies.size());
     for (qsizetype i = 0; i < count; ++i) {
         for (int held = 0; held < CHANNELS; ++held) {
-            if (channelActive[static_cast<size_t>(held)]
-                && channelVoice[static_cast<size_t>(held)] == voices.at(i))
+            if (mpeChannels.holds(held, voices.at(i)))
                 sendBend(held, frequencies.at(i));
         }
     }
@@ -414,20 +376,21 @@ void MidiOutRtMidi::bendVoices(QList<int> voices, QList<float> frequencies)
 
 void MidiOutRtMidi::voiceOn(int voice, int velocity)
 {
+    ThreadCheck::audio();
     if (mpeMode)
         mpeVoiceOn(voice, velocity);
     else if (channel >= 0)
-        send(midi::noteOn(channel, firstKey + voice, midi::velocityByte(velocity)));
+        send(midi::noteOn(channel, mtsKeys.keyOf(voice), midi::velocityByte(velocity)));
 }
 
 void MidiOutRtMidi::voiceOff(int voice)
 {
-    if (static_cast<size_t>(voice) < mWarned.size())
-        mWarned[static_cast<size_t>(voice)] = false;
+    ThreadCheck::audio();
+    mNoteRange.noteEnds(voice);
     if (mpeMode)
         mpeVoiceOff(voice);
     else if (channel >= 0)
-        send(midi::noteOff(channel, firstKey + voice));
+        send(midi::noteOff(channel, mtsKeys.keyOf(voice)));
 }
 
 void MidiOutRtMidi::allVoicesOff()
@@ -438,16 +401,132 @@ void MidiOutRtMidi::allVoicesOff()
 
 void MidiOutRtMidi::resetTuningAlteredVoices()
 {
-    if (tunedKeys.isEmpty())
-        return;
-    midi::beginTuningChange(mTuningChange, tunedKeys.size());
-    for (qsizetype i = 0; i < tunedKeys.size(); ++i) {
-        const int key = tunedKeys.at(i);
-        midi::addKeyTuning(mTuningChange, key, {static_cast<midi::Byte>(key), 0, 0});
+    sendTuning("Midi message sent to reset MTS to standard for previously altered voices: ", mtsKeys.reset());
+}
+
+// ---------------------------------------------------------------- MIDI Polyphonic Expression
+
+void MidiOutRtMidi::mpeSetVoiceFrequency(QList<int> voices, QList<float> frequencies)
+{
+    const qsizetype count = qMin(voices.size(), frequencies.size());
+    int start = 0; // where the search for a channel begins
+    for (qsizetype i = 0; i < count; ++i) {
+        const int found = takeChannel(voices.at(i), frequencies.at(i), start, voices);
+        if (found != MpeChannels::NONE)
+            sendBend(found, frequencies.at(i));
     }
-    midi::endTuningChange(mTuningChange);
-    send(mTuningChange);
-    ORLO_AUDIO_DEBUG << "Midi message sent to reset MTS to standard for previously altered voices: "
-                     << asList(mTuningChange);
-    tunedKeys.clear();
+}
+
+/// The one that it holds, or a free one. MpeChannels::NONE when all are taken.
+int MidiOutRtMidi::takeChannel(int voice, float frequency, int& start, const QList<int>& voices)
+{
+    const int found = mpeChannels.find(voice, start);
+    if (found == MpeChannels::NONE)
+        ORLO_AUDIO_DEBUG << "Cannot add PdPlayer voice" << voices << ". All MPE channels in use!";
+    else if (mpeChannels.isFree(found))
+        mpeChannels.take(found, voice, mNoteRange.noteOf(voice, frequency));
+    return found;
+}
+
+void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
+{
+    const auto at = static_cast<size_t>(bentChannel);
+    const int key = mpeChannels.channelKey[at];
+    const double start = mpeChannels.channelExactNote[at];
+    const int range = pitchBendRangeCents;
+    const double cents = midi::bendCents(midi::noteOfFrequency(frequency), start, key, range);
+    const midi::Bend bend = midi::bendOfCents(cents, range);
+    if (std::abs(bend.factor) > 1.0 && !std::exchange(mBendWarned, true))
+        AudioLog::warning("MPE Pitch-bend factor exceeds +-1.");
+    send(midi::pitchBend(bentChannel, bend.msb, bend.lsb));
+    ORLO_AUDIO_DEBUG << "MPE pitch-bend message sent:";
+    ORLO_AUDIO_DEBUG << "channel, voice, exact note, range cents, bend cents, factor, message MSB, LSB"
+                     << bentChannel << key << start << range << cents << bend.factor << bend.coarse
+                     << bend.fine;
+}
+
+void MidiOutRtMidi::mpeVoiceOn(int voice, int velocity)
+{
+    for (int i = 0; i < CHANNELS; ++i) {
+        if (!mpeChannels.holds(i, voice))
+            continue;
+        const int key = mpeChannels.channelKey[static_cast<size_t>(i)];
+        send(midi::noteOn(i, key, midi::velocityByte(velocity)));
+        ORLO_AUDIO_DEBUG << "MPE Voice On: Channel, voice: " << i << key;
+    }
+}
+
+void MidiOutRtMidi::mpeVoiceOff(int voice)
+{
+    for (int i = 0; i < CHANNELS; ++i) {
+        if (!mpeChannels.holds(i, voice))
+            continue;
+        const int key = mpeChannels.channelKey[static_cast<size_t>(i)];
+        send(midi::noteOff(i, key));
+        ORLO_AUDIO_DEBUG << "MPE Voice Off: Channel, voice: " << i << key;
+        mpeChannels.free(i);
+    }
+}
+
+void MidiOutRtMidi::mpeAllVoicesOff()
+{
+    for (int i = 0; i < CHANNELS; ++i)
+        send(midi::allNotesOff(i));
+    mpeResetPitchBendAll();
+}
+
+void MidiOutRtMidi::mpeResetPitchBend(int centredChannel)
+{
+    send(midi::pitchBendCentre(centredChannel));
+    ORLO_AUDIO_DEBUG << "MPE Pitch-bend reset for channel " << centredChannel;
+}
+
+void MidiOutRtMidi::mpeResetPitchBendAll()
+{
+    for (int i = 0; i < CHANNELS; ++i)
+        mpeResetPitchBend(i);
+}
+
+void MidiOutRtMidi::mpeSetPitchBendRange(int cents)
+{
+    ThreadCheck::gui();
+    const auto apply = [this, cents] {
+        pitchBendRangeCents = cents;
+        mBendWarned = false;
+        if (portOpen && mpeMode)
+            mpeApplyPitchBendRange();
+    };
+    if (onEngine(apply))
+        return;
+    closePort(); // nothing can tell the device
+    pitchBendRangeCents = cents;
+}
+
+void MidiOutRtMidi::mpeApplyPitchBendRange()
+{
+    mpeApplyPitchBendRange(pitchBendRangeCents);
+}
+
+void MidiOutRtMidi::mpeApplyPitchBendRange(int cents)
+{
+    const midi::BendRange range = midi::bendRange(cents);
+    for (size_t i = 0; i < range.messages.size(); ++i) {
+        const midi::ShortMessage& message = range.messages[i];
+        send(message);
+        ORLO_AUDIO_DEBUG.noquote() << QStringLiteral("Midi RPN message %1: ").arg(i + 1)
+                                   << QList<int>(message.begin(), message.end());
+    }
+    ORLO_AUDIO_DEBUG << "Midi RPN messages sent: Pitch bend range set to: semitones, cents "
+                     << range.semitones << range.cents;
+}
+
+void MidiOutRtMidi::mpeResetPitchBendRange()
+{
+    mpeApplyPitchBendRange(DEFAULT_BEND_RANGE_CENTS);
+}
+
+void MidiOutRtMidi::mpeResetChannelTuning()
+{
+    for (int i = 0; i < CHANNELS; ++i)
+        mpeSetChannelTuning(i, 0.0F);
 }

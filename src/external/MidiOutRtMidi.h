@@ -1,20 +1,19 @@
 #pragma once
 
+#include "external/MidiNoteRange.h"
 #include "external/MidiOutput.h"
+#include "external/MidiPortReturn.h"
 #include "external/MidiSender.h"
-
-#include <RtMidi.h>
 
 #include <QElapsedTimer>
 #include <QTimer>
 
-#include <array>
 #include <memory>
-#include <optional>
+#include <span>
 
 /// The MIDI output over RtMidi.
 ///
-/// [audio] A message is built in storage that is there already and handed to the sender's thread, the
+/// On [audio] a message is built in storage that is there already and handed to the sender's thread, the
 /// only one that calls RtMidi: nothing is allocated, and nothing waits. A port that fails, that is
 /// gone or does not take its messages is closed, which is logged and told by `portLost`, and opened
 /// again when one of its name is back.
@@ -23,51 +22,82 @@ class MidiOutRtMidi : public MidiOutput
     Q_OBJECT
 
 public:
+    /// [gui]
     explicit MidiOutRtMidi(QObject* parent = nullptr);
+    /// [stopped] As term().
     ~MidiOutRtMidi() override;
 
-    /// Tries RtMidi's default API, then each that it was built with. When none can be made the
+    /// [gui] Tries RtMidi's default API, then each that it was built with. When none can be made the
     /// process ends with exit status 1.
     bool init() override;
+    /// [stopped] Waits two seconds at most for a MIDI system that does not answer.
     void term() override;
 
+    /// [gui] Waits two seconds at most, as every call of the following two.
     QStringList availablePorts() const override;
+    /// [any] Empty.
     void logPorts() const override {}
+    /// [gui]
     bool selectPort(QString name) override;
+    /// [gui]
     bool selectPort(int index) override;
 
+    /// [any] Empty.
     void sendRawMidiMessage(const std::vector<unsigned char>*) override {}
+    /// [any] Empty.
     void sendRawMidiMessage(const unsigned char*, unsigned long) override {}
 
+    /// [audio]
     void setKeyFrequency(QList<int> voices, QList<float> frequencies) override;
+    /// [audio]
     void voiceOn(int voice, int velocity) override;
+    /// [audio]
     void voiceOff(int voice) override;
+    /// [audio]
     void allVoicesOff() override;
+    /// [audio]
     void resetTuningAlteredVoices() override;
+    /// [audio] Empty.
     void resetTuningAllVoices() override {}
 
+    /// [audio]
     void mpeSetVoiceFrequency(QList<int> voices, QList<float> frequencies) override;
+    /// [audio]
     void mpeResetPitchBend(int channel) override;
+    /// [audio]
     void mpeResetPitchBendAll() override;
+    /// [audio]
     void mpeVoiceOn(int voice, int velocity) override;
+    /// [audio]
     void mpeVoiceOff(int voice) override;
+    /// [audio]
     void mpeAllVoicesOff() override;
+    /// [gui]
     void mpeSetPitchBendRange(int cents) override;
+    /// [audio]
     void mpeApplyPitchBendRange() override;
+    /// [audio]
     void mpeApplyPitchBendRange(int cents) override;
+    /// [audio]
     void mpeResetPitchBendRange() override;
+    /// [audio] Empty.
     void mpeSetChannelTuning(int, float) override {}
+    /// [audio]
     void mpeResetChannelTuning() override;
+    /// [audio] Empty.
     void mpeSetParameter(int, int, float) override {}
 
+    /// [gui]
     void setChannel(int channel) override;
+    /// [audio]
     void bendVoices(QList<int> voices, QList<float> frequencies) override;
+    /// [gui]
     void endNotes() override;
 
 protected:
-    /// Called on the sender's thread, which may outlive this object.
+    /// [gui] What it gives is called by [sender], which may outlive this object.
     virtual MidiPort::Factory outputFactory() const;
-    /// Waits until all that was sent has reached RtMidi.
+    /// [gui] Waits until all that was sent has reached RtMidi.
     bool waitUntilSent() const
     {
         return mSender && mSender->run([](MidiPort&) {});
@@ -91,27 +121,18 @@ private:
     void applyChannel(int newChannel);
 
     void send(std::span<const midi::Byte> message);
-    double noteInRange(int voice, float frequency);
+    void sendTuning(const char* what, std::span<const midi::Byte> message);
     int takeChannel(int voice, float frequency, int& start, const QList<int>& voices);
     void sendBend(int channel, float frequency);
 
     // [gui] The former one was given up; the engine may still be writing to it.
     mutable std::unique_ptr<MidiSender> mSender;
     mutable std::unique_ptr<MidiSender> mFormerSender;
-    QTimer mWatch; // [gui] runs while a port is open or wanted
-    /// [gui] A search for the port that is missing. `opened` belongs to the sender until it has answered.
-    struct Search
-    {
-        std::shared_ptr<Answer> answer;
-        std::shared_ptr<std::optional<MidiPort::Opened>> opened;
-    };
-    mutable std::optional<Search> mSearch;
-    RtMidi::Api mWantedApi = RtMidi::UNSPECIFIED; // [gui] of `wantedPort`, once it has been open
-    QElapsedTimer mSinceSearch;
+    QTimer mWatch;                  // [gui] runs while a port is open or wanted
+    mutable MidiPortReturn mReturn; // [gui]
 
     // [audio]
     MidiSender* mWriter = nullptr;
-    midi::Bytes mTuningChange;
-    std::array<bool, 256> mWarned{}; // by voice, until its note ends
-    bool mBendWarned = false;        // until the range changes
+    MidiNoteRange mNoteRange;
+    bool mBendWarned = false; // until the range changes
 };

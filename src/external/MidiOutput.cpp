@@ -1,16 +1,11 @@
 #include "external/MidiOutput.h"
 
-namespace {
-constexpr int MOST_KEYS = 256; // that a byte can tell apart
-} // namespace
+#include "sound/ThreadCheck.h"
 
 MidiOutput::MidiOutput(QObject* parent)
     : QObject(parent)
     , portName(deactivatedName())
 {
-    tunedKeys.reserve(MOST_KEYS);
-    channelKey.fill(69);
-    channelExactNote.fill(69.0);
 }
 
 QString MidiOutput::deactivatedName()
@@ -18,9 +13,9 @@ QString MidiOutput::deactivatedName()
     return QStringLiteral("- deactivated -");
 }
 
-/// [gui]
 bool MidiOutput::onEngine(const std::function<void()>& work) const
 {
+    ThreadCheck::gui();
     if (mEngineRunner)
         return mEngineRunner(work);
     work();

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "external/MidiBytes.h"
+#include "external/MpeChannels.h"
+#include "external/MtsKeys.h"
 
 #include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
-#include <array>
 #include <atomic>
 #include <functional>
 #include <vector>
@@ -32,60 +32,76 @@ public:
     /// when the engine does not come out of a block.
     using EngineRunner = std::function<bool(const std::function<void()>&)>;
 
+    /// [gui]
     explicit MidiOutput(QObject* parent = nullptr);
-    /// Before anything sounds. Without it the engine is taken to run on the calling thread.
+    /// [stopped] Without a runner the engine is taken to run on the calling thread.
     void setEngineRunner(EngineRunner runner) { mEngineRunner = std::move(runner); }
 
-    /// What `portName` says while no port is open.
+    /// [any] What `portName` says while no port is open.
     static QString deactivatedName();
 
+    /// [gui] Makes the output ready; true.
     virtual bool init() = 0;
     /// [stopped] Silences and closes the port. Nothing may be called afterwards.
     virtual void term() = 0;
 
-    /// [gui]
+    /// [gui] The names of all output ports.
     virtual QStringList availablePorts() const = 0;
+    /// [any] Without effect as yet.
     virtual void logPorts() const = 0;
-    /// [gui] Opens the first port of this very name; any other name closes the output, and the port is
-    /// opened when one of that name comes.
+    /// [gui] Opens the first port of exactly this name. Any other name closes the output, and the port is
+    /// opened when one of that name appears. True when a port is open now.
     virtual bool selectPort(QString name) = 0;
     /// [gui] Opens a port; an index that does not exist closes the output. True when one is open now.
     virtual bool selectPort(int index) = 0;
 
-    /// [gui] The port that the player wants and that is not there; empty for none.
+    /// [gui] The port that was chosen and is not there; empty for none.
     QString missingPort() const { return portOpen ? QString() : wantedPort; }
 
+    /// [any] Without effect as yet.
     virtual void sendRawMidiMessage(const std::vector<unsigned char>* message) = 0;
+    /// [any] Without effect as yet.
     virtual void sendRawMidiMessage(const unsigned char* message, unsigned long size) = 0;
 
     /// [audio] Tunes the voices, in one message in MTS mode. Hz, one for each voice.
     virtual void setKeyFrequency(QList<int> voices, QList<float> frequencies) = 0;
+    /// [audio] Starts the voice's note, which has been tuned before.
     virtual void voiceOn(int voice, int velocity) = 0;
+    /// [audio] Ends the voice's note; its tuning stays.
     virtual void voiceOff(int voice) = 0;
-    /// On `channel`, in either mode.
+    /// [audio] Ends all notes on `channel`, in either mode.
     virtual void allVoicesOff() = 0;
-    /// Puts the tuned keys back on equal temperament.
+    /// [audio] Puts the tuned keys back on equal temperament.
     virtual void resetTuningAlteredVoices() = 0;
+    /// [audio] Without effect as yet.
     virtual void resetTuningAllVoices() = 0;
 
-    /// [audio] The same in MPE mode.
+    /// [audio] setKeyFrequency() in MPE mode: each voice finds or takes a channel, which is bent.
     virtual void mpeSetVoiceFrequency(QList<int> voices, QList<float> frequencies) = 0;
+    /// [audio] Puts the bend of this channel to its centre.
     virtual void mpeResetPitchBend(int channel) = 0;
+    /// [audio] The same for all channels.
     virtual void mpeResetPitchBendAll() = 0;
+    /// [audio] voiceOn() in MPE mode, on each channel that the voice holds.
     virtual void mpeVoiceOn(int voice, int velocity) = 0;
+    /// [audio] voiceOff() in MPE mode; the voice's channels are free afterwards.
     virtual void mpeVoiceOff(int voice) = 0;
-    /// On all channels. The channels stay with their voices until mpeVoiceOff.
+    /// [audio] Ends all notes on all channels. The channels stay with their voices until mpeVoiceOff.
     virtual void mpeAllVoicesOff() = 0;
 
-    /// [gui] Up and down, in cents; sent when the port is open in MPE mode.
+    /// [gui] The range up and down, in cents; sent when the port is open in MPE mode.
     virtual void mpeSetPitchBendRange(int cents) = 0;
-    /// [audio]
+    /// [audio] Sends the range that is set.
     virtual void mpeApplyPitchBendRange() = 0;
+    /// [audio] Sends this range; the one that is set stays.
     virtual void mpeApplyPitchBendRange(int cents) = 0;
-    /// The device's default; the range that is set stays.
+    /// [audio] Sends the default range of a device, two semitones; the one that is set stays.
     virtual void mpeResetPitchBendRange() = 0;
+    /// [audio] Without effect as yet.
     virtual void mpeSetChannelTuning(int channel, float tuning) = 0;
+    /// [audio] Calls mpeSetChannelTuning() with 0.0 for each channel.
     virtual void mpeResetChannelTuning() = 0;
+    /// [audio] Without effect as yet.
     virtual void mpeSetParameter(int channel, int parameter, float value) = 0;
 
     /// [gui] MPE, or 0 to 15 for MTS; any other number leaves MPE and keeps the channel.
@@ -101,8 +117,9 @@ public:
     QString portName; // [gui]
     /// [gui] What was chosen, kept while that port is missing; empty for none.
     QString wantedPort;
-    /// A port was opened and has not failed since. While it is off nothing is built.
+    /// [any] A port was opened and has not failed since. While it is off nothing is built.
     std::atomic<bool> portOpen{false};
+    /// [any] 0 to 15, or MPE.
     std::atomic<int> channel{0};
 
 signals:
@@ -114,21 +131,13 @@ signals:
     void portReleased();
 
 protected:
+    /// [gui] Runs the work where the engine runs. False, without running it, when the engine hangs.
     bool onEngine(const std::function<void()>& work) const;
-    /// [audio] The device has been silenced: no voice holds a channel any more.
-    void forgetChannels() { channelActive.fill(false); }
 
-    /// All of it [audio], and changed together.
-    int firstKey = 32; // of voice 0
-    /// Each once, in order of first tuning. It has room for all from the start.
-    QList<int> tunedKeys;
+    // All of it [audio], and changed together.
+    MtsKeys mtsKeys;
     std::atomic<bool> mpeMode{false};
-    /// By channel: the voice that took it last, whether it is taken still, the key of its note, and the
-    /// note at which the voice took it.
-    std::array<int, CHANNELS> channelVoice{};
-    std::array<bool, CHANNELS> channelActive{};
-    std::array<int, CHANNELS> channelKey;
-    std::array<double, CHANNELS> channelExactNote;
+    MpeChannels mpeChannels;
     std::atomic<int> pitchBendRangeCents{50};
 
 private:

@@ -1,6 +1,7 @@
 #include "external/MidiPort.h"
 
 #include "sound/JackEpoch.h"
+#include "sound/ThreadCheck.h"
 
 #include <QtGlobal>
 
@@ -16,11 +17,11 @@ namespace {
 constexpr const char* PORT_NAME = "RtMidi Output";
 // Of the 16 KiB between RtMidi and JACK's server, which sendMessage spins on while they are full:
 // what may be under way until the server has shown that it lives.
-constexpr std::size_t MOST_UNANSWERED = 4096;
+constexpr std::size_t MAX_UNANSWERED = 4096;
 constexpr std::size_t LENGTH_BYTES = 4; // RtMidi puts them before each message
 constexpr int TRIES = 4;
 
-/// How often another thread has run in this one's place so far.
+/// How often another thread has run in place of this one so far.
 long timesAside()
 {
 #ifdef Q_OS_LINUX
@@ -48,6 +49,7 @@ bool MidiPort::isJack() const
 /// Of this API, or of any.
 RtMidiOut& MidiPort::output(RtMidi::Api api)
 {
+    ThreadCheck::sender();
     if (mOutput && api != RtMidi::UNSPECIFIED && mOutput->getCurrentApi() != api)
         mOutput.reset();
     if (!mOutput) {
@@ -164,6 +166,7 @@ std::optional<MidiPort::Opened> MidiPort::open(const std::string& name, RtMidi::
 
 void MidiPort::close()
 {
+    ThreadCheck::sender();
     if (!mOpen)
         return;
     checkServer();
@@ -190,9 +193,10 @@ void MidiPort::abandon() noexcept
 
 void MidiPort::send(std::span<const midi::Byte> message)
 {
+    ThreadCheck::sender();
     const std::size_t size = message.size() + LENGTH_BYTES;
     mSinceAnswer += size;
-    if (mAsksServer && mSinceAnswer > MOST_UNANSWERED) {
+    if (mAsksServer && mSinceAnswer > MAX_UNANSWERED) {
         checkServer();
         mSinceAnswer = size;
     }
@@ -201,6 +205,7 @@ void MidiPort::send(std::span<const midi::Byte> message)
 
 bool MidiPort::isStillThere()
 {
+    ThreadCheck::sender();
     checkServer();
     if (mOutput->getPortName(static_cast<unsigned int>(mIndex)) == mName)
         return true;

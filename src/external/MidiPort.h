@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-/// The RtMidiOut and the port it has open. Everything here runs on one thread, the sender's: two
+/// The RtMidiOut and the port it has open. All of it runs on one thread, the sender's, since two
 /// threads inside one RtMidiOut corrupt it. Each call may throw RtMidiError, and may wait for the
 /// MIDI server as long as that is frozen, but never spins.
 ///
@@ -29,29 +29,35 @@ public:
         RtMidi::Api api; // where it is to be looked for when it is lost
     };
 
+    /// [any] Makes nothing yet.
     explicit MidiPort(Factory factory);
+    /// [sender], or any thread once that has ended.
     ~MidiPort();
     MidiPort(const MidiPort&) = delete;
     MidiPort& operator=(const MidiPort&) = delete;
 
-    /// Makes the RtMidiOut once, to see that there is one: of the default API, or of the first compiled
-    /// one that comes up.
+    /// [sender] Makes the RtMidiOut once, to see that there is one: of the default API, or of the first
+    /// compiled one that comes up.
     void check();
+    /// [sender] The names of all ports, in RtMidi's order.
     std::vector<std::string> names();
 
-    /// Closes what is open first. Nothing when there is no such port. By name the API is the only one that
-    /// is asked, unless it is UNSPECIFIED.
+    /// [sender] Closes what is open, then opens this port. Nothing when there is no such port.
     std::optional<Opened> open(std::size_t index);
+    /// [sender] The same for the first port of this name. Only this API is asked, unless it is UNSPECIFIED.
     std::optional<Opened> open(const std::string& name, RtMidi::Api api);
+    /// [sender]
     bool isOpen() const { return mOpen; }
+    /// [sender]
     void close();
-    /// Ends the notes on all channels, closes, and lets go of the RtMidiOut. An error on the way changes
-    /// nothing of that.
+    /// [sender] Ends the notes on all channels, closes, and lets go of the RtMidiOut. An error on the way
+    /// changes nothing of that.
     void abandon() noexcept;
 
+    /// [sender] A port must be open.
     void send(std::span<const midi::Byte> message);
-    /// To be called about once a second. False when the port, its device or the server has gone, which
-    /// RtMidi does not tell.
+    /// [sender] To be called about once a second. False when the port, its device or the server has gone,
+    /// which RtMidi does not tell.
     bool isStillThere();
 
 private:

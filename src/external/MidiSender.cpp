@@ -1,6 +1,7 @@
 #include "external/MidiSender.h"
 
 #include "sound/ByteRing.h"
+#include "sound/ThreadCheck.h"
 
 #include <RtMidi.h>
 
@@ -83,6 +84,7 @@ struct MidiSender::Core
 
 void MidiSender::Core::run()
 {
+    const ThreadCheck::RoleOfThisThread role(ThreadCheck::Role::Sender);
     std::unique_lock lock(mutex);
     while (!abandoned) {
         if (!requests.empty()) {
@@ -134,7 +136,7 @@ void MidiSender::Core::sendWritten()
     }
 }
 
-/// The writer adds whole messages: what comes after all that is there is one again.
+/// The writer adds whole messages, so what comes after all that is there begins with a whole one.
 void MidiSender::Core::drain()
 {
     while (const std::size_t bytes = std::min(ring.readable(), message.size()))
@@ -214,6 +216,7 @@ MidiSender::~MidiSender()
 
 void MidiSender::write(std::span<const midi::Byte> message)
 {
+    ThreadCheck::audio();
     const auto size = static_cast<std::uint32_t>(message.size());
     if (message.size() > mCore->message.size()
         || !mCore->ring.write({std::as_bytes(std::span(&size, 1)), std::as_bytes(message)}))
@@ -222,6 +225,7 @@ void MidiSender::write(std::span<const midi::Byte> message)
 
 std::shared_ptr<MidiSender::Answer> MidiSender::post(Work work)
 {
+    ThreadCheck::gui();
     auto answer = std::make_shared<Answer>();
     const std::lock_guard lock(mCore->mutex);
     mCore->requests.push_back({std::move(work), answer});
@@ -242,14 +246,15 @@ std::shared_ptr<MidiSender::Answer> MidiSender::run(Work work)
 bool MidiSender::waitFor(const std::function<bool()>& done)
 {
     std::unique_lock lock(mCore->mutex);
-    return mCore->answered.wait_for(lock, mCore->abandoned ? milliseconds(0) : LONGEST_CALL, done);
+    return mCore->answered.wait_for(lock, mCore->abandoned ? milliseconds(0) : CALL_LIMIT, done);
 }
 
 std::optional<std::string> MidiSender::failure()
 {
+    ThreadCheck::gui();
     const std::int64_t since = mCore->sendingSince;
     const std::int64_t inside = since == 0 ? 0 : nowMs() - since;
-    if (inside > LONGEST_SEND.count()) {
+    if (inside > SEND_LIMIT.count()) {
         giveUp();
 #ifdef Q_OS_LINUX
         const sched_param none{};

@@ -29,13 +29,14 @@ public:
         std::optional<std::string> error; // of RtMidi
     };
 
-    // Far longer than a healthy MIDI system takes.
-    static constexpr std::chrono::milliseconds LONGEST_CALL{2000};
-    // For one message, which is sent within microseconds.
-    static constexpr std::chrono::milliseconds LONGEST_SEND{1500};
+    // How long a call is waited for: far longer than a healthy MIDI system takes.
+    static constexpr std::chrono::milliseconds CALL_LIMIT{2000};
+    // How long one message may take, which is sent within microseconds.
+    static constexpr std::chrono::milliseconds SEND_LIMIT{1500};
 
+    /// [gui] Starts the thread.
     explicit MidiSender(MidiPort::Factory factory);
-    /// [gui] Ends the thread, or gives it up after LONGEST_CALL.
+    /// [gui] Ends the thread, or gives it up after CALL_LIMIT.
     ~MidiSender();
     MidiSender(const MidiSender&) = delete;
     MidiSender& operator=(const MidiSender&) = delete;
@@ -45,20 +46,22 @@ public:
     /// makes no system call.
     void write(std::span<const midi::Byte> message);
 
-    /// [gui] The thread calls `work`, behind everything written or asked for so far.
+    /// [gui] Effect: the thread calls `work`, behind everything written or asked for so far. Capacity: as
+    /// much as memory. Never waits for the thread.
     std::shared_ptr<Answer> post(Work work);
-    /// [gui] The same, and waits. Null when there is no answer within LONGEST_CALL: the thread has been
-    /// given up then.
+    /// [gui] As post(), and waits for the end of the work. Null when there is no answer within CALL_LIMIT:
+    /// the thread has been given up then.
     std::shared_ptr<Answer> run(Work work);
 
     /// [gui] Why nothing can be sent to the open port any more. A thread that has not come back from
-    /// sending for LONGEST_SEND is given up here.
+    /// sending for SEND_LIMIT is given up here.
     std::optional<std::string> failure();
-    /// [gui] Nothing more comes of it; write() has no effect from now on.
+    /// [gui] Gives the thread up: from now on write() and post() have no effect.
     void giveUp();
+    /// [any]
     bool isGivenUp() const;
 
-    /// Threads that were given up and have not come back.
+    /// [any] How many threads were given up and have not come back.
     static int lostThreads();
 
 private:

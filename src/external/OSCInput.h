@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// The place of an input by Open Sound Control. The program has none yet.
+/// An empty shape for an input by Open Sound Control, which the program does not have yet. Nothing makes one.
 class OSCInput : public QObject
 {
     Q_OBJECT

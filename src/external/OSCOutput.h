@@ -2,7 +2,8 @@
 
 #include <QObject>
 
-/// The place of an output by Open Sound Control. The program has none yet.
+/// An empty shape for an output by Open Sound Control, which the program does not have yet. Nothing makes
+/// one.
 class OSCOutput : public QObject
 {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #include "external/RfidMap.h"
 
 #include "sound/OrloNoteEvent.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDebug>
 
@@ -16,8 +17,8 @@ const QString VALUE = QStringLiteral("value");
 /// Cut to an integer. A number that does not fit in one names no event.
 OrloEvent::Type typeFrom(double number)
 {
-    constexpr double most = std::numeric_limits<std::int32_t>::max();
-    if (!(std::abs(number) <= most))
+    constexpr double max = std::numeric_limits<std::int32_t>::max();
+    if (!(std::abs(number) <= max))
         return OrloEvent::None;
     return static_cast<OrloEvent::Type>(static_cast<std::int32_t>(number));
 }
@@ -90,5 +91,6 @@ void RfidMap::write(QJsonObject& json) const
 
 const OrloEvent* RfidMap::lookup(const QString& rfid) const
 {
+    ThreadCheck::listener();
     return mEvents.value(rfid.toLower()).get();
 }

@@ -3,37 +3,20 @@
 #include "app/Accessors.h"
 #include "app/DebugLog.h"
 #include "app/Settings.h"
+#include "external/DevicePacket.h"
 #include "external/RfidMap.h"
+#include "sound/ThreadCheck.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>
 #include <QUdpSocket>
 
-#include <array>
-
 namespace {
 
-constexpr qint64 PACKET_BYTES = 72;
-// What is read stands in the last byte of a group of four.
-constexpr size_t WAND_AT = 23;
-constexpr size_t RFID_AT = 27;
-constexpr size_t RFID_STEP = 4;
-constexpr size_t RFID_LENGTH = 10;
-
 constexpr int WAIT_MS = 1000;
-constexpr unsigned long LONGEST_STOP_MS = 2000;
+constexpr unsigned long STOP_LIMIT_MS = 2000;
 // Room for a device that sends while the machine is busy; the system may give less.
 constexpr int RECEIVE_BUFFER_BYTES = 1 << 20;
-
-using Packet = std::array<char, PACKET_BYTES>;
-
-QString rfidOf(const Packet& packet)
-{
-    std::array<char, RFID_LENGTH> text;
-    for (size_t i = 0; i < RFID_LENGTH; ++i)
-        text[i] = packet[RFID_AT + i * RFID_STEP];
-    return QString::fromUtf8(text.data(), RFID_LENGTH);
-}
 
 } // namespace
 
@@ -44,20 +27,21 @@ UdpListener::~UdpListener()
     if (!isRunning())
         return;
     stopRequested = true;
-    if (!wait(LONGEST_STOP_MS)) {
+    if (!wait(STOP_LIMIT_MS)) {
         // All is saved by now, and a thread must not outlive its object.
         terminate();
-        wait(LONGEST_STOP_MS);
+        wait(STOP_LIMIT_MS);
     }
 }
 
 void UdpListener::term()
 {
+    ThreadCheck::gui();
     if (!isRunning())
         return;
     qWarning() << "Stopping UDP thread...";
     stopRequested = true;
-    if (!wait(LONGEST_STOP_MS))
+    if (!wait(STOP_LIMIT_MS))
         qCritical() << "UDP thread couldn't be stopped, exiting anyway";
 }
 
@@ -69,6 +53,7 @@ void UdpListener::giveUp(const QString& error)
 
 void UdpListener::run()
 {
+    const ThreadCheck::RoleOfThisThread role(ThreadCheck::Role::Listener);
     qWarning() << "UDP thread starting...";
     RfidMap map;
     if (!map.init()) {
@@ -98,20 +83,19 @@ void UdpListener::run()
 void UdpListener::receive(QUdpSocket& socket, const RfidMap& map, quint16 port)
 {
     const qint64 size = socket.pendingDatagramSize();
-    Packet packet;
-    if (size != PACKET_BYTES) {
+    DevicePacket packet;
+    if (size != DevicePacket::SIZE) {
         qWarning().noquote() << QStringLiteral("Discarding UDP packet due to wrong size %1").arg(size);
-        socket.readDatagram(packet.data(), 0);
+        socket.readDatagram(packet.bytes.data(), 0);
         return;
     }
     QHostAddress sender;
-    if (socket.readDatagram(packet.data(), PACKET_BYTES, &sender) != PACKET_BYTES)
+    if (socket.readDatagram(packet.bytes.data(), DevicePacket::SIZE, &sender) != DevicePacket::SIZE)
         return;
-    const QString rfid = rfidOf(packet);
+    const QString rfid = packet.rfid();
     ORLO_AUDIO_DEBUG.noquote()
         << QStringLiteral("Received a UDP packet from %1 on port %2").arg(sender.toString()).arg(port);
-    ORLO_AUDIO_DEBUG << "Wand ID:" << static_cast<int>(static_cast<signed char>(packet[WAND_AT]))
-                     << ", RFID:" << rfid;
+    ORLO_AUDIO_DEBUG << "Wand ID:" << packet.wand() << ", RFID:" << rfid;
     if (const OrloEvent* event = map.lookup(rfid))
         emit eventReceived(event);
     else

@@ -9,14 +9,17 @@ class OrloEvent;
 class QUdpSocket;
 class RfidMap;
 
-/// The physical device: a thread that receives its packets on the port of the option udpPort, looks
-/// up the tag in each and hands on the event that the map has for it.
+/// The thread that listens to the physical device: it receives the packets on the port of the option
+/// udpPort, looks up the tag in each and hands on the event that the map has for it. Dropped with a
+/// warning: datagrams of another size than DevicePacket's, and tags that are not in the map.
 class UdpListener : public QThread
 {
     Q_OBJECT
 
 public:
+    /// [gui]
     UdpListener();
+    /// [gui] Stops the thread, by force if it does not end within two seconds.
     ~UdpListener() override;
 
     /// [gui] Stops the thread and waits for it, for two seconds at the most.
@@ -30,6 +33,7 @@ signals:
     void fatalError(QString error);
 
 protected:
+    /// [listener]
     void run() override;
 
 private:

@@ -1,6 +1,7 @@
 #include "sound/AudioLog.h"
 
 #include "sound/ByteRing.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDebug>
 #include <QStringList>
@@ -46,6 +47,7 @@ std::atomic<unsigned> dropped{0};
 void write(QtMsgType type, const char* text, std::initializer_list<Argument> arguments,
            const std::source_location& place)
 {
+    ThreadCheck::audio();
     std::array<std::byte, 2048> packed;
     std::size_t used = 0;
     for (const Argument& argument : arguments) {
@@ -162,6 +164,7 @@ bool isPending()
 
 void drain()
 {
+    ThreadCheck::gui();
     std::array<std::byte, 2048> arguments;
     Head head;
     while (ring().read(&head, sizeof(head))) {

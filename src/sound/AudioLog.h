@@ -9,9 +9,9 @@
 /// text with place holders and its arguments go through a lock-free ring, and the graphical thread
 /// builds the line and logs it.
 ///
-/// One ring for the process, with one writer, the holder of the engine. Capacity: some 500 lines;
-/// those that find it full are dropped and counted, and the count is logged. Writing never blocks and
-/// allocates nothing.
+/// There is one ring for the process, with one writer, the holder of the engine. Capacity: some 500
+/// lines; a line that finds the ring full is dropped, and the number of these is logged. Writing never
+/// blocks and allocates nothing.
 namespace AudioLog {
 
 /// One argument. Texts are copied, up to MAX_TEXT bytes.
@@ -21,14 +21,20 @@ public:
     static constexpr std::size_t MAX_TEXT = 1000;
     enum class Kind : std::uint8_t { Integer, Unsigned, Real, Text };
 
+    /// [any]
     Argument(int value);
+    /// [any]
     Argument(unsigned long long value);
+    /// [any]
     Argument(double value);
-    /// UTF-8.
+    /// [any] UTF-8. The text must live until the line is written.
     Argument(const char* text);
 
+    /// [any]
     Kind kind() const { return mKind; }
+    /// [any] The bytes that go through the ring.
     const void* data() const;
+    /// [any] How many these are.
     std::size_t size() const;
 
 private:
@@ -41,10 +47,11 @@ private:
     };
 };
 
-/// [audio] `text` is ASCII and must live as long as the program; its %1 to %9 stand for the arguments.
-/// The place is what the log filter goes by.
+/// [audio] Effect: the line is logged soon. `text` is ASCII and must live as long as the program; its %1
+/// to %9 stand for the arguments. The log filter goes by the place.
 void warning(const char* text, std::initializer_list<Argument> arguments = {},
              std::source_location place = std::source_location::current());
+/// [audio] The same.
 void critical(const char* text, std::initializer_list<Argument> arguments = {},
               std::source_location place = std::source_location::current());
 

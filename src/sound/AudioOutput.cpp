@@ -7,14 +7,14 @@
 namespace {
 
 constexpr int DEFAULT_FRAMES = 256;
-constexpr int MOST_FRAMES = 8192;
+constexpr int MAX_FRAMES = 8192;
 
 int usableFrames(int frames)
 {
     if (frames <= 0)
         return DEFAULT_FRAMES;
-    if (frames >= MOST_FRAMES)
-        return MOST_FRAMES;
+    if (frames >= MAX_FRAMES)
+        return MAX_FRAMES;
     return (frames + PD_BLOCK_FRAMES - 1) / PD_BLOCK_FRAMES * PD_BLOCK_FRAMES;
 }
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::int64_t PATIENCE_MS = 1800;
+constexpr std::int64_t LIMIT_MS = 1800;
 
 } // namespace
 
@@ -14,7 +14,7 @@ void BlockWatch::start(std::int64_t nowMs, std::uint64_t blocks, std::int64_t bl
     mBlocks = blocks;
     mBlockMs = blockMs;
     mStillMs = 0;
-    mPatienceMs = 2 * (PATIENCE_MS + blockMs);
+    mLimitMs = 2 * (LIMIT_MS + blockMs);
 }
 
 bool BlockWatch::look(std::int64_t nowMs, std::uint64_t blocks)
@@ -25,9 +25,9 @@ bool BlockWatch::look(std::int64_t nowMs, std::uint64_t blocks)
     if (blocks != mBlocks) {
         mBlocks = blocks;
         mStillMs = 0;
-        mPatienceMs = PATIENCE_MS + 2 * mBlockMs;
+        mLimitMs = LIMIT_MS + 2 * mBlockMs;
         return false;
     }
     mStillMs += passed;
-    return mStillMs > mPatienceMs;
+    return mStillMs > mLimitMs;
 }

@@ -14,9 +14,9 @@ namespace BoundedCall {
 class Ticket
 {
 public:
-    /// The call, at its end. False when it was given up meanwhile: clean up what was made.
+    /// [any] For the call, at its end. False when it was given up meanwhile: clean up what was made.
     bool finish();
-    /// The waiting side. False when the call has finished after all.
+    /// [any] For the side that waits. False when the call has finished after all.
     bool giveUp();
 
 private:
@@ -24,11 +24,11 @@ private:
     std::atomic<State> mState{State::Running};
 };
 
-/// Effect: calls `call` on another thread. True when it ended within `limit`; false leaves it to
+/// [any] Effect: calls `call` on another thread. True when it ended within `limit`; false leaves it to
 /// itself, so it must own all that it touches; one that opens something ends with Ticket::finish.
 bool run(const std::function<void(Ticket&)>& call, std::chrono::milliseconds limit);
 
-/// The same without waiting.
+/// [any] The same without waiting.
 std::shared_ptr<Ticket> start(const std::function<void(Ticket&)>& call);
 
 } // namespace BoundedCall

@@ -6,27 +6,30 @@
 #include <memory>
 #include <span>
 
-/// A lock-free ring of bytes from one writing to one reading thread. Either side may change threads
-/// as long as the change itself is ordered, as the hand-over of the engine is.
+/// A lock-free ring of bytes from one writing to one reading thread. Which words these are the owner
+/// says; either side may change threads as long as the change itself is ordered, as the hand-over of the
+/// engine is.
 ///
-/// Capacity: one byte less than it was made with. What finds no room is not written at all. Nothing
-/// here blocks, and nothing but init() allocates.
+/// Capacity: one byte less than it was made with. When it is full, what finds no room is not written at
+/// all. Nothing here blocks, and nothing but init() allocates.
 class ByteRing
 {
 public:
-    /// Before the first use. False when there is no memory for it.
+    /// [gui] Before the first use. False when there is no memory for it.
     bool init(std::size_t bytes);
 
-    /// Writer. The parts lie in the ring as one piece: all of them are there for the reader, or none
-    /// is. False when there is no room.
+    /// [any] The writing thread. Effect: the parts lie in the ring as one piece: all of them are there for
+    /// the reader, or none is. False when there is no room.
     bool write(std::initializer_list<std::span<const std::byte>> parts);
+    /// [any] The same for one part.
     bool write(const void* data, std::size_t bytes);
-    /// Writer: how much room there is at the least.
+    /// [any] The writing thread: how many bytes find room at the least.
     std::size_t writable() const;
 
-    /// Reader: how much can be read at the least.
+    /// [any] The reading thread: how many bytes can be read at the least.
     std::size_t readable() const;
-    /// Reader. False, and nothing is read, when there is less.
+    /// [any] The reading thread. Effect: takes the bytes out. False, and nothing is read, when there are
+    /// less.
     bool read(void* data, std::size_t bytes);
 
 private:

@@ -3,6 +3,7 @@
 #include "model/Orlo.h"
 #include "sound/AudioLog.h"
 #include "sound/PdPlayer.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDebug>
 #include <QTimer>
@@ -89,6 +90,7 @@ void EngineRelay::record(Kind kind, int number, float value)
 
 void EngineRelay::record(const Record& record)
 {
+    ThreadCheck::audio();
     if (mRing.write(&record, sizeof(record))) {
         ++mRecords;
     } else {
@@ -128,6 +130,7 @@ bool EngineRelay::read(Record& record)
 
 void EngineRelay::drain()
 {
+    ThreadCheck::gui();
     mWaker.answer();
     AudioLog::drain();
     // A receiver may run an event loop of its own, and come here again. What is newer than the state that

@@ -31,17 +31,20 @@ public:
 
     /// [gui] The player owns it.
     explicit EngineRelay(PdPlayer& player);
+    /// [stopped]
     ~EngineRelay() override;
 
-    /// [audio] Between them the graphical thread is not woken; it is at the end when there is
-    /// something to tell.
+    /// [audio] Until endBlock() the graphical thread is not woken.
     void beginBlock() { mInBlock = true; }
+    /// [audio] Wakes the graphical thread when there is something to tell, by one system call that never
+    /// waits.
     void endBlock();
 
     /// [gui] Emits what has come, and logs what the audio thread wrote to the AudioLog. Runs by itself
     /// from the event loop.
     void drain();
 
+    // All of them [gui], and with the meaning of the player's signals of the same names.
 signals:
     void noteToggled(OrloRatio ratio, bool on);
     void nodeSelected(OrloRatio ratio, bool on);

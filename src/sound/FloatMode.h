@@ -7,7 +7,7 @@
 #include <cstdint>
 #endif
 
-/// Makes the calling thread treat denormal numbers as zero: fading tails would otherwise make the
+/// [any] Makes the calling thread treat denormal numbers as zero: fading tails would otherwise make the
 /// processor slow. libpd leaves this off, so the audio callback sets it at its top.
 inline void setFlushToZero()
 {

@@ -10,13 +10,13 @@ namespace JackEpoch {
 
 inline std::atomic<unsigned> theEpoch{0};
 
-/// Any thread.
+/// [any]
 inline unsigned current()
 {
     return theEpoch;
 }
 
-/// The server of this epoch is gone, or is given up. Two that notice the same death end it once.
+/// [any] The server of this epoch is gone, or is given up. Two that notice the same death end it once.
 inline void end(unsigned epoch)
 {
     theEpoch.compare_exchange_strong(epoch, epoch + 1);

@@ -10,10 +10,12 @@
 class NumericLocale
 {
 public:
+    /// [any]
     NumericLocale()
         : mPrevious(uselocale(pointLocale()))
     {
     }
+    /// [any] On the same thread.
     ~NumericLocale() { uselocale(mPrevious); }
     NumericLocale(const NumericLocale&) = delete;
     NumericLocale& operator=(const NumericLocale&) = delete;

@@ -20,24 +20,12 @@ using std::chrono::milliseconds;
 
 namespace {
 
-// A fade is one block; a callback that does not come is not waited for.
-constexpr qint64 LONGEST_FADE_MS = 250;
-constexpr qint64 LONGEST_BLOCK_MS = 250;
-// Far longer than a healthy sound system takes. The first is for the whole of a change of device.
-constexpr milliseconds LONGEST_CHANGE{4000};
-constexpr milliseconds LONGEST_CLOSE{1500};
-constexpr milliseconds LONGEST_END{2000};
-constexpr milliseconds LONGEST_START{15000};
-
-/// Leads the gain in a straight line, to reach `to` with the last frame.
-void applyRamp(float* output, unsigned long frames, float from, float to)
-{
-    for (unsigned long i = 0; i < frames; ++i) {
-        const float gain = from + (to - from) * static_cast<float>(i + 1) / static_cast<float>(frames);
-        for (int channel = 0; channel < PaAudioOutput::CHANNELS; ++channel)
-            *output++ *= gain;
-    }
-}
+constexpr qint64 BLOCK_LIMIT_MS = 250;
+// Far longer than a healthy sound system takes. The first holds for a change of device as a whole.
+constexpr milliseconds CHANGE_LIMIT{4000};
+constexpr milliseconds CLOSE_LIMIT{1500};
+constexpr milliseconds END_LIMIT{2000};
+constexpr milliseconds START_LIMIT{15000};
 
 } // namespace
 
@@ -66,7 +54,7 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
              << QThread::currentThreadId();
     setFramesPerBuffer(framesPerBuffer);
     setPlayer(player);
-    if (!startLibrary(LONGEST_START))
+    if (!startLibrary(START_LIMIT))
         return false;
     mEnded = false;
     qWarning() << "PortAudio initialised.";
@@ -95,8 +83,9 @@ bool PaAudioOutput::startLibrary(milliseconds limit)
 
 void PaAudioOutput::term()
 {
+    ThreadCheck::gui();
     qWarning() << "PaAudioOutput::term...";
-    const Deadline deadline(LONGEST_END);
+    const Deadline deadline(END_LIMIT);
     mEnded = true;
     const bool returnHangs = !stopReturn(deadline);
     if (returnHangs) {
@@ -191,7 +180,8 @@ int PaAudioOutput::paIndexOf(int& index) const
 
 bool PaAudioOutput::selectDevice(int index)
 {
-    const Deadline deadline(LONGEST_CHANGE);
+    ThreadCheck::gui();
+    const Deadline deadline(CHANGE_LIMIT);
     const QString name = mDeviceNames.value(index, mDeviceName);
     const bool opened = changeDevice(index, deadline);
     if (!opened)
@@ -318,7 +308,7 @@ void PaAudioOutput::prepareEngine(const OpenJob& job)
         qWarning() << "The stream has another sample rate than the one asked for.";
         setEngineRate(job.info.sampleRate);
     }
-    mGain = 0.0F; // the first block fades in
+    mMute.startSilent();
 }
 
 void PaAudioOutput::setEngineRate(double rate)
@@ -336,7 +326,7 @@ void PaAudioOutput::streamRuns(const OpenJob& job, int index)
     mStreamApi = job.hostApi;
     mDeviceName = mDeviceNames.value(index);
     mLost = false;
-    mStuckLimitMs = LONGEST_STUCK_MS;
+    mStuckLimitMs = STUCK_LIMIT_MS;
     mTryAgainMs = TRY_AGAIN_MS;
     if (!mLibrary->isJack(mStreamApi))
         mCanReturn = true;
@@ -367,7 +357,7 @@ bool PaAudioOutput::callHostApi(int hostApi, const std::function<void(BoundedCal
 
 bool PaAudioOutput::closeDevice()
 {
-    return closeStream(Deadline(LONGEST_CLOSE));
+    return closeStream(Deadline(CLOSE_LIMIT));
 }
 
 bool PaAudioOutput::closeStream(const Deadline& deadline)
@@ -378,20 +368,19 @@ bool PaAudioOutput::closeStream(const Deadline& deadline)
         leaveStream();
         return true;
     }
-    mHeld = true;
     const std::uint64_t calls = mContext->calls;
-    waitForSilence();
-    if (mLibrary->isJack(mStreamApi) && !mSilent && mContext->calls == calls) {
+    mMute.hold(true);
+    if (mLibrary->isJack(mStreamApi) && !mMute.isSilent() && mContext->calls == calls) {
         parkStream();
-        mHeld = false;
+        mMute.hold(false);
         return true;
     }
     const auto job = std::make_shared<CloseJob>(CloseJob{mLibrary, mStream, mContext});
     qWarning() << "Stopping stream...";
     const bool answered = callHostApi(
         mStreamApi, [job](BoundedCall::Ticket&) { job->run(); }, [] { return "Pa_StopStream"; },
-        deadline.left(LONGEST_CLOSE));
-    mHeld = false;
+        deadline.left(CLOSE_LIMIT));
+    mMute.hold(false);
     if (!answered) {
         forgetStream();
         return true;
@@ -411,7 +400,7 @@ void PaAudioOutput::forgetStream()
     mContext->retired = true;
     QElapsedTimer timer;
     timer.start();
-    while (mContext->inBlock && timer.elapsed() < LONGEST_BLOCK_MS)
+    while (mContext->inBlock && timer.elapsed() < BLOCK_LIMIT_MS)
         QThread::msleep(1);
     mStream = nullptr;
     ThreadCheck::setStreamRuns(false);
@@ -422,33 +411,13 @@ void PaAudioOutput::forgetStream()
 
 void PaAudioOutput::muteOutput()
 {
-    mMuted = true;
-    waitForSilence();
-}
-
-/// No longer than a fade takes.
-void PaAudioOutput::waitForSilence() const
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!mSilent && timer.elapsed() < LONGEST_FADE_MS)
-        QThread::msleep(1);
+    ThreadCheck::gui();
+    mMute.mute();
 }
 
 void PaAudioOutput::unmuteOutput()
 {
-    mMuted = false;
-}
-
-void PaAudioOutput::applyMute(float* output, unsigned long frames, bool muted)
-{
-    const float gain = muted ? 0.0F : 1.0F;
-    if (gain != mGain)
-        applyRamp(output, frames, mGain, gain);
-    else if (gain == 0.0F)
-        std::memset(output, 0, frames * CHANNELS * sizeof(float));
-    mGain = gain;
-    mSilent = gain == 0.0F;
+    mMute.unmute();
 }
 
 // ---------------------------------------------------------------- the callback
@@ -457,10 +426,10 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
 {
     setFlushToZero();
     unsigned long rendered = 0; // frames
-    const bool muted = mMuted || mHeld;
+    const bool muted = mMute.isMuted();
     // A callback that comes late finds a mute and, in the ring, the closing of the patch at once:
     // the block that fades must still have the patch.
-    const bool fadesOut = muted && mGain > 0.0F;
+    const bool fadesOut = mMute.fadesOut(muted);
     PdPlayer* engine = player();
     if (engine->handOver().enterBlock()) {
         if (!fadesOut)
@@ -475,7 +444,7 @@ void PaAudioOutput::renderBlock(float* output, unsigned long frames)
         engine->handOver().leaveBlock();
     }
     std::memset(output + rendered * CHANNELS, 0, (frames - rendered) * CHANNELS * sizeof(float));
-    applyMute(output, frames, muted);
+    mMute.apply(output, frames, muted);
 }
 
 int PaAudioOutput::portAudioCallback(const void*, void* output, unsigned long frames,

@@ -2,6 +2,7 @@
 
 #include "sound/AudioOutput.h"
 #include "sound/BlockWatch.h"
+#include "sound/MuteFade.h"
 #include "sound/PortAudioLibrary.h"
 
 #include <QElapsedTimer>
@@ -10,6 +11,8 @@
 
 #include <atomic>
 #include <memory>
+
+struct StreamContext;
 
 /// The sound device on PortAudio: two output channels, no input. Its callback is the clock of the
 /// whole sound engine.
@@ -23,22 +26,31 @@ class PaAudioOutput : public AudioOutput
     Q_OBJECT
 
 public:
-    static constexpr int CHANNELS = 2;
     static constexpr double PREFERRED_RATE = 44100.0; // Hz
 
+    /// [gui]
     explicit PaAudioOutput(QObject* parent = nullptr);
+    /// [gui] As term(), unless that was called.
     ~PaAudioOutput() override;
 
+    /// [gui]
     bool init(int framesPerBuffer, int device, PdPlayer* player) override;
+    /// [gui] Waits two seconds at most for a sound system that does not answer.
     void term() override;
+    /// [gui]
     QStringList devices() const override;
+    /// [gui]
     void logDevices() const override;
+    /// [gui] Waits four seconds at most for a sound system that does not answer.
     bool selectDevice(int index) override;
+    /// [gui]
     void muteOutput() override;
+    /// [gui]
     void unmuteOutput() override;
+    /// [gui]
     void tryAgain() override;
 
-    /// With no stream it does nothing and returns true.
+    /// [gui] With no stream it does nothing and returns true.
     bool closeDevice();
 
     /// [audio] One block: drains the commands, then renders interleaved stereo; in the block that
@@ -46,6 +58,7 @@ public:
     /// for a patch change, and allocates nothing of its own.
     void renderBlock(float* output, unsigned long frames);
 
+    /// [audio] What PortAudio calls for each block; `userData` is its StreamContext.
     static int portAudioCallback(const void* input, void* output, unsigned long frames,
                                  const PaStreamCallbackTimeInfo* timeInfo, PaStreamCallbackFlags flags,
                                  void* userData);
@@ -54,10 +67,9 @@ private:
     static constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
     static constexpr qint64 TRY_AGAIN_MS = 2500;
     // Doubled each time, since each copy stays in memory.
-    static constexpr qint64 LONGEST_STUCK_MS = 8000;
+    static constexpr qint64 STUCK_LIMIT_MS = 8000;
 
     class Deadline;
-    struct StreamContext;
     struct OpenJob;
     struct CloseJob;
     struct ParkedStream;
@@ -97,9 +109,6 @@ private:
     void takeList();
     bool stopReturn(const Deadline& deadline);
 
-    void waitForSilence() const;
-    void applyMute(float* output, unsigned long frames, bool muted);
-
     PortAudioLibrary* mLibrary = PortAudioLibrary::linked(); // not owned, lives for ever
     PaStream* mStream = nullptr;
     std::shared_ptr<StreamContext> mContext; // of the last stream
@@ -118,7 +127,7 @@ private:
     bool mEnded = true;     // not started, or brought to its end
     qint64 mNextTryMs = 0;
     qint64 mStuckUntilMs = 0; // then a library whose call does not come back is left
-    qint64 mStuckLimitMs = LONGEST_STUCK_MS;
+    qint64 mStuckLimitMs = STUCK_LIMIT_MS;
     qint64 mTryAgainMs = TRY_AGAIN_MS;
     std::shared_ptr<ParkedStream> mParked; // of a JACK server that stands still
     std::shared_ptr<ReturnJob> mReturn;    // under way while there is one; then it alone has the library
@@ -128,9 +137,5 @@ private:
 
     std::atomic<unsigned> mUnderruns{0};
     std::atomic<unsigned> mOverruns{0};
-    std::atomic<bool> mMuted{false}; // by a caller
-    std::atomic<bool> mHeld{false};  // while the device changes
-    // Either way the mute fades over one block, so that it does not click.
-    float mGain = 1.0F;               // [audio] at the end of the last block
-    std::atomic<bool> mSilent{false}; // that it has reached 0
+    MuteFade mMute;
 };

@@ -2,12 +2,13 @@
 
 #include "sound/PaAudioOutput.h"
 #include "sound/PortAudioLibrary.h"
+#include "sound/StreamContext.h"
 
 #include <algorithm>
 #include <chrono>
 
-// What the output's calls into PortAudio are made of. A call may be given up, so it owns all that it
-// touches. For the output's own .cpp files.
+// The calls of PaAudioOutput into PortAudio, for its own .cpp files. A call may be given up, so it owns all
+// that it touches.
 
 /// One time limit for several calls.
 class PaAudioOutput::Deadline
@@ -17,27 +18,18 @@ public:
         : mEnd(std::chrono::steady_clock::now() + limit)
     {
     }
-    std::chrono::milliseconds left(std::chrono::milliseconds most = std::chrono::milliseconds::max()) const
+    std::chrono::milliseconds left(std::chrono::milliseconds max = std::chrono::milliseconds::max()) const
     {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(mEnd - std::chrono::steady_clock::now());
-        return std::clamp(left, std::chrono::milliseconds(0), most);
+        return std::clamp(left, std::chrono::milliseconds(0), max);
     }
 
 private:
     std::chrono::steady_clock::time_point mEnd;
 };
 
-/// What a stream's callback is given. It outlives the output if the stream was given up.
-struct PaAudioOutput::StreamContext
-{
-    PaAudioOutput* output;
-    std::atomic<bool> retired{false}; // its callback writes silence and touches nothing else
-    std::atomic<bool> inBlock{false};
-    std::atomic<std::uint64_t> calls{0}; // of the callback, retired or not
-};
-
-/// Opens a stream, and starts it. It owns what its calls touch, since they may be given up.
+/// Opens a stream, and starts it.
 struct PaAudioOutput::OpenJob
 {
     /// Any thread that has the library to itself.
@@ -110,12 +102,12 @@ struct PaAudioOutput::OpenJob
     std::atomic<const char*> call = "Pa_IsFormatSupported"; // the one under way, or the one that failed
 };
 
-/// It owns what it touches, since it may be given up.
+/// Stops a stream and closes it.
 struct PaAudioOutput::CloseJob
 {
     PortAudioLibrary* library;
     PaStream* stream;
-    std::shared_ptr<StreamContext> context; // kept as long as its callback may run
+    std::shared_ptr<StreamContext> context; // kept while the callback may run
     PaError stopError = paNoError;
     PaError closeError = paNoError;
 
@@ -126,7 +118,7 @@ struct PaAudioOutput::CloseJob
     }
 };
 
-/// A JACK stream whose callback has stopped.
+/// A JACK stream that is put aside, because its callback has stopped.
 struct PaAudioOutput::ParkedStream
 {
     CloseJob close;
@@ -134,8 +126,8 @@ struct PaAudioOutput::ParkedStream
     std::uint64_t callsThen; // of its callback
 };
 
-/// Brings a lost device back in two calls. All that is slow is done without the graphical thread,
-/// which only tells libpd the rate in between.
+/// Brings a lost device back in two calls. All that is slow is done on another thread; the graphical
+/// thread only tells libpd the rate in between.
 struct PaAudioOutput::ReturnJob
 {
     PortAudioLibrary* library;

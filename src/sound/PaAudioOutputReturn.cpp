@@ -11,8 +11,8 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds LONGEST_RETURN{1500}; // of a return that is to end
-constexpr qint64 LONGEST_TRY_AGAIN_MS = 60000;
+constexpr milliseconds RETURN_LIMIT{1500}; // for a return that is to end
+constexpr qint64 MAX_TRY_AGAIN_MS = 60000;
 // Until then the MIDI output has let go of its client of the same dead server.
 constexpr qint64 FIRST_TRY_MS = 1500;
 constexpr int RETURN_INTERVAL_MS = 50;
@@ -192,7 +192,7 @@ void PaAudioOutput::followReturn()
     mNextTryMs = mClock.elapsed() + mTryAgainMs;
     // Its client may have outlived the server. Less often each time, since each copy stays in memory.
     if (opening && mLibrary->isJack(opening->hostApi)) {
-        mTryAgainMs = qMin(2 * mTryAgainMs, LONGEST_TRY_AGAIN_MS);
+        mTryAgainMs = qMin(2 * mTryAgainMs, MAX_TRY_AGAIN_MS);
         leaveLibrary();
     }
 }
@@ -214,8 +214,8 @@ bool PaAudioOutput::stopReturn(const Deadline& deadline)
     mLost = false;
     if (!mReturn)
         return true;
-    const Deadline patience(deadline.left(LONGEST_RETURN));
-    while (mReturnGate.isStuck() && patience.left() > milliseconds(0))
+    const Deadline end(deadline.left(RETURN_LIMIT));
+    while (mReturnGate.isStuck() && end.left() > milliseconds(0))
         QThread::msleep(5);
     if (mReturnGate.isStuck())
         return false;

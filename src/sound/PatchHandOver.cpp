@@ -11,8 +11,8 @@
 namespace {
 
 constexpr unsigned long POLL_US = 500;
-// A block that runs when the event is queued may have drained the ring already; the next one
-// must take it. One more for good measure, and the event was lost.
+// A block that runs when the event is queued may have drained the ring already; the next one takes the
+// event. With one block of margin, it counts as lost after three.
 constexpr std::uint64_t BLOCKS_UNTIL_LOST = 3;
 
 } // namespace
@@ -29,7 +29,7 @@ bool PatchHandOver::enterBlock()
     return true;
 }
 
-/// With the engine taken.
+/// The caller holds the engine.
 void PatchHandOver::doOfferedWork()
 {
     if (mWorkOffered.load(std::memory_order_relaxed)
@@ -64,7 +64,7 @@ std::uint64_t PatchHandOver::rounds() const
     return mEntered.load(std::memory_order_relaxed) + mDrained * (BLOCKS_UNTIL_LOST + 1);
 }
 
-/// As far as any wait has watched; blocks that did not get the engine do not count.
+/// As far as the waits have watched. Blocks that did not get the engine do not count.
 std::chrono::milliseconds PatchHandOver::sinceLastBlock()
 {
     const std::uint64_t block = mEntered.load(std::memory_order_relaxed);
@@ -75,8 +75,8 @@ std::chrono::milliseconds PatchHandOver::sinceLastBlock()
     return Milliseconds(mSeenSince.elapsed());
 }
 
-/// Whether the block that has the engine is to be given up.
-bool PatchHandOver::patienceEnds(const QElapsedTimer& waited, Milliseconds limit)
+/// Whether the block that holds the engine is to be given up.
+bool PatchHandOver::hasWaitedEnough(const QElapsedTimer& waited, Milliseconds limit)
 {
     return sinceLastBlock() >= limit && Milliseconds(waited.elapsed()) >= std::min(mLimits.again, limit);
 }
@@ -89,7 +89,8 @@ void PatchHandOver::giveUpForGood()
     qCritical() << "The audio thread does not come out of the patch. There is no more sound.";
 }
 
-/// With the engine taken; gives it back. The thread keeps all that it was given.
+/// The caller has taken the engine for another thread, which runs the work and gives the engine back. That
+/// thread owns all that it is given, since it may never come back.
 bool PatchHandOver::runAside(const std::function<void()>& work)
 {
     const auto call = [this, work](BoundedCall::Ticket&) {
@@ -116,7 +117,7 @@ bool PatchHandOver::await(const std::function<bool()>& done, const std::function
         if (stalled && tryTakeEngine()) {
             runAside(drain);
             ++mDrained;
-        } else if (stalled && patienceEnds(waited, limit)) {
+        } else if (stalled && hasWaitedEnough(waited, limit)) {
             return false;
         }
         QThread::usleep(POLL_US);
@@ -151,7 +152,7 @@ bool PatchHandOver::request(Change change, const std::function<void()>& queue,
     if (isOver())
         return false;
     if (mAwaited.exchange(Change::None, std::memory_order_acquire) == Change::None)
-        return true; // at the last moment
+        return true; // it ended at the last moment
     giveUpForGood();
     return false;
 }
@@ -168,7 +169,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
     QElapsedTimer waited;
     waited.start();
     while (!tryTakeEngine()) {
-        if (isOver() || patienceEnds(waited, mLimits.work)) {
+        if (isOver() || hasWaitedEnough(waited, mLimits.work)) {
             qCritical() << "The audio thread does not come out of a block.";
             return false;
         }
@@ -196,7 +197,7 @@ bool PatchHandOver::runInBlock(const std::function<void()>& work)
         qCritical() << "The audio thread does not come out of a block.";
         return false;
     }
-    // It was taken at the last moment, or it is what does not come back.
+    // The work was taken at the last moment, or it is the work that does not come back.
     if (await(done, workInstead, mLimits.change))
         return true;
     if (!isOver())

@@ -8,13 +8,15 @@
 #include <functional>
 
 /// Hands a patch over between the graphical and the audio thread, and settles which of them runs
-/// the engine. Nothing here is a lock: whoever has the engine runs it, and nobody waits for it but the
-/// graphical thread, which waits only so long.
+/// the engine. Nothing here is a lock: whoever has the engine runs it, and only the graphical thread
+/// waits for it, no longer than Limits say. Capacity: one request or one piece of work at a time, since
+/// the graphical thread waits for each.
 ///
 /// The audio callback encloses each block in enterBlock/leaveBlock. The graphical thread asks for
 /// work by an event and waits in request() until the audio thread calls finish(). When no callback
-/// comes (no stream, or a device that was unplugged), it takes the engine and has the work done on a
-/// thread of its own, since a patch may loop for ever.
+/// comes (no stream, or a device that was unplugged), the graphical thread takes the engine and has the
+/// work done on another thread, since a patch may loop for ever. In debug builds each change of hands is
+/// told to ThreadCheck.
 ///
 /// A patch that never comes back keeps the engine. That is the end of the sound for this run: every
 /// later wait fails at once, and no block gets the engine any more. The stuck thread goes on using the
@@ -24,21 +26,20 @@ class PatchHandOver
 public:
     enum class Change { None, Open, Close };
 
-    /// How long the graphical thread waits, at the most.
+    /// How long the graphical thread waits at most.
     struct Limits
     {
-        /// Without a block for so long there is no stream. Longer than any block: 8192 frames at
-        /// 44100 Hz last 186 ms.
+        /// When no block has come for this long, there is no stream. Longer than any block: 8192 frames
+        /// at 44100 Hz last 186 ms.
         std::chrono::milliseconds stalled{400};
-        /// For a block that changes the patch. Then it counts as stuck for ever.
+        /// For a block that changes the patch. After that it counts as stuck for ever.
         std::chrono::milliseconds change{10000};
-        /// For a block that only stands in the way of other work.
+        /// For a block that only delays other work.
         std::chrono::milliseconds work{2000};
-        /// The same block is not waited for as long again, but for this, since the machine itself
-        /// may have slept.
+        /// For a block that was waited for before; not 0, since the machine itself may have slept.
         std::chrono::milliseconds again{500};
     };
-    /// When the program is about to end, and everything is saved.
+    /// [any] For a program that is about to end and has saved everything.
     static Limits limitsAtEnd()
     {
         Limits limits;
@@ -51,19 +52,19 @@ public:
     /// opens: five in all, half a second.
     static constexpr unsigned long FADE_MS = 100;
 
-    /// [gui]
+    /// [gui] For all later waits.
     void setLimits(const Limits& limits) { mLimits = limits; }
 
     /// [audio] Effect: counts the block, claims the engine and does what runInBlock() asks for. False
     /// when another thread has it: write silence and return. Never blocks.
     bool enterBlock();
-    /// [audio]
+    /// [audio] Effect: any thread may take the engine again. Never blocks.
     void leaveBlock();
 
-    /// [audio] Whether the graphical thread waits for this change; finish() must follow then. A
-    /// physical device can name both events too, and its ones must change nothing.
+    /// [audio] Whether the graphical thread waits for this change; then finish() must follow. A physical
+    /// device can name both events too, and those must change nothing.
     bool isAwaiting(Change change) const { return mAwaited.load(std::memory_order_acquire) == change; }
-    /// [audio] Ends the wait for this change.
+    /// [audio] Effect: ends the wait for this change. Never blocks.
     void finish(Change change);
 
     /// [gui] Calls `queue` to send the event, and waits. `drain` runs the engine's pending events; it
@@ -88,7 +89,7 @@ public:
     /// [any] A patch has kept the engine for good: there is no sound until the program is started anew.
     bool isOver() const { return mOver.load(std::memory_order_acquire); }
 
-    /// Count of callbacks so far; any thread.
+    /// [any] Count of callbacks so far.
     std::uint64_t blocks() const { return mBlocks.load(std::memory_order_relaxed); }
 
 private:
@@ -98,7 +99,7 @@ private:
     void giveEngineBack();
     std::uint64_t rounds() const;
     Milliseconds sinceLastBlock();
-    bool patienceEnds(const QElapsedTimer& waited, Milliseconds limit);
+    bool hasWaitedEnough(const QElapsedTimer& waited, Milliseconds limit);
     bool await(const std::function<bool()>& done, const std::function<void()>& drain, Milliseconds limit);
     bool runAside(const std::function<void()>& work);
     void doOfferedWork();

@@ -5,6 +5,7 @@
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/OrloTransposeEvent.h"
+#include "sound/ThreadCheck.h"
 
 #include <QDebug>
 
@@ -58,6 +59,7 @@ void PdMessageBuffer::writeChunk(const Chunk* chunk)
 
 void PdMessageBuffer::processEvents(ChunkList& chunks)
 {
+    ThreadCheck::audio();
     const std::size_t available = mRing.readable() / CHUNK_BYTES * CHUNK_BYTES;
     if (available == 0)
         return;

@@ -6,11 +6,12 @@
 #include "sound/OrloEvent.h"
 #include "sound/StaticArray.h"
 
-/// A command buffer into the audio thread: a lock-free ring for one writing and one reading thread,
-/// in which each event travels as a Chunk of 64 bytes.
+/// A command buffer into the audio thread: a lock-free ring in which each event travels as a Chunk of 64
+/// bytes. It is read on [audio] and has one writing thread: [gui] for the player's guiBuffer, [listener]
+/// for its serialBuffer.
 ///
 /// Capacity: 255 chunks. A chunk that finds the ring full is dropped with a warning; the writer
-/// neither waits nor retries. Nothing here blocks.
+/// neither waits nor retries. Nothing here blocks, and only init() allocates.
 class PdMessageBuffer
 {
 public:
@@ -29,18 +30,18 @@ public:
     static constexpr int CHUNK_LIST_CAPACITY = RING_BYTES / static_cast<int>(sizeof(Chunk));
     using ChunkList = StaticArray<const Chunk*, CHUNK_LIST_CAPACITY>;
 
-    /// Makes the ring. False when there is no memory for it.
+    /// [stopped] Makes the ring. False when there is no memory for it.
     bool init();
-    /// Writer's thread. Copies the event.
+    /// [gui] or [listener], whichever writes. Effect: the engine gets a copy of the event.
     void queueEvent(const OrloEvent* event);
-    /// Writer's thread.
+    /// [gui] or [listener], whichever writes. Effect: the engine gets the chunk.
     void writeChunk(const Chunk* chunk);
     /// [audio] Appends a pointer for each chunk that is pending. The pointers hold until the next
     /// call on any buffer: all buffers read into one area, which is safe because one thread drains
     /// them one after the other and uses each list up first.
     void processEvents(ChunkList& chunks);
 
-    /// Writer's thread: how many more find room.
+    /// [gui] or [listener], whichever writes. How many more find room.
     int room() const { return static_cast<int>(mRing.writable()) / static_cast<int>(sizeof(Chunk)); }
 
 private:

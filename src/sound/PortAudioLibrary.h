@@ -21,21 +21,24 @@
 class PortAudioLibrary
 {
 public:
-    /// The library that the program is linked with.
+    /// [gui] The library that the program is linked with.
     static PortAudioLibrary* linked();
-    /// A copy. Null where the system cannot load any.
+    /// [gui] A copy. Null where the system cannot load any.
     static PortAudioLibrary* loadCopy();
 
-    /// The longest-lived home for what a stream that cannot be closed may still touch.
+    /// [gui] Keeps for ever what a stream that cannot be closed may still touch.
     void keep(const std::shared_ptr<void>& object) { mKept.push_back(object); }
-    /// A call that was given up, or not waited for, is still inside.
+    /// [gui] A call that was given up, or not waited for, is still inside.
     bool isStuck() const;
+    /// [gui] The same for calls into JACK.
     bool isStuckInJack() const;
+    /// [any] Whether this host API is JACK.
     bool isJack(int hostApi) const;
 
     /// [any] Waits as long as it takes.
     PaError start();
-    /// The devices with outputs, as "host API: device", by PortAudio's index; an empty name for the others.
+    /// [any] The devices with outputs, as "host API: device", by PortAudio's index; an empty name for the
+    /// others.
     QStringList outputNames() const;
 
     // PortAudio's functions by their names.

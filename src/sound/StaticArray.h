@@ -2,7 +2,8 @@
 
 #include <cstdint>
 
-/// Fixed-capacity array for the sound engine: it never allocates. Not bounds-checked. One thread only.
+/// Fixed-capacity array for the sound engine: it never allocates. Not bounds-checked. All of it is [any],
+/// one thread at a time.
 template <class T, int N>
 class StaticArray
 {

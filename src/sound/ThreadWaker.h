@@ -15,15 +15,19 @@ class ThreadWaker : public QObject
     Q_OBJECT
 
 public:
+    /// [gui] The thread that is woken.
     ThreadWaker();
+    /// [gui]
     ~ThreadWaker() override;
 
-    /// [any] What was written before is seen by whoever answers.
+    /// [any] Effect: woken() follows on [gui], where all that was written before is seen. Capacity: one
+    /// wake; more of them before the answer are the same one. Never blocks.
     void wake();
-    /// The thread that made it: from now on a wake is a new one. Before reading what there is.
+    /// [gui] From now on a wake is a new one. To be called before what there is is read.
     void answer();
 
 signals:
+    /// [gui]
     void woken();
 
 private:

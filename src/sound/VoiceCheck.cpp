@@ -39,8 +39,8 @@ bool waitFor(QProcess& process, std::chrono::milliseconds limit)
 
 } // namespace
 
-VoiceCheck::VoiceCheck(std::chrono::milliseconds longestTrial, QString program)
-    : mLongestTrial(longestTrial)
+VoiceCheck::VoiceCheck(std::chrono::milliseconds trialLimit, QString program)
+    : mTrialLimit(trialLimit)
     , mProgram(std::move(program))
 {
 }
@@ -77,7 +77,7 @@ QString VoiceCheck::tried(const QString& voice) const
     trial.setStandardErrorFile(QProcess::nullDevice());
     trial.start(mProgram,
                 {besideProgram(QStringLiteral("patches/shell/orlo_main_4voice.pd")), folder.path()});
-    if (!waitFor(trial, mLongestTrial)) {
+    if (!waitFor(trial, mTrialLimit)) {
         trial.kill();
         trial.waitForFinished(SLICE_MS);
         return QStringLiteral("It never comes up: it loops for ever when it is opened or played.");

@@ -5,7 +5,7 @@
 #include <chrono>
 
 /// Finds out whether a file is a voice that the engine can take, before the one that plays is closed
-/// for it. [gui]
+/// for it.
 ///
 /// What the file itself does not tell is tried in another process: a voice may loop for ever, crash, or
 /// spoil libpd for the ones after it.
@@ -13,22 +13,22 @@ class VoiceCheck
 {
 public:
     /// Normally some tens of milliseconds. Later the window is kept painted meanwhile.
-    static constexpr std::chrono::milliseconds LONGEST_TRIAL{5000};
+    static constexpr std::chrono::milliseconds TRIAL_LIMIT{5000};
 
-    explicit VoiceCheck(std::chrono::milliseconds longestTrial = LONGEST_TRIAL,
-                        QString program = trialProgram());
+    /// [gui]
+    explicit VoiceCheck(std::chrono::milliseconds trialLimit = TRIAL_LIMIT, QString program = trialProgram());
 
-    /// Why it is none, as a sentence for the player; empty: it is one. Where no trial can be made, the
-    /// file is trusted, and the log tells. What comes for the graphical thread from elsewhere may be
-    /// delivered meanwhile; input and the closing of windows wait.
+    /// [gui] Why the file is no voice, as a sentence for the player; empty when it is one. Where no trial can
+    /// be made, the file is trusted, and the log tells. What comes for the graphical thread from elsewhere
+    /// may be delivered meanwhile; input and the closing of windows wait.
     QString whyNot(const QString& voice) const;
 
-    /// The executable of the trial, beside the program's own.
+    /// [any] The executable of the trial, beside the program's own.
     static QString trialProgram();
 
 private:
     QString tried(const QString& voice) const;
 
-    std::chrono::milliseconds mLongestTrial;
+    std::chrono::milliseconds mTrialLimit;
     QString mProgram;
 };

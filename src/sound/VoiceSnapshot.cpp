@@ -1,5 +1,9 @@
 #include "sound/VoiceSnapshot.h"
 
+#include "sound/ThreadCheck.h"
+
+#include <cstddef>
+
 namespace {
 
 std::uint64_t packed(const Voice& voice)
@@ -12,49 +16,27 @@ std::uint64_t packed(const Voice& voice)
 
 void VoiceSnapshot::publish(const RatioTable<Voice*>& noteMap)
 {
-    const unsigned next = mPublished.load(std::memory_order_relaxed) + 1;
-    Buffer& buffer = mBuffers[next % RING_SIZE];
-    // Release, so that a reader who meets one of these has the former counts behind it.
-    int size = 0;
+    ThreadCheck::audio();
+    Notes now;
     for (const Voice* voice : noteMap) {
-        if (size == VoiceTable::SLOTS)
+        if (now.count == VoiceTable::SLOTS)
             break;
-        Slot& slot = buffer.voices[static_cast<size_t>(size++)];
-        slot.numerator.store(voice->ratio.numerator(), std::memory_order_release);
-        slot.denominator.store(voice->ratio.denominator(), std::memory_order_release);
-        slot.state.store(packed(*voice), std::memory_order_release);
+        now.notes[now.count++] = {voice->ratio.numerator(), voice->ratio.denominator(), packed(*voice)};
     }
-    buffer.size.store(size, std::memory_order_release);
-    mPublished.store(next, std::memory_order_release);
+    mPublished.publish(now, offsetof(Notes, notes) + now.count * sizeof(Note));
 }
 
 QList<VoiceSnapshot::Entry> VoiceSnapshot::read() const
 {
-    struct Raw
-    {
-        unsigned long long numerator;
-        unsigned long long denominator;
-        std::uint64_t state;
-    };
-    std::array<Raw, VoiceTable::SLOTS> raw;
-    for (int attempt = 0; attempt < ATTEMPTS; ++attempt) {
-        const unsigned published = mPublished.load(std::memory_order_acquire);
-        const Buffer& buffer = mBuffers[published % RING_SIZE];
-        const int size = buffer.size.load(std::memory_order_acquire);
-        for (size_t i = 0; i < static_cast<size_t>(size); ++i) {
-            raw[i] = {buffer.voices[i].numerator.load(std::memory_order_acquire),
-                      buffer.voices[i].denominator.load(std::memory_order_acquire),
-                      buffer.voices[i].state.load(std::memory_order_acquire)};
-        }
-        if (mPublished.load(std::memory_order_relaxed) - published >= RING_SIZE - 1)
-            continue;
-        QList<Entry> entries;
-        entries.reserve(size);
-        for (size_t i = 0; i < static_cast<size_t>(size); ++i)
-            entries.append({OrloRatio(raw[i].numerator, raw[i].denominator),
-                            static_cast<int>(raw[i].state >> 1 & 0xFF),
-                            static_cast<std::uint32_t>(raw[i].state >> 32), (raw[i].state & 1) != 0});
+    Notes last;
+    QList<Entry> entries;
+    if (!mPublished.read(last))
         return entries;
+    entries.reserve(static_cast<qsizetype>(last.count));
+    for (std::size_t i = 0; i < last.count; ++i) {
+        const auto& [numerator, denominator, state] = last.notes[i];
+        entries.append({OrloRatio(numerator, denominator), static_cast<int>(state >> 1 & 0xFF),
+                        static_cast<std::uint32_t>(state >> 32), (state & 1) != 0});
     }
-    return {};
+    return entries;
 }

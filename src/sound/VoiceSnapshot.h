@@ -1,19 +1,13 @@
 #pragma once
 
+#include "model/Published.h"
 #include "sound/VoiceTable.h"
 
 #include <array>
-#include <atomic>
+#include <cstdint>
 
-/// What the note map held after a block, for any thread and without a lock.
-///
-/// publish() copies the map into the next buffer of a ring and then moves the count to it; read()
-/// copies the buffer under the count and throws the copy away when the writer may have come round
-/// to it meanwhile. So a reader sees the map of one moment, never half of two.
-///
-/// publish() is wait-free and allocates nothing. read() would have to be held up for RING_SIZE - 1
-/// publications within one copy to need a second attempt; after ATTEMPTS of them it gives an empty
-/// list.
+/// What the note map held after the last block: a list of one moment, never half of two blocks.
+/// Capacity: a note for each slot. Nothing here blocks, and only read() allocates.
 class VoiceSnapshot
 {
 public:
@@ -27,25 +21,21 @@ public:
 
     /// [audio] Effect: what the map holds now is what read() gives from now on. In its order.
     void publish(const RatioTable<Voice*>& noteMap);
-    /// [any] Allocates the list.
+    /// [any] Allocates the list, which is empty in the rare case that Published::read fails.
     QList<Entry> read() const;
 
 private:
-    static constexpr unsigned RING_SIZE = 16;
-    static constexpr int ATTEMPTS = 100;
-
-    struct Slot
+    struct Note
     {
-        std::atomic<unsigned long long> numerator{0};
-        std::atomic<unsigned long long> denominator{1};
-        std::atomic<std::uint64_t> state{0}; // seqId, voice and whether it is released
+        unsigned long long numerator;
+        unsigned long long denominator;
+        std::uint64_t state; // seqId, voice and whether it is released
     };
-    struct Buffer
+    struct Notes
     {
-        std::atomic<int> size{0};
-        std::array<Slot, VoiceTable::SLOTS> voices;
+        std::uint64_t count = 0;
+        std::array<Note, VoiceTable::SLOTS> notes; // beyond the count undefined
     };
 
-    std::array<Buffer, RING_SIZE> mBuffers;
-    std::atomic<unsigned> mPublished{0}; // count of publications; its buffer is this modulo RING_SIZE
+    Published<Notes, 16> mPublished{Notes{}};
 };

@@ -61,6 +61,7 @@ struct Row
     Events block;
     bool soft = false;
     int wakes = 1;
+    int channel = 0;
 };
 
 std::vector<Row> rows()
@@ -77,6 +78,8 @@ std::vector<Row> rows()
         {"nothing while it sounds", selected, {}, false, 0},
         {"recall of 127", {}, recall},
         {"recall of 127 over 128", {chord}, recall},
+        {"recall of 127 in MPE", {}, recall, false, 1, MidiOutput::MPE},
+        {"bends in MPE", selected, plain(OrloEvent::GlissOneSet, 0.7F), false, 0, MidiOutput::MPE},
         {"a note steals a voice", sounding, one<OrloNoteEvent>(pitch(200))},
         {"a ball's note", {}, one<OrloNoteEvent>(QStringLiteral("/3/5"))},
         {"a note of its ratio", {}, one<OrloNoteEvent>(OrloRatio(3, 2))},
@@ -143,6 +146,7 @@ TEST(BlockCost, IsNoAllocationNoLockAndOneWake)
     };
     const auto runs = [&](const Row& row) {
         rig.settings.softNodeReset = row.soft;
+        out.setChannel(row.channel);
         for (const Events& events : row.before) {
             queue(events);
             render();

@@ -45,11 +45,9 @@ class MidiOutOverDouble : public MidiOutRtMidi
 public:
     explicit MidiOutOverDouble(int apisThatFail = 0, bool initNow = true);
     ~MidiOutOverDouble() override;
-    using MidiOutput::channelActive;
-    using MidiOutput::channelKey;
-    using MidiOutput::channelVoice;
+    using MidiOutput::mpeChannels;
+    using MidiOutput::mtsKeys;
     using MidiOutput::pitchBendRangeCents;
-    using MidiOutput::tunedKeys;
 
     const std::shared_ptr<MidiSystem> system = std::make_shared<MidiSystem>();
 

@@ -3,6 +3,7 @@
 #include "support/SoundRig.h"
 
 #include "sound/OrloNoteEvent.h"
+#include "sound/StreamContext.h"
 
 #include <gtest/gtest.h>
 
@@ -67,4 +68,21 @@ TEST(AudioOutput, MutedIsSilentWhileVoicesStillEnd)
     EXPECT_TRUE(log.take().contains(QStringLiteral("orlo-in 1 1 1"))) << "voice 1 was not freed";
     rig.output.unmuteOutput();
     EXPECT_GT(peak(rig.render(40)), 0.01F);
+}
+
+TEST(AudioOutput, TheCallbackOfAStreamThatWasGivenUpIsSilentAndTouchesNothing)
+{
+    SoundRig rig(4);
+    EngineLog log(rig.player);
+    StreamContext context{&rig.output};
+    for (const bool retired : {false, true}) {
+        context.retired = retired;
+        std::vector<float> block(2 * SoundRig::FRAMES, 1.0F);
+        rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, 441.0F));
+        PaAudioOutput::portAudioCallback(nullptr, block.data(), SoundRig::FRAMES, nullptr, 0, &context);
+        EXPECT_EQ(log.said(), retired ? "" : "baseFrequencyChanged 441");
+        EXPECT_EQ(peak(block), 0.0F);
+    }
+    EXPECT_EQ(context.calls, 2U); // a JACK server that thaws is noticed by them
+    EXPECT_FALSE(context.inBlock);
 }
