@@ -9,7 +9,6 @@
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/FrequencySpinBox.h"
 #include "ui/dialogs/Notice.h"
-#include "ui/window/MainWindow.h"
 #include "update/UpdateDialog.h"
 
 #include <QCloseEvent>
@@ -101,8 +100,7 @@ void OptionsDialog::closeEvent(QCloseEvent* event)
 {
     qDebug() << "Options: position before" << mSavedPosition;
     mSavedPosition = pos();
-    mMainWindow->setOptionsDialogPosition(mSavedPosition);
-    mMainWindow->reloadAllSoundingRatios();
+    emit closedAt(mSavedPosition);
     qDebug() << "Options: position after" << mSavedPosition;
     event->accept();
 }
@@ -169,7 +167,7 @@ void OptionsDialog::updateCentsDisplay()
     if (settings->oneOneFreqTempered == isFar)
         return;
     settings->oneOneFreqTempered = isFar;
-    mMainWindow->updateOrloView();
+    emit displayChanged();
 }
 
 void OptionsDialog::onCalibrationFreqEditValueChanged(double value)
@@ -177,7 +175,7 @@ void OptionsDialog::onCalibrationFreqEditValueChanged(double value)
     mCalibration = value;
     app::settings()->calibrationFrequency = value;
     markNote();
-    mMainWindow->updateOrloView();
+    emit displayChanged();
     updateCentsDisplay();
 }
 
@@ -218,7 +216,7 @@ void OptionsDialog::onOneOneNoteChanged(int)
         emit mOneOneFreqEdit->editingFinished(); // so that the sound follows at once
     }
     populateOneOneSplitMenu();
-    mMainWindow->updateOrloView();
+    emit displayChanged();
 }
 
 void OptionsDialog::populateOneOneSplitMenu()
@@ -337,8 +335,8 @@ void OptionsDialog::onMidiPortBack(const QString& name)
 void OptionsDialog::onMidiPortLost(const QString& name)
 {
     mMidiDeviceMenu->setCurrentIndex(0);
-    notice::show(
-        mMainWindow, QMessageBox::Warning,
+    notice::show( // over the window, since the dialog may be closed
+        parentWidget(), QMessageBox::Warning,
         QStringLiteral("The Midi output port / device %1 no longer answers and was closed.").arg(name));
 }
 
@@ -359,7 +357,7 @@ void OptionsDialog::onMainPatchNumberOfVoicesMenuActivated(int index)
 void OptionsDialog::onCentsShowDecimalsChanged(int index)
 {
     app::settings()->centsShowDecimals = index;
-    mMainWindow->updateOrloView();
+    emit displayChanged();
 }
 
 void OptionsDialog::onGlissOneRangeChanged(double value)
@@ -384,7 +382,7 @@ void OptionsDialog::onGlissRangeMPEChanged(double value)
 void OptionsDialog::onFurtherOptionsChanged2(bool on)
 {
     app::settings()->centralNodeColourRelativeMode = on;
-    mMainWindow->updateOrloView();
+    emit displayChanged();
 }
 
 void OptionsDialog::onFurtherOptionsChanged5(bool on)
@@ -401,7 +399,7 @@ void OptionsDialog::onMaintainMacrosChanged(bool on)
 void OptionsDialog::onAllowZoomChanged(bool on)
 {
     app::settings()->orloZoomMode = on ? ZOOM_ON : 0;
-    mMainWindow->updateZoomMode();
+    emit zoomModeChanged();
 }
 
 void OptionsDialog::onSoftNodeResetChanged(bool on)

@@ -7,7 +7,6 @@
 #include <QPoint>
 
 class FrequencySpinBox;
-class MainWindow;
 class QComboBox;
 class QDoubleSpinBox;
 class QGridLayout;
@@ -15,8 +14,8 @@ class QLabel;
 class QTabWidget;
 class QVBoxLayout;
 
-/// All options in one window. A control acts when it is changed: it writes its option and tells
-/// whoever is concerned; nothing is taken back on closing. Graphical thread.
+/// All options in one window. A control acts when it is changed: it writes its option and tells the
+/// sound, the MIDI output or, by a signal, the main window. Closing takes nothing back. Graphical thread.
 ///
 /// The note of 1/1 and its frequency are a pair: a new note sets the frequency, by the calibration
 /// of A4. The note never follows the frequency; where the two part, that is marked.
@@ -25,8 +24,8 @@ class OptionsDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// Shows the present options. The window is its parent and is told what to draw anew.
-    explicit OptionsDialog(MainWindow* mainWindow);
+    /// Shows the present options. `updateCentsDisplay` comes after it, when the signals are connected.
+    explicit OptionsDialog(QWidget* parent);
     ~OptionsDialog() override;
 
     void selectTab(int index);
@@ -43,8 +42,15 @@ public:
     static int getFloatDecimalPrecision(float frequency);
     /// Fills the menus of octave and note from the text of the 1/1 note.
     void populateOneOneSplitMenu();
-    /// How far 1/1 is from its note, and the option that tells the names whether that is too far.
+    /// Shows how far 1/1 is from its note, and sets the option by which notes bear names relative to it.
     void updateCentsDisplay();
+
+signals:
+    /// An option that balls and cards are drawn by.
+    void displayChanged();
+    void zoomModeChanged();
+    /// Where it was on the screen.
+    void closedAt(QPoint position);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -93,7 +99,6 @@ private:
     void showSplitMenus(bool split);
     void chooseSplitNote();
 
-    MainWindow* mMainWindow;
     const NoteTable mNoteTable;
     QPoint mSavedPosition;
 

@@ -5,7 +5,6 @@
 #include "external/MidiOutput.h"
 #include "sound/AudioOutput.h"
 #include "ui/dialogs/FrequencySpinBox.h"
-#include "ui/window/MainWindow.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -124,9 +123,8 @@ static void initTexts()
     Q_INIT_RESOURCE(text);
 }
 
-OptionsDialog::OptionsDialog(MainWindow* mainWindow)
-    : QDialog(mainWindow, Qt::Tool)
-    , mMainWindow(mainWindow)
+OptionsDialog::OptionsDialog(QWidget* parent)
+    : QDialog(parent, Qt::Tool)
 {
     initTexts();
     setWindowTitle(QStringLiteral("Options"));
@@ -173,7 +171,6 @@ QWidget* OptionsDialog::buildOptionsPage()
     showSplitMenus(app::settings()->oneOneMenuSplitOctaves);
     populateOneOneSplitMenu();
     markNote();
-    updateCentsDisplay();
     return widget;
 }
 
