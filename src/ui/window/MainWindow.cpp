@@ -8,7 +8,7 @@
 #include "sound/EngineRelay.h"
 #include "sound/MacroList.h"
 #include "sound/PdPlayer.h"
-#include "ui/cards/PitchTexts.h"
+#include "ui/cards/FrequencyDecimals.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
