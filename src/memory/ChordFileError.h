@@ -5,7 +5,7 @@
 
 #include <boost/rational.hpp>
 
-/// Ratios of a chord file that are none, such as "3/0". Everything else of the file has been read
+/// Invalid ratios of a chord file, such as "3/0". Everything else of the file has been read
 /// when this is thrown.
 class ChordFileError : public boost::bad_rational
 {

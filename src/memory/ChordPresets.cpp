@@ -10,7 +10,7 @@ namespace {
 
 const QString ENDING = QStringLiteral(".btoc");
 
-/// One level below the directory, whoever named it.
+/// A name of one level below the directory, from a menu or typed.
 bool isEntry(const QString& name)
 {
     return !name.isEmpty() && !name.contains(u'/') && name != QStringLiteral(".")

@@ -1,31 +1,13 @@
 #include "memory/SaveAndLoad.h"
 
 #include "memory/ChordFileError.h"
+#include "memory/ChordLine.h"
 
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QSaveFile>
 #include <QTextStream>
-
-namespace {
-
-const QString TERMINATOR = QStringLiteral("0");
-
-unsigned long long asUnsigned(int number)
-{
-    return static_cast<unsigned long long>(number);
-}
-
-} // namespace
-
-/// What becomes of a file while it is read.
-struct SaveAndLoad::Reading
-{
-    bool ok = true; // of the last number that was read
-    QString error;
-    QList<ChordFileError::Part> noRatios;
-};
 
 bool SaveAndLoad::getDataFromFile(QDir* file, Chords* chords, int maxSets)
 {
@@ -36,7 +18,7 @@ bool SaveAndLoad::getDataFromFile(QDir* file, Chords* chords, int maxSets)
     }
     qDebug() << "Reading from file: " << file->path();
     chords->clear();
-    Reading reading;
+    chordline::Reading reading;
     QTextStream stream(&source);
     readLines(stream, *chords, maxSets, reading);
     if (!reading.ok) {
@@ -49,7 +31,7 @@ bool SaveAndLoad::getDataFromFile(QDir* file, Chords* chords, int maxSets)
     return reading.ok;
 }
 
-void SaveAndLoad::readLines(QTextStream& stream, Chords& chords, int maxSets, Reading& reading)
+void SaveAndLoad::readLines(QTextStream& stream, Chords& chords, int maxSets, chordline::Reading& reading)
 {
     int slot = 0;
     while (!stream.atEnd()) {
@@ -60,44 +42,9 @@ void SaveAndLoad::readLines(QTextStream& stream, Chords& chords, int maxSets, Re
             break;
         }
         ++slot;
-        if (!text.startsWith(TERMINATOR))
-            chords.insert(slot, readChord(text.split(u' '), slot, reading));
+        if (!chordline::isEmptySlot(text))
+            chords.insert(slot, chordline::read(text, slot, reading));
     }
-}
-
-QList<OrloRatio> SaveAndLoad::readChord(const QStringList& parts, int slot, Reading& reading)
-{
-    QList<OrloRatio> chord;
-    for (const QString& part : parts) {
-        if (part == TERMINATOR) {
-            qDebug() << "Reached end of line.";
-            break;
-        }
-        const QStringList pieces = part.split(u'/');
-        int numbers[2]{};
-        for (qsizetype i = 0; pieces.size() == 2 && i < 2; ++i)
-            numbers[i] = pieces[i].toInt(&reading.ok); // both into one flag: the second decides
-        if (pieces.size() != 2 || !reading.ok) {
-            reading.ok = false;
-            reading.error = QStringLiteral("Wrong format in line ") + QChar(slot); // a character of that code
-            break;
-        }
-        try {
-            chord.append(OrloRatio(asUnsigned(numbers[0]), asUnsigned(numbers[1])));
-        } catch (const boost::bad_rational&) {
-            reading.noRatios.append({slot, part});
-            break;
-        }
-    }
-    return chord;
-}
-
-QString SaveAndLoad::line(const QList<OrloRatio>& chord)
-{
-    QString text;
-    for (const OrloRatio& ratio : chord)
-        text += QString::number(ratio.numerator()) + u'/' + QString::number(ratio.denominator()) + u' ';
-    return text + TERMINATOR + u'\n';
 }
 
 bool SaveAndLoad::saveDataToFile(QDir* file, Chords* chords, int sets)
@@ -113,7 +60,7 @@ bool SaveAndLoad::saveDataToFile(QDir* file, Chords* chords, int sets)
         const QList<OrloRatio> chord = chords->value(slot);
         if (chord.isEmpty())
             qDebug() << "Writing empty set in line " << slot;
-        target.write(line(chord).toLatin1());
+        target.write(chordline::write(chord).toLatin1());
     }
     if (!target.commit()) {
         qCritical().noquote() << QStringLiteral("Couldn't write file %1: %2. The old one is kept.")

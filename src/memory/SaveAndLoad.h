@@ -5,13 +5,17 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
-#include <QStringList>
 
 class QDir;
 class QTextStream;
 
-/// Chord files, ".btoc": one line for each slot from 1 on, as in "1/1 3/2 5/4 0"; an empty slot is
-/// "0". The same format serves presets and the chords of the running program. Graphical thread.
+namespace chordline {
+struct Reading;
+}
+
+/// Chord files, ".btoc": reads and writes the table of slots that StoreAndRecall holds in memory. One line
+/// (ChordLine) for each slot from 1 on. The same format serves presets and the chords of the running
+/// program. Graphical thread.
 ///
 /// The QDir carries the path of the file itself.
 class SaveAndLoad : public QObject
@@ -28,8 +32,9 @@ public:
     /// The reading is lenient in ways that files depend on: a wrong ratio cuts its line short and
     /// is forgiven when a later number is good, and a numerator that is no number counts as 0.
     ///
-    /// Throws ChordFileError, which is a boost::bad_rational, for ratios such as "3/0". Each cuts
-    /// its line short; all other lines are in the table then.
+    /// Throws ChordFileError, which is a boost::bad_rational, for ratios such as "3/0". Each cuts its line
+    /// short; all other lines are in the table then, unless the file also ends with a wrong ratio, which
+    /// leaves it empty.
     bool getDataFromFile(QDir* file, Chords* chords, int maxSets);
 
     /// Writes slots 1 to `sets` - 1. The file is replaced only when the new one is complete on
@@ -37,8 +42,5 @@ public:
     bool saveDataToFile(QDir* file, Chords* chords, int sets);
 
 private:
-    struct Reading;
-    static void readLines(QTextStream& stream, Chords& chords, int maxSets, Reading& reading);
-    static QList<OrloRatio> readChord(const QStringList& parts, int slot, Reading& reading);
-    static QString line(const QList<OrloRatio>& chord);
+    static void readLines(QTextStream& stream, Chords& chords, int maxSets, chordline::Reading& reading);
 };

@@ -1,10 +1,10 @@
 #include "memory/StoreAndRecall.h"
 
+#include "memory/RecallToggles.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/PdPlayer.h"
 
 #include <QDebug>
-#include <QSet>
 #include <QThread>
 
 namespace {
@@ -51,34 +51,14 @@ bool StoreAndRecall::recallRatios(int slot, int mode)
 QList<OrloRatio> StoreAndRecall::togglesOf(const QList<OrloRatio>& chord, int mode) const
 {
     const QList<OrloRatio> sounding = mPlayer->getAllSoundingRatios();
-    const QSet<OrloRatio> soundingSet(sounding.begin(), sounding.end());
-    QList<OrloRatio> toggles;
     switch (mode) {
-    case Standard: {
+    case Standard:
         qDebug() << "StoreAndRecall Recall (standard) got AllSoundingRatios # " << sounding.size();
-        const QSet<OrloRatio> chordSet(chord.begin(), chord.end());
-        for (const OrloRatio& ratio : sounding) {
-            if (!chordSet.contains(ratio))
-                toggles.append(ratio);
-        }
-        for (const OrloRatio& ratio : chord) {
-            if (!soundingSet.contains(ratio))
-                toggles.append(ratio);
-        }
-        break;
+        return recalltoggles::standard(chord, sounding);
+    case Additive: return recalltoggles::additive(chord, sounding);
+    case Alternating: return chord;
+    default: return {};
     }
-    case Additive:
-        for (const OrloRatio& ratio : chord) {
-            if (soundingSet.contains(ratio))
-                toggles.append(ratio);
-        }
-        if (toggles.isEmpty())
-            toggles = chord;
-        break;
-    case Alternating: toggles = chord; break;
-    default: break;
-    }
-    return toggles;
 }
 
 void StoreAndRecall::queueToggle(const OrloRatio& ratio)

@@ -9,9 +9,10 @@
 
 class PdPlayer;
 
-/// The chord memory: numbered slots, each a list of absolute ratios. Storing takes what sounds
-/// now; recalling compares a slot with what sounds and toggles every note that has to change, by
-/// the same commands as single presses. Graphical thread.
+/// The chord memory while the program runs: numbered slots, each a list of absolute ratios (SaveAndLoad
+/// keeps them in files). Storing takes what sounds now; recalling compares a slot with what sounds and
+/// toggles every note that has to change (RecallToggles), by the same commands as single presses.
+/// Graphical thread.
 ///
 /// Slots 1 to 20 are the chord buttons; slot 0 is for scratch. A slot that nothing was stored in
 /// does not exist; one that exists may be empty, when it came from a file.

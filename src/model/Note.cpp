@@ -2,11 +2,12 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
+#include "model/AbsoluteRatio.h"
 #include "model/NoteInterval.h"
 #include "model/Orlo.h"
 #include "model/OrloPath.h"
 #include "model/OrloPathUnlimited.h"
-#include "model/OrloRatio.h"
+#include "model/SemitoneSpelling.h"
 
 #include <QDebug>
 
@@ -31,31 +32,10 @@ constexpr double BASE_NOTE_CENTS = 50.0;
 
 /// Semitones, far outside of all hearing; what lies beyond does not fit the arithmetic here.
 constexpr float PITCH_LIMIT = 100000.0F;
+constexpr int OCTAVE_LIMIT = 8333; // the same
 
 constexpr QLatin1StringView LETTERS("CDEFGAB");
 constexpr std::array<int, 7> LETTER_SEMITONES{0, 2, 4, 5, 7, 9, 11};
-
-struct Spelling
-{
-    int letter;
-    int accidental;
-};
-
-/// Of each semitone in an octave: C#, Eb, F#, G# and Bb are the black keys.
-constexpr std::array<Spelling, 12> SPELLINGS{{
-    {0, 0},
-    {0, 1},
-    {1, 0},
-    {2, -1},
-    {2, 0},
-    {3, 0},
-    {3, 1},
-    {4, 0},
-    {4, 1},
-    {5, 0},
-    {6, -1},
-    {6, 0},
-}};
 
 const std::array<QString, 5> ACCIDENTALS{u"bb"_s, u"b"_s, QString(), u"#"_s, u"##"_s}; // from -2
 
@@ -177,7 +157,7 @@ void Note::storeFromSemitone(float pitch, bool useBaseNote)
         mCents += 100.0F;
     }
     mOctave = floorDivide(whole, 12);
-    const Spelling& spelling = SPELLINGS[static_cast<size_t>(floorModulo(whole, 12))];
+    const SemitoneSpelling& spelling = SEMITONE_SPELLINGS[static_cast<size_t>(floorModulo(whole, 12))];
     mNote = spelling.letter;
     mAccidental = spelling.accidental;
     if (useBaseNote)
@@ -216,9 +196,9 @@ QString Note::noteSpelling() const
     return noteLetter() + ACCIDENTALS[static_cast<size_t>(mAccidental + 2)] + QString::number(mOctave);
 }
 
-int Note::semitone() const
+double Note::semitone() const
 {
-    return LETTER_SEMITONES[static_cast<size_t>(mNote)] + 12 * mOctave + mAccidental;
+    return LETTER_SEMITONES[static_cast<size_t>(mNote)] + 12.0 * mOctave + mAccidental;
 }
 
 float Note::toSemitonePitch() const
@@ -233,6 +213,8 @@ float Note::toFrequency() const
 
 void Note::addInterval(int prime)
 {
+    if (mOctave < -OCTAVE_LIMIT || mOctave > OCTAVE_LIMIT)
+        return; // only a text can name such an octave
     if (mEnharmonic) {
         addIntervalByFrequency(prime);
         return;
@@ -266,8 +248,7 @@ void Note::addInterval(int prime)
 void Note::addIntervalByFrequency(int prime)
 {
     const OrloRatio ratio(OrloPath(static_cast<signed char>(prime)));
-    const float factor = static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator());
-    const float frequency = toFrequency() * factor;
+    const float frequency = toFrequency() * ratios::quotient(ratio);
     storeFromSemitone(pitchOfFrequency(frequency), isNearBase(frequency));
 }
 

@@ -9,10 +9,10 @@ class OrloPathUnlimited;
 /// value; graphical thread only, since the options and the transposition are read.
 ///
 /// A pitch is named by walking its prime steps from the base note through diatonic intervals
-/// (see NoteInterval), so that the name tells how the pitch was reached, not just which tempered
-/// note lies closest. What would need more than a double accidental, or more than about half a
-/// semitone of cents, breaks out of that system: it is spelled by the nearest semitone, and the
-/// note counts as enharmonic from then on.
+/// (NoteInterval tells which one stands for which prime), so that the name tells how the pitch was reached,
+/// not just which tempered note lies closest. What would need more than a double accidental, or more than
+/// about half a semitone of cents, breaks out of that system: it is spelled by the nearest semitone
+/// (SemitoneSpelling.h), and the note counts as enharmonic from then on.
 ///
 /// Semitones count from C0 = 0, so that A4 is 57.
 class Note
@@ -63,7 +63,7 @@ public:
     bool enharmonic() const { return mEnharmonic; }
 
 private:
-    int semitone() const;
+    double semitone() const; // a whole number; an octave read from a text may be any int
     void respellAsBaseNote();
     void addIntervalByFrequency(int prime);
 

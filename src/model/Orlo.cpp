@@ -1,6 +1,10 @@
 #include "model/Orlo.h"
 
 #include "app/Accessors.h"
+#include "model/AbsoluteRatio.h"
+#include "model/DefaultLattice.h"
+#include "model/DefaultPrimeColors.h"
+#include "model/OppositeSteps.h"
 #include "model/OrloBall.h"
 #include "model/OrloPath.h"
 #include "model/OrloPathUnlimited.h"
@@ -14,35 +18,6 @@
 #include <memory>
 
 namespace {
-
-struct PrimeColor
-{
-    int prime; // 0: a crowded display, 1: the central ball, 2: the octave balls
-    const char* color;
-};
-
-constexpr PrimeColor DEFAULT_COLORS[] = {
-    {0, "#b7b7b7"},  {1, "#202020"},  {2, "#5b5b5b"},  {3, "#5173b6"},  {5, "#9c0404"},
-    {7, "#2838d0"},  {11, "#b46110"}, {13, "#710071"}, {17, "#077407"}, {19, "#999900"},
-    {23, "#005b5b"}, {29, "#775c42"}, {31, "#2a9d7b"},
-};
-
-struct TreeBall
-{
-    const char* path;
-    const char* octaveLink; // null: none
-};
-
-// Parents stand before their children.
-constexpr TreeBall DEFAULT_BALLS[] = {
-    {"/-2", nullptr},    {"/-2/-2", nullptr},   {"/-2/-2/3", "/-2/3"},    {"/-2/-2/3/3", "/-2/3/3"},
-    {"/-2/-3", "/-3"},   {"/-2/3", "/3"},       {"/-2/3/3", "/3/3"},      {"/2", nullptr},
-    {"/2/-3", nullptr},  {"/2/-3/-3", nullptr}, {"/2/-3/-3/-3", nullptr}, {"/2/3", nullptr},
-    {"/2/3/3", nullptr}, {"/-3", "/2/-3"},      {"/-3/-3", "/2/-3/-3"},   {"/-3/-3/-3", "/2/-3/-3/-3"},
-    {"/3", "/2/3"},      {"/3/3", "/2/3/3"},
-};
-
-constexpr int LEAF_PRIMES[] = {5, 7, 11, 13, 17, 19, 23, 29, 31};
 
 void clearMarks(OrloBall* ball)
 {
@@ -120,13 +95,13 @@ void Orlo::write(QJsonObject& json) const
 
 void Orlo::initWithDefaults()
 {
-    for (const PrimeColor& entry : DEFAULT_COLORS)
+    for (const DefaultPrimeColor& entry : DEFAULT_PRIME_COLORS)
         mPrimeColors.insert(entry.prime, QColor(QLatin1StringView(entry.color)));
     qDebug() << "Orlo::initWithDefaults - mPrimeColors:" << mPrimeColors;
 
     replaceRoot();
     addLeaves(rootBall());
-    for (const TreeBall& entry : DEFAULT_BALLS) {
+    for (const defaultlattice::TreeBall& entry : defaultlattice::BALLS) {
         OrloBall* ball = addTreeBall(QLatin1StringView(entry.path));
         if (entry.octaveLink)
             ball->addLink(2, QLatin1StringView(entry.octaveLink));
@@ -158,7 +133,7 @@ OrloBall* Orlo::addTreeBall(const QString& pathText)
 
 void Orlo::addLeaves(OrloBall* ball)
 {
-    for (const int prime : LEAF_PRIMES)
+    for (const int prime : defaultlattice::LEAF_PRIMES)
         addLeaf(ball, prime);
 }
 
@@ -173,9 +148,7 @@ void Orlo::addLeaf(OrloBall* ball, int prime)
 
 QColor Orlo::lookupColor(int prime) const
 {
-    // A lattice file may name any int, and the lowest has no absolute value.
-    return mPrimeColors.value(prime < 0 && prime != std::numeric_limits<int>::min() ? -prime : prime,
-                              Qt::white);
+    return mPrimeColors.value(prime < 0 ? oppositeStep(prime) : prime, Qt::white);
 }
 
 void Orlo::buildBallMap()
@@ -309,21 +282,6 @@ float Orlo::primeRatio(int step)
     return step > 0 ? ratios.at(static_cast<size_t>(step)) : 1.0F / ratios.at(static_cast<size_t>(-step));
 }
 
-void Orlo::removeOppositePairs(QList<int>& steps)
-{
-    for (qsizetype i = 0; i < steps.size(); ++i) {
-        const qsizetype opposite = steps.lastIndexOf(-steps[i], i);
-        if (opposite < 0)
-            continue;
-        steps.removeAt(i);
-        if (opposite != i)
-            steps.removeAt(opposite);
-        i -= 2;
-        if (i < -1)
-            i = -1;
-    }
-}
-
 void Orlo::simplifyTransposeSteps()
 {
     removeOppositePairs(mTransposeSteps);
@@ -333,8 +291,7 @@ bool Orlo::canTransposeTo(const OrloRatio& candidate) const
 {
     OrloRatio whole(mTransposition);
     whole *= candidate;
-    const float frequency =
-        static_cast<float>(whole.numerator()) / static_cast<float>(whole.denominator()) * mBaseFrequency;
+    const float frequency = ratios::quotient(whole) * mBaseFrequency;
     if (frequency < pitchrange::LOWEST || frequency > pitchrange::HIGHEST)
         return false;
     for (auto it = mBallMap.begin(); it != mBallMap.end(); ++it) {
@@ -392,7 +349,7 @@ void Orlo::onPrimeEnabledToggled(int prime, bool on)
 
 void Orlo::togglePrimeFrom(OrloBall* ball, int prime, bool on)
 {
-    for (const int step : {prime, -prime}) {
+    for (const int step : {prime, oppositeStep(prime)}) {
         if (OrloBall* child = ball->childAtPrime(step))
             child->setEnabled(on);
     }

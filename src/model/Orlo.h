@@ -36,7 +36,7 @@ public:
 
     void read(const QJsonObject& json) override;
     void write(QJsonObject& json) const override;
-    /// The lattice of 361 balls: four rows, one for each power of 2, each a line of steps of 3.
+    /// The default lattice of 361 balls.
     void initWithDefaults() override;
 
     /// After every change of lattice, transposition or base frequency. The four sets of marked
@@ -46,7 +46,7 @@ public:
     /// By absolute ratio; null when the pitch has no ball.
     OrloBall* ballFromRatio(const OrloRatio& ratio) const;
 
-    /// The leaves of a ball: the primes 5 to 31 down and up.
+    /// The leaves of a ball: the primes 5 to 31, down and up.
     void addLeaves(OrloBall* ball);
     void addLeaf(OrloBall* ball, int prime);
 
@@ -57,8 +57,7 @@ public:
     static bool isValidPrime(int step);
     /// The octave-reduced ratio of a step, in floating point. Not checked: 0 and 1 give -1.0.
     static float primeRatio(int step);
-    /// Cancels each step against an earlier opposite one. The order of the rest stays.
-    static void removeOppositePairs(QList<int>& steps);
+    /// removeOppositePairs().
     void simplifyTransposeSteps();
     /// Whether the lattice may be transposed by this further ratio: 1/1 stays from 20 Hz to 20 kHz,
     /// and every ball's ratio still fits in 64 bits.
@@ -68,8 +67,8 @@ public:
     void togglePrimeFrom(OrloBall* ball, int prime, bool on);
 
     OrloBall* rootBall() const { return mRootBall.get(); }
-    /// For whoever draws the tree: a tree that was replaced lives as long as somebody holds it, but
-    /// no longer than the lattice.
+    /// For a page that draws the tree: a tree that was replaced lives as long as it is held, but no
+    /// longer than the lattice.
     std::shared_ptr<const OrloBall> tree() const { return mRootBall; }
     const OrloRatio& transposition() const { return mTransposition; }
     const QList<int>& transposeSteps() const { return mTransposeSteps; }

@@ -1,13 +1,14 @@
 #include "model/OrloBall.h"
 
 #include "app/Accessors.h"
+#include "model/OppositeSteps.h"
 #include "model/Orlo.h"
 
 #include <algorithm>
 
 namespace {
 
-/// The lattice this ball hangs in: the object at the top of the tree of owners.
+/// The lattice that this ball is in: the object at the top of the tree of owners.
 const Orlo* latticeOf(const OrloBall* ball)
 {
     for (const QObject* owner = ball->parent(); owner; owner = owner->parent()) {
@@ -133,7 +134,7 @@ QList<int> OrloBall::absPathSteps() const
 {
     QList<int> steps = latticeOf(this)->transposeSteps();
     steps += mPath.toList();
-    Orlo::removeOppositePairs(steps);
+    removeOppositePairs(steps);
     return steps;
 }
 

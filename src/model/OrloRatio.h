@@ -13,7 +13,7 @@ class OrloPathUnlimited;
 ///
 /// A relative ratio is what a path gives by itself; an absolute one is that times the lattice's
 /// transposition, and is what sounds: frequency = absolute ratio times base frequency. Ratios are
-/// not kept within an octave; only the texts reduce them, when the option asks for it.
+/// not kept within an octave; only the texts reduce them (OctaveReduction.h), when the option asks for it.
 ///
 /// Construction from a zero denominator throws boost::bad_rational. All functions end for every
 /// value.
@@ -46,21 +46,20 @@ public:
     /// steps. `steps` is zero-terminated; a step that is no prime counts as 1.
     static Rational productOfSteps(const signed char* steps);
 
-    /// False when the product would not fit in 64 bits; found by comparing it with the product
-    /// in floating point.
+    /// Whether the lattice may be transposed by it: the tolerant answer to whether the product fits in 64
+    /// bits, with a debug line (RatioOverflow.h). Graphical thread.
     bool canMultiplyWith(const OrloRatio& other) const;
-    /// The same question answered exactly and without a log line, for the sound engine: a ratio
-    /// that does not fit must not sound as another pitch.
+    /// The exact answer without a log line, for the sound engine: a ratio that does not fit must not
+    /// sound as another pitch. Any thread.
     bool fitsWhenMultipliedWith(const OrloRatio& other) const;
 
-    /// "n/d", within one octave when the option `ratiosWithinOctave` is on.
+    /// ratioText() of it.
     QString toString() const;
-    /// The same of the absolute form.
+    /// ratioText() of the absolute form.
     QString toStringAbs() const;
 
-    /// Relative to absolute, by the present transposition; any thread. The product is taken before
-    /// anything cancels, so it may wrap beyond 64 bits; a product whose denominator wraps to 0
-    /// throws boost::bad_rational.
+    /// Relative to absolute, by the present transposition (AbsoluteRatio.h); any thread. A product whose
+    /// denominator wraps to 0 throws boost::bad_rational.
     Rational getAbsRatio() const;
     /// Absolute to relative.
     Rational getRelativeFromAbsoluteRatio() const;
@@ -68,8 +67,7 @@ public:
     OrloRatio& operator*=(const OrloRatio& other);
     bool operator==(const OrloRatio& other) const { return mRatio == other.mRatio; }
 
-    /// A canonical path: odd primes up, odd primes down, then twos. The caller owns it. Steps past
-    /// the path's limit and factors above 31 are dropped.
+    /// The canonical path (CanonicalPath.h). The caller owns it.
     OrloPath* getPathFromRatio() const;
     OrloPathUnlimited* getUnlimitedPathFromRatio() const;
 

@@ -1,6 +1,7 @@
 #include "update/Downloader.h"
 
 #include "ui_Downloader.h"
+#include "update/SafeFileName.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -13,13 +14,10 @@
 #include <QScreen>
 #include <QUrl>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int HTTP_OK = 200;
-constexpr double LONGEST_SECONDS = 1e9;   // a server can promise any length
-constexpr qsizetype MAX_NAME_BYTES = 250; // with ".part" what every file system takes
+constexpr double LONGEST_SECONDS = 1e9; // a server can promise any length
 
 QString partOf(const QString& target)
 {
@@ -33,14 +31,6 @@ bool makeRoom(const QString& path)
     if (!info.exists() && !info.isSymLink())
         return true;
     return (info.isFile() || info.isSymLink()) && QFile::remove(path);
-}
-
-bool isPlainName(const QString& name)
-{
-    return !name.isEmpty() && !name.startsWith(u'.') && std::none_of(name.begin(), name.end(), [](QChar c) {
-        return c == u'/' || c == u'\\' || c == u':' || c.category() == QChar::Other_Control
-               || c.category() == QChar::Other_Format; // which could turn the name around
-    });
 }
 
 QString counted(qint64 count, const QString& many, const QString& one)
@@ -57,7 +47,7 @@ Downloader::Downloader(QWidget* parent)
 {
     ui->setupUi(this);
     setWindowTitle(QCoreApplication::applicationName());
-    // It goes by its own buttons: a close button would leave a download that nobody sees.
+    // Its own buttons close it: a close button would leave a download without a window.
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint);
     setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its main window
     setAttribute(Qt::WA_StyledBackground);
@@ -74,11 +64,9 @@ Downloader::~Downloader()
     stop();
 }
 
-/// Percent signs too are read, so that "..%2fx" is taken for what it is meant to become.
 bool Downloader::isSafeFileName(const QString& name)
 {
-    return isPlainName(name) && isPlainName(QUrl::fromPercentEncoding(name.toUtf8()))
-           && QFile::encodeName(name).size() <= MAX_NAME_BYTES;
+    return safefilename::isSafe(name);
 }
 
 // ---------------------------------------------------------------- start and end
@@ -154,7 +142,7 @@ void Downloader::warn(const QString& what, const QString& why)
 {
     mBox.show({.icon = QMessageBox::Warning,
                .title = QStringLiteral("Updater"),
-               .text = OpenBox::h3(what),
+               .text = SingleMessageBox::h3(what),
                .informative = why.toHtmlEscaped(),
                .buttons = QMessageBox::Close,
                .standard = QMessageBox::Close});
@@ -306,7 +294,7 @@ void Downloader::installUpdate()
                              "your applications folder.");
     mBox.show({.icon = QMessageBox::Question,
                .title = QCoreApplication::applicationName(),
-               .text = OpenBox::h3(heading),
+               .text = SingleMessageBox::h3(heading),
                .informative = QStringLiteral("Click \"OK\" to open the downloaded file now"),
                .buttons = QMessageBox::Ok | QMessageBox::Cancel,
                .standard = QMessageBox::Ok},

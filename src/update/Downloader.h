@@ -1,6 +1,6 @@
 #pragma once
 
-#include "update/OpenBox.h"
+#include "update/SingleMessageBox.h"
 #include "update/WebAddress.h"
 
 #include <QNetworkAccessManager>
@@ -34,7 +34,7 @@ public:
     void setDownloadDir(const QString& directory) { mDownloadDir = directory; }
     void setUserAgentString(const QString& agent) { mUserAgentString = agent; }
     void setMandatoryUpdate(bool on) { mMandatoryUpdate = on; }
-    /// On: the finished file is announced, but nobody is asked to open it.
+    /// On: the finished file is announced, but the player is not asked to open it.
     void setUseCustomInstallProcedures(bool on) { mUseCustomInstallProcedures = on; }
     void setTransferTimeout(int milliseconds) { mTransferTimeout = milliseconds; }
 
@@ -86,5 +86,5 @@ private:
     QString mTarget;       // final path of the download under way or finished
     QNetworkAccessManager mManager;
     QNetworkReply* mReply = nullptr; // of the download under way, owned by the manager
-    OpenBox mBox;
+    SingleMessageBox mBox;
 };

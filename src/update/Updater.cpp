@@ -1,6 +1,7 @@
 #include "update/Updater.h"
 
 #include "update/Downloader.h"
+#include "update/VersionOrder.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -52,15 +53,7 @@ void Updater::setTransferTimeout(int milliseconds)
 
 bool Updater::compare(const QString& x, const QString& y)
 {
-    const QStringList xParts = x.split(u'.');
-    const QStringList yParts = y.split(u'.');
-    for (qsizetype i = 0; i < qMin(xParts.size(), yParts.size()); ++i) {
-        const qlonglong xPart = xParts[i].toLongLong(); // 0 if unreadable
-        const qlonglong yPart = yParts[i].toLongLong();
-        if (xPart != yPart)
-            return xPart > yPart;
-    }
-    return yParts.size() < xParts.size();
+    return isNewerVersion(x, y);
 }
 
 // ---------------------------------------------------------------- the check
@@ -68,7 +61,7 @@ bool Updater::compare(const QString& x, const QString& y)
 void Updater::checkForUpdates()
 {
     mRedirections = 0;
-    mUpdateAvailable = false; // an earlier answer must not speak for this check
+    mUpdateAvailable = false; // an earlier answer says nothing of this check
     sendRequest();
 }
 
@@ -187,8 +180,8 @@ void Updater::offerUpdate()
             : QStringLiteral("Please note the changelog. Would you like to download the update now?");
     mBox.show({.icon = QMessageBox::Information,
                .title = mModuleName,
-               .text = OpenBox::h3(QStringLiteral("Version %1 of %2 has been released!")
-                                       .arg(mLatestVersion.left(MAX_VERSION_LENGTH), mModuleName)),
+               .text = SingleMessageBox::h3(QStringLiteral("Version %1 of %2 has been released!")
+                                                .arg(mLatestVersion.left(MAX_VERSION_LENGTH), mModuleName)),
                .informative = question,
                .buttons = QMessageBox::Yes | QMessageBox::No,
                .standard = QMessageBox::Yes},
@@ -203,22 +196,22 @@ void Updater::offerUpdate()
 
 void Updater::tellUpToDate()
 {
-    mBox.show(
-        {.icon = QMessageBox::Information,
-         .title = mModuleName,
-         .text = OpenBox::h3(QStringLiteral("You are running the latest version of %1").arg(mModuleName)),
-         .informative = QStringLiteral("No updates are available for the moment"),
-         .buttons = QMessageBox::Close,
-         .standard = QMessageBox::Close},
-        [this](QMessageBox::StandardButton) { emit removeUpdateDialog(); });
+    mBox.show({.icon = QMessageBox::Information,
+               .title = mModuleName,
+               .text = SingleMessageBox::h3(
+                   QStringLiteral("You are running the latest version of %1").arg(mModuleName)),
+               .informative = QStringLiteral("No updates are available for the moment"),
+               .buttons = QMessageBox::Close,
+               .standard = QMessageBox::Close},
+              [this](QMessageBox::StandardButton) { emit removeUpdateDialog(); });
 }
 
 void Updater::tellNetworkError()
 {
-    mNotifyOnFinish = true; // who tries again wants to hear how it ended
+    mNotifyOnFinish = true; // the player who tries again is told how it ended
     mBox.show({.icon = QMessageBox::Information,
                .title = mModuleName,
-               .text = OpenBox::h3(QStringLiteral("A network error occurred")),
+               .text = SingleMessageBox::h3(QStringLiteral("A network error occurred")),
                .informative = QStringLiteral(
                    "Cannot check for updates. Please check your internet connection and retry."),
                .buttons = QMessageBox::Retry | QMessageBox::Close,
@@ -253,7 +246,7 @@ void Updater::openAddress(const QString& address)
     qWarning() << "The update's address could not be opened:" << address.left(200);
     mBox.show({.icon = QMessageBox::Warning,
                .title = mModuleName,
-               .text = OpenBox::h3(QStringLiteral("The update's page cannot be opened")),
+               .text = SingleMessageBox::h3(QStringLiteral("The update's page cannot be opened")),
                .informative = web::isWebAddress(url)
                                   ? QStringLiteral("No web browser took the address.")
                                   : QStringLiteral("The address that the server gave is not one of the web."),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "update/OpenBox.h"
+#include "update/SingleMessageBox.h"
 #include "update/WebAddress.h"
 
 #include <QNetworkAccessManager>
@@ -108,5 +108,5 @@ private:
     QNetworkAccessManager mManager;
     QNetworkReply* mReply = nullptr; // of the check under way, owned by the manager
     std::unique_ptr<Downloader> mDownloader;
-    OpenBox mBox;
+    SingleMessageBox mBox;
 };

@@ -2,14 +2,7 @@
 
 #include "model/OrloPath.h"
 #include "support/LogCatcher.h"
-#include "ui/lattice/GeometryConstants.h"
-#include "ui/lattice/OrloBallWidget.h"
-#include "ui/lattice/OrloStrutWidget.h"
-#include "ui/lattice/OrloView.h"
-#include "ui/lattice/OrloWidget.h"
 
-#include <QCoreApplication>
-#include <QGraphicsEllipseItem>
 #include <QMouseEvent>
 
 UiFixture::UiFixture()

@@ -6,20 +6,18 @@
 #include "model/OrloBall.h"
 #include "sound/PdMessageBuffer.h"
 #include "sound/PdPlayer.h"
-#include "ui/lattice/OrloLeavesWidget.h"
+#include "ui/lattice/GeometryConstants.h"
+#include "ui/lattice/OrloBallWidget.h"
+#include "ui/lattice/OrloStrutWidget.h"
+#include "ui/lattice/OrloView.h"
+#include "ui/lattice/OrloWidget.h"
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QEvent>
-#include <QList>
-
-class OrloBallWidget;
-class OrloStrutWidget;
-class OrloView;
-class QGraphicsEllipseItem;
-class QGraphicsItem;
-class QGraphicsView;
+#include <QGraphicsEllipseItem>
+#include <QGraphicsScene>
+#include <QPen>
 
 /// The default lattice and a player without a patch, joined as in the program. The audio thread is
 /// this one: drain() plays its part.

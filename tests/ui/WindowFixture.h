@@ -6,8 +6,8 @@
 #include "memory/StoreAndRecall.h"
 #include "sound/AudioOutput.h"
 #include "support/TestHome.h"
-#include "ui/window/MainWindow.h"
 #include "ui/UiFixture.h"
+#include "ui/window/MainWindow.h"
 
 #include <QPushButton>
 #include <QSlider>

@@ -2,12 +2,13 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
+#include "model/AbsoluteRatio.h"
 #include "model/Note.h"
 #include "model/Orlo.h"
 #include "model/OrloBall.h"
-#include "ui/cards/CardWidget.h"
-#include "ui/lattice/PitchHeight.h"
-#include "ui/cards/PitchTexts.h"
+#include "ui/cards/CentsText.h"
+#include "ui/cards/FrequencyDecimals.h"
+#include "ui/cards/HighestPrimeColor.h"
 
 #include <memory>
 
@@ -19,8 +20,8 @@ CardContents CardContents::ofBall(const OrloBall& ball)
     contents.relative = contents.path.toRatio();
     OrloRatio whole(orlo->transposition());
     whole *= contents.relative;
-    contents.frequency = orlo->baseFrequency() * pitch::quotient(whole);
-    contents.absolute = pitch::absoluteOf(contents.relative);
+    contents.frequency = orlo->baseFrequency() * ratios::quotient(whole);
+    contents.absolute = ratios::absoluteOf(contents.relative);
     contents.readNote();
     contents.readDisplay();
     return contents;
@@ -30,8 +31,8 @@ CardContents CardContents::ofRatio(const OrloRatio& absolute)
 {
     CardContents contents;
     contents.absolute = absolute;
-    contents.frequency = pitch::quotient(absolute) * app::orlo()->baseFrequency();
-    contents.relative = pitch::relativeOf(absolute);
+    contents.frequency = ratios::quotient(absolute) * app::orlo()->baseFrequency();
+    contents.relative = ratios::relativeOf(absolute);
     const std::unique_ptr<OrloPathUnlimited> path(contents.relative.getUnlimitedPathFromRatio());
     contents.path = *path;
     contents.readNote();
@@ -41,24 +42,15 @@ CardContents CardContents::ofRatio(const OrloRatio& absolute)
 
 void CardContents::readNote()
 {
-    const Note note = CardWidget::getNoteForPath(&path, frequency);
+    const Note note = Note::getNoteForPath(&path, frequency);
     letter = note.noteLetter();
     octave = QString::number(note.octave());
     enharmonic = note.enharmonic();
     accidental = note.accidental();
-    bass = note.octave() < 4;
+    bass = StaffPosition::isBass(note);
+    staff = StaffPosition::of(note);
     roundedCents = texts::roundedCents(note.cents());
     cents = texts::centsText(roundedCents, app::settings()->centsShowDecimals);
-
-    staffPosition = CardWidget::getStaffLineForNote(bass, note);
-    while (staffPosition < HIGHEST_POSITION) {
-        staffPosition += OCTAVE;
-        ++octaveShift;
-    }
-    while (staffPosition > LOWEST_POSITION) {
-        staffPosition -= OCTAVE;
-        --octaveShift;
-    }
 }
 
 void CardContents::readDisplay()
@@ -66,11 +58,11 @@ void CardContents::readDisplay()
     const Settings* settings = app::settings();
     notation = settings->soundGrapeNotation;
     ratio = (settings->absRelView == 0 ? relative : absolute).toString();
-    const int decimals = texts::frequencyDecimals(frequency) - (hasGrape() ? 1 : 0);
+    const int decimals = texts::frequencyDecimals(static_cast<double>(frequency)) - (hasGrape() ? 1 : 0);
     hertz = QString::number(static_cast<double>(frequency), 'f', decimals) + QStringLiteral(" Hz");
 
     // With the soundgrape the arrows carry the colours, and the note keeps the central one.
-    colorKey = hasGrape() ? 1 : CardWidget::findHighestPrime(&path);
+    colorKey = hasGrape() ? 1 : highestprime::colorKey(path);
     color = app::orlo()->lookupColor(colorKey);
     if (notation != NoGrape)
         readGrape();

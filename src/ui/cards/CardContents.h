@@ -3,6 +3,7 @@
 #include "model/OrloPathUnlimited.h"
 #include "model/OrloRatio.h"
 #include "ui/cards/SoundGrape.h"
+#include "ui/cards/StaffPosition.h"
 
 #include <QColor>
 #include <QList>
@@ -11,8 +12,8 @@
 class Note;
 class OrloBall;
 
-/// Everything that a card has to say, read from the model and the options at one time. A plain
-/// value without widgets; two equal ones make two equal cards.
+/// Everything that a card shows, read from the model and the options at one time. A plain value without
+/// widgets; two equal ones make two equal cards.
 struct CardContents
 {
     enum Notation { NoGrape = 0, Coloured = 1, BlackAndWhite = 2 };
@@ -21,11 +22,6 @@ struct CardContents
     static CardContents ofBall(const OrloBall& ball);
     /// An absolute ratio.
     static CardContents ofRatio(const OrloRatio& absolute);
-
-    /// The staff has room from one ledger line above to one below; in staff spaces from the top line.
-    static constexpr float HIGHEST_POSITION = -1.0F;
-    static constexpr float LOWEST_POSITION = 5.0F;
-    static constexpr float OCTAVE = 3.5F;
 
     OrloPathUnlimited path;
     OrloRatio relative;
@@ -40,11 +36,10 @@ struct CardContents
     QString hertz;
     bool enharmonic = false;
     bool bass = false;
-    int accidental = 0;         // -2 to 2
-    float staffPosition = 0.0F; // as drawn, after the shift
-    int octaveShift = 0;        // octaves that the note is drawn lower than it sounds; below 0: higher
+    int accidental = 0; // -2 to 2
+    StaffPosition staff;
 
-    int notation = NoGrape; // the option as it stands, which may be no Notation
+    int notation = NoGrape; // the option as it stands, which may be another number
     int colorKey = 1;
     QColor color; // of note and accidental
     SoundGrape grape;

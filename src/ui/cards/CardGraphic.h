@@ -14,7 +14,7 @@ public:
 
     void setSvg(const QByteArray& svg);
     const QByteArray& svg() const { return mSvg; }
-    /// At the graphic's own aspect ratio, which nobody else keeps.
+    /// At the graphic's own aspect ratio.
     QSize sizeForHeight(int height) const;
 
 protected:

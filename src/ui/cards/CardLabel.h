@@ -3,8 +3,8 @@
 #include <QLabel>
 #include <QStaticText>
 
-/// A text on a card. The style sheet gives it font and colour by its object name, and nothing else:
-/// boxes and backgrounds have no effect, since a label that has none paints in a tenth of the time.
+/// A text on a card. The style sheet gives it font and colour by its object name, and nothing else: a
+/// label without box and background paints in a tenth of the time.
 class CardLabel : public QLabel
 {
     Q_OBJECT

@@ -1,39 +1,34 @@
 #include "ui/cards/CardWidget.h"
 
 #include "app/Accessors.h"
-#include "app/Settings.h"
 #include "model/Orlo.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/OrloTransposeEvent.h"
 #include "sound/PdPlayer.h"
 #include "ui/cards/CardGraphic.h"
 #include "ui/cards/CardLabel.h"
+#include "ui/cards/HighestPrimeColor.h"
+#include "ui/cards/RatioParts.h"
+#include "ui/cards/StaffLines.h"
+#include "ui/cards/SvgLoader.h"
+#include "ui/cards/SvgRecolor.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/CardStackWidget.h"
-#include "ui/lattice/PitchHeight.h"
-#include "ui/cards/PitchTexts.h"
-#include "ui/cards/SvgLoader.h"
 
 #include <QDebug>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOption>
 
-#include <cmath>
-
 namespace {
 
 // Without a style sheet; with one it decides.
 constexpr QSize CARD_SIZE(174, 90);
 
-constexpr float SPACING_OF_HEIGHT = 0.125F; // eight staff spaces, of which the staff has four
-constexpr float SPACES_ABOVE_STAFF = 2.0F;
-constexpr int STAFF_LINES = 5;
 constexpr int STAFF_WIDTH = 64;
 constexpr int NOTE_AREA_WIDTH = 60; // clef, accidental and note
 constexpr int NOTE_AREA_GAP = 4;    // after the clef
 constexpr int ACCIDENTAL_GAP = 3;   // from accidental to note
-constexpr int LEDGER_OVERHANG = 4;
 constexpr int CENTS_GAP = 3;
 constexpr int TEXT_X = 70;
 constexpr int TEXT_Y = 3;
@@ -88,31 +83,17 @@ Note CardWidget::getNoteForPath(const OrloPathUnlimited* path, float frequency)
 
 void CardWidget::changeSvgColor(QByteArray* svg, int key)
 {
-    changeSvgColor(svg, app::orlo()->lookupColor(key));
-}
-
-void CardWidget::changeSvgColor(QByteArray* svg, const QColor& color)
-{
-    const QByteArray name = color.name(QColor::HexRgb).toLatin1();
-    for (const char* property : {"fill:", "stroke:"})
-        svg->replace(QByteArray(property) + "#000000", property + name);
+    recolorSvg(*svg, app::orlo()->lookupColor(key));
 }
 
 int CardWidget::findHighestPrime(const OrloPathUnlimited* path)
 {
-    if (app::settings()->absRelView > 0 && pitch::absoluteOf(path->toRatio()) == OrloRatio(1, 1))
-        return 1;
-    int highest = path->getHighestPrime();
-    for (const int step : app::orlo()->transposeSteps())
-        highest = qMax(highest, qAbs(step));
-    return highest;
+    return highestprime::colorKey(*path);
 }
 
 float CardWidget::getStaffLineForNote(bool bass, const Note& note)
 {
-    const int octaves = (bass ? 0 : 2) - note.octave() + 3;
-    return static_cast<float>(octaves) * CardContents::OCTAVE + (bass ? 2.5F : 1.5F)
-           - static_cast<float>(note.note()) * 0.5F;
+    return StaffPosition::unshifted(bass, note);
 }
 
 CardContents CardWidget::readContents() const
@@ -136,7 +117,7 @@ CardGraphic* CardWidget::addGraphic()
 
 QByteArray CardWidget::recoloured(QByteArray svg) const
 {
-    changeSvgColor(&svg, mContents.color);
+    recolorSvg(svg, mContents.color);
     return svg;
 }
 
@@ -175,11 +156,12 @@ void CardWidget::fill()
     mNoteLabel->setText(mContents.letter);
     mOctaveLabel->setText(mContents.octave);
     mCentsLabel->setText(mContents.cents);
-    mFreqLabel->setText(mContents.hertz); // the ratio's text hangs on its room
+    mFreqLabel->setText(mContents.hertz);
     mEnharmonicLabel->setVisible(mContents.enharmonic);
-    mOctaveShiftLabel->setVisible(mContents.octaveShift != 0);
-    mOctaveShiftLabel->setText(
-        mContents.octaveShift != 0 ? QString::number(7 * qAbs(mContents.octaveShift) + 1) : QString());
+    mOctaveShiftLabel->setVisible(mContents.staff.octaveShift != 0);
+    mOctaveShiftLabel->setText(mContents.staff.octaveShift != 0
+                                   ? QString::number(7 * qAbs(mContents.staff.octaveShift) + 1)
+                                   : QString());
 
     mClef->setSvg(mContents.bass ? mLoader->bassClef : mLoader->trebleClef);
     mNote->setSvg(recoloured(mLoader->note));
@@ -233,7 +215,6 @@ void CardWidget::resizeEvent(QResizeEvent* event)
 void CardWidget::layOut()
 {
     const QRect area = contentsRect();
-    mStaffSpacing = static_cast<float>(area.height()) * SPACING_OF_HEIGHT;
     layOutStaff(area);
     layOutCents(area);
     layOutName(area);
@@ -244,24 +225,24 @@ void CardWidget::layOut()
 
 void CardWidget::layOutStaff(const QRect& area)
 {
+    const StaffLines lines{area};
     mClef->setGeometry(QRect(area.topLeft(), mClef->sizeForHeight(area.height())));
 
-    const QSize noteSize = mNote->sizeForHeight(static_cast<int>(mStaffSpacing + 1.0F));
+    const QSize noteSize = mNote->sizeForHeight(static_cast<int>(lines.spacing() + 1.0F));
     QSize accidentalSize(0, 0);
     int groupWidth = noteSize.width();
     if (hasAccidental()) {
-        accidentalSize = mAccidental->sizeForHeight(qRound(mStaffSpacing * 3));
+        accidentalSize = mAccidental->sizeForHeight(qRound(lines.spacing() * 3));
         groupWidth += accidentalSize.width() + ACCIDENTAL_GAP;
     }
     const int freeSpace = NOTE_AREA_WIDTH - mClef->width() - groupWidth;
     int x = area.left() + mClef->width() + NOTE_AREA_GAP + roundedHalf(freeSpace);
-    const int y = qRound((mContents.staffPosition + SPACES_ABOVE_STAFF) * mStaffSpacing
-                         + static_cast<float>(area.top()) - static_cast<float>(noteSize.height()) / 2);
+    const int y = qRound(lines.yOf(mContents.staff.position) - static_cast<float>(noteSize.height()) / 2);
     if (hasAccidental()) {
         if (mContents.hasGrape())
             x += GRAPE_ACCIDENTAL_X;
         mAccidental->setGeometry(
-            QRect(QPoint(x, qRound(static_cast<float>(y) - mStaffSpacing)), accidentalSize));
+            QRect(QPoint(x, qRound(static_cast<float>(y) - lines.spacing())), accidentalSize));
         mPlainAccidental->resize(accidentalSize);
         x += accidentalSize.width() + ACCIDENTAL_GAP;
     }
@@ -298,7 +279,7 @@ void CardWidget::layOutName(const QRect& area)
     mOctaveLabel->fit();
     mOctaveLabel->move(x, place.y());
 
-    if (mContents.enharmonic) { // a hidden label has no font yet, and fonts are dear
+    if (mContents.enharmonic) { // resolving the font of a hidden label is expensive
         mEnharmonicLabel->fit();
         mEnharmonicLabel->move(area.left() + area.width() - mEnharmonicLabel->width(),
                                area.top() + (grape ? GRAPE_ENHARMONIC_Y : 0));
@@ -321,7 +302,7 @@ void CardWidget::layOutRatio(const QRect& area)
         mRatioLabel->setText(QStringLiteral("out of\nbounds"));
         twoLines = true;
     } else if (mRatioLabel->width() > room) {
-        mRatioLabel->setText(parts->numerator + QStringLiteral("/\n ") + parts->denominator);
+        mRatioLabel->setText(parts->inTwoLines());
         twoLines = true;
         mRatioLabel->fit();
         if (mRatioLabel->width() > room)
@@ -344,11 +325,11 @@ void CardWidget::layOutOctaveShift()
     constexpr int lowerNoteY = 10; // 8 or 15 above the clef: sounds higher than it is drawn
     constexpr int higherNoteY = 52;
     constexpr int higherNoteLeft = 9;
-    if (mContents.octaveShift == 0)
+    if (mContents.staff.octaveShift == 0)
         return;
     mOctaveShiftLabel->fit();
     const int x = mClef->x() + (mClef->width() - mOctaveShiftLabel->width()) / 2;
-    if (mContents.octaveShift > 0)
+    if (mContents.staff.octaveShift > 0)
         mOctaveShiftLabel->move(x, lowerNoteY);
     else
         mOctaveShiftLabel->move(x - higherNoteLeft, higherNoteY);
@@ -386,7 +367,7 @@ void CardWidget::addArrows(const QList<int>& primes, SoundGrape::Direction direc
         QByteArray svg = down ? (shaft ? mLoader->arrow45Down : mLoader->arrowHead45Down)
                               : (shaft ? mLoader->arrow45Up : mLoader->arrowHead45Up);
         if (arrow.kind == SoundGrape::Arrow::More)
-            changeSvgColor(&svg, QColor::fromRgb(MORE_COLOR));
+            recolorSvg(svg, QColor::fromRgb(MORE_COLOR));
         else
             changeSvgColor(&svg, arrow.prime);
         if (mArrowsShown == mArrows.size())
@@ -429,7 +410,7 @@ bool CardWidget::event(QEvent* event)
 {
     const bool handled = QFrame::event(event);
     if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
-        setAttribute(Qt::WA_StyledBackground, false); // the paper has it
+        setAttribute(Qt::WA_StyledBackground, false); // paper() draws it
         if (event->type() == QEvent::StyleChange) {
             mLoader->paper(mAtStackTwo ? 1 : 0) = {};
             // Once the labels have their new fonts too.
@@ -470,27 +451,10 @@ void CardWidget::paintEvent(QPaintEvent*)
 
 void CardWidget::drawLines(QPainter& painter) const
 {
-    const QRect area = contentsRect();
-    const auto lineAt = [&](float spaces) {
-        return qRound(static_cast<float>(area.top()) + mStaffSpacing * spaces);
-    };
+    const StaffLines lines{contentsRect()};
     painter.setPen(QPen(QColor::fromRgb(isAtStackTwo() ? STAFF_COLOR_AT_STACK_TWO : STAFF_COLOR), 1));
-    const int right = area.left() + STAFF_WIDTH + (mContents.hasGrape() ? GRAPE_STAFF_AND_NAME_X : 0);
-    for (int line = 0; line < STAFF_LINES; ++line) {
-        const int y = lineAt(SPACES_ABOVE_STAFF + static_cast<float>(line));
-        painter.drawLine(area.left(), y, right, y);
-    }
-
-    const auto drawLedger = [&](float position) {
-        const int y = lineAt(std::round(position + SPACES_ABOVE_STAFF));
-        painter.drawLine(mNote->x() - LEDGER_OVERHANG, y, mNote->x() + mNote->width() + LEDGER_OVERHANG, y);
-    };
-    for (float position = CardContents::LOWEST_POSITION; position <= mContents.staffPosition;
-         position += 1.0F)
-        drawLedger(position);
-    for (float position = CardContents::HIGHEST_POSITION; position >= mContents.staffPosition;
-         position -= 1.0F)
-        drawLedger(position);
+    painter.drawLines(lines.staff(STAFF_WIDTH + (mContents.hasGrape() ? GRAPE_STAFF_AND_NAME_X : 0)));
+    painter.drawLines(lines.ledgers(mContents.staff.position, mNote->geometry()));
 }
 
 void CardWidget::drawSoundGrapeBW(QPainter& painter) const

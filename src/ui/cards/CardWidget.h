@@ -21,8 +21,8 @@ class SvgLoader;
 /// The panel that names one sounding pitch: a staff with clef, accidental and note, the name, the
 /// deviation in cents, the ratio, the frequency, and the soundgrape if the options ask for it.
 ///
-/// A card says what was so when it was filled; its stack fills it again when the transposition or
-/// an option changes. Building the parts costs ten times as much as filling them, so a chord that
+/// A card shows the state at the time when it was filled; its stack fills it again when the transposition
+/// or an option changes. Building the parts costs ten times as much as filling them, so a chord that
 /// moves takes its cards along. The layout is made in layOut() and nowhere else: when the card gets
 /// its size, its contents or another style.
 class CardWidget : public QFrame
@@ -40,11 +40,9 @@ public:
     static Note getNoteForPath(const OrloPathUnlimited* path, float frequency);
     /// Puts the prime colour of `key` in the place of black in a graphic's text.
     static void changeSvgColor(QByteArray* svg, int key);
-    static void changeSvgColor(QByteArray* svg, const QColor& color);
-    /// The key of the colour of a pitch: the highest prime on its way, at least 1. The absolute
-    /// origin is 1 in the absolute modes, whatever the way was.
+    /// highestprime::colorKey.
     static int findHighestPrime(const OrloPathUnlimited* path);
-    /// In staff spaces from the top line, downward; one diatonic step is 0.5.
+    /// StaffPosition::unshifted.
     static float getStaffLineForNote(bool bass, const Note& note);
 
     /// 0 for the topmost.
@@ -62,9 +60,9 @@ public:
     void toggleRatioForCard() const;
 
     /// As drawn, after the octave shift.
-    float staffPosition() const { return mContents.staffPosition; }
+    float staffPosition() const { return mContents.staff.position; }
     /// Whole octaves that the note is drawn lower than it sounds; below 0: higher.
-    int octaveShift() const { return mContents.octaveShift; }
+    int octaveShift() const { return mContents.staff.octaveShift; }
     const OrloRatio& relativeRatio() const { return mContents.relative; }
     const OrloRatio& absoluteRatio() const { return mContents.absolute; }
     /// Hz.
@@ -111,7 +109,6 @@ private:
     SvgLoader* const mLoader;
     CardContents mContents;
     int mHierarchy = 0;
-    float mStaffSpacing = 0.0F; // pixels
 
     // Child widgets.
     CardGraphic* mClef = nullptr;

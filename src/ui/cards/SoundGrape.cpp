@@ -1,6 +1,6 @@
 #include "ui/cards/SoundGrape.h"
 
-#include "model/Orlo.h"
+#include "model/OppositeSteps.h"
 
 #include <algorithm>
 
@@ -38,7 +38,7 @@ QRect squareFrom(QPoint corner, int size, SoundGrape::Direction direction)
 
 SoundGrape SoundGrape::fromSteps(QList<int> steps)
 {
-    Orlo::removeOppositePairs(steps);
+    removeOppositePairs(steps);
     SoundGrape grape;
     for (const int step : std::as_const(steps)) {
         if (step <= -LOWEST_SHOWN)

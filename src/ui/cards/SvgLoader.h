@@ -13,8 +13,8 @@ class QSvgRenderer;
 /// The notation graphics, read once from the resource directory: black drawings, to be recoloured
 /// in their text. A file that cannot be read leaves its array empty, and the cards go without it.
 ///
-/// Keeps what was parsed and drawn of them, since a chord change draws the same few graphics in
-/// the same few colours and sizes over and over. Graphical thread only.
+/// Caches what was parsed and drawn of them, since a chord change draws the same few graphics in the
+/// same few colours and sizes over and over. Graphical thread only.
 class SvgLoader
 {
 public:
@@ -31,8 +31,8 @@ public:
     /// Drawn to fill `size` pixels of a screen with this pixel ratio.
     QPixmap pixmap(const QByteArray& svg, QSize size, qreal pixelRatio);
 
-    /// The cards' empty paper, which all cards of a kind share: 0 to 1. Whoever paints a null or
-    /// unfitting one draws it anew.
+    /// The empty paper that all cards of a kind (0 or 1) share. A caller that finds it null or of the
+    /// wrong size redraws it.
     QPixmap& paper(int kind) { return mPapers[static_cast<size_t>(kind)]; }
 
     QByteArray trebleClef;

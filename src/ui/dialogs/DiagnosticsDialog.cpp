@@ -17,7 +17,7 @@ DiagnosticsDialog::DiagnosticsDialog(QWidget* parent)
 
 DiagnosticsDialog::~DiagnosticsDialog()
 {
-    // What is logged while the widgets go must not come to a form that is gone.
+    // Lines that are logged while the widgets are deleted must not reach the deleted form.
     disconnect(mLines);
 }
 

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "sound/OrloEvent.h"
-#include "ui/dialogs/NoteTable.h"
+#include "ui/dialogs/ReferencePitch.h"
 
 #include <QDialog>
 #include <QPoint>
 
 class FrequencySpinBox;
-class MainWindow;
 class QComboBox;
 class QDoubleSpinBox;
 class QGridLayout;
@@ -15,18 +13,18 @@ class QLabel;
 class QTabWidget;
 class QVBoxLayout;
 
-/// All options in one window. A control acts when it is changed: it writes its option and tells
-/// whoever is concerned; nothing is taken back on closing. Graphical thread.
+/// All options in one window. A control acts when it is changed: it writes its option and tells the
+/// sound, the MIDI output or, by a signal, the main window. Closing takes nothing back. Graphical thread.
 ///
-/// The note of 1/1 and its frequency are a pair: a new note sets the frequency, by the calibration
-/// of A4. The note never follows the frequency; where the two part, that is marked.
+/// A new note of 1/1 sets its frequency, by the calibration of A4. The note never follows the frequency;
+/// where the two differ, the note is marked.
 class OptionsDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Shows the present options. The window is its parent and is told what to draw anew.
-    explicit OptionsDialog(MainWindow* mainWindow);
+    /// Shows the present options. `updateCentsDisplay` comes after it, when the signals are connected.
+    explicit OptionsDialog(QWidget* parent);
     ~OptionsDialog() override;
 
     void selectTab(int index);
@@ -36,15 +34,21 @@ public:
     /// MIDI and the glissando ranges are unavailable.
     void applyRestrictions(bool restricted);
 
-    /// Whether the frequency (Hz) is the tempered pitch of the table's note, as far as the decimals
-    /// of its size tell. Marks the note when it is not.
+    /// ReferencePitch::isTempered; marks the note when it is not.
     bool isOneOneFreqTempered(float calibration, float frequency, int noteIndex);
-    /// Decimals for a frequency (Hz) that the program sets: 6 below 1 Hz, 1 from 10000 Hz.
+    /// ReferencePitch::shownDecimals.
     static int getFloatDecimalPrecision(float frequency);
     /// Fills the menus of octave and note from the text of the 1/1 note.
     void populateOneOneSplitMenu();
-    /// How far 1/1 is from its note, and the option that tells the names whether that is too far.
+    /// Shows how far 1/1 is from its note, and sets the option by which notes bear names relative to it.
     void updateCentsDisplay();
+
+signals:
+    /// An option that balls and cards are drawn by.
+    void displayChanged();
+    void zoomModeChanged();
+    /// Where it was on the screen.
+    void closedAt(QPoint position);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -91,17 +95,11 @@ private:
     void showMidi();
     void markNote();
     void showSplitMenus(bool split);
-    void chooseSplitNote();
 
-    MainWindow* mMainWindow;
-    const NoteTable mNoteTable;
     QPoint mSavedPosition;
 
-    double mCalibration = 440.0;       // Hz of A4
-    double mOneOneFrequency = 440.0;   // Hz
-    QString mOneOneNote;               // as the option has it
-    int mOneOneNoteIndex = 0;          // in the table
-    float mPreviousFrequency = 440.0F; // that the frequency box saw last
+    ReferencePitch mOneOne{440.0, 440.0, {}};
+    float mPreviousFrequency = 440.0F; // Hz, that the frequency box had last
 
     QTabWidget* mTabs = nullptr;
     QComboBox* mAudioDeviceMenu = nullptr;

@@ -1,7 +1,5 @@
 #include "ui/dialogs/TweakDialog.h"
 
-#include "ui/window/MainWindow.h"
-
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -18,11 +16,10 @@ constexpr int COLUMN_SPACING = 24;
 
 } // namespace
 
-TweakDialog::TweakDialog(MainWindow* window)
-    : QDialog(window)
+TweakDialog::TweakDialog(QWidget* parent)
+    : QDialog(parent)
     , mLayout(new QVBoxLayout(this))
     , mMapper(new QSignalMapper(this))
-    , mMainWindow(window)
 {
     setWindowTitle(QStringLiteral("Tweak Dialog"));
     mLayout->setSpacing(ROW_SPACING);
@@ -60,10 +57,10 @@ void TweakDialog::valueChanged(int index)
 
 void TweakDialog::updateTweaks()
 {
-    // The window handles events meanwhile, and a key held on the button sends them faster than the
-    // scene is built. The build under way comes after them, so it reads what they changed.
+    // The receiver handles events while it builds, and a key held on the button sends them faster than
+    // the scene is built. The build under way comes after them, so it reads what they changed.
     if (mUpdating)
         return;
     const QScopedValueRollback<bool> updating(mUpdating, true);
-    mMainWindow->updateTweaks();
+    emit updateRequested();
 }

@@ -5,19 +5,18 @@
 
 #include <utility>
 
-class MainWindow;
 class QSignalMapper;
 class QSpinBox;
 class QVBoxLayout;
 
-/// A developer's aid: edits the geometry constants at run time and has the page now shown built
-/// anew from them. No control opens it, and nothing of it is saved. Graphical thread.
+/// A developer's aid: edits the geometry constants at run time and asks for a scene built anew from
+/// them. No control opens it, and nothing of it is saved. Graphical thread.
 class TweakDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    explicit TweakDialog(MainWindow* window);
+    explicit TweakDialog(QWidget* parent);
 
     /// A row with a spin box for `value`, which outlives the dialog.
     void addInt(const QString& name, int* value);
@@ -27,10 +26,12 @@ public slots:
     void valueChanged(int index);
     void updateTweaks();
 
+signals:
+    void updateRequested();
+
 private:
     QVBoxLayout* mLayout; // the button is its last item
     QSignalMapper* mMapper;
     QList<std::pair<QSpinBox*, int*>> mValues;
-    MainWindow* const mMainWindow;
     bool mUpdating = false;
 };

@@ -25,7 +25,7 @@ QPen alteredPen(const QColor& color)
     return QPen(color, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
 }
 
-/// Below 0, as the edited constants may have it, there is nothing to see.
+/// Edited constants may be below 0; then nothing is drawn.
 template <class Item>
 QGraphicsEllipseItem* add(QGraphicsItem* ball, double edited, double z)
 {

@@ -35,7 +35,7 @@ public:
     QPainterPath shape() const;
     /// The same with the rings that are shown.
     QPainterPath shapeWithRings() const;
-    /// What shapeWithRings() stays within, whatever is shown.
+    /// Contains shapeWithRings(), whichever rings are shown.
     QRectF rectWithRings() const;
 
     /// Radius of the ball with its outline when it plays, in scene units.

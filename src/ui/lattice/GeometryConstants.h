@@ -2,8 +2,8 @@
 
 #include <array>
 
-// What the lattice is drawn by. The plain ints can be edited while the program runs: whoever draws
-// reads them anew when the scene is built. Lengths are in scene units, angles in degrees
+// What the lattice is drawn by. The plain ints can be edited while the program runs; they are
+// read anew when a scene is built. Lengths are in scene units, angles in degrees
 // anticlockwise from the right, dim and brighten factors in percent as QColor::darker and
 // QColor::lighter take them.
 

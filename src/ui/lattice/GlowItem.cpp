@@ -50,8 +50,8 @@ void GlowItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
         drawing.end();
         QPixmapCache::insert(key, picture);
     }
-    // On whole pixels, where it is a mere copy; nobody sees a glow move by half a one. The place is
-    // taken without what lies below the world's transform: the view paints into its window.
+    // On whole pixels, where drawing is a mere copy; a glow that moves by half a pixel is not noticed.
+    // The world transform alone gives the place, since the view paints into its window at an offset.
     const qreal ratio = painter->device()->devicePixelRatio();
     const QPointF centre = painter->worldTransform().map(rect().center()) * ratio;
     const QPointF corner = centre - QPointF(pixels, pixels) / 2;

@@ -2,20 +2,18 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
-#include "model/Orlo.h"
 #include "model/OrloBall.h"
 #include "sound/PdPlayer.h"
+#include "ui/lattice/BallColor.h"
 #include "ui/lattice/BallPress.h"
-#include "ui/stacks/CardStackWidget.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloStrutWidget.h"
 #include "ui/lattice/OrloWidget.h"
+#include "ui/stacks/CardStackWidget.h"
 
 #include <QDebug>
 #include <QGraphicsSceneMouseEvent>
 #include <QThread>
-
-#include <algorithm>
 
 namespace {
 
@@ -24,25 +22,7 @@ constexpr int TREE_BALL_DIAMETER = 28;
 constexpr BallCircles::Proportions TREE_PROPORTIONS{1.25, 1.25, 10};
 constexpr BallCircles::Proportions LEAF_PROPORTIONS{1.6, 1.6, 10};
 
-constexpr int CROWDED_KEY = 0; // of the prime colours
-constexpr int UNITY_KEY = 1;
-
 constexpr unsigned long HOVER_WAIT_MS = 100;
-
-constexpr QColor TRANSPOSED_CENTRE(158, 158, 158);
-
-/// Transposed by two or more leaf steps: one colour for all would say nothing any more.
-bool isCrowded(const QList<int>& transposeSteps)
-{
-    return std::count_if(transposeSteps.begin(), transposeSteps.end(),
-                         [](int step) { return qAbs(step) > 3; })
-           >= 2;
-}
-
-bool isTreeStep(int step)
-{
-    return step < 4;
-}
 
 } // namespace
 
@@ -97,45 +77,12 @@ void OrloBallWidget::updateColor(const QColor& color, bool unity)
     mCircles.draw(color, unity, mBall->isPlaying());
 }
 
-OrloBallWidget::Paint OrloBallWidget::relativePaint() const
-{
-    const Orlo* orlo = mOrloWidget->orlo();
-    Paint paint{mBall->color(), false, isTreeStep(mBall->lastStep())};
-    if (mBall->path() == OrloPath()) {
-        const bool grey = !orlo->transposeSteps().isEmpty() && app::settings()->centralNodeColourRelativeMode;
-        paint.color = grey ? TRANSPOSED_CENTRE : orlo->lookupColor(UNITY_KEY);
-        paint.unity = true;
-    }
-    return paint;
-}
-
-OrloBallWidget::Paint OrloBallWidget::absolutePaint() const
-{
-    const int step = mBall->lastAbsStep();
-    if (step == OrloBall::LEAF_STEP)
-        return {mBall->color(), false, false};
-    const Orlo* orlo = mOrloWidget->orlo();
-    if (step > 3 && isCrowded(orlo->transposeSteps()))
-        return {orlo->lookupColor(CROWDED_KEY), false, false};
-    return {orlo->lookupColor(step), step == 1, isTreeStep(step)};
-}
-
-OrloBallWidget::Paint OrloBallWidget::highestStepPaint() const
-{
-    const int step = mBall->highestAbsStep();
-    if (step == OrloBall::LEAF_STEP)
-        return {mBall->color(), false, false};
-    return {mOrloWidget->orlo()->lookupColor(step), step == 1, isTreeStep(step)};
-}
-
 void OrloBallWidget::updateBall()
 {
     const int absRelView = app::settings()->absRelView;
-    const Paint paint = absRelView == 1   ? absolutePaint()
-                        : absRelView == 2 ? highestStepPaint()
-                                          : relativePaint();
+    const BallColor paint = BallColor::of(*mBall, *mOrloWidget->orlo(), absRelView);
     updateColor(paint.color, paint.unity);
-    if (paint.adjustStruts)
+    if (paint.adjustsStruts)
         updateStruts(absRelView == 1 || absRelView == 2);
 
     mCircles.show(BallCircles::Mark::Selected, mBall->isSelected());

@@ -30,7 +30,7 @@ public:
     /// Takes the ball's card along.
     ~OrloBallWidget() override;
 
-    /// Draws the ball anew from its model, by the option `absRelView`.
+    /// Draws the ball anew from its model, in the colour of the option `absRelView`.
     void updateBall();
     /// In the ball's own colour.
     void updateColor();
@@ -66,23 +66,13 @@ protected:
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
     /// Empty: the second press of a quick double click must not toggle the note back.
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
-    /// Raises the card. A tree ball waits on this thread for as long as a pointer takes to pass
-    /// over, since the balls lie on the way to everything.
+    /// Raises the card. A tree ball waits on this thread for as long as a pointer takes to pass over it,
+    /// since the pointer often crosses it on the way to another place.
     void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
     /// For a pointer that comes back to the ball from one of its leaves.
     bool sceneEventFilter(QGraphicsItem* watched, QEvent* event) override;
 
 private:
-    struct Paint
-    {
-        QColor color;
-        bool unity = false;
-        bool adjustStruts = false;
-    };
-    Paint relativePaint() const;
-    Paint absolutePaint() const;
-    Paint highestStepPaint() const;
-
     const OrloEvent* eventFor(Qt::KeyboardModifiers modifiers) const;
     void raiseCard() const;
 

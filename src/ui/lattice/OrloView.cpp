@@ -1,11 +1,12 @@
 #include "ui/lattice/OrloView.h"
 
 #include "model/OrloBall.h"
+#include "ui/lattice/OrloBallWidget.h"
+#include "ui/lattice/OrloWidget.h"
+#include "ui/lattice/StackPolicy.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/CardStackWidget.h"
 #include "ui/stacks/NodeStackWidget.h"
-#include "ui/lattice/OrloBallWidget.h"
-#include "ui/lattice/OrloWidget.h"
 
 #include <QDebug>
 #include <QGraphicsScene>
@@ -15,42 +16,12 @@
 #include <QTouchEvent>
 #include <QWheelEvent>
 
-#include <cmath>
 #include <limits>
 
 namespace {
 
 /// In pixels. Beyond this Qt cuts each shape to the screen by itself, at a hundred times the cost.
 constexpr double LARGEST_PICTURE = 32767.0;
-
-/// Eighths of a degree of the wheel for twice the size: four clicks of a common one.
-constexpr double WHEEL_FOR_DOUBLE = 480.0;
-/// Times the fit. A ball of this size fills the page; fingers may go further.
-constexpr double LARGEST_BY_WHEEL = 16.0;
-
-struct StackPolicy
-{
-    int policy;
-    OrloView::Stacks during;
-    OrloView::Stacks atEnd;
-};
-
-constexpr StackPolicy STACK_POLICIES[] = {
-    {2, OrloView::Stacks::None, OrloView::Stacks::Cards},
-    {3, OrloView::Stacks::None, OrloView::Stacks::All},
-    {4, OrloView::Stacks::Cards, OrloView::Stacks::Cards},
-    {5, OrloView::Stacks::Cards, OrloView::Stacks::All},
-    {6, OrloView::Stacks::All, OrloView::Stacks::All},
-};
-
-/// How far the fingers moved apart since they came down; 1 for two fingers on one spot, whose
-/// distance says nothing.
-double spread(const QEventPoint& first, const QEventPoint& second)
-{
-    const double before = QLineF(first.pressPosition(), second.pressPosition()).length();
-    const double now = QLineF(first.position(), second.position()).length();
-    return before < 1.0 ? 1.0 : now / before;
-}
 
 bool isTouch(const QEvent* event)
 {
@@ -64,7 +35,7 @@ OrloView::OrloView(QWidget* parent)
     : QGraphicsView(parent)
 {
     auto* orloScene = new QGraphicsScene(this);
-    // Everything hangs on one item: an index by place would hold that one alone.
+    // All items share one parent, so an index by place would hold that one alone.
     orloScene->setItemIndexMethod(QGraphicsScene::NoIndex);
     setScene(orloScene);
     setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
@@ -102,7 +73,7 @@ void OrloView::buildScene(OrloLeavesWidget::View view)
     scene()->setSceneRect(orloWidget->sceneBoundingRect());
     mOrloWidget = orloWidget;
     // The next resize fits it. But the scale of a picture of a few units must not meet one of thousands.
-    if (qMax(sceneRect().width(), sceneRect().height()) * mCurrentScale > LARGEST_PICTURE)
+    if (qMax(sceneRect().width(), sceneRect().height()) * mZoom.current() > LARGEST_PICTURE)
         followFit();
     // The balls report changes only: those that sound already need their cards.
     for (OrloBallWidget* ball : orloWidget->balls())
@@ -148,17 +119,14 @@ void OrloView::followFit()
     if (whole.width() <= 0.0 || whole.height() <= 0.0 || width() <= 0 || height() <= 0)
         return;
     fitInView(whole, Qt::KeepAspectRatio);
-    const double fit = qMin(height() / whole.height(), width() / whole.width());
-    mCurrentScale = mCurrentScale * fit / mFitScale;
-    mTotalScale = fit * mTotalScale / mFitScale;
-    mFitScale = fit;
+    mZoom.followFit(qMin(height() / whole.height(), width() / whole.width()));
     applyCurrentScale();
     centerOn(mSceneCentre);
 }
 
 void OrloView::applyCurrentScale()
 {
-    setTransform(QTransform::fromScale(mCurrentScale, mCurrentScale));
+    setTransform(QTransform::fromScale(mZoom.current(), mZoom.current()));
 }
 
 void OrloView::storeSceneCentre()
@@ -169,13 +137,12 @@ void OrloView::storeSceneCentre()
 
 void OrloView::setTestingVariables(int value)
 {
-    mTotalScale = mFitScale;
-    mCurrentScale = mFitScale; // or the next resize would bring the former zoom back
+    mZoom.resetToFit();
     applyCurrentScale();
     updateStacksItemsPositions();
     mZoomAllowed = value != 0;
     if (value < 0)
-        mTouchStepThreshold = qAbs(qMax(value, -std::numeric_limits<int>::max()));
+        mZoom.setTouchStepThreshold(qAbs(qMax(value, -std::numeric_limits<int>::max())));
     else if (value > 0)
         mStackUpdatePolicy = value;
 }
@@ -207,17 +174,15 @@ void OrloView::wheelEvent(QWheelEvent* event)
         updateStacksWhenZoom(true);
         return;
     }
-    event->accept(); // with zoom off too: it is no scrolling
+    event->accept(); // with zoom off too: it must not scroll
     if (mZoomAllowed)
-        zoomAround(event->position(), std::exp2(event->angleDelta().y() / WHEEL_FOR_DOUBLE));
+        zoomAround(event->position(), LatticeZoom::factorOfWheel(event->angleDelta().y()));
 }
 
 /// What is at this point of the viewport stays there, as far as the edges of the scene let it.
 void OrloView::zoomAround(QPointF fixed, double factor)
 {
-    const double largest = qMax(mTotalScale, LARGEST_BY_WHEEL * mFitScale);
-    mTotalScale = qBound(mFitScale, mTotalScale * factor, largest);
-    mCurrentScale = mTotalScale;
+    mZoom.zoomBy(factor);
     const QPointF kept = viewportTransform().inverted().map(fixed);
     applyCurrentScale();
     const QPoint gone = (viewportTransform().map(kept) - fixed).toPoint();
@@ -248,24 +213,17 @@ bool OrloView::viewportEvent(QEvent* event)
 void OrloView::zoomByTouch(QTouchEvent& event)
 {
     const bool released = event.touchPointStates().testFlag(QEventPoint::Released);
-    mCurrentScale = spread(event.points().at(0), event.points().at(1)) * mTotalScale;
-    ++mTouchSteps;
-    if (released) {
-        mTotalScale = mCurrentScale;
-        mTouchSteps = mTouchStepThreshold; // the last step always runs
-    }
-    if (!mZoomBelowFit && mTotalScale < mFitScale) {
-        mTotalScale = mFitScale;
-        mCurrentScale = mFitScale;
-    }
-    if (mTouchSteps < mTouchStepThreshold)
+    const QEventPoint& first = event.points().at(0);
+    const QEventPoint& second = event.points().at(1);
+    const double spread = LatticeZoom::spread(QLineF(first.pressPosition(), second.pressPosition()).length(),
+                                              QLineF(first.position(), second.position()).length());
+    if (!mZoom.pinch(spread, released))
         return;
-    if (mCurrentScale >= mFitScale) {
+    if (mZoom.isDrawable()) {
         applyCurrentScale();
         storeSceneCentre();
         updateStacksWhenZoom(released);
     }
-    mTouchSteps = 0;
     qDebug() << "Zoom etc. - step executed. ";
 }
 
@@ -277,24 +235,15 @@ void OrloView::zoomByTrackpad(const QNativeGestureEvent& event)
 
 // ---------------------------------------------------------------- stacks
 
-OrloView::Stacks OrloView::stacksToMove(int policy, bool final)
-{
-    for (const StackPolicy& row : STACK_POLICIES) {
-        if (row.policy == policy)
-            return final ? row.atEnd : row.during;
-    }
-    return Stacks::None;
-}
-
 void OrloView::updateStacksWhenZoom(bool final)
 {
-    switch (stacksToMove(mStackUpdatePolicy, final)) {
-    case Stacks::None: break;
-    case Stacks::Cards:
+    switch (stackpolicy::toMove(mStackUpdatePolicy, final)) {
+    case stackpolicy::Stacks::None: break;
+    case stackpolicy::Stacks::Cards:
         if (mCardStack)
             mCardStack->updatePositions();
         break;
-    case Stacks::All: updateStacksItemsPositions(); break;
+    case stackpolicy::Stacks::All: updateStacksItemsPositions(); break;
     }
 }
 

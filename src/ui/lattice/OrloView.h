@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/lattice/LatticeZoom.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 
 #include <QGraphicsView>
@@ -14,11 +15,8 @@ class QNativeGestureEvent;
 class QTouchEvent;
 
 /// The scene of one page: fits it into the widget, drags it with the mouse, scrolls it with the wheel and
-/// zooms it with two fingers on a screen or a trackpad, or with the wheel and Ctrl. Graphical thread
-/// only, as is all of this folder.
-///
-/// Three scales, all in pixels per scene unit: the fit scale shows the whole scene, the total
-/// scale is what the last gesture left, the current scale is what is on the screen.
+/// zooms it with two fingers on a screen or a trackpad, or with the wheel and Ctrl (LatticeZoom has the
+/// scales). Graphical thread only, as is all of this folder.
 class OrloView : public QGraphicsView
 {
     Q_OBJECT
@@ -36,7 +34,7 @@ public:
     void updateCardStack();
     /// Moves what stands in the stacks to its place.
     void updateStacksItemsPositions();
-    /// Moves what the policy says, while a gesture lasts or at its end.
+    /// Moves the stacks that the policy names, while a gesture lasts or at its end.
     void updateStacksWhenZoom(bool final);
     /// Back to the fit. Then `value` below 0: zoom on, with that many updates of a touch for a step;
     /// 0: zoom off; above 0: zoom on, with this policy for the stacks.
@@ -47,14 +45,9 @@ public:
     OrloLeavesWidget::View view() const;
     Orlo* orlo() const { return mOrlo; }
     OrloWidget* orloWidget() const { return mOrloWidget; }
-    double totalScale() const { return mTotalScale; }
-    double fitScale() const { return mFitScale; }
-    double currentScale() const { return mCurrentScale; }
-
-    /// What moves along with the balls.
-    enum class Stacks { None, Cards, All };
-    /// By policy, while a gesture lasts and at its end.
-    static Stacks stacksToMove(int policy, bool final);
+    double totalScale() const { return mZoom.total(); }
+    double fitScale() const { return mZoom.fit(); }
+    double currentScale() const { return mZoom.current(); }
 
 signals:
     /// After the scale followed a resize.
@@ -75,19 +68,14 @@ private:
     void applyCurrentScale();
     void storeSceneCentre();
 
-    double mTotalScale = 1.0;
-    double mFitScale = 1.0;
-    double mCurrentScale = 1.0;
+    LatticeZoom mZoom;
     QPointF mSceneCentre{1.0, 1.0};
     bool mZoomAllowed = true;
-    bool mZoomBelowFit = false;
     int mStackUpdatePolicy = 6;
-    int mTouchSteps = 0;         // updates since the last step on the screen
-    int mTouchStepThreshold = 5; // updates for each step
     Orlo* mOrlo = nullptr;
     OrloWidget* mOrloWidget = nullptr; // owned by the scene
 
-    // Not owned; the page's, which may lose them before the view.
+    // Owned by the page, which may delete them before the view.
     QPointer<CardStackWidget> mCardStack;
     QPointer<CardStackTwoWidget> mCardStackTwo;
     QPointer<NodeStackWidget> mNodeStack;

@@ -105,7 +105,7 @@ OrloLeavesWidget* OrloWidget::addLeavesSide(int side, OrloBallWidget* ball) cons
 
 void OrloWidget::buildLinks(const QHash<OrloPath, OrloBallWidget*>& built)
 {
-    // In the order of the list, so that the picture does not hang on the order of a hash.
+    // In the order of the list, so that the picture does not depend on the order of a hash.
     for (OrloBallWidget* ball : std::as_const(mBalls)) {
         if (built.value(ball->ball()->path(), nullptr) != ball)
             continue;

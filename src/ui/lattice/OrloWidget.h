@@ -46,7 +46,7 @@ private:
 
     const OrloLeavesWidget::View mView;
     const Orlo* const mOrlo;
-    const std::shared_ptr<const OrloBall> mTree; // what is drawn here, whatever was loaded since
+    const std::shared_ptr<const OrloBall> mTree; // what is drawn here, even if another one was loaded since
     CardStackWidget* const mCardStack;
     QList<OrloBallWidget*> mBalls; // owned by the scene, as this is
 };

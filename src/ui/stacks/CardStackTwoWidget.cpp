@@ -1,16 +1,9 @@
 #include "ui/stacks/CardStackTwoWidget.h"
 
-#include "ui/stacks/CardStackWidget.h"
 #include "ui/cards/CardWidget.h"
 #include "ui/lattice/OrloView.h"
-#include "ui/lattice/PitchHeight.h"
-
-namespace {
-
-/// How far the pitches lie below their true height in the scene, in scene units.
-constexpr double CENTRE_OFFSET = 5.5;
-
-} // namespace
+#include "ui/lattice/PitchAxis.h"
+#include "ui/stacks/CardStackWidget.h"
 
 CardStackTwoWidget::CardStackTwoWidget(QWidget* parent)
     : QWidget(parent)
@@ -84,15 +77,9 @@ void CardStackTwoWidget::raiseCardForRatio(OrloRatio ratio)
 
 void CardStackTwoWidget::updatePosition(OrloRatio ratio, CardWidget* card)
 {
-    const QRectF scene = mView->sceneRect();
-    if (scene.height() <= 0.0)
+    if (mView->sceneRect().height() <= 0.0)
         return;
-    const int latticeHeight = static_cast<int>(mView->viewportTransform().mapRect(scene).height());
-    const double centre =
-        mView->mapFromScene(scene.center()).y() + latticeHeight * CENTRE_OFFSET / scene.height();
-    const float relative = pitch::quotient(pitch::relativeOf(ratio));
-    const int y =
-        static_cast<int>(centre + pitch::offsetFromCentre(relative, latticeHeight)) - card->height() / 2;
+    const int y = static_cast<int>(PitchAxis::of(*mView).cardHeight(ratio)) - card->height() / 2;
     card->move(0, qMax(0, qMin(y, height() - mBottomSpace - card->height())));
 }
 

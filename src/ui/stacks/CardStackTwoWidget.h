@@ -10,8 +10,8 @@ class CardWidget;
 class OrloView;
 class SvgLoader;
 
-/// The second stack: the cards of sounding pitches that have no ball, placed by height of pitch.
-/// Keyed by absolute ratio. Cards of very near pitches overlap.
+/// The second stack, on the right of the page: the cards of sounding pitches that have no ball, placed by
+/// height of pitch (PitchAxis). Keyed by absolute ratio. Cards of very near pitches overlap.
 class CardStackTwoWidget : public QWidget
 {
     Q_OBJECT

@@ -1,9 +1,9 @@
 #include "ui/stacks/CardStackWidget.h"
 
-#include "ui/stacks/CardConnectorOverlay.h"
 #include "ui/cards/CardWidget.h"
 #include "ui/lattice/OrloBallWidget.h"
 #include "ui/lattice/OrloView.h"
+#include "ui/stacks/CardConnectorOverlay.h"
 
 CardStackWidget::CardStackWidget(QWidget* parent)
     : QWidget(parent)

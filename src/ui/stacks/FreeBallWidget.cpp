@@ -2,6 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
+#include "model/AbsoluteRatio.h"
 #include "model/Orlo.h"
 #include "model/OrloPathUnlimited.h"
 #include "sound/OrloTransposeEvent.h"
@@ -29,9 +30,9 @@ FreeBallWidget::FreeBallWidget(NodeStackWidget* stack, const OrloRatio* ratio, i
     , mCircles(this, diameter, PROPORTIONS)
     , mNoteEvent(mRatio, OrloNoteEvent::OVERRIDES_HOLD)
     , mRemoveEvent(mRatio)
-    , mSelectEvent(pitch::relativeOf(mRatio))
-    , mResetEvent(pitch::relativeOf(mRatio), 0.0F)
-    , mResetDeselectEvent(pitch::relativeOf(mRatio), 1.0F)
+    , mSelectEvent(ratios::relativeOf(mRatio))
+    , mResetEvent(ratios::relativeOf(mRatio), 0.0F)
+    , mResetDeselectEvent(ratios::relativeOf(mRatio), 1.0F)
 {
     setVisible(false);
     setAcceptHoverEvents(true);
@@ -44,7 +45,7 @@ FreeBallWidget::FreeBallWidget(NodeStackWidget* stack, const OrloRatio* ratio, i
 
 void FreeBallWidget::updateBall()
 {
-    const OrloRatio shown = app::settings()->absRelView < 1 ? pitch::relativeOf(mRatio) : mRatio;
+    const OrloRatio shown = app::settings()->absRelView < 1 ? ratios::relativeOf(mRatio) : mRatio;
     const std::unique_ptr<OrloPathUnlimited> path(shown.getUnlimitedPathFromRatio());
     updateColor(app::orlo()->lookupColor(path->getHighestPrime()), false);
     mCircles.show(BallCircles::Mark::Selected, mSelected);
@@ -99,7 +100,7 @@ void FreeBallWidget::queuePress(Qt::KeyboardModifiers modifiers) const
     case BallPress::Reset: return player->queueEventGui(&mResetEvent);
     case BallPress::ResetAndDeselect: return player->queueEventGui(&mResetDeselectEvent);
     case BallPress::Transpose:
-        const OrloTransposeEvent transpose(pitch::relativeOf(mRatio));
+        const OrloTransposeEvent transpose(ratios::relativeOf(mRatio));
         return player->queueEventGui(&transpose);
     }
 }

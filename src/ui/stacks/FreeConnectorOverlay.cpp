@@ -1,10 +1,10 @@
 #include "ui/stacks/FreeConnectorOverlay.h"
 
+#include "ui/lattice/OrloView.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/DottedLine.h"
 #include "ui/stacks/FreeBallWidget.h"
 #include "ui/stacks/NodeStackWidget.h"
-#include "ui/lattice/OrloView.h"
 
 #include <QPainter>
 #include <QStyle>

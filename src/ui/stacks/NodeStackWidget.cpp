@@ -1,34 +1,20 @@
 #include "ui/stacks/NodeStackWidget.h"
 
+#include "ui/lattice/GeometryConstants.h"
+#include "ui/lattice/OrloView.h"
+#include "ui/lattice/PitchAxis.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/FreeBallWidget.h"
 #include "ui/stacks/FreeConnectorOverlay.h"
-#include "ui/lattice/GeometryConstants.h"
-#include "ui/lattice/OrloView.h"
-#include "ui/lattice/PitchHeight.h"
 
 #include <QDebug>
 #include <QGraphicsScene>
 #include <QMultiMap>
 #include <QtMath>
 
-#include <cmath>
 #include <utility>
 
 namespace {
-
-constexpr float CELL_FACTOR = 1.35F; // of a playing ball's diameter
-constexpr float LN_9 = 2.1972246F;   // nine times the ratio is half the scene's height
-/// In units of the lattice's scene: its middle lies a little above the middle of the pitch axis.
-constexpr float AXIS_OFFSET = 5.5F;
-/// A pitch without a height, as a ratio of 0, lies below everything. Far enough from any screen,
-/// and near enough for whole numbers to stay exact.
-constexpr float FARTHEST = 1.0e6F;
-
-float bounded(float height)
-{
-    return std::isnan(height) ? FARTHEST : qBound(-FARTHEST, height, FARTHEST);
-}
 
 double sortKey(const OrloRatio& ratio)
 {
@@ -71,7 +57,8 @@ QSize NodeStackWidget::sizeHint() const
 {
     const double radius = LEAF_DIAMETER * 0.5 + LEAF_DIAMETER / 10.0;
     const double glow = LEAF_DIAMETER * BALL_GLOW_SIZE_FACTOR / 200.0;
-    const int width = qCeil(2 * glow + 2 * radius * CELL_FACTOR * (mColumns - 1));
+    const auto cell = static_cast<double>(FreeBallLayout::cellSize(radius));
+    const int width = qCeil(2 * glow + cell * (FreeBallLayout::COLUMNS - 1));
     return QSize(width + 2 * frameWidth(), QGraphicsView::sizeHint().height());
 }
 
@@ -208,9 +195,7 @@ void NodeStackWidget::updatePositions()
 {
     if (!mView)
         return;
-    mPlaced.clear();
-    mTopLine = 0;
-    mBottomLine = height() - mBottomSpace;
+    mLayout.begin(height() - mBottomSpace);
 
     QMultiMap<double, std::pair<const OrloRatio*, FreeBallWidget*>> fromHighest;
     for (auto it = mBalls.cbegin(); it != mBalls.cend(); ++it)
@@ -222,80 +207,20 @@ void NodeStackWidget::updatePositions()
     }
 }
 
-NodeStackWidget::Cell NodeStackWidget::cellOf(const FreeBallWidget* ball)
-{
-    return {2.0F * static_cast<float>(ball->playingRadius()) * CELL_FACTOR,
-            static_cast<float>(ball->glowRadius())};
-}
-
-/// The y of a pitch on the axis of the lattice beside: its scene spans 1/9 to 9. In single
-/// precision but for the rounding.
-int NodeStackWidget::pitchHeight(const OrloRatio& ratio) const
-{
-    const QRectF whole = mView->sceneRect();
-    const int sceneHeight = static_cast<int>(mView->viewportTransform().mapRect(whole).height());
-    const auto scenePixels = static_cast<float>(sceneHeight);
-    const auto sceneUnits = static_cast<float>(whole.height());
-    const int centre = mView->mapFromScene(whole.center()).y();
-    const float offset = sceneUnits > 0.0F ? scenePixels * AXIS_OFFSET / sceneUnits : 0.0F;
-
-    const OrloRatio relative = pitch::relativeOf(ratio);
-    const float aboveCentre = bounded(std::log(pitch::quotient(relative)) / LN_9 * scenePixels * -0.5F);
-    const int rounded = static_cast<int>(std::round(static_cast<double>(aboveCentre)));
-    return static_cast<int>(bounded(static_cast<float>(centre) + offset + static_cast<float>(rounded)));
-}
-
 void NodeStackWidget::updatePosition(OrloRatio ratio, FreeBallWidget* ball, QList<double>* rest)
 {
-    const Cell cell = cellOf(ball);
-    const auto top = static_cast<float>(mTopLine);
-    const auto bottom = static_cast<float>(mBottomLine);
     const int howManyMore = static_cast<int>(rest->size());
-    const int rowsToCome = howManyMore / mColumns;
-    const float roomToCome = static_cast<float>(rowsToCome) * cell.size;
-
-    int y = pitchHeight(ratio);
-    const auto height = static_cast<float>(y);
-    if (height < top + cell.margin + cell.size) {
-        if (mPlaced.size() >= mColumns) {
-            mTopLine += static_cast<int>(cell.size);
-            mPlaced.clear();
-        }
-        y = static_cast<int>(static_cast<float>(mTopLine) + cell.margin);
-        ball->setAtPitch(false);
-    } else if (height > bottom - cell.margin - cell.size - roomToCome) {
-        y = static_cast<int>(bottom - cell.margin - roomToCome);
+    const FreeBallLayout::Place place = mLayout.place(PitchAxis::of(*mView).freeBallHeight(ratio),
+                                                      ball->playingRadius(), ball->glowRadius(), howManyMore);
+    if (place.isInBottomGrid) {
         qDebug().noquote() << "Node jumps into grid at bottom: Ratio " << ratio.toString()
-                           << "; howManyMore: " << howManyMore << "Threshold level for jump: " << rowsToCome;
-        ball->setAtPitch(false);
-        renewConnector(ball);
-        const int column = mColumns - 1 - howManyMore % mColumns;
-        const int x =
-            static_cast<int>(static_cast<float>(static_cast<int>(cell.size) * column) + cell.margin);
-        place(ball, QPoint(x, y), cell);
-        return;
-    } else {
-        ball->setAtPitch(true);
+                           << "; howManyMore: " << howManyMore
+                           << "Threshold level for jump: " << FreeBallLayout::rowsToCome(howManyMore);
     }
+    ball->setAtPitch(place.isAtPitch);
     renewConnector(ball);
-    place(ball, QPoint(freeColumn(y, cell), y), cell);
-}
-
-int NodeStackWidget::freeColumn(int y, const Cell& cell)
-{
-    const auto height = static_cast<float>(y);
-    int x = static_cast<int>(cell.margin);
-    if (height >= static_cast<float>(mLastRowStart.y()) + cell.size)
-        return x;
-    for (const QPoint& placed : std::as_const(mPlaced)) {
-        if (static_cast<float>(placed.y()) + cell.size >= height)
-            x += static_cast<int>(cell.size);
-    }
-    if (static_cast<float>(x) > cell.size * static_cast<float>(mColumns)) {
-        x = static_cast<int>(cell.margin);
-        mPlaced.clear();
-    }
-    return x;
+    ball->setPos(place.point);
+    ball->setVisible(true);
 }
 
 /// So that the lines follow the ball.
@@ -305,13 +230,4 @@ void NodeStackWidget::renewConnector(FreeBallWidget* ball)
         return;
     mOverlay->removeConnector(ball);
     mOverlay->addConnector(ball);
-}
-
-void NodeStackWidget::place(FreeBallWidget* ball, QPoint point, const Cell& cell)
-{
-    ball->setPos(point);
-    ball->setVisible(true);
-    mPlaced.append(point);
-    if (static_cast<float>(point.x()) == cell.margin)
-        mLastRowStart = point;
 }

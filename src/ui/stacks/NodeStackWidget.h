@@ -1,11 +1,11 @@
 #pragma once
 
 #include "model/OrloRatio.h"
+#include "ui/stacks/FreeBallLayout.h"
 
 #include <QGraphicsView>
 #include <QHash>
 #include <QList>
-#include <QPoint>
 #include <QPointer>
 
 class CardStackTwoWidget;
@@ -13,9 +13,8 @@ class FreeBallWidget;
 class FreeConnectorOverlay;
 class OrloView;
 
-/// The column of balls for pitches that have none in the lattice: each at the height of its pitch
-/// while there is room, else aside, within five cells, or in a grid at the lower or upper edge.
-/// Balls are known by their absolute ratio.
+/// The column of balls for pitches that have none in the lattice, near the height of their pitch
+/// (PitchAxis, FreeBallLayout). Balls are known by their absolute ratio.
 ///
 /// Heights are computed in updatePositions() alone, in pixels of this widget, which its scene has
 /// as its units. Graphical thread only.
@@ -39,7 +38,7 @@ public:
     void selectNodeForRatio(OrloRatio ratio, bool on);
     void setHoldNodeForRatio(OrloRatio ratio, bool on);
     void setAlteredNodeForRatio(OrloRatio ratio, bool on);
-    /// Over whatever it collides with.
+    /// Over all that it collides with.
     void raiseNodeForRatio(OrloRatio ratio);
     /// Takes all balls out.
     void reset();
@@ -71,18 +70,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// The measures of one ball's cell, in pixels.
-    struct Cell
-    {
-        float size;
-        float margin; // from the edge to a ball's centre: the room of its glow
-    };
-    static Cell cellOf(const FreeBallWidget* ball);
-    int pitchHeight(const OrloRatio& ratio) const;
-    /// The x after the placed balls at this height have pushed it aside.
-    int freeColumn(int y, const Cell& cell);
     void renewConnector(FreeBallWidget* ball);
-    void place(FreeBallWidget* ball, QPoint point, const Cell& cell);
     void retire(FreeBallWidget* ball);
 
     QHash<OrloRatio, FreeBallWidget*> mBalls; // owned by the scene
@@ -90,12 +78,5 @@ private:
     QPointer<FreeConnectorOverlay> mOverlay; // a page may delete it first
     const OrloView* mView = nullptr;
     CardStackTwoWidget* mCardStackTwo = nullptr;
-
-    QList<QPoint> mPlaced; // of the current pass
-    // Carries over from the pass before, on purpose: where the first balls of a pass jump into the
-    // bottom grid, the next one still looks at it.
-    QPoint mLastRowStart{0, -100};
-    int mTopLine = 0;
-    int mBottomLine = 0;
-    int mColumns = 5;
+    FreeBallLayout mLayout;
 };

@@ -1,13 +1,13 @@
 #include "ui/stacks/OrloLayer.h"
 
 #include "model/Orlo.h"
+#include "ui/cards/SvgLoader.h"
+#include "ui/lattice/OrloView.h"
 #include "ui/stacks/CardConnectorOverlay.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/CardStackWidget.h"
 #include "ui/stacks/FreeConnectorOverlay.h"
 #include "ui/stacks/NodeStackWidget.h"
-#include "ui/lattice/OrloView.h"
-#include "ui/cards/SvgLoader.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

@@ -6,7 +6,7 @@
 
 /// The cards of a stack whose pitches have stopped, hidden, to be filled again for others. Building
 /// a card costs ten times as much as filling one, and a transposition takes every sounding pitch off
-/// its card before it finds the new ones. They are the stack's child widgets, which owns them.
+/// its card before it finds the new ones. They are child widgets of the stack, which owns them.
 class SpareCards
 {
 public:

@@ -8,7 +8,7 @@
 #include "sound/EngineRelay.h"
 #include "sound/MacroList.h"
 #include "sound/PdPlayer.h"
-#include "ui/cards/PitchTexts.h"
+#include "ui/cards/FrequencyDecimals.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
@@ -99,7 +99,7 @@ MainWindow::MainWindow(Orlo* orlo)
     loadDefaultPatch();
     onTransposeChanged();
     makeDevelopmentDialogs();
-    mOptionsDialog = new OptionsDialog(this);
+    makeOptionsDialog();
     ui->transposeWidget->highlight(mHighlightedRow, true);
     applicationUpdateCheck();
     repopulateChordBankMenu();
@@ -221,6 +221,7 @@ void MainWindow::makeDevelopmentDialogs()
 {
     mDiagnosticsDialog = new DiagnosticsDialog(this);
     mTweakDialog = new TweakDialog(this);
+    connect(mTweakDialog, &TweakDialog::updateRequested, this, &MainWindow::updateTweaks);
     for (const GeometryConstant& constant : GEOMETRY_CONSTANTS)
         mTweakDialog->addInt(QLatin1StringView(constant.name), constant.value);
 }
@@ -494,6 +495,16 @@ void MainWindow::applyRestrictions(bool restricted)
 
 // ---------------------------------------------------------------- options dialog
 
+void MainWindow::makeOptionsDialog()
+{
+    mOptionsDialog = new OptionsDialog(this);
+    connect(mOptionsDialog, &OptionsDialog::displayChanged, this, &MainWindow::updateOrloView);
+    connect(mOptionsDialog, &OptionsDialog::zoomModeChanged, this, &MainWindow::updateZoomMode);
+    connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::setOptionsDialogPosition);
+    connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::reloadAllSoundingRatios);
+    mOptionsDialog->updateCentsDisplay(); // the names of the notes may change by it
+}
+
 void MainWindow::on_optionsButton_clicked()
 {
     if (mOptionsDialog->isVisible()) {
@@ -502,7 +513,7 @@ void MainWindow::on_optionsButton_clicked()
         return;
     }
     delete mOptionsDialog;
-    mOptionsDialog = new OptionsDialog(this);
+    makeOptionsDialog();
     mOptionsDialog->applyRestrictions(mRestricted);
     if (!mOptionsDialogPosition.isNull())
         mOptionsDialog->rePosition(mOptionsDialogPosition);

@@ -166,6 +166,7 @@ private:
     /// Asks for a newer version, as often as the options want it.
     void applicationUpdateCheck();
     void makeDevelopmentDialogs();
+    void makeOptionsDialog();
     void makeStatusLine();
     void updateReadout();
     OrloLayer* currentLayer() const;

@@ -5,12 +5,11 @@
 #include "ui/stacks/CardStackWidget.h"
 #include "ui/cards/CardWidget.h"
 #include "ui/stacks/OrloLayer.h"
-#include "ui/lattice/OrloView.h"
 #include "ui/WindowFixture.h"
 
 #include <QLabel>
 
-/// One page with its stacks, in the program's look, which the places on a card hang on.
+/// One page with its stacks, in the program's look, on which the places on a card depend.
 class CardFixture : public UiFixture
 {
 public:

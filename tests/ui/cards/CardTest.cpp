@@ -1,5 +1,8 @@
 #include "ui/cards/CardFixture.h"
-#include "ui/cards/PitchTexts.h"
+#include "ui/cards/CentsText.h"
+
+#include <QPaintEvent>
+#include <QTest>
 
 namespace {
 
@@ -38,14 +41,13 @@ TEST_F(Card, NumbersAreWrittenByTheirSize)
         {1.955F, 0, "+2"}, {-0.125F, 2, "-0.13"}, {-0.001F, 2, "+0.00"}, {3.0F, -1, "+3"}};
     for (const auto& [value, decimals, shown] : cents)
         EXPECT_EQ(texts::centsText(texts::roundedCents(value), decimals), QLatin1StringView(shown));
-
-    settings.centsShowDecimals = 2;
-    EXPECT_EQ(text(cardFor(5, 4), "centsLabel"), QStringLiteral("-13.69")) << "13.6863 cents below";
-    EXPECT_EQ(text(cardFor(3, 2), "freqLabel"), QStringLiteral("660.000 Hz"));
-    EXPECT_EQ(text(cardFor(1, 64), "freqLabel"), QStringLiteral("6.87500 Hz"));
-    settings.soundGrapeNotation = 1; // which takes room
-    updatePage();
-    EXPECT_EQ(text(cardFor(3, 2), "freqLabel"), QStringLiteral("660.00 Hz"));
+    for (const bool grape : {false, true}) { // which takes room
+        settings.soundGrapeNotation = grape ? 1 : 0;
+        settings.centsShowDecimals = grape ? 1 : 2;
+        updatePage();
+        EXPECT_EQ(text(cardFor(5, 4), "centsLabel"), grape ? u"-13.7" : u"-13.69") << "13.6863 cents below";
+        EXPECT_EQ(text(cardFor(3, 2), "freqLabel"), grape ? u"660.00 Hz" : u"660.000 Hz");
+    }
 }
 
 TEST_F(Card, TheModesChooseTheRatioAndTheColour)
@@ -95,15 +97,47 @@ TEST_F(Card, PartsStandByTheNote)
 
 TEST_F(Card, CentsMoveOutOfTheNotesWay)
 {
-    const auto cents = [](const CardWidget* card) { return label(card, "centsLabel")->geometry(); };
-    const auto note = [](const CardWidget* card) { return graphics(card)[1]->geometry(); };
-    EXPECT_EQ(cents(cardFor(1, 1)).y(), INNER.y() - 3);
-    const CardWidget* high = cardFor(2, 1);
-    EXPECT_EQ(cents(high).y(), note(high).y() - cents(high).height() - 3);
-    const CardWidget* bass = cardFor(1, 3); // D3, 2 cents below
-    EXPECT_EQ(cents(bass).y(), INNER.y() + 64 - cents(bass).height() + 3);
-    const CardWidget* lowest = cardFor(19, 32); // C4, 2 cents below, on the ledger line
-    EXPECT_EQ(cents(lowest).y(), note(lowest).y() + 9 + 3);
+    // Whether above, and whether the note is in the way; D3 and C4 are 2 cents below.
+    const std::tuple<OrloRatio, bool, bool> rows[] = {
+        {{1, 1}, true, false}, {{2, 1}, true, true}, {{1, 3}, false, false}, {{19, 32}, false, true}};
+    for (const auto& [ratio, above, inTheWay] : rows) {
+        const CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
+        const int note = graphics(card)[1]->y();
+        const QRect cents = label(card, "centsLabel")->geometry();
+        if (above)
+            EXPECT_EQ(cents.y(), inTheWay ? note - cents.height() - 3 : INNER.y() - 3);
+        else
+            EXPECT_EQ(cents.y(), inTheWay ? note + 9 + 3 : INNER.y() + 64 - cents.height() + 3);
+    }
+}
+
+TEST_F(Card, ARefilledCardIsPaintedAnewAndFollowsTheSizeOfItsFonts)
+{
+    struct Painted : QObject
+    {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            if (event->type() == QEvent::Paint)
+                region += static_cast<QPaintEvent*>(event)->region();
+            return false;
+        }
+        QRegion region;
+    } painted;
+    CardWidget* card = cardFor(1, 1);
+    report();
+    card->installEventFilter(&painted);
+    transposeBy({2}); // the card of another ball, filled for this pitch
+    updatePage();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return painted.region.contains(card->rect()); }));
+    card->removeEventFilter(&painted);
+
+    card = cardFor(17, 16);
+    const int height = label(card, "noteLabel")->height();
+    page.setStyleSheet(QStringLiteral("#noteLabel { font-size: 40px; }"));
+    report();
+    const QLabel* name = label(card, "noteLabel");
+    EXPECT_GT(name->height(), height + 10);
+    EXPECT_EQ(label(card, "octaveLabel")->x(), name->x() + name->width() + 1 + 7 + 2);
 }
 
 TEST_F(Card, RatiosTakeTwoLinesOrNoneOfTheirNumbers)
@@ -129,25 +163,18 @@ TEST_F(Card, RatiosTakeTwoLinesOrNoneOfTheirNumbers)
 
 TEST_F(Card, StaffAndLedgerLinesAreDrawnAtTheirHeights)
 {
-    const QColor first(0xaa, 0xaa, 0xaa);
-    const QColor second(0x7c, 0x7c, 0x7c); // at the second stack
-    const std::tuple<OrloRatio, QColor, int> rows[] = {
-        // ratio, colour, space of the ledger line
-        {{2, 1}, first, 1}, // A5 at -1.0
-        {{3, 5}, first, 7}, // C4 at 5.0
-        {{81, 16}, second, 0},
-    };
+    // Ratio, colour by stack, and space of the ledger line: A5 at -1.0 and C4 at 5.0.
+    const std::tuple<OrloRatio, QRgb, int> rows[] = {
+        {{2, 1}, 0xffaaaaaa, 1}, {{3, 5}, 0xffaaaaaa, 7}, {{81, 16}, 0xff7c7c7c, 0}};
     for (const auto& [ratio, color, ledger] : rows) {
-        SCOPED_TRACE(ratio.numerator());
         CardWidget* card = cardFor(ratio.numerator(), ratio.denominator());
         const QImage picture = card->grab().toImage();
-        for (int k = 2; k <= 6; ++k) {
-            EXPECT_EQ(picture.pixelColor(INNER.x() + 62, INNER.y() + k * SPACE), color) << k;
-            EXPECT_NE(picture.pixelColor(INNER.x() + 62, INNER.y() + k * SPACE + 1), color) << k;
-        }
         const int left = graphics(card)[1]->x() - 4;
-        for (const int k : {1, 7})
-            EXPECT_EQ(picture.pixelColor(left, INNER.y() + k * SPACE) == color, k == ledger) << k;
+        for (int k = 1; k <= 7; ++k) {
+            const int x = k == 1 || k == 7 ? left : INNER.x() + 62;
+            EXPECT_EQ(picture.pixel(x, INNER.y() + k * SPACE) == color, k == ledger || (k > 1 && k < 7)) << k;
+            EXPECT_NE(picture.pixel(INNER.x() + 62, INNER.y() + k * SPACE + 1), color) << k;
+        }
     }
 }
 

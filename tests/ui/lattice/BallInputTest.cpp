@@ -1,8 +1,6 @@
 // Balls of the lattice and of the node stack, by real presses.
 
 #include "ui/stacks/NodeStackFixture.h"
-#include "ui/lattice/OrloBallWidget.h"
-#include "ui/lattice/OrloWidget.h"
 
 namespace {
 

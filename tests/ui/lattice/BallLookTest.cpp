@@ -1,10 +1,4 @@
-#include "ui/lattice/OrloBallWidget.h"
-#include "ui/lattice/OrloStrutWidget.h"
-#include "ui/lattice/OrloView.h"
 #include "ui/UiFixture.h"
-
-#include <QGraphicsEllipseItem>
-#include <QPen>
 
 #include <array>
 
@@ -133,8 +127,16 @@ TEST_F(UiFixture, AGlowLiesUnderItsBallWhereverTheViewIs)
     const QImage inWindow = window.grab(around.translated(offset)).toImage();
     EXPECT_EQ(alone.convertToFormat(QImage::Format_RGB32), inWindow.convertToFormat(QImage::Format_RGB32));
 
-    const QRgb glowing = inWindow.pixel(40 + 22, 40);
-    ballAt("/")->setPlaying(false);
-    const QRgb dark = window.grab(around.translated(offset)).toImage().pixel(40 + 22, 40);
-    EXPECT_GT(qGray(glowing), qGray(dark) + 20);
+    // Just outside the ball, and at twice the size.
+    const auto brightness = [&](int distance, bool playing) {
+        ballAt("/")->setPlaying(playing);
+        view.centerOn(0.0, 0.0);
+        return qGray(
+            view.viewport()->grab().toImage().pixel(scene::centreOf(view, "/") + QPoint(distance, 0)));
+    };
+    for (const int distance : {22, 44}) {
+        const int glowing = brightness(distance, true);
+        EXPECT_GT(glowing, brightness(distance, false) + 20) << distance;
+        view.scale(2.0, 2.0);
+    }
 }

@@ -1,13 +1,5 @@
 #include "support/LogCatcher.h"
-#include "ui/lattice/GeometryConstants.h"
-#include "ui/lattice/OrloBallWidget.h"
-#include "ui/lattice/OrloStrutWidget.h"
-#include "ui/lattice/OrloView.h"
-#include "ui/lattice/OrloWidget.h"
 #include "ui/UiFixture.h"
-
-#include <QGraphicsEllipseItem>
-#include <QPen>
 
 namespace {
 
@@ -68,7 +60,7 @@ TEST_F(SceneGeometry, LeavesFormAFlowerInOneViewAndAColumnInTheOther)
     for (const auto& [kind, leaf, x, y] : rows) {
         OrloView view;
         view.init(kind, &orlo);
-        // The same flower hangs on every ball.
+        // Every ball has the same flower.
         const QByteArray path = QByteArray("/2/-3") + leaf;
         const QPointF ball = scene::ballAt(view, "/2/-3")->scenePos();
         expectAt(scene::ballAt(view, path.constData())->scenePos() - ball, x, y, leaf);
@@ -103,18 +95,6 @@ TEST_F(SceneGeometry, ALeafFromAFileMayHaveChildren)
     view.init(GRAPES, &orlo);
     EXPECT_EQ(view.orloWidget()->balls().size(), 361);
     EXPECT_EQ(scene::ballAt(view, "/5/3"), nullptr);
-}
-
-TEST_F(SceneGeometry, AnAloneRootIsAScene)
-{
-    const GeometryKeeper keeper;
-    BALL_DIAMETER = 0;
-    Orlo bare;
-    OrloView view;
-    view.show();
-    view.init(CIRCLES, &bare);
-    view.resize(400, 300);
-    EXPECT_TRUE(view.currentScale() > 0.0 && view.currentScale() < 1e6);
 }
 
 TEST_F(SceneGeometry, ANewSceneDrawsTheModelAsItStands)

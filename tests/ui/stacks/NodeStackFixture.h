@@ -1,14 +1,11 @@
 #pragma once
 
+#include "ui/UiFixture.h"
+#include "ui/cards/SvgLoader.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/FreeBallWidget.h"
 #include "ui/stacks/FreeConnectorOverlay.h"
 #include "ui/stacks/NodeStackWidget.h"
-#include "ui/lattice/OrloView.h"
-#include "ui/cards/SvgLoader.h"
-#include "ui/UiFixture.h"
-
-#include <QCoreApplication>
 
 /// A page of 800 pixels height: the lattice to the left, then the stack, then the cards, and the
 /// lines over all of it. The scene is as high as the view, so that one pixel is one unit, its

@@ -1,98 +1,100 @@
+#include "ui/lattice/PitchAxis.h"
 #include "ui/stacks/NodeStackFixture.h"
 
 namespace {
 
-struct Place
+struct Ball
 {
-    OrloRatio ratio;
+    int pitchHeight;
     QPoint point;
     bool atPitch;
 };
 
-class NodeStackPlaces : public NodeStackFixture
+/// A pass over these balls in a stack of 800 pixels. A ball has the cell 16.2 and keeps 10 from the edges.
+void expectPass(FreeBallLayout& layout, const QList<Ball>& balls)
 {
-protected:
-    /// These balls alone, or the same ones as before in one more pass.
-    void expectPass(const QList<Place>& places, bool again = false)
-    {
-        if (!again)
-            stack->reset();
-        for (const Place& place : places)
-            add({place.ratio});
-        stack->updatePositions();
-        for (const Place& place : places) {
-            SCOPED_TRACE(qPrintable(place.ratio.toString()));
-            EXPECT_EQ(ball(place.ratio)->pos(), QPointF(place.point));
-            EXPECT_EQ(ball(place.ratio)->isAtPitch(), place.atPitch);
-        }
+    layout.begin(800);
+    int more = static_cast<int>(balls.size());
+    for (const Ball& ball : balls) {
+        const FreeBallLayout::Place place = layout.place(ball.pitchHeight, 6.0, 10.0, --more);
+        EXPECT_EQ(place.point, ball.point) << ball.pitchHeight;
+        EXPECT_EQ(place.isAtPitch, ball.atPitch) << ball.pitchHeight;
     }
-};
+}
+
+using NodeStackPlaces = NodeStackFixture;
 
 TEST_F(NodeStackPlaces, ABallStandsAtTheHeightOfItsPitchOnTheAxisFromNinthToNine)
 {
-    expectPass({
-        {OrloRatio(9, 1), {10, 10}, false}, // 5, half the scene above: over the top line
-        {OrloRatio(5, 4), {10, 364}, true}, // 400 * 0.22314 / 2.19722 = 40.6, so 405.5 - 41
-        {OrloRatio(1, 3), {10, 605}, true},
-        {OrloRatio(1, 9), {74, 790}, false}, // 805: the last cell of the bottom grid
-    });
-    // The edges of the two rules: at the top below 26.2, at the bottom over 773.8.
-    expectPass({{OrloRatio(319, 40), {10, 27}, true}});
-    expectPass({{OrloRatio(401, 50), {10, 10}, false}}); // 26
-    expectPass({{OrloRatio(53, 400), {10, 773}, true}});
-    expectPass({{OrloRatio(1317, 10000), {74, 790}, false}}); // 774
+    const PitchAxis axis{800, 800.0, 400};
+    const std::pair<OrloRatio, int> heights[] = {
+        {{9, 1}, 5},   // half the scene above
+        {{5, 4}, 364}, // 400 * 0.22314 / 2.19722 = 40.6, so 405.5 - 41
+        {{1, 1}, 405}, {{1, 3}, 605}, {{1, 9}, 805}, {{319, 40}, 27}, {{1317, 10000}, 774}};
+    for (const auto& [ratio, height] : heights) {
+        EXPECT_EQ(axis.freeBallHeight(ratio), height);
+        EXPECT_EQ(static_cast<int>(axis.cardHeight(ratio)), height);
+    }
     // Of the relative ratio: 2/1 as 400 * 0.69315 / 2.19722 = 126.2.
     transposeBy({3});
-    expectPass({{OrloRatio(3, 2), {10, 405}, true}, {OrloRatio(3, 1), {10, 279}, true}});
+    add({OrloRatio(3, 2), OrloRatio(3, 1), OrloRatio(1, 6)});
+    stack->updatePositions();
+    EXPECT_EQ(pointOf(OrloRatio(3, 2)), QPoint(10, 405));
+    EXPECT_EQ(pointOf(OrloRatio(3, 1)), QPoint(10, 279));
+    EXPECT_EQ(pointOf(OrloRatio(1, 6)), QPoint(74, 790)) << "the last cell of the bottom grid";
+    EXPECT_TRUE(ball(OrloRatio(3, 1))->isAtPitch() && !ball(OrloRatio(1, 6))->isAtPitch());
 }
 
-TEST_F(NodeStackPlaces, NeighboursGiveWayWithinFiveCellsAndTheSixthBeginsAgain)
+TEST(FreeBallLayoutTest, NeighboursGiveWayWithinFiveCellsAndTheSixthBeginsAgain)
 {
-    QList<Place> places;
-    const int heights[] = {404, 404, 404, 404, 405, 405, 405}; // 405.5 - 1 and 405.5 - 0
-    const int columns[] = {10, 26, 42, 58, 74, 10, 26};
-    for (int i = 0; i < 7; ++i)
-        places.append({OrloRatio(1006 - static_cast<unsigned>(i), 1000), {columns[i], heights[i]}, true});
-    expectPass(places);
+    FreeBallLayout layout;
+    expectPass(layout, {{404, {10, 404}, true},
+                        {404, {26, 404}, true},
+                        {404, {42, 404}, true},
+                        {404, {58, 404}, true},
+                        {405, {74, 405}, true},
+                        {405, {10, 405}, true},
+                        {405, {26, 405}, true}});
     // Further apart than a cell: 405 - 389 = 16 is not, 405 - 388 = 17 is.
-    expectPass({{OrloRatio(109, 100), {10, 389}, true}, {OrloRatio(1, 1), {26, 405}, true}});
-    expectPass({{OrloRatio(11, 10), {10, 388}, true}, {OrloRatio(1, 1), {10, 405}, true}});
+    expectPass(layout, {{389, {10, 389}, true}, {405, {26, 405}, true}});
+    expectPass(layout, {{388, {10, 388}, true}, {405, {10, 405}, true}});
+    // The edges of the two rules: at the top below 26.2, at the bottom over 773.8.
+    expectPass(layout, {{27, {10, 27}, true}});
+    expectPass(layout, {{26, {10, 10}, false}});
+    expectPass(layout, {{773, {10, 773}, true}});
+    expectPass(layout, {{774, {74, 790}, false}});
 }
 
-TEST_F(NodeStackPlaces, AboveTheTopLineRowsOfFivePushTheLineDown)
+TEST(FreeBallLayoutTest, AboveTheTopLineRowsOfFivePushTheLineDown)
 {
-    expectPass({
-        {OrloRatio(16, 1), {10, 10}, false},
-        {OrloRatio(15, 1), {26, 10}, false},
-        {OrloRatio(14, 1), {42, 10}, false},
-        {OrloRatio(13, 1), {58, 10}, false},
-        {OrloRatio(12, 1), {74, 10}, false},
-        {OrloRatio(11, 1), {10, 26}, false},
-        {OrloRatio(10, 1), {26, 26}, false},
-        {OrloRatio(15, 2), {42, 26}, false}, // 38, under the first line and over the second
-        {OrloRatio(7, 1), {10, 51}, true},
-    });
+    FreeBallLayout layout;
+    // The last but one lies under the first line and over the second.
+    expectPass(layout, {{-99, {10, 10}, false},
+                        {-87, {26, 10}, false},
+                        {-75, {42, 10}, false},
+                        {-61, {58, 10}, false},
+                        {-47, {74, 10}, false},
+                        {-31, {10, 26}, false},
+                        {-14, {26, 26}, false},
+                        {38, {42, 26}, false},
+                        {51, {10, 51}, true}});
 }
 
-TEST_F(NodeStackPlaces, TheStartOfTheLastRowCarriesOverFromThePassBefore)
+TEST(FreeBallLayoutTest, TheStartOfTheLastRowCarriesOverFromThePassBefore)
 {
-    QList<Place> places{
-        // Three jump, since five or more follow: over 757.6. From 763, 764 and 766.
-        {OrloRatio(140, 1000), {42, 773}, false},
-        {OrloRatio(139, 1000), {58, 773}, false},
-        {OrloRatio(138, 1000), {74, 773}, false},
-        // Four follow, so this one stays at its pitch. Nothing in this pass began a row.
-        {OrloRatio(137, 1000), {10, 767}, true},
-        {OrloRatio(1, 9), {26, 790}, false},
-        {OrloRatio(1, 10), {42, 790}, false},
-        {OrloRatio(1, 11), {58, 790}, false},
-        {OrloRatio(1, 12), {74, 790}, false},
-    };
-    expectPass(places);
-    // Now its own former place counts, and the three push it aside.
-    places[3].point = {58, 767};
-    for (int pass = 0; pass < 2; ++pass)
-        expectPass(places, true);
+    FreeBallLayout layout;
+    // Three jump, since five or more follow: over 757.6. Four follow the next, so it stays at its pitch.
+    // Nothing in the first pass began a row; then its own former place counts, and the three push it aside.
+    for (const int x : {10, 58, 58}) {
+        expectPass(layout, {{763, {42, 773}, false},
+                            {764, {58, 773}, false},
+                            {766, {74, 773}, false},
+                            {767, {x, 767}, true},
+                            {805, {26, 790}, false},
+                            {824, {42, 790}, false},
+                            {842, {58, 790}, false},
+                            {857, {74, 790}, false}});
+    }
 }
 
 TEST_F(NodeStackPlaces, SixtySoundingPitchesStayInTheStackAndFollowAResize)
@@ -109,12 +111,11 @@ TEST_F(NodeStackPlaces, SixtySoundingPitchesStayInTheStackAndFollowAResize)
 TEST_F(NodeStackPlaces, PitchesWithoutAHeightAndViewsWithoutOneBreakNothing)
 {
     constexpr unsigned long long most = ~0ULL;
-    expectPass({
-        {OrloRatio(most, 1), {10, 10}, false},
-        {OrloRatio(1, 1), {10, 405}, true},
-        {OrloRatio(1, most), {58, 790}, false},
-        {OrloRatio(0, 1), {74, 790}, false}, // below everything
-    });
+    add({OrloRatio(most, 1), OrloRatio(1, 1), OrloRatio(1, most), OrloRatio(0, 1)});
+    stack->updatePositions();
+    EXPECT_EQ(pointOf(OrloRatio(most, 1)), QPoint(10, 10));
+    EXPECT_EQ(pointOf(OrloRatio(1, most)), QPoint(58, 790));
+    EXPECT_EQ(pointOf(OrloRatio(0, 1)), QPoint(74, 790)) << "below everything";
     view->scene()->setSceneRect(0, 0, 0, 0);
     stack->resize(STACK_WIDTH, 0);
     stack->updatePositions();

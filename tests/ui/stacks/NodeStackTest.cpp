@@ -1,7 +1,6 @@
 #include "ui/cards/CardWidget.h"
 #include "ui/stacks/NodeStackFixture.h"
 
-#include <QGraphicsEllipseItem>
 #include <QPointer>
 
 namespace {
@@ -33,7 +32,7 @@ TEST_F(NodeStack, ABallComesOnceAndGoesForGood)
     EXPECT_TRUE(overlay->balls().isEmpty());
 }
 
-TEST_F(NodeStack, ABallThatGoesUnderThePointerHurtsNobody)
+TEST_F(NodeStack, ABallMayBeDeletedUnderThePointer)
 {
     const OrloRatio ratio(25, 16);
     // Cleared or made anew, hovered or pressed.
@@ -88,6 +87,8 @@ TEST_F(NodeStack, UpdateNodesKeepsEveryFlagAndTakesTheColourOfTheMode)
         EXPECT_EQ(circles.hold->isVisible(), (flags & 4) != 0);
         EXPECT_EQ(circles.altered->isVisible(), (flags & 8) != 0);
         EXPECT_EQ(overlay->balls().size(), playing ? 1 : 0);
+        EXPECT_TRUE(ball(ratio)->isVisible());
+        EXPECT_EQ(pointOf(ratio), QPoint(10, 364)); // of 5/4
     }
 }
 
@@ -130,7 +131,7 @@ TEST_F(NodeStack, ThePointerRaisesABallAndTheCardOfASoundingOne)
     EXPECT_EQ(playedAt(shared), lower);
     EXPECT_EQ(topCard(), cards->getCardForRatio(lower));
     hover({30, 500});
-    EXPECT_EQ(topCard(), cards->getCardForRatio(lower)) << "a ball that does not sound has no say";
+    EXPECT_EQ(topCard(), cards->getCardForRatio(lower)) << "a ball that does not sound raises no card";
 }
 
 TEST_F(NodeStack, LinesRunLevelToTheCardsAndToAnAxisOfPitch)

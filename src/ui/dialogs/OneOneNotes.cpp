@@ -1,4 +1,4 @@
-#include "ui/dialogs/NoteTable.h"
+#include "ui/dialogs/OneOneNotes.h"
 
 #include <cmath>
 
@@ -32,7 +32,13 @@ float temperedFrequency(int semitonesFromA4)
 
 } // namespace
 
-NoteTable::NoteTable()
+const OneOneNotes& OneOneNotes::table()
+{
+    static const OneOneNotes notes;
+    return notes;
+}
+
+OneOneNotes::OneOneNotes()
 {
     for (int octave = 0; octave <= LAST_OCTAVE; ++octave) {
         const QString octaveText = QString::number(octave);
@@ -48,7 +54,7 @@ NoteTable::NoteTable()
         mNotes.prepend(QLatin1StringView(name));
 }
 
-QStringList NoteTable::notesOf(const QString& octave) const
+QStringList OneOneNotes::notesOf(const QString& octave) const
 {
     QStringList notes;
     for (const QString& note : mNotes) {
@@ -58,7 +64,7 @@ QStringList NoteTable::notesOf(const QString& octave) const
     return notes.isEmpty() ? mNotes : notes;
 }
 
-int NoteTable::indexOf(const QString& name) const
+int OneOneNotes::indexOf(const QString& name) const
 {
     const qsizetype index = mNames.indexOf(name);
     return index < 0 ? UNKNOWN_NAME : static_cast<int>(index);

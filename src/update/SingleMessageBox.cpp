@@ -1,21 +1,21 @@
-#include "update/OpenBox.h"
+#include "update/SingleMessageBox.h"
 
-OpenBox::~OpenBox()
+SingleMessageBox::~SingleMessageBox()
 {
     close();
 }
 
-void OpenBox::close()
+void SingleMessageBox::close()
 {
     delete mBox;
 }
 
-QString OpenBox::h3(const QString& plainText)
+QString SingleMessageBox::h3(const QString& plainText)
 {
     return QStringLiteral("<h3>%1</h3>").arg(plainText.toHtmlEscaped());
 }
 
-void OpenBox::show(const Content& content, std::function<void(QMessageBox::StandardButton)> answered)
+void SingleMessageBox::show(const Content& content, std::function<void(QMessageBox::StandardButton)> answered)
 {
     close();
     mBox = new QMessageBox(content.icon, content.title, content.text, content.buttons);

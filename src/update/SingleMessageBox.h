@@ -7,7 +7,7 @@
 
 /// The one message box that its owner has open; a newer one takes the place of the older. Never
 /// modal: the autosave and the end of the program do not wait for an answer.
-class OpenBox
+class SingleMessageBox
 {
 public:
     struct Content
@@ -20,10 +20,10 @@ public:
         QMessageBox::StandardButton standard; // the default button
     };
 
-    OpenBox() = default;
-    ~OpenBox();
-    OpenBox(const OpenBox&) = delete;
-    OpenBox& operator=(const OpenBox&) = delete;
+    SingleMessageBox() = default;
+    ~SingleMessageBox();
+    SingleMessageBox(const SingleMessageBox&) = delete;
+    SingleMessageBox& operator=(const SingleMessageBox&) = delete;
 
     static QString h3(const QString& plainText);
 

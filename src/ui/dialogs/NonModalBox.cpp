@@ -1,8 +1,8 @@
-#include "ui/dialogs/Notice.h"
+#include "ui/dialogs/NonModalBox.h"
 
 #include <QCoreApplication>
 
-void notice::show(QWidget* parent, QMessageBox::Icon icon, const QString& text)
+void showNonModalBox(QWidget* parent, QMessageBox::Icon icon, const QString& text)
 {
     auto* box = new QMessageBox(icon, QCoreApplication::applicationName(), text, QMessageBox::Ok, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);

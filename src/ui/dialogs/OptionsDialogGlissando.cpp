@@ -1,0 +1,81 @@
+// The ranges of the glissando sliders.
+#include "ui/dialogs/OptionsDialog.h"
+
+#include "app/Accessors.h"
+#include "app/Settings.h"
+#include "external/MidiOutput.h"
+#include "external/MpeBendRange.h"
+#include "sound/PdPlayer.h"
+#include "ui/dialogs/OptionsForm.h"
+
+#include <QDoubleSpinBox>
+#include <QGridLayout>
+#include <QLabel>
+
+using namespace optionsform;
+
+namespace {
+
+constexpr int HEADING_SPACING = 8;
+constexpr double HIGHEST_RANGE = 9600.0; // cents
+// With the 50 cents of the distance to a key it makes 96 semitones, the most that MPE can have.
+constexpr double HIGHEST_MPE_RANGE = 9550.0;
+
+} // namespace
+
+void OptionsDialog::addGlissandoRows(QVBoxLayout* layout)
+{
+    auto* heading = label(QStringLiteral("Glissando range (one way)"));
+    heading->setObjectName(QStringLiteral("optionsHeading"));
+    auto* section = new QVBoxLayout;
+    section->setSpacing(HEADING_SPACING);
+    layout->addLayout(section);
+    section->addWidget(heading);
+    QGridLayout* grid = addGrid(section);
+    const Settings* settings = app::settings();
+    struct Row
+    {
+        QString caption;
+        double highest;
+        double value;
+        void (OptionsDialog::*slot)(double);
+    };
+    const Row rows[] = {
+        {QStringLiteral("G-slider "), HIGHEST_RANGE, static_cast<double>(settings->glissOneRangeCents),
+         &OptionsDialog::onGlissOneRangeChanged},
+        {QStringLiteral("g-slider "), HIGHEST_RANGE, static_cast<double>(settings->glissTwoRangeCents),
+         &OptionsDialog::onGlissTwoRangeChanged},
+        {QStringLiteral("MIDI MPE limit "), HIGHEST_MPE_RANGE,
+         static_cast<double>(settings->glissRangeMPECents), &OptionsDialog::onGlissRangeMPEChanged},
+    };
+    for (const auto& [caption, highest, value, slot] : rows) {
+        auto* box = new QDoubleSpinBox;
+        setUpNumber(box, 0.0, highest, 0);
+        box->setKeyboardTracking(false);
+        box->setValue(value);
+        connect(box, &QDoubleSpinBox::valueChanged, this, slot);
+        QHBoxLayout* controls = row({box, label(QStringLiteral("cents"))});
+        controls->addStretch(1);
+        addGridRow(grid, label(caption, box), controls);
+        mRangeEdits.append(box);
+    }
+}
+
+void OptionsDialog::onGlissOneRangeChanged(double value)
+{
+    app::settings()->glissOneRangeCents = static_cast<float>(value);
+    app::player()->queueGui(OrloEvent::GlissOneReset, 1.0F);
+}
+
+void OptionsDialog::onGlissTwoRangeChanged(double value)
+{
+    app::settings()->glissTwoRangeCents = static_cast<float>(value);
+    app::player()->queueGui(OrloEvent::GlissTwoReset, 1.0F);
+}
+
+void OptionsDialog::onGlissRangeMPEChanged(double value)
+{
+    const int cents = static_cast<int>(value);
+    app::settings()->glissRangeMPECents = cents;
+    app::midiOutput()->mpeSetPitchBendRange(mpe::bendRange(cents));
+}
