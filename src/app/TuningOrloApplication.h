@@ -2,6 +2,8 @@
 
 #include "app/ApplicationServices.h"
 #include "app/Licensing.h"
+#include "app/LogFile.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "app/TerminationSignals.h"
 #include "external/Interface.h"
@@ -13,17 +15,13 @@
 #include "sound/PdPlayer.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QMutex>
-#include <QSet>
 
 #include <memory>
 
 class MainWindow;
 
-/// The one object that everything hangs from. It owns the parts, starts and stops them in a fixed
-/// order, keeps the log and saves the options every fifteen minutes. Graphical thread, but for the
-/// message handler, which runs on whichever thread logs.
+/// The one object that owns the parts. It starts and stops them in a fixed order and takes what is
+/// logged. Graphical thread, but for the message handler, which runs on whichever thread logs.
 class TuningOrloApplication : public QApplication, public ApplicationServices
 {
     Q_OBJECT
@@ -40,11 +38,14 @@ public:
     /// After term(): the process must end without destroying this.
     bool isSoundOver() const { return mPlayer.isSoundOver(); }
 
-    QString version() const { return QStringLiteral("2.0.0"); }
+    QString version() const;
     /// Where every file that the program writes lies, or below it.
     static QString configDirectory();
     /// Read-only: style sheets, graphics, patches.
     static QString resourceDirectory();
+
+    /// Plays through these instead of the machine's own devices. Before init(); they outlive this.
+    void useDevices(AudioOutput& sound, MidiOutput& midi);
 
     /// Options into window and player; window and devices into options.
     void syncFromSettings();
@@ -78,18 +79,12 @@ signals:
     void diagnosticMessage(const QString& line);
 
 private:
-    void readLogFilter(int argc, char** argv);
-    static void setLinkColours();
+    void wireParts();
     bool makeDirectories();
-    void startLog();
     bool startSound();
-    void startMidi();
     void startDeviceListener();
     bool startFailed(const QString& text);
     void loadRunningChords();
-    void saveRunningChords();
-    void startAutosave();
-    void keepDevice(int index);
     void showCritical(const QString& text);
     void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
@@ -99,10 +94,10 @@ private:
     PdPlayer mPlayer;
     Interface mInterface;
     PaAudioOutput mAudioOutput;
+    AudioOutput* mSoundDevice = &mAudioOutput;
     Settings mSettings;
-    QSet<QString> mLogFilter; // lower-case words
-    QFile mLogFile;           // open for the whole run, never rotated
-    QMutex mLogMutex;
+    LogFilter mLogFilter;
+    LogFile mLogFile;
     StoreAndRecall mStoreAndRecall{&mPlayer};
     SaveAndLoad mSaveAndLoad;
     QString mChordPresetsDirectory;

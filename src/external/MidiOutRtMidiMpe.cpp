@@ -2,7 +2,7 @@
 
 #include "external/MidiOutRtMidi.h"
 
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "sound/AudioLog.h"
 
 #include <cmath>

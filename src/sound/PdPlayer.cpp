@@ -1,7 +1,7 @@
 #include "sound/PdPlayer.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "model/OrloPath.h"

@@ -3,7 +3,7 @@
 #include "sound/PdPlayer.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "sound/AudioLog.h"
 #include "sound/AudioOutput.h"

@@ -1,7 +1,7 @@
 #include "app/TuningOrloApplication.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "support/LogCatcher.h"
 #include "support/TestHome.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
@@ -84,7 +84,7 @@ TEST_F(Application, CopiesWhatIsMissingOrOlder)
 // The filter holds "-orlopath": of two dashes one is taken off.
 TEST_F(Application, FilterKeepsTheSecondDashOfItsWord)
 {
-    EXPECT_TRUE(app::debugListening.load());
+    EXPECT_TRUE(LogFilter::isListening.load());
     const std::pair<const char*, int> rows[] = {
         {"src/model/-OrloPath.cpp", 1},
         {"src/model/OrloPath.cpp", 0},
