@@ -36,7 +36,11 @@ void toProgram(MainWindow& window)
 
     // Only now, so that these events do not write back what was just read.
     const EngineRelay* relay = &player->relay();
-    QObject::connect(relay, &EngineRelay::baseFrequencyChanged, settings, &Settings::onBaseFrequencyChanged);
+    QObject::connect(relay, &EngineRelay::baseFrequencyChanged, settings, [settings](float frequency) {
+        // The engine works in single precision: its answer to the option must not cut the option's digits.
+        if (frequency != static_cast<float>(settings->baseFrequency))
+            settings->onBaseFrequencyChanged(frequency);
+    });
     QObject::connect(relay, &EngineRelay::volumeChanged, settings, &Settings::onMasterVolumeChanged);
     QObject::connect(relay, &EngineRelay::monophonicChanged, settings, &Settings::onMonophonicChanged);
 }

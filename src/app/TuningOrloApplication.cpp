@@ -20,8 +20,8 @@ namespace {
 
 constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
 
-/// The name must be set before the members are built: the options' defaults name the config
-/// directory, and Qt derives that from the application's name.
+/// The name must be set before the members are built: some options' defaults are folders in the config
+/// directory, and Qt derives its path from the application's name.
 std::nullptr_t setNames()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
@@ -45,7 +45,7 @@ TuningOrloApplication::~TuningOrloApplication()
 {
     mMainWindow.reset();
     qInstallMessageHandler(nullptr);
-    // A start-up that failed half way leaves the stream running, and its callback reads the parts.
+    // After a start-up that failed half way the stream still runs, and its callback uses the members.
     if (mSoundDevice->selectedDevice() != -1)
         mSoundDevice->term();
     app::setParts({});
@@ -141,7 +141,7 @@ bool TuningOrloApplication::makeDirectories()
     qDebug() << "Config dir:" << config;
     qDebug() << "Resource dir:" << resourceDirectory();
     if (!made) {
-        // The place holder stays in the text.
+        // The placeholder is wrong on purpose: it stays in the text.
         qCritical().noquote() << QStringLiteral("Could not create config directory %s.").arg(config);
         showCritical(
             QStringLiteral("Creation of config directory failed.\n\nThe program will now shut down."));
@@ -180,7 +180,7 @@ bool TuningOrloApplication::startSound()
     return true;
 }
 
-/// Without a map of its tags there is no physical device.
+/// The physical device is used only when there is a map of its tags.
 void TuningOrloApplication::startDeviceListener()
 {
     if (!QFile::exists(configDirectory() + QStringLiteral("/rfid_map.json")))
@@ -285,14 +285,14 @@ void TuningOrloApplication::term()
     syncToSettings();
     QDir chords(Autosave::chordFile(configDirectory()));
     saveStoredChordsToDisk(&chords);
-    mSettings.save(); // once more at the end; a sound system that fails on the way loses nothing then
+    mSettings.save(); // early: nothing is lost when a sound system crashes in what follows
     mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
-    mPlayer.term(); // before the output: the hand-over of the patch needs its callback
+    mPlayer.term(); // before the sound device: closing the patch needs its callback
     mSoundDevice->term();
     mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
-    AudioLog::drain(); // what the engine said after the event loop
+    AudioLog::drain(); // what the engine has logged since the event loop ended
     qInstallMessageHandler(nullptr);
 }
 

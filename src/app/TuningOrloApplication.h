@@ -31,23 +31,25 @@ public:
     TuningOrloApplication(int& argc, char** argv);
     ~TuningOrloApplication() override;
 
-    /// The whole start-up. False means: end at once with exit code 1; the player has been told why.
+    /// The whole start-up. False, after a message box with the reason: the program ends at once with
+    /// exit code 1.
     bool init();
-    /// The orderly stop, only after a start-up that succeeded.
+    /// The orderly stop. Called only after a start-up that succeeded.
     void term();
-    /// After term(): the process must end without destroying this.
+    /// When true after term(), the process must end without destroying this object.
     bool isSoundOver() const { return mPlayer.isSoundOver(); }
 
     QString version() const;
-    /// Where every file that the program writes lies, or below it.
+    /// Every file that the program writes is in this folder or below it.
     static QString configDirectory();
     /// Read-only: style sheets, graphics, patches.
     static QString resourceDirectory();
 
-    /// Plays through these instead of the machine's own devices. Before init(); they outlive this.
+    /// Plays through these instead of the machine's own devices. Called before init(); both must
+    /// outlive this object.
     void useDevices(AudioOutput& sound, MidiOutput& midi);
 
-    /// Options into window and player; window and devices into options.
+    /// From the options to window and player, and from window and devices to the options.
     void syncFromSettings();
     void syncToSettings();
 
@@ -59,7 +61,7 @@ public:
     /// Puts the main patch and its helpers into the runtime folder.
     bool initPatchFolder();
 
-    /// Called by licensing; hands the flag on.
+    /// Called by licensing; passes the flag to window and MIDI.
     void applyRestrictions(bool restricted);
     void setPressMode(qint16 mode) override { mPressMode = mode; }
     QMetaObject::Connection connectDiagnostics(DiagnosticsDialog* dialog) override;
@@ -70,7 +72,7 @@ public:
                                       const QString& message);
 
 public slots:
-    /// The periodic safety save. A crash loses at most what came after it.
+    /// The periodic save of options and chords.
     void autoSafe();
     void onUdpFatalError(const QString& error);
 
