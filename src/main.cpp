@@ -9,7 +9,7 @@ int main(int argc, char** argv)
         return 1;
     const int result = QApplication::exec();
     application.term();
-    // A thread that is caught in a voice still uses the parts: they are not destroyed under it.
+    // A thread that is stuck in a voice still uses the application's members, so they must not be destroyed.
     if (application.isSoundOver())
         std::_Exit(result);
     return result;

@@ -9,8 +9,8 @@ class SaveAndLoad;
 class Settings;
 class StoreAndRecall;
 
-/// The one road from any class to the application's parts. Include it in .cpp files only, so
-/// that a header does not drag the whole house behind it.
+/// How any class reaches the application's parts. Include it in .cpp files only, so that headers do
+/// not depend on it.
 ///
 /// The parts are set once, by the application's constructor (or by a test that needs only some
 /// of them), before any other thread runs, and are read from every thread. A part that was not
@@ -28,8 +28,8 @@ struct Parts
     SaveAndLoad* saveAndLoad = nullptr;
     MidiOutput* midiOutput = nullptr;
 
-    /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so
-    /// whoever builds both hands in the connection.
+    /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so the
+    /// owner of both provides the connection.
     void (*connectLattice)(PdPlayer*, Orlo*) = nullptr;
 };
 

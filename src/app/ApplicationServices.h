@@ -5,7 +5,7 @@
 class DiagnosticsDialog;
 class QDir;
 
-/// What the application does for the rooms below it, which do not know its class. Graphical thread.
+/// What the application does for the folders below it, which do not know its class. Graphical thread.
 class ApplicationServices
 {
 public:
@@ -16,10 +16,10 @@ public:
     /// Connects the log lines that the filter lets through, which come from any thread, to the
     /// dialog's onMessage().
     virtual QMetaObject::Connection connectDiagnostics(DiagnosticsDialog* dialog) = 0;
-    /// What a press was meant to do by the mode buttons; nothing reads it.
+    /// What a press is meant to do, as the mode buttons choose it; nothing reads it.
     virtual void setPressMode(qint16 mode) = 0;
-    /// The chord memory from a chord file, whose path the QDir carries, and into one. Always true:
-    /// what goes wrong is logged, and a ratio that is none does not cost the rest of the file.
+    /// Reads a chord file into the chord memory, and writes one; the QDir carries the file's path.
+    /// Always true: what goes wrong is logged, and an invalid ratio does not discard the rest of the file.
     virtual bool loadChordsFromDiskToStorage(QDir* file) = 0;
     virtual bool saveStoredChordsToDisk(QDir* file) = 0;
 };

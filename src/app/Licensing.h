@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// The place where licensing joins the program. This build is unrestricted: a check reports so.
+/// Where licensing connects to the program. This build has no restrictions, and a check reports that.
 class Licensing : public QObject
 {
     Q_OBJECT
@@ -10,7 +10,7 @@ class Licensing : public QObject
 public:
     /// First step of start-up.
     void start();
-    /// Last step of start-up; answers by restrictionsReported.
+    /// Last step of start-up; the answer is the signal restrictionsReported.
     void check();
 
 signals:

@@ -29,7 +29,7 @@ bool SerializableRoot::init(const QString& fileName)
 bool SerializableRoot::save() const
 {
     QSaveFile file(mPath);
-    file.setDirectWriteFallback(true); // for a folder that takes no new file beside the old one
+    file.setDirectWriteFallback(true); // when no new file can be made in the folder
     if (!file.open(QIODevice::WriteOnly)) {
         qCritical().noquote() << QStringLiteral("Couldn't open file %1 for saving.").arg(mPath);
         return false;

@@ -4,7 +4,7 @@
 #include <QObject>
 #include <QString>
 
-/// Base of everything that lives in a JSON file of its own in the config directory. Graphical
+/// Base of every class that is stored in a JSON file of its own in the config directory. Graphical
 /// thread only. Operations report failure by their result and a critical log line.
 class SerializableRoot : public QObject
 {
@@ -16,11 +16,11 @@ public:
     virtual void read(const QJsonObject& json) = 0;
     virtual void write(QJsonObject& json) const = 0;
 
-    /// Saves, unless the child switched that off.
+    /// Saves, unless the derived class has switched that off.
     virtual void term();
 
-    /// Binds to a file of the config directory. A missing file is made from the defaults,
-    /// otherwise it is loaded.
+    /// Uses this file of the config directory from now on: loads it, or makes it from the defaults
+    /// when it is missing.
     virtual bool init(const QString& fileName);
 
     /// Called once, when the file does not exist yet.

@@ -14,7 +14,7 @@ void store(T& field, const T& value)
         field = value;
 }
 
-/// A JSON number cut to int; beyond its range the nearest int.
+/// A JSON number without its fraction; the nearest int when it is out of range.
 int cutToInt(double value)
 {
     constexpr double lowest = std::numeric_limits<int>::min();
@@ -22,7 +22,8 @@ int cutToInt(double value)
     return static_cast<int>(qBound(lowest, value, highest));
 }
 
-/// The first two parts of "%1,%2"; a part that is no integer gives 0. False with fewer parts.
+/// Reads the first two parts of "%1,%2"; a part that is not an integer gives 0. False, with nothing
+/// changed, for fewer parts.
 bool readPair(const QJsonValue& value, int& first, int& second)
 {
     if (!value.isString())
@@ -40,7 +41,7 @@ QString pairText(int first, int second)
     return QStringLiteral("%1,%2").arg(first).arg(second);
 }
 
-// A field takes the value only when its JSON type is the right one.
+/// Gives a field the value of its key, but only when the JSON type is the right one.
 struct Reader
 {
     const QJsonObject& json;

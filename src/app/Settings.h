@@ -11,8 +11,7 @@
 /// All options as plain fields, stored in "options.json" at each autosave and at exit.
 ///
 /// Written on the graphical thread only. What the sound engine reads directly, on the audio thread,
-/// is a `SharedOption`. Values are not checked for range here: each consumer takes what it finds
-/// and guards what it needs.
+/// is a `SharedOption`. Values are not checked for range here: each class that reads one guards itself.
 class Settings : public SerializableRoot
 {
     Q_OBJECT
@@ -21,8 +20,8 @@ public:
     static constexpr float DEFAULT_VOLUME = 0.75F;
     static constexpr int DEFAULT_VOICES = 128;
 
-    /// Sets every default and creates the hidden data. The application's name must be set before,
-    /// since a default names the config directory.
+    /// Sets every default and creates the hidden data. The application's name must have been set,
+    /// since one of the defaults is a folder in the config directory.
     Settings();
 
     /// Initialises the hidden data, then reads or makes "options.json". Both are always run.
@@ -73,7 +72,7 @@ public slots:
     void onAudioDeviceChanged(int device);
     void onFramesPerBufferChanged(int frames);
     void onBaseFrequencyChanged(float frequency);
-    /// Whole Hz only, though the field is finer.
+    /// Takes whole Hz only, although the field holds fractions.
     void onCalibrationFrequencyChanged(int frequency);
     void onBaseNoteChanged(QString note);
     void onMasterVolumeChanged(float volume);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The options of the licensing subsystem that no dialog shows. Owned by Settings and loaded and
-/// saved along with it. A build without licensing keeps nothing here.
+/// The options of the licensing subsystem, which no dialog shows. Settings owns them and loads and
+/// saves them with its own. A build without licensing keeps nothing here.
 class SettingsHidden
 {
 public:

@@ -2,8 +2,8 @@
 
 #include <atomic>
 
-/// An option that the audio thread reads while the graphical thread writes it: used as the plain
-/// value, and never torn or a race.
+/// An option that the audio thread reads while the graphical thread writes it. It is used like the
+/// plain value, without a data race.
 template <class T>
 class SharedOption
 {

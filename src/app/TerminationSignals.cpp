@@ -14,7 +14,7 @@ constexpr int SIGNALS[] = {SIGTERM, SIGINT, SIGHUP};
 
 int thePipe[2] = {-1, -1};
 
-// A signal handler may do next to nothing; it wakes the event loop.
+// Hardly any call is allowed in a signal handler, so it only wakes the event loop.
 void onSignal(int)
 {
     const char byte = 1;

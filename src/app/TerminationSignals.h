@@ -6,8 +6,9 @@
 
 class QSocketNotifier;
 
-/// Turns the system's wish to end the program (SIGTERM, SIGINT, SIGHUP) into an orderly quit, so
-/// that Ctrl+C in a terminal or the end of a session saves what a closed window saves. One object.
+/// Turns a termination request of the system (SIGTERM, SIGINT, SIGHUP) into an orderly quit, so that
+/// Ctrl+C in a terminal or the end of a session saves what a closed window saves. Only one object may
+/// exist at a time.
 class TerminationSignals : public QObject
 {
     Q_OBJECT
@@ -16,8 +17,8 @@ public:
     explicit TerminationSignals(QObject* parent = nullptr);
     ~TerminationSignals() override;
 
-    /// True once the system has asked. A wish that comes during start-up, while a message box is
-    /// open, finds no event loop to end and is kept for it.
+    /// True once the system has asked. A request that comes during start-up, while a message box is
+    /// open, is kept until the event loop runs.
     bool wasAsked() const { return mAsked; }
 
 private:

@@ -1,73 +1,31 @@
 #include "app/TuningOrloApplication.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
-#include "external/MpeBendRange.h"
+#include "app/Autosave.h"
+#include "app/OptionsSync.h"
+#include "app/StyleSheets.h"
 #include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
 #include "sound/AudioLog.h"
-#include "sound/EngineRelay.h"
-#include "sound/OrloEvent.h"
+#include "sound/PatchFolder.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
-#include "ui/lattice/OrloView.h"
 #include "ui/window/MainWindow.h"
 
-#include <QDateTime>
+#include <QDebug>
 #include <QDir>
-#include <QFileInfo>
 #include <QMessageBox>
-#include <QScreen>
 #include <QStandardPaths>
-#include <QTextStream>
-#include <QTimer>
-
-#include <algorithm>
 
 namespace {
 
-constexpr int AUTOSAVE_INTERVAL_MS = 900000;
 constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
 
-/// The name must be set before the members are built: the options' defaults name the config
-/// directory, and Qt derives that from the application's name.
+/// The name must be set before the members are built: some options' defaults are folders in the config
+/// directory, and Qt derives its path from the application's name.
 std::nullptr_t setNames()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
     return nullptr;
-}
-
-QString mainPatchName(int voices)
-{
-    return QStringLiteral("orlo_main_%1voice.pd").arg(voices);
-}
-
-/// False for a place on a screen that was taken away since.
-bool isOnAScreen(const QPoint& windowPos)
-{
-    constexpr QSize reachable(100, 30); // enough of a title bar to drag
-    const QList<QScreen*> screens = QGuiApplication::screens();
-    return std::any_of(screens.begin(), screens.end(), [&](const QScreen* screen) {
-        return screen->availableGeometry().intersects(QRect(windowPos, reachable));
-    });
-}
-
-/// Carries the chords from one run to the next.
-QString runningChordFile()
-{
-    return TuningOrloApplication::configDirectory() + QStringLiteral("/.temp.btoc");
-}
-
-/// "src/sound/PdPlayer.cpp" is "PdPlayer"; empty for a name without a separator.
-QString sourceBaseName(const char* file)
-{
-    const QString path = QString::fromLocal8Bit(file);
-    qsizetype separator = path.lastIndexOf(u'/');
-    if (separator < 0)
-        separator = path.lastIndexOf(u'\\');
-    if (separator < 0)
-        return QString();
-    const QString name = path.mid(separator + 1);
-    return name.left(name.lastIndexOf(u'.'));
 }
 
 } // namespace
@@ -78,41 +36,48 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
 {
     setApplicationVersion(version());
     setDesktopFileName(QStringLiteral("brevick-tuning-orlo"));
-    app::setParts({.application = this,
-                   .orlo = &mOrlo,
-                   .player = &mPlayer,
-                   .settings = &mSettings,
-                   .audioOutput = &mAudioOutput,
-                   .storeAndRecall = &mStoreAndRecall,
-                   .saveAndLoad = &mSaveAndLoad,
-                   .midiOutput = mInterface.midiOutput,
-                   .connectLattice = &PdPlayer::connectLattice});
-    mPlayer.setPortOpenFlag(&mInterface.midiOutput->portOpen);
-    mInterface.midiOutput->setEngineRunner(
-        [this](const std::function<void()>& work) { return mPlayer.handOver().runInBlock(work); });
+    wireParts();
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
-    readLogFilter(argc, argv);
+    mLogFilter.setWords(argc, argv);
 }
 
 TuningOrloApplication::~TuningOrloApplication()
 {
     mMainWindow.reset();
     qInstallMessageHandler(nullptr);
-    // A start-up that failed half way leaves the stream running, and its callback reads the parts.
-    if (mAudioOutput.selectedDevice() != -1)
-        mAudioOutput.term();
+    // After a start-up that failed half way the stream still runs, and its callback uses the members.
+    if (mSoundDevice->selectedDevice() != -1)
+        mSoundDevice->term();
     app::setParts({});
 }
 
-void TuningOrloApplication::readLogFilter(int argc, char** argv)
+void TuningOrloApplication::wireParts()
 {
-    for (int i = 1; i < argc; ++i) {
-        QString word = QString::fromLocal8Bit(argv[i]);
-        if (word.startsWith(u'-'))
-            word.remove(0, 1);
-        mLogFilter.insert(word.toLower());
-    }
-    app::debugListening.store(!mLogFilter.isEmpty());
+    MidiOutput* midi = mInterface.midiOutput;
+    app::setParts({.application = this,
+                   .orlo = &mOrlo,
+                   .player = &mPlayer,
+                   .settings = &mSettings,
+                   .audioOutput = mSoundDevice,
+                   .storeAndRecall = &mStoreAndRecall,
+                   .saveAndLoad = &mSaveAndLoad,
+                   .midiOutput = midi,
+                   .connectLattice = &PdPlayer::connectLattice});
+    mPlayer.setPortOpenFlag(&midi->portOpen);
+    midi->setEngineRunner(
+        [this](const std::function<void()>& work) { return mPlayer.handOver().runInBlock(work); });
+}
+
+void TuningOrloApplication::useDevices(AudioOutput& sound, MidiOutput& midi)
+{
+    mSoundDevice = &sound;
+    mInterface.midiOutput = &midi;
+    wireParts();
+}
+
+QString TuningOrloApplication::version() const
+{
+    return QStringLiteral(ORLO_VERSION);
 }
 
 QString TuningOrloApplication::configDirectory()
@@ -134,10 +99,11 @@ bool TuningOrloApplication::init()
     qRegisterMetaType<OrloRatio>();
     qRegisterMetaType<QList<float>>();
     setStyle(QStringLiteral("Fusion"));
-    setLinkColours();
+    setPalette(StyleSheets::withLinkColours(palette()));
     if (!makeDirectories())
         return false;
-    startLog();
+    if (mLogFile.open(configDirectory() + QStringLiteral("/log.txt")))
+        qInstallMessageHandler(&TuningOrloApplication::loggingMessageHandler);
     if (!loadStyleSheet())
         return startFailed(
             QStringLiteral("Initialisation of style sheet failed.\n\nThe program will now shut down."));
@@ -153,7 +119,7 @@ bool TuningOrloApplication::init()
     if (!mOrlo.init(&mPlayer))
         return startFailed(QStringLiteral("Orlo initialisation failed.\n\nThe program will now shut down."));
 
-    startMidi();
+    OptionsSync::toMidi();
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
     mMainWindow->show();
     syncFromSettings();
@@ -161,20 +127,11 @@ bool TuningOrloApplication::init()
     connect(&mPlayer, &PdPlayer::instructionsToInterface, &mInterface, &Interface::receiveInstructions,
             Qt::DirectConnection);
     loadRunningChords();
-    startAutosave();
+    Autosave::start(this, [this] { autoSafe(); });
     mLicensing.check();
     if (mTerminationSignals.wasAsked())
         QMetaObject::invokeMethod(this, &QCoreApplication::quit, Qt::QueuedConnection);
     return true;
-}
-
-/// Style sheets do not reach the links in texts, and Qt's blue is too dark for these grounds.
-void TuningOrloApplication::setLinkColours()
-{
-    QPalette colours = palette();
-    for (const QPalette::ColorRole role : {QPalette::Link, QPalette::LinkVisited})
-        colours.setColor(role, QColor(0x8a, 0xb8, 0xff));
-    setPalette(colours);
 }
 
 bool TuningOrloApplication::makeDirectories()
@@ -184,7 +141,7 @@ bool TuningOrloApplication::makeDirectories()
     qDebug() << "Config dir:" << config;
     qDebug() << "Resource dir:" << resourceDirectory();
     if (!made) {
-        // The place holder stays in the text.
+        // The placeholder is wrong on purpose: it stays in the text.
         qCritical().noquote() << QStringLiteral("Could not create config directory %s.").arg(config);
         showCritical(
             QStringLiteral("Creation of config directory failed.\n\nThe program will now shut down."));
@@ -197,51 +154,9 @@ bool TuningOrloApplication::makeDirectories()
     return true;
 }
 
-void TuningOrloApplication::startLog()
-{
-    mLogFile.setFileName(configDirectory() + QStringLiteral("/log.txt"));
-    if (!mLogFile.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        qCritical().noquote()
-            << QStringLiteral("Couldn't open log file %1 for writing.").arg(mLogFile.fileName());
-        return;
-    }
-    qInstallMessageHandler(&TuningOrloApplication::loggingMessageHandler);
-    QTextStream(&mLogFile) << '\n'
-                           << QString(78, u'-') << '\n'
-                           << "Starting app at "
-                           << QDateTime::currentDateTime().toString(QStringLiteral("dd/MM/yy hh:mm:ss.z"))
-                           << '\n';
-    mLogFile.flush();
-}
-
 bool TuningOrloApplication::loadStyleSheet()
 {
-    struct Sheet
-    {
-        QString path;
-        QString missing;
-    };
-    const Sheet sheets[] = {
-        {resourceDirectory() + QStringLiteral("/style.qss"),
-         QStringLiteral("Failed to find style sheet file %1.")},
-        {resourceDirectory() + QStringLiteral("/style_mac.qss"),
-         QStringLiteral("Failed to find platform-specific style sheet file %1.")},
-    };
-    QString text;
-    for (const Sheet& sheet : sheets) {
-        QFile file(sheet.path);
-        if (!file.exists()) {
-            qCritical().noquote() << sheet.missing.arg(sheet.path);
-            return false;
-        }
-        if (!file.open(QIODevice::ReadOnly)) {
-            qCritical().noquote() << QStringLiteral("Failed to open file %1 for reading.").arg(sheet.path);
-            return false;
-        }
-        text += QString::fromLatin1(file.readAll());
-    }
-    setStyleSheet(text);
-    return true;
+    return StyleSheets::load(resourceDirectory());
 }
 
 bool TuningOrloApplication::startSound()
@@ -249,15 +164,15 @@ bool TuningOrloApplication::startSound()
     if (!mPlayer.init())
         return startFailed(QStringLiteral("PD initialisation failed. This means no audio playback will be "
                                           "possible.\n\nThe program will now shut down."));
-    if (!mAudioOutput.init(mSettings.framesPerBuffer, mSettings.audioDevice, &mPlayer)) {
+    if (!mSoundDevice->init(mSettings.framesPerBuffer, mSettings.audioDevice, &mPlayer)) {
         startFailed(
             QStringLiteral("Initialisation of audio device failed. This means no audio playback will be "
                            "possible.\n\nThe program will now shut down."));
-        mAudioOutput.logDevices();
+        mSoundDevice->logDevices();
         return false;
     }
-    mAudioOutput.logDevices();
-    connect(&mAudioOutput, &AudioOutput::selectedDeviceChanged, this, &TuningOrloApplication::keepDevice);
+    mSoundDevice->logDevices();
+    connect(mSoundDevice, &AudioOutput::selectedDeviceChanged, this, &OptionsSync::keepDevice);
     if (!initPatchFolder())
         return startFailed(
             QStringLiteral("Initialisation of patch directory failed. This means no audio playback "
@@ -265,15 +180,7 @@ bool TuningOrloApplication::startSound()
     return true;
 }
 
-void TuningOrloApplication::startMidi()
-{
-    MidiOutput* output = mInterface.midiOutput;
-    output->selectPort(mSettings.midiOutDevice);
-    output->setChannel(mSettings.midiOutChannel);
-    output->mpeSetPitchBendRange(mpe::bendRange(mSettings.glissRangeMPECents));
-}
-
-/// Without a map of its tags there is no physical device.
+/// The physical device is used only when there is a map of its tags.
 void TuningOrloApplication::startDeviceListener()
 {
     if (!QFile::exists(configDirectory() + QStringLiteral("/rfid_map.json")))
@@ -294,53 +201,12 @@ void TuningOrloApplication::onUdpFatalError(const QString& error)
 
 bool TuningOrloApplication::initPatchFolder()
 {
-    const QString runtime = configDirectory() + QStringLiteral("/patch");
-    if (!QDir().mkpath(runtime))
-        return false;
-    const QString shell = resourceDirectory() + QStringLiteral("/patches/shell/");
-    QString mainPatch = mainPatchName(mSettings.mainPatchNumberOfVoices);
-    if (!QFile::exists(shell + mainPatch)) {
-        qWarning() << "There is no main patch for" << mSettings.mainPatchNumberOfVoices
-                   << "voices, the one for" << Settings::DEFAULT_VOICES << "is used.";
-        mainPatch = mainPatchName(Settings::DEFAULT_VOICES);
-    }
-    qDebug() << "Patches init: Main patch:" << mainPatch;
-
-    struct File
-    {
-        QString source;
-        QString target;
-        bool overwrite;
-    };
-    const File files[] = {
-        {mainPatch, QStringLiteral("orlo_main.pd"), true},
-        {QStringLiteral("orlo_vprep.pd"), QStringLiteral("orlo_vprep.pd"), false},
-        {QStringLiteral("equal-loudness.pd"), QStringLiteral("equal-loudness.pd"), false},
-        {QStringLiteral("tb_compressor~.pd"), QStringLiteral("tb_compressor~.pd"), false},
-        {QStringLiteral("tb_compressorUI.pd"), QStringLiteral("tb_compressorUI.pd"), false},
-    };
-    bool allCopied = true;
-    for (const File& file : files)
-        allCopied = copyFile(shell + file.source, runtime + u'/' + file.target, file.overwrite) && allCopied;
-    return allCopied;
+    return PatchFolder(configDirectory()).install(resourceDirectory(), mSettings.mainPatchNumberOfVoices);
 }
 
 bool TuningOrloApplication::copyFile(const QString& src, const QString& dst, bool overwrite)
 {
-    const QFileInfo target(dst);
-    if (target.exists()) {
-        if (target.lastModified() >= QFileInfo(src).lastModified() && !overwrite)
-            return true;
-        if (!QFile::remove(dst)) {
-            qCritical() << "Failed to delete" << dst << "before copying";
-            return false;
-        }
-    }
-    if (!QFile::copy(src, dst)) {
-        qCritical() << "Failed to copy" << src << "to" << dst;
-        return false;
-    }
-    return true;
+    return PatchFolder::copyFile(src, dst, overwrite);
 }
 
 bool TuningOrloApplication::startFailed(const QString& text)
@@ -355,15 +221,6 @@ void TuningOrloApplication::showCritical(const QString& text)
     QMessageBox::critical(nullptr, applicationName(), text, QMessageBox::Ok);
 }
 
-void TuningOrloApplication::startAutosave()
-{
-    auto* timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, &TuningOrloApplication::autoSafe);
-    timer->setInterval(AUTOSAVE_INTERVAL_MS);
-    timer->setTimerType(Qt::VeryCoarseTimer);
-    timer->start();
-}
-
 void TuningOrloApplication::applyRestrictions(bool restricted)
 {
     if (mMainWindow)
@@ -375,57 +232,17 @@ void TuningOrloApplication::applyRestrictions(bool restricted)
 
 void TuningOrloApplication::syncFromSettings()
 {
-    if (mSettings.windowSize != QSize(-1, -1))
-        mMainWindow->resize(mSettings.windowSize.boundedTo(primaryScreen()->availableVirtualSize()));
-    if (mSettings.windowPos != QPoint(-1, -1) && isOnAScreen(mSettings.windowPos))
-        mMainWindow->move(mSettings.windowPos);
-    if (mSettings.windowMaximized)
-        mMainWindow->showMaximized();
-    mMainWindow->updateZoomMode();
-
-    const std::pair<OrloEvent::Type, float> events[] = {
-        {OrloEvent::BaseFrequencySet, static_cast<float>(mSettings.baseFrequency)},
-        {OrloEvent::MasterVolumeSet, mSettings.masterVolume},
-        {OrloEvent::MonophonicSet, mSettings.monophonic ? 1.0F : 0.0F},
-    };
-    for (const auto& [type, value] : events) {
-        mPlayer.queueGui(type, value);
-    }
-
-    // Only now, so that these events do not write back what was just read.
-    const EngineRelay* relay = &mPlayer.relay();
-    connect(relay, &EngineRelay::baseFrequencyChanged, &mSettings, &Settings::onBaseFrequencyChanged);
-    connect(relay, &EngineRelay::volumeChanged, &mSettings, &Settings::onMasterVolumeChanged);
-    connect(relay, &EngineRelay::monophonicChanged, &mSettings, &Settings::onMonophonicChanged);
-}
-
-/// One that is lost is wanted back at the next start.
-void TuningOrloApplication::keepDevice(int index)
-{
-    if (index != -1)
-        mSettings.audioDevice = index;
+    OptionsSync::toProgram(*mMainWindow);
 }
 
 void TuningOrloApplication::syncToSettings()
 {
-    mSettings.circlesView = mMainWindow->orloView()->view() == OrloLeavesWidget::Circles;
-    mSettings.windowMaximized = mMainWindow->isMaximized();
-    if (!mSettings.windowMaximized) {
-        mSettings.windowSize = mMainWindow->size();
-        mSettings.windowPos = mMainWindow->pos();
-    }
-    keepDevice(mAudioOutput.selectedDevice());
-    const MidiOutput* midi = mInterface.midiOutput;
-    mSettings.midiOutDevice = midi->wantedPort.isEmpty() ? midi->portName : midi->wantedPort;
-    mSettings.midiOutChannel = mInterface.midiOutput->channel;
+    OptionsSync::fromProgram(*mMainWindow);
 }
 
 void TuningOrloApplication::autoSafe()
 {
-    syncToSettings();
-    mSettings.save();
-    saveRunningChords();
-    qDebug() << "Autosafe called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
+    Autosave::save(*mMainWindow, configDirectory());
 }
 
 // ---------------------------------------------------------------- chords
@@ -456,15 +273,9 @@ bool TuningOrloApplication::saveStoredChordsToDisk(QDir* file)
 
 void TuningOrloApplication::loadRunningChords()
 {
-    QDir file(runningChordFile());
+    QDir file(Autosave::chordFile(configDirectory()));
     loadChordsFromDiskToStorage(&file);
     mMainWindow->refreshChordButtons();
-}
-
-void TuningOrloApplication::saveRunningChords()
-{
-    QDir file(runningChordFile());
-    saveStoredChordsToDisk(&file);
 }
 
 // ---------------------------------------------------------------- stop
@@ -472,15 +283,16 @@ void TuningOrloApplication::saveRunningChords()
 void TuningOrloApplication::term()
 {
     syncToSettings();
-    saveRunningChords();
-    mSettings.save(); // once more at the end; a sound system that fails on the way costs nothing then
+    QDir chords(Autosave::chordFile(configDirectory()));
+    saveStoredChordsToDisk(&chords);
+    mSettings.save(); // early: nothing is lost when a sound system crashes in what follows
     mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
-    mPlayer.term(); // before the output: the hand-over of the patch needs its callback
-    mAudioOutput.term();
+    mPlayer.term(); // before the sound device: closing the patch needs its callback
+    mSoundDevice->term();
     mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
-    AudioLog::drain(); // what the engine said after the event loop
+    AudioLog::drain(); // what the engine has logged since the event loop ended
     qInstallMessageHandler(nullptr);
 }
 
@@ -502,34 +314,10 @@ void TuningOrloApplication::loggingMessageHandler(QtMsgType type, const QMessage
 void TuningOrloApplication::logMessage(QtMsgType type, const QMessageLogContext& context,
                                        const QString& message)
 {
-    // Two threads may interleave in the file; nothing depends on it.
-    mLogMutex.lock();
-    const QString stamp = QTime::currentTime().toString(QStringLiteral("[hh:mm:ss.zzz] "));
-    mLogMutex.unlock();
-
-    if (!mLogFilter.isEmpty()) {
-        // A message that does not say where it comes from reaches neither the dialog nor the file.
-        const QString source = sourceBaseName(context.file);
-        if (source.isNull())
-            return;
-        if (mLogFilter.contains(QStringLiteral("all")) || mLogFilter.contains(source.toLower()))
-            emit diagnosticMessage(QStringLiteral("%1 %2\n").arg(stamp, message));
-    }
-    if (type == QtDebugMsg)
+    const QString stamp = mLogFile.stamp();
+    if (!mLogFilter.passes(context.file))
         return;
-
-    // A file object of its own for each message: threads share nothing but the open handle, and
-    // one message is one write.
-    QString text;
-    QTextStream stream(&text);
-    if (type == QtCriticalMsg)
-        stream << "\nCRITICAL:\n";
-    else if (type == QtFatalMsg)
-        stream << "\nFATAL:\n";
-    stream << stamp << message << '\n';
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        stream << '\n';
-    QFile file;
-    if (file.open(mLogFile.handle(), QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
-        file.write(text.toUtf8());
+    if (mLogFilter.shows(context.file))
+        emit diagnosticMessage(QStringLiteral("%1 %2\n").arg(stamp, message));
+    mLogFile.write(type, stamp, message);
 }

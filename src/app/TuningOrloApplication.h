@@ -2,6 +2,8 @@
 
 #include "app/ApplicationServices.h"
 #include "app/Licensing.h"
+#include "app/LogFile.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "app/TerminationSignals.h"
 #include "external/Interface.h"
@@ -13,17 +15,13 @@
 #include "sound/PdPlayer.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QMutex>
-#include <QSet>
 
 #include <memory>
 
 class MainWindow;
 
-/// The one object that everything hangs from. It owns the parts, starts and stops them in a fixed
-/// order, keeps the log and saves the options every fifteen minutes. Graphical thread, but for the
-/// message handler, which runs on whichever thread logs.
+/// The one object that owns the parts. It starts and stops them in a fixed order and takes what is
+/// logged. Graphical thread, but for the message handler, which runs on whichever thread logs.
 class TuningOrloApplication : public QApplication, public ApplicationServices
 {
     Q_OBJECT
@@ -33,20 +31,25 @@ public:
     TuningOrloApplication(int& argc, char** argv);
     ~TuningOrloApplication() override;
 
-    /// The whole start-up. False means: end at once with exit code 1; the player has been told why.
+    /// The whole start-up. False, after a message box with the reason: the program ends at once with
+    /// exit code 1.
     bool init();
-    /// The orderly stop, only after a start-up that succeeded.
+    /// The orderly stop. Called only after a start-up that succeeded.
     void term();
-    /// After term(): the process must end without destroying this.
+    /// When true after term(), the process must end without destroying this object.
     bool isSoundOver() const { return mPlayer.isSoundOver(); }
 
-    QString version() const { return QStringLiteral("2.0.0"); }
-    /// Where every file that the program writes lies, or below it.
+    QString version() const;
+    /// Every file that the program writes is in this folder or below it.
     static QString configDirectory();
     /// Read-only: style sheets, graphics, patches.
     static QString resourceDirectory();
 
-    /// Options into window and player; window and devices into options.
+    /// Plays through these instead of the machine's own devices. Called before init(); both must
+    /// outlive this object.
+    void useDevices(AudioOutput& sound, MidiOutput& midi);
+
+    /// From the options to window and player, and from window and devices to the options.
     void syncFromSettings();
     void syncToSettings();
 
@@ -58,7 +61,7 @@ public:
     /// Puts the main patch and its helpers into the runtime folder.
     bool initPatchFolder();
 
-    /// Called by licensing; hands the flag on.
+    /// Called by licensing; passes the flag to window and MIDI.
     void applyRestrictions(bool restricted);
     void setPressMode(qint16 mode) override { mPressMode = mode; }
     QMetaObject::Connection connectDiagnostics(DiagnosticsDialog* dialog) override;
@@ -69,7 +72,7 @@ public:
                                       const QString& message);
 
 public slots:
-    /// The periodic safety save. A crash loses at most what came after it.
+    /// The periodic save of options and chords.
     void autoSafe();
     void onUdpFatalError(const QString& error);
 
@@ -78,18 +81,12 @@ signals:
     void diagnosticMessage(const QString& line);
 
 private:
-    void readLogFilter(int argc, char** argv);
-    static void setLinkColours();
+    void wireParts();
     bool makeDirectories();
-    void startLog();
     bool startSound();
-    void startMidi();
     void startDeviceListener();
     bool startFailed(const QString& text);
     void loadRunningChords();
-    void saveRunningChords();
-    void startAutosave();
-    void keepDevice(int index);
     void showCritical(const QString& text);
     void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
@@ -99,10 +96,10 @@ private:
     PdPlayer mPlayer;
     Interface mInterface;
     PaAudioOutput mAudioOutput;
+    AudioOutput* mSoundDevice = &mAudioOutput;
     Settings mSettings;
-    QSet<QString> mLogFilter; // lower-case words
-    QFile mLogFile;           // open for the whole run, never rotated
-    QMutex mLogMutex;
+    LogFilter mLogFilter;
+    LogFile mLogFile;
     StoreAndRecall mStoreAndRecall{&mPlayer};
     SaveAndLoad mSaveAndLoad;
     QString mChordPresetsDirectory;

@@ -1,6 +1,6 @@
 #include "external/Interface.h"
 
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "external/MidiOutRtMidi.h"
 #include "sound/PdPlayer.h"
 #include "sound/ThreadCheck.h"

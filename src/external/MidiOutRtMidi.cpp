@@ -1,6 +1,6 @@
 #include "external/MidiOutRtMidi.h"
 
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "sound/AudioLog.h"
 #include "sound/ThreadCheck.h"
 

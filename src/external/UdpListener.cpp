@@ -1,7 +1,7 @@
 #include "external/UdpListener.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "external/DevicePacket.h"
 #include "external/RfidMap.h"

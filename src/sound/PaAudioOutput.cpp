@@ -1,6 +1,6 @@
 #include "sound/PaAudioOutput.h"
 
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "sound/FloatMode.h"
 #include "sound/JackEpoch.h"
 #include "sound/PaAudioOutputCalls.h"

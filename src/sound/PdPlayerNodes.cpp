@@ -4,7 +4,7 @@
 #include "sound/PdPlayer.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "sound/GlissandoMapping.h"
 #include "sound/ThreadCheck.h"

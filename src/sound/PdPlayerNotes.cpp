@@ -2,7 +2,7 @@
 
 #include "sound/PdPlayer.h"
 
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "model/OrloPath.h"
 #include "model/PitchRange.h"
 #include "sound/AudioLog.h"

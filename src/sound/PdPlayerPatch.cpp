@@ -3,12 +3,13 @@
 #include "sound/PdPlayer.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "sound/AudioLog.h"
 #include "sound/AudioOutput.h"
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
+#include "sound/PatchFolder.h"
 #include "sound/PatchOutline.h"
 #include "sound/ThreadCheck.h"
 
@@ -26,7 +27,6 @@ constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
 constexpr const char* VOICE_STOP = "voice-stop";
 constexpr const char* VOICE_INFO = "output-voice-info";
-constexpr QLatin1StringView VOICE_FILE("orlo_voice.pd"); // beside the main patch
 
 /// False, with a critical line, when libpd has no room for the message.
 bool startMessage(int length, const char* purpose)
@@ -95,7 +95,8 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
     ThreadCheck::gui();
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
-    for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
+    for (const QString& part :
+         {file.absoluteFilePath(), file.absoluteDir().filePath(PatchFolder::VOICE_FILE)}) {
         if (PatchOutline::read(part).endsInsideSubpatch) {
             qCritical() << "The patch is cut short:" << part;
             return false;

@@ -1,7 +1,7 @@
 #include "external/UdpListener.h"
 
 #include "app/Accessors.h"
-#include "app/DebugLog.h"
+#include "app/LogFilter.h"
 #include "sound/OrloNoteEvent.h"
 #include "support/EngineClock.h"
 #include "support/LogCatcher.h"
@@ -95,7 +95,7 @@ const QByteArray MAP = R"({"abcdef0123": {"event": 17, "value": 0.5}, "000000000
 
 TEST_F(Device, TakesTheTagFromTheFourthBytes)
 {
-    app::debugListening = true;
+    LogFilter::isListening = true;
     listener.term(); // never ran
     EXPECT_TRUE(log.lines().isEmpty());
     ASSERT_TRUE(start(MAP));
@@ -105,7 +105,7 @@ TEST_F(Device, TakesTheTagFromTheFourthBytes)
     send(packet("0000000001"));
     ASSERT_TRUE(waitUntil([this] { return received == 2; }));
     EXPECT_EQ(lastType, OrloEvent::NoteToggleByPath);
-    app::debugListening = false;
+    LogFilter::isListening = false;
     EXPECT_TRUE(log.has(QtDebugMsg, QStringLiteral("Wand ID: -1 , RFID: \"ABCDEF0123\"")));
     // Silence keeps it from its end for about a second.
     QElapsedTimer timer;

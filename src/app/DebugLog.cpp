@@ -1,7 +1,0 @@
-#include "app/DebugLog.h"
-
-namespace app {
-
-std::atomic<bool> debugListening{false};
-
-} // namespace app

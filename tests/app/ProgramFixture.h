@@ -1,0 +1,115 @@
+#pragma once
+
+#include "app/TuningOrloApplication.h"
+#include "external/MidiDouble.h"
+#include "sound/AudioOutput.h"
+#include "support/EngineClock.h"
+#include "support/TestHome.h"
+#include "ui/window/MainWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMessageBox>
+#include <QTimer>
+
+#include <optional>
+#include <utility>
+
+/// A sound device without sound; the engine runs from its start to its end.
+class SilentDevice : public AudioOutput
+{
+public:
+    bool init(int framesPerBuffer, int device, PdPlayer* player) override
+    {
+        asked = {framesPerBuffer, device};
+        if (fails)
+            return false;
+        setPlayer(player);
+        player->initAudio(2, 44100);
+        mClock.emplace(*player);
+        setSelectedDevice(device);
+        return true;
+    }
+    void term() override
+    {
+        patchWasOpenAtTheEnd = player()->isPatchOpen();
+        mClock.reset();
+        setSelectedDevice(-1);
+    }
+    QStringList devices() const override { return {QStringLiteral("a"), QStringLiteral("b")}; }
+    void logDevices() const override { ++logged; }
+    bool selectDevice(int) override { return true; }
+    void muteOutput() override {}
+    void unmuteOutput() override {}
+
+    bool fails = false;
+    std::pair<int, int> asked; // frames, device
+    std::optional<bool> patchWasOpenAtTheEnd;
+    mutable int logged = 0;
+
+private:
+    std::optional<EngineClock> mClock;
+};
+
+/// A run of the program without the machine's devices, in a home of its own. Its message boxes are
+/// confirmed, and their texts kept.
+class ProgramFixture : public ::testing::Test
+{
+protected:
+    explicit ProgramFixture(const char* argument = nullptr)
+        : mArguments{const_cast<char*>("program"), const_cast<char*>(argument), nullptr}
+        , mCount(argument ? 2 : 1)
+    {
+        application.useDevices(sound, midi);
+        QObject::connect(&mConfirmer, &QTimer::timeout, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                boxes.append(box->text());
+                box->accept();
+            }
+        });
+        mConfirmer.start(5);
+    }
+    ~ProgramFixture() override { end(); }
+
+    /// With these options; no update is looked for.
+    bool start(QJsonObject options = {})
+    {
+        options.insert(QStringLiteral("updateCheckInterval"), 4);
+        home.write(QStringLiteral("options.json"), QJsonDocument(options).toJson());
+        mRuns = application.init();
+        return mRuns;
+    }
+    void end()
+    {
+        if (std::exchange(mRuns, false))
+            application.term();
+    }
+    void expectSaved(const QJsonObject& options) const
+    {
+        const QJsonDocument saved = QJsonDocument::fromJson(home.read(QStringLiteral("options.json")));
+        for (auto it = options.begin(); it != options.end(); ++it)
+            EXPECT_EQ(saved[it.key()], it.value()) << it.key().toStdString();
+    }
+    template <class Widget>
+    Widget* find(const char* name) const
+    {
+        return application.mainWindow()->findChild<Widget*>(QLatin1StringView(name));
+    }
+
+private:
+    char* mArguments[3];
+    int mCount;
+
+protected:
+    const TestHome home;
+    SilentDevice sound;
+    MidiOutOverDouble midi;
+    TuningOrloApplication application{mCount, mArguments};
+    QStringList boxes;
+
+private:
+    QTimer mConfirmer;
+    bool mRuns = false;
+};

@@ -1,0 +1,160 @@
+#include "app/ProgramFixture.h"
+
+#include "app/Accessors.h"
+#include "sound/OrloNoteEvent.h"
+
+#include <QPushButton>
+#include <QSlider>
+#include <QTest>
+#include <QUdpSocket>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class StartAndEnd : public ProgramFixture
+{
+protected:
+    /// The text of the one box of a start that fails with the doubles and files as they are.
+    QString failure()
+    {
+        EXPECT_FALSE(start());
+        EXPECT_EQ(application.mainWindow(), nullptr);
+        EXPECT_EQ(boxes.size(), 1);
+        const QString text = std::exchange(boxes, {}).value(0);
+        EXPECT_TRUE(home.read(u"log.txt"_s).contains(text.toUtf8()));
+        EXPECT_TRUE(text.endsWith(u"\n\nThe program will now shut down."_s));
+        return text;
+    }
+    /// What a press on 3/2, which toggles it, sends out by MIDI.
+    std::string midiOfAPress(bool sounds)
+    {
+        midi.system->take();
+        const OrloNoteEvent press(OrloRatio(3, 2));
+        app::player()->queueEventGui(&press);
+        EXPECT_TRUE(QTest::qWaitFor(
+            [sounds] { return app::orlo()->playingRatios().contains(OrloRatio(3, 2)) == sounds; }));
+        return midi.system->take();
+    }
+};
+
+} // namespace
+
+TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)
+{
+    QUdpSocket taken;
+    taken.bind(QHostAddress::Any, 0);
+    home.write(u"rfid_map.json"_s, "{}"); // makes the program listen to the device
+    const QJsonObject options{
+        {u"audioDevice"_s, 1},
+        {u"framesPerBuffer"_s, 128},
+        {u"midiOutDevice"_s, u"Third:in"_s},
+        {u"midiOutChannel"_s, -1},
+        {u"glissRangeMPECents"_s, 100},
+        {u"baseFrequency"_s, 261.6255653}, // more digits than the engine keeps
+        {u"masterVolume"_s, 0.25},
+        {u"monophonic"_s, true},
+        {u"circlesView"_s, true},
+        {u"windowPos"_s, u"40,30"_s},
+        {u"udpPort"_s, taken.localPort()},
+    };
+    ASSERT_TRUE(start(options));
+    EXPECT_EQ(sound.asked, std::pair(128, 1));
+    EXPECT_EQ(midi.portName, u"Third:in"_s);
+    EXPECT_EQ(midi.channel, MidiOutput::MPE);
+    EXPECT_EQ(midi.pitchBendRangeCents, 150);
+    EXPECT_EQ(application.mainWindow()->pos(), QPoint(40, 30));
+    const auto* volume = find<QSlider>("volumeSlider");
+    EXPECT_TRUE(QTest::qWaitFor([volume] { return volume->value() * 4 == volume->maximum(); }));
+    EXPECT_TRUE(find<QPushButton>("monoButton")->isChecked());
+    EXPECT_EQ(app::orlo()->baseFrequency(), 261.6255653F);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !boxes.isEmpty(); }));
+    EXPECT_TRUE(boxes.value(0).startsWith(u"Failed to connect to the orlo, only screen-based "_s));
+    end();
+    expectSaved(options);
+}
+
+TEST_F(StartAndEnd, WhatThePlayerChoseIsSavedAndWhatWasLostIsWantedBack)
+{
+    ASSERT_TRUE(start({{u"midiOutDevice"_s, u"Gone:in"_s}, {u"audioDevice"_s, 0}}));
+    EXPECT_TRUE(boxes.isEmpty());
+    application.syncToSettings();
+    EXPECT_EQ(app::settings()->midiOutDevice, u"Gone:in"_s);
+
+    sound.setSelectedDevice(1);
+    sound.setSelectedDevice(-1);
+    EXPECT_EQ(app::settings()->audioDevice, 1);
+    midi.selectPort(u"Other:in"_s);
+    midi.setChannel(7);
+    find<QPushButton>("circlesViewButton")->click();
+    app::player()->queueGui(OrloEvent::BaseFrequencySet, 300.5F);
+    app::player()->queueGui(OrloEvent::MasterVolumeSet, 0.5F);
+    app::player()->queueGui(OrloEvent::MonophonicSet, 1.0F);
+    EXPECT_TRUE(QTest::qWaitFor([] { return app::settings()->monophonic; }));
+    end();
+    expectSaved({{u"audioDevice"_s, 1},
+                 {u"midiOutDevice"_s, u"Other:in"_s},
+                 {u"midiOutChannel"_s, 7},
+                 {u"circlesView"_s, true},
+                 {u"baseFrequency"_s, 300.5},
+                 {u"masterVolume"_s, 0.5}});
+}
+
+TEST_F(StartAndEnd, OptionsAndChordsAreSavedNowAndThenAndAtTheEnd)
+{
+    home.write(u".temp.btoc"_s, "1/1 0\n3/2 3/0 5/4 0\n");
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(home.read(u"log.txt"_s).contains(" has no ratio in slot 2: \"3/0\". The chord ends"));
+    EXPECT_TRUE(find<QPushButton>("chordButton_02")->isChecked());
+    EXPECT_FALSE(find<QPushButton>("chordButton_03")->isChecked());
+    const auto chords = [this] { return home.read(u".temp.btoc"_s).left(18); };
+
+    const QList<QTimer*> timers = application.findChildren<QTimer*>();
+    const auto timer = std::ranges::find(timers, 15 * 60 * 1000, &QTimer::interval);
+    ASSERT_NE(timer, timers.end());
+    EXPECT_TRUE((*timer)->isActive());
+    app::storeAndRecall()->storedChords()->insert(3, {OrloRatio(5, 4)});
+    app::settings()->udpPort = 1;
+    application.mainWindow()->showMaximized();
+    (*timer)->start(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return chords() == "1/1 0\n3/2 0\n5/4 0\n"; }));
+    expectSaved({{u"udpPort"_s, 1}, {u"windowMaximized"_s, true}});
+
+    // Options that cannot be written keep nothing else from its end.
+    (*timer)->stop();
+    home.configDir().remove(u"options.json"_s);
+    home.configDir().mkpath(u"options.json"_s);
+    app::storeAndRecall()->storedChords()->insert(3, {OrloRatio(7, 4)});
+    end();
+    EXPECT_EQ(chords(), "1/1 0\n3/2 0\n7/4 0\n");
+    EXPECT_TRUE(home.read(u"log.txt"_s).contains("/options.json for saving."));
+    EXPECT_EQ(sound.patchWasOpenAtTheEnd, false); // the player ends before its device
+    EXPECT_FALSE(midi.portOpen);
+}
+
+TEST_F(StartAndEnd, RestrictionsReachWindowAndMidi)
+{
+    application.applyRestrictions(true); // before there is a window
+    ASSERT_TRUE(start({{u"midiOutDevice"_s, u"Third:in"_s}}));
+    int presses = 0;
+    for (const bool restricted : {false, true, false}) { // as licensing leaves it, and as it may become
+        if (presses > 0)
+            application.applyRestrictions(restricted);
+        EXPECT_EQ(find<QWidget>("chordFrame")->isEnabled(), !restricted);
+        EXPECT_EQ(midiOfAPress(presses++ % 2 == 0).empty(), restricted);
+    }
+}
+
+TEST_F(StartAndEnd, AFailedStartSaysWhy)
+{
+    sound.fails = true;
+    EXPECT_TRUE(failure().startsWith(u"Initialisation of audio device failed."_s));
+    EXPECT_EQ(sound.logged, 1);
+    sound.fails = false;
+    home.write(u"patch"_s, "a file");
+    EXPECT_TRUE(failure().startsWith(u"Initialisation of patch directory failed."_s));
+    home.configDir().remove(u"patch"_s);
+    // A link that leads nowhere is a file that is missing and cannot be made.
+    ASSERT_TRUE(QFile::link(u"/nowhere/x"_s, home.path(u"orlo_v2.json"_s)));
+    EXPECT_TRUE(failure().startsWith(u"Orlo initialisation failed."_s));
+}

@@ -1,0 +1,65 @@
+#include "app/WindowPlace.h"
+#include "app/Settings.h"
+#include "support/TestHome.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QWidget>
+
+// The one screen is of 800 by 800.
+TEST(WindowPlaceTest, IsRestoredWithinTheScreensAndRemembered)
+{
+    const TestHome home;
+    char* arguments[] = {nullptr};
+    int count = 0;
+    const QApplication application(count, arguments);
+    const QSize size(300, 200), unknownSize(-1, -1); // what the window has by itself
+    const QPoint pos(10, 20), unknownPos(-1, -1);
+    const struct
+    {
+        QSize size;
+        QPoint pos;
+        QSize expectedSize;
+        QPoint expectedPos;
+    } rows[] = {
+        {unknownSize, unknownPos, size, pos},
+        {{500, 400}, {40, 30}, {500, 400}, {40, 30}},
+        {unknownSize, {-1, 30}, size, {-1, 30}},
+        {{9000, 400}, {0, 0}, {800, 400}, {0, 0}},
+        {{500, 9000}, {799, 799}, {500, 800}, {799, 799}},
+        {{500, 400}, {800, 0}, {500, 400}, pos}, // on a screen that is gone
+        {{500, 400}, {0, 800}, {500, 400}, pos},
+        // Of the title bar, 100 by 30, a pixel must be on a screen.
+        {{500, 400}, {-99, -29}, {500, 400}, {-99, -29}},
+        {{500, 400}, {-100, 0}, {500, 400}, pos},
+        {{500, 400}, {0, -30}, {500, 400}, pos},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.size.width() << ' ' << row.pos.x() << ' ' << row.pos.y());
+        QWidget window;
+        window.resize(size);
+        window.move(pos);
+        window.show();
+        Settings settings;
+        settings.windowSize = row.size;
+        settings.windowPos = row.pos;
+        WindowPlace::restore(window, settings);
+        EXPECT_FALSE(window.isMaximized());
+        EXPECT_EQ(window.size(), row.expectedSize);
+        EXPECT_EQ(window.pos(), row.expectedPos);
+        WindowPlace::remember(window, settings);
+        EXPECT_FALSE(settings.windowMaximized);
+        EXPECT_EQ(settings.windowSize, row.expectedSize);
+        EXPECT_EQ(settings.windowPos, row.expectedPos);
+
+        settings.windowMaximized = true;
+        WindowPlace::restore(window, settings);
+        EXPECT_TRUE(window.isMaximized());
+        settings.windowMaximized = false;
+        WindowPlace::remember(window, settings);
+        EXPECT_TRUE(settings.windowMaximized);
+        EXPECT_EQ(settings.windowSize, row.expectedSize) << "as it was before";
+        EXPECT_EQ(settings.windowPos, row.expectedPos);
+    }
+}
