@@ -8,6 +8,8 @@ class MidiIn : public QObject
     Q_OBJECT
 
 signals:
+    /// Never emitted as yet.
     void selectedPortChanged(int index);
+    /// Never emitted as yet.
     void selectedVirtualPortChanged(int index);
 };
