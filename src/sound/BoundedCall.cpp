@@ -36,7 +36,7 @@ bool run(const std::function<void(Ticket&)>& call, std::chrono::milliseconds lim
 
 std::shared_ptr<Ticket> start(const std::function<void(Ticket&)>& call)
 {
-    const auto ticket = std::make_shared<Ticket>();
+    auto ticket = std::make_shared<Ticket>();
     std::thread([call, ticket] { call(*ticket); }).detach();
     return ticket;
 }
