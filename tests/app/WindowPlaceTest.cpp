@@ -56,6 +56,8 @@ TEST(WindowPlaceTest, IsRestoredWithinTheScreensAndRemembered)
         settings.windowMaximized = true;
         WindowPlace::restore(window, settings);
         EXPECT_TRUE(window.isMaximized());
+        QCoreApplication::processEvents();
+        EXPECT_NE(window.size(), row.expectedSize);
         settings.windowMaximized = false;
         WindowPlace::remember(window, settings);
         EXPECT_TRUE(settings.windowMaximized);

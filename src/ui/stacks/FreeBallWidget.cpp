@@ -8,7 +8,6 @@
 #include "sound/OrloTransposeEvent.h"
 #include "sound/PdPlayer.h"
 #include "ui/lattice/BallPress.h"
-#include "ui/lattice/PitchHeight.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/NodeStackWidget.h"
 
