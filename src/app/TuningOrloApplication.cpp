@@ -8,13 +8,13 @@
 #include "sound/AudioLog.h"
 #include "sound/EngineRelay.h"
 #include "sound/OrloEvent.h"
+#include "sound/PatchFolder.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/window/MainWindow.h"
 
 #include <QDateTime>
 #include <QDir>
-#include <QFileInfo>
 #include <QMessageBox>
 #include <QScreen>
 #include <QStandardPaths>
@@ -34,11 +34,6 @@ std::nullptr_t setNames()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
     return nullptr;
-}
-
-QString mainPatchName(int voices)
-{
-    return QStringLiteral("orlo_main_%1voice.pd").arg(voices);
 }
 
 /// False for a place on a screen that was taken away since.
@@ -294,53 +289,12 @@ void TuningOrloApplication::onUdpFatalError(const QString& error)
 
 bool TuningOrloApplication::initPatchFolder()
 {
-    const QString runtime = configDirectory() + QStringLiteral("/patch");
-    if (!QDir().mkpath(runtime))
-        return false;
-    const QString shell = resourceDirectory() + QStringLiteral("/patches/shell/");
-    QString mainPatch = mainPatchName(mSettings.mainPatchNumberOfVoices);
-    if (!QFile::exists(shell + mainPatch)) {
-        qWarning() << "There is no main patch for" << mSettings.mainPatchNumberOfVoices
-                   << "voices, the one for" << Settings::DEFAULT_VOICES << "is used.";
-        mainPatch = mainPatchName(Settings::DEFAULT_VOICES);
-    }
-    qDebug() << "Patches init: Main patch:" << mainPatch;
-
-    struct File
-    {
-        QString source;
-        QString target;
-        bool overwrite;
-    };
-    const File files[] = {
-        {mainPatch, QStringLiteral("orlo_main.pd"), true},
-        {QStringLiteral("orlo_vprep.pd"), QStringLiteral("orlo_vprep.pd"), false},
-        {QStringLiteral("equal-loudness.pd"), QStringLiteral("equal-loudness.pd"), false},
-        {QStringLiteral("tb_compressor~.pd"), QStringLiteral("tb_compressor~.pd"), false},
-        {QStringLiteral("tb_compressorUI.pd"), QStringLiteral("tb_compressorUI.pd"), false},
-    };
-    bool allCopied = true;
-    for (const File& file : files)
-        allCopied = copyFile(shell + file.source, runtime + u'/' + file.target, file.overwrite) && allCopied;
-    return allCopied;
+    return PatchFolder(configDirectory()).install(resourceDirectory(), mSettings.mainPatchNumberOfVoices);
 }
 
 bool TuningOrloApplication::copyFile(const QString& src, const QString& dst, bool overwrite)
 {
-    const QFileInfo target(dst);
-    if (target.exists()) {
-        if (target.lastModified() >= QFileInfo(src).lastModified() && !overwrite)
-            return true;
-        if (!QFile::remove(dst)) {
-            qCritical() << "Failed to delete" << dst << "before copying";
-            return false;
-        }
-    }
-    if (!QFile::copy(src, dst)) {
-        qCritical() << "Failed to copy" << src << "to" << dst;
-        return false;
-    }
-    return true;
+    return PatchFolder::copyFile(src, dst, overwrite);
 }
 
 bool TuningOrloApplication::startFailed(const QString& text)

@@ -10,6 +10,7 @@
 #include "sound/MacroList.h"
 #include "sound/NumericLocale.h"
 #include "sound/PatchFile.h"
+#include "sound/PatchFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,7 +26,6 @@ constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
 constexpr const char* VOICE_STOP = "voice-stop";
 constexpr const char* VOICE_INFO = "output-voice-info";
-constexpr QLatin1StringView VOICE_FILE("orlo_voice.pd"); // beside the main patch
 
 /// False, with a critical line, when libpd has no room for the message.
 bool startMessage(int length, const char* purpose)
@@ -95,7 +95,8 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
 {
     qDebug() << "PdPlayer::loadPatch A";
     unloadPatch();
-    for (const QString& part : {file.absoluteFilePath(), file.absoluteDir().filePath(VOICE_FILE)}) {
+    for (const QString& part :
+         {file.absoluteFilePath(), file.absoluteDir().filePath(PatchFolder::VOICE_FILE)}) {
         if (PatchFile::outline(part).endsInsideSubpatch) {
             qCritical() << "The patch is cut short:" << part;
             return false;

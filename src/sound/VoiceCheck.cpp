@@ -1,6 +1,7 @@
 #include "sound/VoiceCheck.h"
 
 #include "sound/PatchFile.h"
+#include "sound/PatchFolder.h"
 #include "trial/TrialAnswer.h"
 
 #include <QCoreApplication>
@@ -15,11 +16,6 @@ namespace {
 // So long no event is delivered, and nothing can come between.
 constexpr int WITHOUT_EVENTS_MS = 300;
 constexpr int SLICE_MS = 30;
-
-QString besideProgram(const QString& name)
-{
-    return QCoreApplication::applicationDirPath() + u'/' + name;
-}
 
 /// False when the process did not end in time.
 bool waitFor(QProcess& process, std::chrono::milliseconds limit)
@@ -47,7 +43,7 @@ VoiceCheck::VoiceCheck(std::chrono::milliseconds longestTrial, QString program)
 
 QString VoiceCheck::trialProgram()
 {
-    return besideProgram(QStringLiteral("orlo-voice-trial"));
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/orlo-voice-trial");
 }
 
 QString VoiceCheck::whyNot(const QString& voice) const
@@ -67,7 +63,7 @@ QString VoiceCheck::whyNot(const QString& voice) const
 QString VoiceCheck::tried(const QString& voice) const
 {
     const QTemporaryDir folder;
-    if (!folder.isValid() || !QFile::copy(voice, folder.filePath(QStringLiteral("orlo_voice.pd")))) {
+    if (!folder.isValid() || !QFile::copy(voice, folder.filePath(PatchFolder::VOICE_FILE))) {
         qWarning() << "The voice could not be copied for a trial and is trusted:" << voice;
         return QString();
     }
@@ -76,7 +72,7 @@ QString VoiceCheck::tried(const QString& voice) const
     trial.setStandardOutputFile(QProcess::nullDevice());
     trial.setStandardErrorFile(QProcess::nullDevice());
     trial.start(mProgram,
-                {besideProgram(QStringLiteral("patches/shell/orlo_main_4voice.pd")), folder.path()});
+                {PatchFolder::shippedMainPatch(QCoreApplication::applicationDirPath(), 4), folder.path()});
     if (!waitFor(trial, mLongestTrial)) {
         trial.kill();
         trial.waitForFinished(SLICE_MS);
