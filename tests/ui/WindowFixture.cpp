@@ -1,25 +1,16 @@
 #include "ui/WindowFixture.h"
 
+#include "sound/PatchFolder.h"
 #include "support/EngineClock.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
-#include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
 
 #include <algorithm>
-
-namespace {
-
-QString shellFile(const QString& name)
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/patches/shell/") + name;
-}
-
-} // namespace
 
 BoxAnswers::BoxAnswers()
 {
@@ -40,34 +31,15 @@ void BoxAnswers::timerEvent(QTimerEvent*)
         return;
     }
     auto* line = box->findChild<QLineEdit*>();
-    auto* buttons = box->findChild<QDialogButtonBox*>();
     mShown.append(box->windowTitle());
     line->clear();
-    // The file dialog completes what is typed, with files that come later.
-    if (qobject_cast<QFileDialog*>(box))
+    const bool isFile = qobject_cast<QFileDialog*>(box);
+    if (isFile) // it completes what is typed, with files that come later
         line->setText(answer.text);
     else
         QTest::keyClicks(line, answer.text);
-    if (!answer.accept)
-        press(buttons->button(QDialogButtonBox::Cancel));
-    else if (QPushButton* ok = buttons->button(QDialogButtonBox::Ok))
-        press(ok);
-    else
-        press(buttons->button(QDialogButtonBox::Open));
-}
-
-bool WindowFixture::Services::loadChordsFromDiskToStorage(QDir* file)
-{
-    loaded.append(file->path());
-    files.getDataFromFile(file, chords->storedChords(), StoreAndRecall::LAST_SLOT + 1);
-    return true;
-}
-
-bool WindowFixture::Services::saveStoredChordsToDisk(QDir* file)
-{
-    saved.append(file->path());
-    files.saveDataToFile(file, chords->storedChords(), StoreAndRecall::LAST_SLOT + 1);
-    return true;
+    using Box = QDialogButtonBox;
+    press(box->findChild<Box*>()->button(!answer.accept ? Box::Cancel : isFile ? Box::Open : Box::Ok));
 }
 
 void WindowFixture::SetUpTestSuite()
@@ -85,7 +57,6 @@ void WindowFixture::TearDownTestSuite()
 
 WindowFixture::WindowFixture()
 {
-    services.chords = &chords;
     app::Parts parts = app::parts();
     parts.application = &services;
     parts.storeAndRecall = &chords;
@@ -95,12 +66,7 @@ WindowFixture::WindowFixture()
     settings.updateCheckInterval = 4; // never, in a build that knows an address too
     settings.lastDirPath = home.path(QStringLiteral("chord_presets"));
     QDir().mkpath(settings.lastDirPath);
-    const QDir patch(home.path(QStringLiteral("patch")));
-    patch.mkpath(QStringLiteral("."));
-    QFile::copy(shellFile(QStringLiteral("orlo_main_4voice.pd")),
-                patch.filePath(QStringLiteral("orlo_main.pd")));
-    for (const char* name : {"orlo_vprep.pd", "equal-loudness.pd", "tb_compressor~.pd", "tb_compressorUI.pd"})
-        QFile::copy(shellFile(QLatin1StringView(name)), patch.filePath(QLatin1StringView(name)));
+    PatchFolder(home.path(QString())).install(QCoreApplication::applicationDirPath(), 4);
     {
         const EngineClock clock(player);
         window = std::make_unique<MainWindow>(&orlo);

@@ -2,13 +2,13 @@
 
 #include "app/ApplicationServices.h"
 #include "external/MidiDouble.h"
-#include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
 #include "sound/AudioOutput.h"
 #include "support/TestHome.h"
 #include "ui/UiFixture.h"
 #include "ui/window/MainWindow.h"
 
+#include <QDir>
 #include <QPushButton>
 #include <QSlider>
 
@@ -78,20 +78,26 @@ public:
 protected:
     using Command = std::pair<OrloEvent::Type, float>;
 
-    /// The application's part, with the chord files told to the test.
+    /// The application's part, which notes the chord files and touches none.
     class Services : public ApplicationServices
     {
     public:
         bool loadStyleSheet() override { return true; }
         QMetaObject::Connection connectDiagnostics(DiagnosticsDialog*) override { return {}; }
         void setPressMode(qint16) override {}
-        bool loadChordsFromDiskToStorage(QDir* file) override;
-        bool saveStoredChordsToDisk(QDir* file) override;
+        bool loadChordsFromDiskToStorage(QDir* file) override { return note("loaded ", file); }
+        bool saveStoredChordsToDisk(QDir* file) override { return note("saved ", file); }
 
-        QStringList loaded; // paths
-        QStringList saved;
-        StoreAndRecall* chords = nullptr;
-        SaveAndLoad files;
+        /// In order, "saved" or "loaded" and bank and preset, since the last time.
+        QStringList take() { return std::exchange(mDone, {}); }
+
+    private:
+        bool note(const char* what, const QDir* file)
+        {
+            mDone.append(QLatin1StringView(what) + file->path().section(u'/', -2));
+            return true;
+        }
+        QStringList mDone;
     };
 
     WindowFixture();

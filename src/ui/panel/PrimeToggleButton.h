@@ -7,8 +7,8 @@
 
 class QGraphicsDropShadowEffect;
 
-/// Switches the balls of one prime on and off; in the colour of the prime. The primes below 4
-/// cannot be switched off and stay disabled in their full colour.
+/// Switches the balls of one prime on and off. It has the prime's colour. The primes below 4 cannot be
+/// switched off, so that their buttons are disabled, in the full colour.
 class PrimeToggleButton : public QToolButton
 {
     Q_OBJECT
@@ -19,7 +19,8 @@ public:
     /// The mark of the row that the arrow keys act on.
     void setHaloVisible(bool visible);
 
-    /// A prime's colour on the controls, where 19 is darkened to carry white. The sign is ignored.
+    /// A prime's colour on the controls. That of 19 is darkened, since white text lies on it. The sign is
+    /// ignored.
     static QColor primeColor(int prime);
 
 public slots:

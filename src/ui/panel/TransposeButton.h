@@ -6,8 +6,8 @@
 
 class QLabel;
 
-/// An arrow that transposes the lattice by one step of its prime, down or up. Its label counts
-/// the net steps while they go this button's way. Vanishes while the step is not possible.
+/// An arrow that transposes the lattice by one step of its prime, down or up. Its label counts the net
+/// steps while they go in the arrow's direction. While the step is not possible, the arrow is invisible.
 class TransposeButton : public QToolButton
 {
     Q_OBJECT

@@ -102,6 +102,15 @@ void TransposeWidget::highlight(int row, bool on)
         mHighlightedRow = row;
 }
 
+void TransposeWidget::moveHighlight(int by)
+{
+    const int row = mHighlightedRow + by;
+    if (row < 1 || row >= ROWS)
+        return;
+    highlight(mHighlightedRow, false);
+    highlight(row, true);
+}
+
 void TransposeWidget::transposeUp(int row)
 {
     press(mUpButtons, row);
@@ -130,7 +139,7 @@ void TransposeWidget::onResetClicked()
 void TransposeWidget::onTransposeChanged()
 {
     mResetButton->setEnabled(!app::orlo()->transposeSteps().isEmpty());
-    // The effect keeps its picture of the button until it is switched.
+    // The halo draws the button from a cache, which is renewed when it is switched.
     PrimeToggleButton* highlighted = mPrimeButtons[static_cast<size_t>(mHighlightedRow)];
     highlighted->setHaloVisible(false);
     highlighted->setHaloVisible(true);

@@ -23,13 +23,17 @@ public:
 
     explicit TransposeWidget(QWidget* parent = nullptr);
 
-    /// Once, when the lattice is there. `orientation` is the way the rows follow each other.
+    /// To be called once, after the lattice has been made. `orientation` is the direction from row to row.
     void init(Qt::Orientation orientation);
 
     /// Lights the row's prime; `on` makes it the highlighted row.
     void highlight(int row, bool on);
-    /// Each presses the button concerned, as a click with the mouse would. A row without such a
-    /// button does nothing.
+    /// From 1 to the last.
+    int highlightedRow() const { return mHighlightedRow; }
+    /// Moves the highlight up (-1) or down (1). At the first and last row it stays.
+    void moveHighlight(int by);
+    // Each presses a button, as a click with the mouse would. Where the row has no such button,
+    // nothing happens.
     void transposeUp(int row);
     void transposeDown(int row);
     void toggle(int row);

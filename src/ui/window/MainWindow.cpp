@@ -6,9 +6,7 @@
 #include "model/Orlo.h"
 #include "sound/AudioOutput.h"
 #include "sound/EngineRelay.h"
-#include "sound/MacroList.h"
 #include "sound/PdPlayer.h"
-#include "ui/cards/FrequencyDecimals.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
@@ -16,93 +14,55 @@
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/stacks/OrloLayer.h"
+#include "ui/window/FormSetUp.h"
+#include "ui/window/KeyMap.h"
+#include "ui/window/PanelParts.h"
+#include "ui/window/Readout.h"
 #include "ui/window/StatusLine.h"
 #include "ui_MainWindow.h"
 #include "update/UpdateDialog.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDebug>
-#include <QIcon>
+#include <QKeyEvent>
 #include <QLabel>
-#include <QResizeEvent>
 #include <QScreen>
-#include <QSignalBlocker>
-#include <QStyledItemDelegate>
 #include <QThread>
-
-#include <cmath>
 
 namespace {
 
-constexpr int MACRO_SLIDERS = 8;
 constexpr unsigned long TWEAK_PAUSE_MS = 100;
-constexpr QSize LOGO_SIZE(176, 56);
-constexpr int CIRCLES_PAGE = 0;
-constexpr int GRAPES_PAGE = 1;
-
-/// 0 to 1 along the slider's range.
-float fraction(const QSlider* slider, int value)
-{
-    return static_cast<float>(value - slider->minimum())
-           / static_cast<float>(slider->maximum() - slider->minimum());
-}
-
-/// The opposite way, rounded half away from zero, and without an echo.
-void setFraction(QSlider* slider, float value)
-{
-    const QSignalBlocker blocker(slider);
-    const float span = static_cast<float>(slider->maximum() - slider->minimum());
-    slider->setValue(static_cast<int>(std::round(static_cast<float>(slider->minimum()) + span * value)));
-}
-
-QString frequencyText(float frequency)
-{
-    return QString::number(static_cast<double>(frequency), 'f', texts::frequencyDecimals(frequency));
-}
-
-QString capitalised(const QString& name)
-{
-    return name.left(1).toUpper() + name.mid(1).toLower();
-}
 
 } // namespace
-
-/// The icons lie in a static library, whose resources Qt does not find by itself.
-static void initIcons()
-{
-    Q_INIT_RESOURCE(icons);
-}
 
 MainWindow::MainWindow(Orlo* orlo)
     : ui(std::make_unique<Ui::MainWindow>())
     , mOrlo(orlo)
 {
-    initIcons();
     ui->setupUi(this);
-    setUpIcons();
+    setUpForm(*ui, this);
+    mPanel = std::make_unique<PanelParts>(*ui);
+    mReadout = std::make_unique<Readout>(ui->infoLabel1, ui->infoLabel2, orlo);
+    mKeyMap =
+        std::make_unique<KeyMap>(*ui, mPanel.get(), app::player(), [this] { on_optionsButton_clicked(); });
     setButtons();
-    alignControls();
-    hideUnusedControls();
     ui->transposeWidget->init(Qt::Vertical);
     ui->circleLayer->init(OrloLeavesWidget::Circles, orlo);
     ui->grapeLayer->init(OrloLeavesWidget::Grapes, orlo);
-    ui->centralStack->setCurrentIndex(app::settings()->circlesView ? CIRCLES_PAGE : GRAPES_PAGE);
+    mPanel->display.showPage();
     makeSwitcherLabels();
-    connectSliders();
+    connectPanel();
     connectPlayer();
-    collectChordButtons();
-    buildKeyMap();
 
     makeStatusLine(); // before anything can be lost
-    initPatchMenu();
-    loadDefaultPatch();
+    mPanel->patches.initPatchMenu();
+    mPanel->patches.loadDefaultPatch();
     onTransposeChanged();
     makeDevelopmentDialogs();
     makeOptionsDialog();
-    ui->transposeWidget->highlight(mHighlightedRow, true);
+    ui->transposeWidget->highlight(ui->transposeWidget->highlightedRow(), true);
     applicationUpdateCheck();
-    repopulateChordBankMenu();
+    mPanel->chordPresets.repopulateChordBankMenu();
 
     // A small or finely scaled screen may be lower than the form.
     resize(size().boundedTo(screen()->availableGeometry().size()));
@@ -121,53 +81,6 @@ MainWindow::~MainWindow()
 }
 
 // ---------------------------------------------------------------- construction
-
-void MainWindow::alignControls()
-{
-    ui->volumeLayout->setAlignment(ui->volumeSlider, Qt::AlignHCenter);
-    ui->viewButtonsLayout->setAlignment(Qt::AlignHCenter);
-    ui->expandOrloLayout->setAlignment(Qt::AlignHCenter);
-    // A combo box without a delegate of its own ignores the style sheet's height of its rows.
-    for (QComboBox* menu : {ui->patchMenu, ui->presetMenu, ui->saveChordBankMenu, ui->saveChordSetMenu})
-        menu->setItemDelegate(new QStyledItemDelegate(menu));
-}
-
-void MainWindow::setUpIcons()
-{
-    // A label does not find the picture for a finer screen by itself; an icon does.
-    ui->logoLabel->setPixmap(
-        QIcon(QStringLiteral(":/icons/logo.png")).pixmap(LOGO_SIZE, devicePixelRatioF()));
-    const std::pair<QPushButton*, const char*> icons[] = {
-        {ui->patchDecButton, "arrowleft"},
-        {ui->patchIncButton, "arrowright"},
-        {ui->presetDecButton, "arrowleft"},
-        {ui->presetIncButton, "arrowright"},
-        {ui->chordStorageUpButton, "arrowup"},
-        {ui->chordStorageDownButton, "arrowdown"},
-        {ui->optionsButton, "cog"},
-    };
-    for (const auto& [button, name] : icons)
-        button->setIcon(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1StringView(name))));
-    QIcon windowIcon;
-    for (const int size : {16, 24, 32, 48, 64, 128, 256, 512})
-        windowIcon.addFile(QStringLiteral(":/icons/app-%1.png").arg(size));
-    setWindowIcon(windowIcon);
-}
-
-void MainWindow::hideUnusedControls()
-{
-    QWidget* const hidden[] = {
-        ui->chordIncludeMacrosButton, ui->glissLabel,         ui->glissSliderSmall,
-        ui->glissSliderBig,           ui->glissFineSliderBig, ui->glissCLineLeft,
-        ui->glissCLineCenter,         ui->glissCLineRight,    ui->presetDecButton,
-        ui->presetIncButton,          ui->presetMenu,         ui->savePresetButton,
-        ui->toggleModeButton,         ui->shiftModeButton,    ui->removeModeButton,
-        ui->selectApplyModeButton,    ui->testingOptions,     ui->chordStorageUpButton,
-        ui->chordStorageDownButton,   ui->chordWindowButton,  ui->chordSequencerWindowButton,
-    };
-    for (QWidget* widget : hidden)
-        widget->hide();
-}
 
 void MainWindow::makeSwitcherLabels()
 {
@@ -201,20 +114,13 @@ void MainWindow::connectPlayer()
     connect(relay, &EngineRelay::resetGlissSliders, this, &MainWindow::onResetGlissSliders);
 }
 
-void MainWindow::connectSliders()
+void MainWindow::connectPanel()
 {
-    for (int number = 1; number <= MACRO_SLIDERS; ++number) {
-        QSlider* slider = macroSlider(number);
-        connect(slider, &QSlider::valueChanged, this, &MainWindow::onMacroSliderValueChanged);
-        connect(slider, &QSlider::sliderReleased, this,
-                [this, slider, number] { snapBack(slider, macroDefaultPosition(number)); });
-    }
-    for (QSlider* slider : {ui->glissSliderBig, ui->glissFineSliderBig})
-        connect(slider, &QSlider::sliderReleased, this,
-                [this, slider] { snapBack(slider, slider->maximum() / 2); });
-    connect(ui->volumeSlider, &QSlider::sliderReleased, this, [this] {
-        snapBack(ui->volumeSlider, static_cast<int>(ui->volumeSlider->maximum() * Settings::DEFAULT_VOLUME));
-    });
+    connect(&mPanel->display, &DisplaySwitches::displayChanged, this, &MainWindow::updateOrloView);
+    const QList<QSlider*>& macros = mPanel->macros.sliders();
+    for (int macro = 0; macro < macros.size(); ++macro)
+        connect(macros[macro], &QSlider::valueChanged, this,
+                [this, macro] { onMacroSliderValueChanged(macro); });
 }
 
 void MainWindow::makeDevelopmentDialogs()
@@ -246,7 +152,7 @@ void MainWindow::applicationUpdateCheck()
 
 OrloLayer* MainWindow::currentLayer() const
 {
-    return ui->centralStack->currentIndex() == CIRCLES_PAGE ? ui->circleLayer : ui->grapeLayer;
+    return mPanel->display.isCirclesPage() ? ui->circleLayer : ui->grapeLayer;
 }
 
 OrloView* MainWindow::orloView() const
@@ -267,90 +173,13 @@ void MainWindow::updateZoomMode()
 
 void MainWindow::updateTweaks()
 {
-    app::player()->queueEventGui(&mAllNotesOff);
+    app::player()->queueGui(OrloEvent::AllNotesOff, 1.0F);
     QThread::msleep(TWEAK_PAUSE_MS);
     QCoreApplication::processEvents();
     app::application()->loadStyleSheet();
     mOrlo->load();
     OrloLeavesWidget::clearPositions();
     orloView()->buildScene(orloView()->view());
-}
-
-void MainWindow::setButtons()
-{
-    const Settings* settings = app::settings();
-    ui->normalizeRatiosButton->setChecked(settings->ratiosWithinOctave);
-    if (settings->soundGrapeNotation < 3) {
-        ui->soundgrapeColourButton->setChecked((settings->soundGrapeNotation & 1) != 0);
-        ui->soundgrapeBWButton->setChecked(settings->soundGrapeNotation == 2);
-    }
-    ui->absoluteModeButton->setChecked(settings->absRelView != 0);
-    ui->relativeModeButton->setChecked(settings->absRelView == 0);
-    ui->circlesViewButton->setChecked(settings->circlesView);
-    ui->grapesViewButton->setChecked(!settings->circlesView);
-}
-
-void MainWindow::onSwitcherClicked(QString link)
-{
-    const bool circles = link == QStringLiteral("circles");
-    if (!circles && link != QStringLiteral("grapes"))
-        return;
-    ui->centralStack->setCurrentIndex(circles ? CIRCLES_PAGE : GRAPES_PAGE);
-    app::settings()->circlesView = circles;
-    setButtons();
-    updateOrloView();
-}
-
-void MainWindow::onAbsRelSwitcherClicked(QString link)
-{
-    static const QHash<QString, int> modes{
-        {QStringLiteral("relative"), 0}, {QStringLiteral("absolute"), 1}, {QStringLiteral("absolute2"), 2}};
-    const auto mode = modes.find(link);
-    if (mode == modes.end())
-        return;
-    app::settings()->absRelView = mode.value();
-    setButtons();
-    updateOrloView();
-}
-
-void MainWindow::on_circlesViewButton_clicked()
-{
-    onSwitcherClicked(QStringLiteral("circles"));
-}
-
-void MainWindow::on_grapesViewButton_clicked()
-{
-    onSwitcherClicked(QStringLiteral("grapes"));
-}
-
-void MainWindow::on_absoluteModeButton_clicked()
-{
-    onAbsRelSwitcherClicked(QStringLiteral("absolute"));
-}
-
-void MainWindow::on_relativeModeButton_clicked()
-{
-    onAbsRelSwitcherClicked(QStringLiteral("relative"));
-}
-
-void MainWindow::on_normalizeRatiosButton_clicked()
-{
-    app::settings()->ratiosWithinOctave = ui->normalizeRatiosButton->isChecked();
-    updateOrloView();
-}
-
-void MainWindow::on_soundgrapeColourButton_clicked()
-{
-    app::settings()->soundGrapeNotation = ui->soundgrapeColourButton->isChecked() ? 1 : 0;
-    ui->soundgrapeBWButton->setChecked(false);
-    updateOrloView();
-}
-
-void MainWindow::on_soundgrapeBWButton_clicked()
-{
-    app::settings()->soundGrapeNotation = ui->soundgrapeBWButton->isChecked() ? 2 : 0;
-    ui->soundgrapeColourButton->setChecked(false);
-    updateOrloView();
 }
 
 void MainWindow::on_expandOrloButton_clicked()
@@ -362,134 +191,10 @@ void MainWindow::on_expandOrloButton_clicked()
     ui->expandOrloButton->setText(show ? QStringLiteral("< >") : QStringLiteral("> <"));
 }
 
-// ---------------------------------------------------------------- sound controls
-
-void MainWindow::on_monoButton_clicked()
-{
-    if (!ui->monoButton->isChecked()) { // it was on, and a click does not turn it off
-        ui->monoButton->setChecked(true);
-        ui->polyButton->setChecked(false);
-        return;
-    }
-    app::player()->queueGui(OrloEvent::MonophonicSet, 1.0F);
-}
-
-void MainWindow::on_polyButton_clicked()
-{
-    if (!ui->polyButton->isChecked()) {
-        ui->monoButton->setChecked(false);
-        ui->polyButton->setChecked(true);
-        return;
-    }
-    app::player()->queueGui(OrloEvent::MonophonicSet, 0.0F);
-}
-
-void MainWindow::onMonophonicChanged(bool on)
-{
-    ui->monoButton->setChecked(on);
-    ui->polyButton->setChecked(!on);
-}
-
-void MainWindow::on_stopAllButton_clicked()
-{
-    app::player()->queueEventGui(&mAllNotesOffForced);
-}
-
-void MainWindow::on_volumeSlider_valueChanged(int value)
-{
-    app::player()->queueGui(OrloEvent::MasterVolumeSet, fraction(ui->volumeSlider, value));
-}
-
-void MainWindow::onVolumeChanged(float volume)
-{
-    setFraction(ui->volumeSlider, volume);
-}
-
-QSlider* MainWindow::macroSlider(int number) const
-{
-    return findChild<QSlider*>(QStringLiteral("macroSlider%1").arg(number));
-}
-
-void MainWindow::onMacroSliderValueChanged(int value)
-{
-    const int number = sender()->objectName().last(1).toInt();
-    setMacro(number - 1, value);
-}
-
-void MainWindow::setMacro(int index, int sliderValue)
-{
-    app::player()->queueGui(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + index),
-                            fraction(ui->macroSlider1, sliderValue));
-}
-
-void MainWindow::onMacroValueChanged(int macro, float value)
-{
-    if (QSlider* slider = macroSlider(macro))
-        setFraction(slider, value);
-}
-
-void MainWindow::onMacroNamesReceived(QStringList names)
-{
-    for (int number = 1; number <= MACRO_SLIDERS; ++number) {
-        auto* label = findChild<QLabel*>(QStringLiteral("macroLabel%1").arg(number));
-        QSlider* slider = macroSlider(number);
-        const bool used = number <= names.size();
-        const QString name = used ? capitalised(names[number - 1]) : QStringLiteral("Unused");
-        label->setText(name);
-        label->setEnabled(used);
-        slider->setEnabled(used);
-        slider->setAccessibleName(name);
-    }
-}
-
-void MainWindow::queueMacros(const QList<float>& values)
-{
-    const auto count = qMin<qsizetype>(values.size(), MACRO_SLIDERS);
-    for (qsizetype i = 0; i < count; ++i) {
-        if (MacroList::isDefault(values[i]))
-            app::player()->queueGui(static_cast<OrloEvent::Type>(OrloEvent::Macro1Set + i), values[i]);
-    }
-}
-
-void MainWindow::onMacroDefaultsReceived(QList<float> defaults)
-{
-    queueMacros(defaults);
-    mMacroDefaults = defaults;
-}
-
-void MainWindow::onSetMacroSliders(QList<float> values)
-{
-    queueMacros(values);
-}
-
-void MainWindow::setMacroSlidersToDefault()
-{
-    onMacroDefaultsReceived(QList<float>(mMacroDefaults));
-}
-
-/// A slider that is let go while Alt is down returns to its default.
-void MainWindow::snapBack(QSlider* slider, int value)
-{
-    if (mAltDown)
-        slider->setValue(value);
-}
-
-/// Where the macro's default lies; where the slider is when the patch gave none.
-int MainWindow::macroDefaultPosition(int number) const
-{
-    const QSlider* slider = macroSlider(number);
-    if (number > mMacroDefaults.size() || !MacroList::isDefault(mMacroDefaults[number - 1]))
-        return slider->value();
-    return static_cast<int>(static_cast<float>(slider->maximum()) * mMacroDefaults[number - 1]);
-}
-
 void MainWindow::applyRestrictions(bool restricted)
 {
     mRestricted = restricted;
-    QWidget* const restrictedOnes[] = {ui->chordFrame,      ui->chordStoreFrame, ui->chordPresetsFrame,
-                                       ui->chordHoldButton, ui->glissSliderBig,  ui->glissFineSliderBig};
-    for (QWidget* widget : restrictedOnes)
-        widget->setEnabled(!restricted);
+    mPanel->setRestricted(restricted);
     mOptionsDialog->applyRestrictions(restricted);
 }
 
@@ -520,93 +225,126 @@ void MainWindow::on_optionsButton_clicked()
     mOptionsDialog->show();
 }
 
-void MainWindow::setOptionsDialogPosition(QPoint position)
-{
-    mOptionsDialogPosition = position;
-}
-
-// ---------------------------------------------------------------- mode buttons
-
-void MainWindow::modeButtonClicked(const QPushButton* clicked)
-{
-    QPushButton* const buttons[] = {ui->toggleModeButton, ui->shiftModeButton, ui->removeModeButton,
-                                    ui->selectApplyModeButton};
-    qint16 mode = 0;
-    for (qint16 number = 1; number <= 4; ++number) {
-        QPushButton* button = buttons[number - 1];
-        if (button != clicked)
-            button->setChecked(false);
-        else if (button->isChecked())
-            mode = number;
-    }
-    app::application()->setPressMode(mode);
-}
-
-void MainWindow::on_toggleModeButton_clicked()
-{
-    modeButtonClicked(ui->toggleModeButton);
-}
-
-void MainWindow::on_shiftModeButton_clicked()
-{
-    modeButtonClicked(ui->shiftModeButton);
-}
-
-void MainWindow::on_removeModeButton_clicked()
-{
-    modeButtonClicked(ui->removeModeButton);
-}
-
-void MainWindow::on_selectApplyModeButton_clicked()
-{
-    modeButtonClicked(ui->selectApplyModeButton);
-}
-
-// ---------------------------------------------------------------- readout
+// ---------------------------------------------------------------- events
 
 void MainWindow::onTransposeChanged()
 {
-    updateReadout();
+    mReadout->update();
     updateOrloView();
-}
-
-void MainWindow::updateReadout()
-{
-    const OrloRatio& transposition = mOrlo->transposition();
-    const float base = mOrlo->baseFrequency();
-    const float central = static_cast<float>(transposition.numerator())
-                          / static_cast<float>(transposition.denominator()) * base;
-
-    QString steps;
-    for (const int step : mOrlo->transposeSteps())
-        steps += u'/' + QString::number(step);
-    if (steps.isEmpty())
-        steps = QStringLiteral("/");
-    const QString prefix = QStringLiteral("Shifted prime steps: ");
-    const QFontMetrics metrics(font());
-    const int room = ui->infoLabel1->width() - metrics.horizontalAdvance(prefix);
-    ui->infoLabel1->setText(
-        QStringLiteral("%1%2").arg(prefix, metrics.elidedText(steps, Qt::ElideMiddle, room)));
-
-    if (central == base) {
-        ui->infoLabel2->setText(
-            QStringLiteral("Frequency of central node [= 1/1 Frequency]: %1 Hz").arg(frequencyText(central)));
-    } else {
-        ui->infoLabel2->setText(QStringLiteral("Frequency of central node: %1 Hz        1/1 Frequency: %2 Hz")
-                                    .arg(frequencyText(central), frequencyText(base)));
-    }
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
-    updateReadout(); // the list of steps is cut to the label's width
+    mReadout->update();
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (!mKeyMap->press(event->key(), event->modifiers()))
+        QMainWindow::keyPressEvent(event);
+}
+
+void MainWindow::keyReleaseEvent(QKeyEvent* event)
+{
+    if (!mKeyMap->release(event->key()))
+        QMainWindow::keyReleaseEvent(event);
 }
 
 void MainWindow::changeEvent(QEvent* event)
 {
-    // The release of an Alt that leads to another window does not come here.
+    // When Alt leads to another window, its release does not come here.
     if (event->type() == QEvent::ActivationChange && !isActiveWindow())
-        mAltDown = false;
+        mPanel->snapBack.setAltDown(false);
     QMainWindow::changeEvent(event);
 }
+
+// ---------------------------------------------------------------- handed on to the parts of the panel
+
+// clang-format off
+void MainWindow::setOptionsDialogPosition(QPoint position) { mOptionsDialogPosition = position; }
+void MainWindow::setButtons() { mPanel->display.setButtons(); }
+void MainWindow::setMacroSlidersToDefault() { mPanel->macros.queueDefaults(); }
+void MainWindow::reloadAllSoundingRatios() { mPanel->chords.reloadAllSoundingRatios(); }
+void MainWindow::overrideChordButtonStorage(int number) { mPanel->chords.overrideChordButtonStorage(number); }
+void MainWindow::setChordButton(int number, bool on) { mPanel->chords.setChordButton(number, on); }
+void MainWindow::refreshChordButtons() { mPanel->chords.refreshChordButtons(); }
+void MainWindow::clearAllChordButtons() { mPanel->chords.clearAllChordButtons(); }
+void MainWindow::loadPatch(const QString& path) { mPanel->patches.loadPatch(path); }
+void MainWindow::patch_by_Index(int index) { mPanel->patches.patch_by_Index(index); }
+
+// What the player reports; it counts macros from 1.
+void MainWindow::onVolumeChanged(float volume) { mPanel->volume.showVolume(volume); }
+void MainWindow::onMonophonicChanged(bool on) { mPanel->monoPoly.showMonophonic(on); }
+void MainWindow::onMacroValueChanged(int macro, float value) { mPanel->macros.showValue(macro - 1, value); }
+void MainWindow::onMacroNamesReceived(QStringList names) { mPanel->macros.showNames(names); }
+void MainWindow::onMacroDefaultsReceived(QList<float> defaults) { mPanel->macros.takeDefaults(defaults); }
+void MainWindow::onSetMacroSliders(QList<float> values) { mPanel->macros.queueValues(values); }
+void MainWindow::onPatchDecRequested() { on_patchDecButton_clicked(); }
+void MainWindow::onPatchIncRequested() { on_patchIncButton_clicked(); }
+void MainWindow::onResetGlissSliders(short which) { mPanel->glissando.showReset(which); }
+
+void MainWindow::onMacroSliderValueChanged(int macro) { mPanel->macros.queueMacro(macro); }
+void MainWindow::onSwitcherClicked(QString link) { mPanel->display.chooseView(link); }
+void MainWindow::onAbsRelSwitcherClicked(QString link) { mPanel->display.chooseAbsRel(link); }
+void MainWindow::on_circlesViewButton_clicked() { onSwitcherClicked(QStringLiteral("circles")); }
+void MainWindow::on_grapesViewButton_clicked() { onSwitcherClicked(QStringLiteral("grapes")); }
+void MainWindow::on_absoluteModeButton_clicked() { onAbsRelSwitcherClicked(QStringLiteral("absolute")); }
+void MainWindow::on_relativeModeButton_clicked() { onAbsRelSwitcherClicked(QStringLiteral("relative")); }
+void MainWindow::on_normalizeRatiosButton_clicked() { mPanel->display.normalizeRatiosClicked(); }
+void MainWindow::on_soundgrapeColourButton_clicked() { mPanel->display.soundgrapeColourClicked(); }
+void MainWindow::on_soundgrapeBWButton_clicked() { mPanel->display.soundgrapeBWClicked(); }
+
+void MainWindow::on_monoButton_clicked() { mPanel->monoPoly.monoClicked(); }
+void MainWindow::on_polyButton_clicked() { mPanel->monoPoly.polyClicked(); }
+void MainWindow::on_stopAllButton_clicked() { app::player()->queueGui(OrloEvent::AllNotesOffForced, 1.0F); }
+void MainWindow::on_volumeSlider_valueChanged(int) { mPanel->volume.queueVolume(); }
+void MainWindow::on_glissSliderBig_valueChanged(int) { mPanel->glissando.queueCoarse(); }
+void MainWindow::on_glissFineSliderBig_valueChanged(int) { mPanel->glissando.queueFine(); }
+void MainWindow::on_glissButton_clicked() { mPanel->glissando.buttonClicked(); }
+void MainWindow::on_glissFineButton_clicked() { mPanel->glissando.buttonClicked(); }
+void MainWindow::on_glissResetButton_clicked() { mPanel->glissando.centreBoth(); }
+void MainWindow::on_toggleModeButton_clicked() { mPanel->pressMode.clicked(ui->toggleModeButton); }
+void MainWindow::on_shiftModeButton_clicked() { mPanel->pressMode.clicked(ui->shiftModeButton); }
+void MainWindow::on_removeModeButton_clicked() { mPanel->pressMode.clicked(ui->removeModeButton); }
+void MainWindow::on_selectApplyModeButton_clicked() { mPanel->pressMode.clicked(ui->selectApplyModeButton); }
+
+void MainWindow::on_chordButton_01_clicked() { mPanel->chords.chordButtonClicked(1); }
+void MainWindow::on_chordButton_02_clicked() { mPanel->chords.chordButtonClicked(2); }
+void MainWindow::on_chordButton_03_clicked() { mPanel->chords.chordButtonClicked(3); }
+void MainWindow::on_chordButton_04_clicked() { mPanel->chords.chordButtonClicked(4); }
+void MainWindow::on_chordButton_05_clicked() { mPanel->chords.chordButtonClicked(5); }
+void MainWindow::on_chordButton_06_clicked() { mPanel->chords.chordButtonClicked(6); }
+void MainWindow::on_chordButton_07_clicked() { mPanel->chords.chordButtonClicked(7); }
+void MainWindow::on_chordButton_08_clicked() { mPanel->chords.chordButtonClicked(8); }
+void MainWindow::on_chordButton_09_clicked() { mPanel->chords.chordButtonClicked(9); }
+void MainWindow::on_chordButton_10_clicked() { mPanel->chords.chordButtonClicked(10); }
+void MainWindow::on_chordButton_11_clicked() { mPanel->chords.chordButtonClicked(11); }
+void MainWindow::on_chordButton_12_clicked() { mPanel->chords.chordButtonClicked(12); }
+void MainWindow::on_chordButton_13_clicked() { mPanel->chords.chordButtonClicked(13); }
+void MainWindow::on_chordButton_14_clicked() { mPanel->chords.chordButtonClicked(14); }
+void MainWindow::on_chordButton_15_clicked() { mPanel->chords.chordButtonClicked(15); }
+void MainWindow::on_chordButton_16_clicked() { mPanel->chords.chordButtonClicked(16); }
+void MainWindow::on_chordButton_17_clicked() { mPanel->chords.chordButtonClicked(17); }
+void MainWindow::on_chordButton_18_clicked() { mPanel->chords.chordButtonClicked(18); }
+void MainWindow::on_chordButton_19_clicked() { mPanel->chords.chordButtonClicked(19); }
+void MainWindow::on_chordButton_20_clicked() { mPanel->chords.chordButtonClicked(20); }
+void MainWindow::on_chordRowButton_01_clicked() { mPanel->chords.chooseRow(0); }
+void MainWindow::on_chordRowButton_02_clicked() { mPanel->chords.chooseRow(1); }
+void MainWindow::on_chordStoreToButton_clicked() { mPanel->chords.storeToClicked(); }
+void MainWindow::on_chordClearButton_clicked() { mPanel->chords.clearClicked(); }
+void MainWindow::on_chordClearAllButton_clicked() { mPanel->chords.clearAllClicked(); }
+void MainWindow::on_chordAdditiveRecallButton_clicked() { mPanel->chords.additiveRecallClicked(); }
+void MainWindow::on_chordAlternatingRecallButton_clicked() { mPanel->chords.alternatingRecallClicked(); }
+void MainWindow::on_chordHoldButton_clicked() { mPanel->chords.holdClicked(); }
+void MainWindow::on_saveChordBankMenu_activated() { mPanel->chordPresets.bankActivated(); }
+void MainWindow::on_saveChordSetMenu_activated() { mPanel->chordPresets.presetActivated(); }
+void MainWindow::on_saveChordDirectoryButton_clicked() { mPanel->chordPresets.directoryClicked(); }
+void MainWindow::on_saveChordSetLoadButton_clicked() { mPanel->chordPresets.loadClicked(); }
+void MainWindow::on_saveChordSetSaveButton_clicked() { mPanel->chordPresets.saveClicked(); }
+
+void MainWindow::on_patchMenu_activated(int index) { mPanel->patches.patch_by_Index(index); }
+void MainWindow::on_patchDecButton_clicked() { mPanel->patches.stepPatch(-1); }
+void MainWindow::on_patchIncButton_clicked() { mPanel->patches.stepPatch(1); }
+void MainWindow::on_loadPatchButton_clicked() { mPanel->patches.browse(); }
+// clang-format on

@@ -1,34 +1,28 @@
 #pragma once
 
-#include "sound/OrloEvent.h"
-
-#include <QHash>
 #include <QList>
 #include <QMainWindow>
 #include <QPoint>
 
-#include <functional>
 #include <memory>
-#include <optional>
 
-class ChordPresets;
 class DiagnosticsDialog;
+class KeyMap;
 class OptionsDialog;
 class Orlo;
 class OrloLayer;
 class OrloView;
-class QComboBox;
-class QPushButton;
-class QSlider;
+class Readout;
 class TweakDialog;
+struct PanelParts;
 
 namespace Ui {
 class MainWindow;
 }
 
-/// The one window: the panel with the sound controls, the two pages of the lattice, the readout
-/// and the keyboard map. Every sound action goes to the player as an event; what comes back is
-/// written into the controls with their signals blocked, so that it cannot echo.
+/// The one window. It holds the form, the two pages of the lattice and the dialogs, and hands each slot
+/// on to the part of the panel that does the work. Every sound action goes to the player as an event;
+/// what comes back is written into the controls with their signals blocked, so that it is not sent again.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -37,35 +31,31 @@ public:
     explicit MainWindow(Orlo* orlo);
     ~MainWindow() override;
 
-    /// Of the page now shown.
+    /// The view of the page now shown.
     OrloView* orloView() const;
-    /// Balls and cards of the page now shown, by the present options.
+    /// Draws balls and cards of the page now shown by the present options.
     void updateOrloView();
-    /// After the geometry constants were edited. Rebuilds the page now shown only.
+    /// Rebuilds the page now shown, and only this one, after the geometry constants were edited.
     void updateTweaks();
     /// Applies the option `orloZoomMode` to the page now shown.
     void updateZoomMode();
-    /// The display switches as the options have them.
+    /// Sets the display switches as the options have them.
     void setButtons();
     void setMacroSlidersToDefault();
-    /// The chord panel and the two big glissando sliders are unavailable.
+    /// Makes the chord panel and the two big glissando sliders unavailable, or available again.
     void applyRestrictions(bool restricted);
 
     /// Where the options dialog opens the next time.
     void setOptionsDialogPosition(QPoint position);
-    /// Stores what sounds once more and recalls it, by way of the scratch slot.
+    // What ChordPanel does under these names.
     void reloadAllSoundingRatios();
-    /// Stores without asking, an empty chord too.
     void overrideChordButtonStorage(int number);
     void setChordButton(int number, bool on);
-    /// As the chord memory is.
     void refreshChordButtons();
     void clearAllChordButtons();
 
-    /// Tries the voice file, copies it into the runtime folder and opens the patch. An empty path does
-    /// nothing; a failure ends at a message box, and the former voice plays on.
+    // What PatchMenu does under these names.
     void loadPatch(const QString& path);
-    /// By index in the menu.
     void patch_by_Index(int index);
 
 protected:
@@ -86,7 +76,7 @@ private slots:
     void onPatchIncRequested();
     void onResetGlissSliders(short which);
 
-    void onMacroSliderValueChanged(int value);
+    void onMacroSliderValueChanged(int macro);
     void onSwitcherClicked(QString link);
     void onAbsRelSwitcherClicked(QString link);
 
@@ -155,105 +145,25 @@ private slots:
     void on_loadPatchButton_clicked();
 
 private:
-    struct KeyRow;
-
-    void alignControls();
-    void setUpIcons();
-    void hideUnusedControls();
     void makeSwitcherLabels();
     void connectPlayer();
-    void connectSliders();
-    /// Asks for a newer version, as often as the options want it.
-    void applicationUpdateCheck();
+    void connectPanel();
+    void makeStatusLine();
     void makeDevelopmentDialogs();
     void makeOptionsDialog();
-    void makeStatusLine();
-    void updateReadout();
+    /// Asks for a newer version, as often as the options want it.
+    void applicationUpdateCheck();
     OrloLayer* currentLayer() const;
-
-    void setMacro(int index, int sliderValue);
-    void queueMacros(const QList<float>& values);
-    QSlider* macroSlider(int number) const;
-    void snapBack(QSlider* slider, int value);
-    int macroDefaultPosition(int number) const;
-    void modeButtonClicked(const QPushButton* clicked);
-
-    void toggleGlissSliders();
-    void showGlissSliders();
-    void rememberGlissButtons();
-
-    void collectChordButtons();
-    QPushButton* chordOfRow(int index) const { return mChordButtons[10 * mChordRow + index]; }
-    void chordButtonClicked(int number);
-    void storeChord(int number);
-    void recallChord(int number);
-    void chooseChordRow(int row);
-    void cycleRecallMode();
-    bool ask(const QString& title, const QString& question);
-    void tell(const QString& text);
-
-    ChordPresets chordPresets() const;
-    void repopulateChordBankMenu();
-    void repopulateChordSetMenu();
-    void createBank();
-    void removeLastBank();
-    void createPreset();
-    void removeLastPreset();
-    void updatePresetButtons();
-    QString chosenPresetFile() const;
-
-    void buildKeyMap();
-    void addKey(int key, const KeyRow& row);
-    void moveHighlight(int by);
-
-    void initPatchMenu();
-    void loadDefaultPatch();
-    void addPatchToMenu(const QString& path);
-    std::optional<QString> changeVoice(const QString& path);
-    bool openVoicePatch(const QString& path);
-    void tellPatchFailed(const QString& path, const QString& reason);
-    void tellPatch();
-    void setNoPatchLoaded(bool on);
-    void stepPatch(int by);
 
     std::unique_ptr<Ui::MainWindow> ui;
     Orlo* mOrlo;
-    QHash<int, QList<KeyRow>> mKeyMap; // rows of one key are tried in their order
-    int mHighlightedRow = 1;           // of the transpose column, 1 to 11
-    QList<float> mMacroDefaults;
-    QList<QPushButton*> mChordButtons; // 1 to 20
-    int mChordRow = 0;                 // that the number keys address, 0 or 1
-    bool mGlissWasOn = false;
-    bool mGlissFineWasOn = false;
-    QString mLastBank = QStringLiteral("*"); // the menus' first item: no choice
-    QString mLastPreset = QStringLiteral("*");
-    bool mAltDown = false;
+    std::unique_ptr<PanelParts> mPanel;
+    std::unique_ptr<Readout> mReadout;
+    std::unique_ptr<KeyMap> mKeyMap;
     bool mRestricted = false;
-    int mCurrentPatch = -1; // index in the menu
-    bool mChangingVoice = false;
-    QString mNextVoice;                      // asked for meanwhile
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
-    QPoint mOptionsDialogPosition;           // (0, 0): where the screen puts it
+    QPoint mOptionsDialogPosition;           // (0, 0): the window system places it
     // Child dialogs that only a developer shows.
     DiagnosticsDialog* mDiagnosticsDialog = nullptr;
     TweakDialog* mTweakDialog = nullptr;
-
-    const OrloEvent mAllNotesOff{OrloEvent::AllNotesOff, 1.0F};
-    const OrloEvent mAllNotesOffForced{OrloEvent::AllNotesOffForced, 1.0F};
-    const OrloEvent mNodesDeselectAll{OrloEvent::NodesDeselectAll, 1.0F};
-};
-
-/// One row of the keyboard map.
-struct MainWindow::KeyRow
-{
-    enum Rule {
-        Any,     // modifiers do not matter
-        Exactly, // these and no others
-        With,    // these, others may be held too
-    };
-    Rule rule;
-    Qt::KeyboardModifiers modifiers;
-    std::function<void()> action;
-
-    bool matches(Qt::KeyboardModifiers held) const;
 };

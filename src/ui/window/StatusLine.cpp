@@ -73,7 +73,7 @@ void StatusLine::refresh()
     setVisible(!text.isEmpty());
     if (property("warning").toBool() == warnings.isEmpty()) {
         setProperty("warning", !warnings.isEmpty());
-        style()->unpolish(this); // so that the style sheet is asked anew
+        style()->unpolish(this); // the style sheet's rule for it has changed
         style()->polish(this);
     }
     place();
@@ -81,7 +81,7 @@ void StatusLine::refresh()
 
 void StatusLine::place()
 {
-    // A long name is cut off at the lattice's edge.
+    // A long device name is cut off at the lattice's edge.
     const QSize size = sizeHint().boundedTo(mOver->size() - QSize(2 * DISTANCE.x(), 0));
     const QPoint corner = mOver->mapTo(parentWidget(), QPoint(0, mOver->height()));
     setGeometry(QRect(corner + QPoint(DISTANCE.x(), -DISTANCE.y() - size.height()), size));
@@ -95,7 +95,7 @@ bool StatusLine::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
-// ---------------------------------------------------------------- what it tells
+// ---------------------------------------------------------------- messages of the devices
 
 void StatusLine::showDevice()
 {

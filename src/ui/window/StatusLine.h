@@ -8,20 +8,20 @@ class MidiOutput;
 class QLabel;
 class QPushButton;
 
-/// A short line in the lower left corner of the lattice: which device plays and how it fares, or what
-/// has gone wrong. It takes no room from the lattice and, while all is well, no clicks.
+/// A short line over the lower left corner of the lattice: which device plays and how many blocks came
+/// late, or what has gone wrong. Clicks go through it to the lattice, except while the device is lost.
 class StatusLine : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The earlier one comes first when several have gone wrong.
+    /// Several warnings are shown in this order.
     enum Source { Sound, Midi, Action };
 
-    /// Lies in the corner of `over`, among its parent's children.
+    /// Follows the corner of `over`. Both have the same parent.
     explicit StatusLine(QWidget* over);
 
-    /// What goes wrong hides what is well.
+    // Each source has one message. While there are warnings, other messages are hidden.
     void tell(Source source, const QString& text);
     void warn(Source source, const QString& text);
     void clear(Source source);
@@ -30,7 +30,7 @@ public:
     void follow(const MidiOutput* output);
 
 signals:
-    /// The player wants the lost device back now.
+    /// A click on "Try again".
     void tryAgainRequested();
 
 protected:

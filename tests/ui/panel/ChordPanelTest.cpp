@@ -1,5 +1,3 @@
-// The chord buttons and the glissando sliders, by real clicks and keys.
-
 #include "sound/OrloNoteEvent.h"
 #include "support/LogCatcher.h"
 #include "ui/WindowFixture.h"
@@ -24,14 +22,13 @@ std::string textOf(const QList<OrloRatio>& ratios)
 
 } // namespace
 
-class ChordPanel : public WindowFixture
+class ChordPanelTest : public WindowFixture
 {
 protected:
     void play(const QList<OrloRatio>& ratios)
     {
         drain();
-        const OrloEvent stop(OrloEvent::AllNotesOffForced, 1.0F);
-        player.queueEventGui(&stop);
+        player.queueGui(OrloEvent::AllNotesOffForced, 1.0F);
         for (const OrloRatio& ratio : ratios) {
             const OrloNoteEvent event(ratio);
             player.queueEventGui(&event);
@@ -62,7 +59,7 @@ protected:
     BoxAnswers boxes;
 };
 
-TEST_F(ChordPanel, StoresRecallsAndClearsByClicks)
+TEST_F(ChordPanelTest, StoresRecallsAndClearsByClicks)
 {
     clickChord(7); // empty: recall mode leaves it as it is
     EXPECT_FALSE(chord(7)->isChecked());
@@ -104,7 +101,7 @@ TEST_F(ChordPanel, StoresRecallsAndClearsByClicks)
     EXPECT_EQ(textOf(player.getAllSoundingRatios()), "1/1 3/2");
 }
 
-TEST_F(ChordPanel, EachButtonStoresItsOwnChord)
+TEST_F(ChordPanelTest, EachButtonStoresItsOwnChord)
 {
     play({A});
     click("chordStoreToButton");
@@ -115,15 +112,14 @@ TEST_F(ChordPanel, EachButtonStoresItsOwnChord)
     }
 }
 
-TEST_F(ChordPanel, PairsExcludeEachOther)
+TEST_F(ChordPanelTest, PairsExcludeEachOther)
 {
-    const std::pair<const char*, const char*> pairs[] = {
-        {"chordStoreToButton", "chordClearButton"},
-        {"chordAdditiveRecallButton", "chordAlternatingRecallButton"}};
     press(Qt::Key_T, Qt::ControlModifier);
     press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(isOn("chordClearButton") && !isOn("chordStoreToButton"));
-    for (const auto& [one, other] : pairs) {
+    for (const auto& [one, other] :
+         {std::pair{"chordStoreToButton", "chordClearButton"},
+          std::pair{"chordAdditiveRecallButton", "chordAlternatingRecallButton"}}) {
         click(one);
         EXPECT_FALSE(isOn(other)) << other;
         click(other);
@@ -139,7 +135,7 @@ TEST_F(ChordPanel, PairsExcludeEachOther)
     }
 }
 
-TEST_F(ChordPanel, AChordInMonoAsksAndIsRecalledEitherWay)
+TEST_F(ChordPanelTest, AChordInMonoAsksAndIsRecalledEitherWay)
 {
     store(1, {A, B});
     store(2, {C});
@@ -157,7 +153,7 @@ TEST_F(ChordPanel, AChordInMonoAsksAndIsRecalledEitherWay)
     }
 }
 
-TEST_F(ChordPanel, ClearingAllAsksUnlessThereIsNothing)
+TEST_F(ChordPanelTest, ClearingAllAsksUnlessThereIsNothing)
 {
     click("chordClearAllButton");
     EXPECT_TRUE(boxes.take().isEmpty());
@@ -171,7 +167,7 @@ TEST_F(ChordPanel, ClearingAllAsksUnlessThereIsNothing)
     }
 }
 
-TEST_F(ChordPanel, DigitsAddressTheChosenRow)
+TEST_F(ChordPanelTest, DigitsAddressTheChosenRow)
 {
     const std::pair<int, QList<OrloRatio>> chordsOf[] = {{1, {A}}, {10, {B}}, {11, {C}}, {20, {A, C}}};
     for (const auto& [number, ratios] : chordsOf)
@@ -194,7 +190,7 @@ TEST_F(ChordPanel, DigitsAddressTheChosenRow)
     EXPECT_TRUE(isOn("chordRowButton_02") && !isOn("chordRowButton_01"));
 }
 
-TEST_F(ChordPanel, HoldNeedsSomethingToHold)
+TEST_F(ChordPanelTest, HoldNeedsSomethingToHold)
 {
     const auto expectHold = [this](float queued, bool lit) {
         EXPECT_EQ(commands(), QList<Command>({{OrloEvent::NodesHold, queued}}));
@@ -213,7 +209,7 @@ TEST_F(ChordPanel, HoldNeedsSomethingToHold)
     expectHold(0.0F, false);
 }
 
-TEST_F(ChordPanel, RestrictionsTakePanelAndGlissandoAway)
+TEST_F(ChordPanelTest, RestrictionsTakePanelAndGlissandoAway)
 {
     store(1, {A});
     play({B});
@@ -235,7 +231,7 @@ TEST_F(ChordPanel, RestrictionsTakePanelAndGlissandoAway)
     EXPECT_TRUE(chord(1)->isEnabled());
 }
 
-TEST_F(ChordPanel, GlissButtonsShowTheirSliders)
+TEST_F(ChordPanelTest, GlissButtonsShowTheirSliders)
 {
     window->show();
     const char* const key = ""; // Ctrl+G: both away, or back as they were

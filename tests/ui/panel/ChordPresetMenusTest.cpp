@@ -1,7 +1,3 @@
-// The menus of banks and presets, by real choices and answered boxes.
-
-#include "app/Settings.h"
-#include "sound/OrloNoteEvent.h"
 #include "support/LogCatcher.h"
 #include "ui/WindowFixture.h"
 
@@ -10,13 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace {
-
-const QString STAR = QStringLiteral("*");
-
-} // namespace
-
-class ChordMenus : public WindowFixture
+class ChordPresetMenusTest : public WindowFixture
 {
 protected:
     QComboBox* banks() const { return find<QComboBox>("saveChordBankMenu"); }
@@ -39,13 +29,13 @@ protected:
     }
     bool buttonsAreOn() const { return button("saveChordSetLoadButton")->isEnabled(); }
     QString preset(const char* path) const { return settings.lastDirPath + u'/' + QString::fromUtf8(path); }
-    void store(int slot, const OrloRatio& ratio) { chords.storedChords()->insert(slot, {ratio}); }
 
+    const QString STAR = QStringLiteral("*");
     const LogCatcher quiet;
     BoxAnswers boxes;
 };
 
-TEST_F(ChordMenus, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
+TEST_F(ChordPresetMenusTest, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
 {
     create(banks(), "Mine");
     EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
@@ -54,14 +44,14 @@ TEST_F(ChordMenus, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     EXPECT_TRUE(buttonsAreOn());
     boxes.take();
 
-    store(2, OrloRatio(3, 2));
     press(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_TRUE(home.read(QStringLiteral("chord_presets/Mine/First.btoc")).startsWith("0\n3/2 0\n0\n"));
-    window->clearAllChordButtons();
-    store(5, OrloRatio(7, 4));
+    window->setChordButton(2, true);
+    chords.storedChords()->insert(5, {OrloRatio(7, 4)});
     press(Qt::Key_L, Qt::ControlModifier);
-    EXPECT_TRUE(button("chordButton_02")->isChecked());
-    EXPECT_FALSE(button("chordButton_05")->isChecked());
+    EXPECT_EQ(services.take(), QStringList({QStringLiteral("saved Mine/First.btoc"),
+                                            QStringLiteral("loaded Mine/First.btoc")}));
+    EXPECT_FALSE(button("chordButton_02")->isChecked()) << "the buttons show the memory";
+    EXPECT_TRUE(button("chordButton_05")->isChecked());
     EXPECT_TRUE(boxes.take().isEmpty()); // neither asks
 
     const std::pair<QComboBox*, const char*> removals[] = {{presets(), "Mine/First.btoc"}, {banks(), "Mine"}};
@@ -81,7 +71,7 @@ TEST_F(ChordMenus, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     }
 }
 
-TEST_F(ChordMenus, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
+TEST_F(ChordPresetMenusTest, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
 {
     create(banks(), "Mine");
     create(presets(), "First");
@@ -108,7 +98,7 @@ TEST_F(ChordMenus, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
     EXPECT_TRUE(boxes.take().last().contains(QStringLiteral("Main directory does not exist")));
 }
 
-TEST_F(ChordMenus, AnEntryNamedLikeAnActionIsAnEntry)
+TEST_F(ChordPresetMenusTest, AnEntryNamedLikeAnActionIsAnEntry)
 {
     create(banks(), "-- remove last chosen bank --");
     create(presets(), "-- create new preset --");
@@ -119,25 +109,21 @@ TEST_F(ChordMenus, AnEntryNamedLikeAnActionIsAnEntry)
     EXPECT_TRUE(buttonsAreOn());
 }
 
-TEST_F(ChordMenus, WithThePlaceholderLoadAndSaveTouchNoFile)
+TEST_F(ChordPresetMenusTest, WithThePlaceholderLoadAndSaveTouchNoFile)
 {
     create(banks(), "One");
     create(presets(), "Common");
-    store(1, OrloRatio(3, 2));
-    click("saveChordSetSaveButton");
     create(banks(), "Two");
     // A change of bank shows no preset, and leaves the buttons on.
     EXPECT_EQ(presets()->currentText(), STAR);
     EXPECT_TRUE(buttonsAreOn());
-    services.saved.clear();
     click("saveChordSetSaveButton");
     click("saveChordSetLoadButton");
     choose(banks(), 0);
     EXPECT_FALSE(buttonsAreOn());
     press(Qt::Key_S, Qt::ControlModifier);
     press(Qt::Key_L, Qt::ControlModifier);
-    EXPECT_TRUE(services.saved.isEmpty());
-    EXPECT_TRUE(services.loaded.isEmpty());
+    EXPECT_TRUE(services.take().isEmpty());
 
     // The bank chosen already keeps its preset; another one does not.
     choose(banks(), "One");
@@ -145,10 +131,10 @@ TEST_F(ChordMenus, WithThePlaceholderLoadAndSaveTouchNoFile)
     choose(banks(), "One");
     EXPECT_EQ(presets()->currentText(), QStringLiteral("Common"));
     click("saveChordSetLoadButton");
-    EXPECT_EQ(services.loaded, QStringList{preset("One/Common.btoc")});
+    EXPECT_EQ(services.take(), QStringList{QStringLiteral("loaded One/Common.btoc")});
 }
 
-TEST_F(ChordMenus, WhatHasGoneFromTheDiskIsNoChoice)
+TEST_F(ChordPresetMenusTest, WhatHasGoneFromTheDiskIsNoChoice)
 {
     create(banks(), "One");
     create(presets(), "Gone");
@@ -156,7 +142,7 @@ TEST_F(ChordMenus, WhatHasGoneFromTheDiskIsNoChoice)
     choose(banks(), "One");
     EXPECT_EQ(presets()->currentText(), STAR);
     click("saveChordSetSaveButton");
-    EXPECT_TRUE(services.saved.isEmpty());
+    EXPECT_TRUE(services.take().isEmpty());
     ASSERT_TRUE(QDir(preset("One")).removeRecursively());
     boxes.take();
     boxes.answer(true);
@@ -164,7 +150,7 @@ TEST_F(ChordMenus, WhatHasGoneFromTheDiskIsNoChoice)
     EXPECT_EQ(banks()->currentText(), STAR);
 }
 
-TEST_F(ChordMenus, ADirectoryIsChosenAndItsBanksListed)
+TEST_F(ChordPresetMenusTest, ADirectoryIsChosenAndItsBanksListed)
 {
     create(banks(), "One");
     create(presets(), "P");

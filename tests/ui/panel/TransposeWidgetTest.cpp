@@ -1,7 +1,7 @@
 #include "ui/panel/TransposeWidget.h"
+#include "ui/UiFixture.h"
 #include "ui/panel/PrimeToggleButton.h"
 #include "ui/panel/TransposeButton.h"
-#include "ui/UiFixture.h"
 
 #include <QGraphicsEffect>
 #include <QImage>

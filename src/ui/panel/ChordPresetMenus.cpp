@@ -1,24 +1,22 @@
-// The part of the main window with the menus of chord banks and presets on disk.
+#include "ui/panel/ChordPresetMenus.h"
 
-#include "ui/window/MainWindow.h"
-
-#include "app/Accessors.h"
 #include "app/ApplicationServices.h"
 #include "app/Settings.h"
 #include "memory/ChordPresets.h"
-#include "ui_MainWindow.h"
+#include "ui/panel/MessageBoxes.h"
 
 #include <QComboBox>
 #include <QDebug>
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QPushButton>
 
 namespace {
 
-const QString PLACEHOLDER = QStringLiteral("*"); // no choice; the first item of both menus
+const QString PLACEHOLDER = QStringLiteral("*"); // the first item of both menus, for no choice
 
-// A bank or preset may be named like one of the two actions, so they are told apart by their place.
+// The two actions at the end are recognised by their place: a bank or preset may have the same name.
 bool isCreate(const QComboBox* menu)
 {
     return menu->currentIndex() == menu->count() - 2;
@@ -51,37 +49,56 @@ void fill(QComboBox* menu, const QStringList& names, const QString& kind)
 
 } // namespace
 
-ChordPresets MainWindow::chordPresets() const
+ChordPresetMenus::ChordPresetMenus(const Widgets& widgets, Settings* settings,
+                                   ApplicationServices* application)
+    : mWidgets(widgets)
+    , mSettings(settings)
+    , mApplication(application)
+    , mLastBank(PLACEHOLDER)
+    , mLastPreset(PLACEHOLDER)
 {
-    return ChordPresets(app::settings()->lastDirPath);
 }
 
-void MainWindow::repopulateChordBankMenu()
+ChordPresets ChordPresetMenus::chordPresets() const
 {
-    fill(ui->saveChordBankMenu, chordPresets().banks(), QStringLiteral("bank"));
+    return ChordPresets(mSettings->lastDirPath);
+}
+
+void ChordPresetMenus::repopulateChordBankMenu()
+{
+    fill(mWidgets.banks, chordPresets().banks(), QStringLiteral("bank"));
     repopulateChordSetMenu();
 }
 
-void MainWindow::repopulateChordSetMenu()
+void ChordPresetMenus::repopulateChordSetMenu()
 {
-    const QStringList presets = hasNoChoice(ui->saveChordBankMenu)
-                                    ? QStringList()
-                                    : chordPresets().presets(ui->saveChordBankMenu->currentText());
-    fill(ui->saveChordSetMenu, presets, QStringLiteral("preset"));
+    const QStringList presets =
+        hasNoChoice(mWidgets.banks) ? QStringList() : chordPresets().presets(mWidgets.banks->currentText());
+    fill(mWidgets.presets, presets, QStringLiteral("preset"));
 }
 
-void MainWindow::updatePresetButtons()
+void ChordPresetMenus::updateButtons()
 {
     const bool chosen = mLastPreset != PLACEHOLDER;
-    ui->saveChordSetLoadButton->setEnabled(chosen);
-    ui->saveChordSetSaveButton->setEnabled(chosen);
+    mWidgets.load->setEnabled(chosen);
+    mWidgets.save->setEnabled(chosen);
+}
+
+QWidget* ChordPresetMenus::window() const
+{
+    return mWidgets.frame->window();
+}
+
+void ChordPresetMenus::setRestricted(bool restricted)
+{
+    mWidgets.frame->setDisabled(restricted);
 }
 
 // ---------------------------------------------------------------- banks
 
-void MainWindow::on_saveChordBankMenu_activated()
+void ChordPresetMenus::bankActivated()
 {
-    QComboBox* menu = ui->saveChordBankMenu;
+    QComboBox* menu = mWidgets.banks;
     if (hasNoChoice(menu)) {
         mLastBank = PLACEHOLDER;
         mLastPreset = PLACEHOLDER;
@@ -92,29 +109,32 @@ void MainWindow::on_saveChordBankMenu_activated()
         removeLastBank();
     } else if (menu->currentText() == mLastBank) {
         repopulateChordSetMenu();
-        restore(ui->saveChordSetMenu, mLastPreset);
+        restore(mWidgets.presets, mLastPreset);
     } else {
         mLastBank = menu->currentText();
         repopulateChordSetMenu();
     }
-    updatePresetButtons();
+    updateButtons();
 }
 
-void MainWindow::createBank()
+void ChordPresetMenus::createBank()
 {
-    QComboBox* menu = ui->saveChordBankMenu;
+    QComboBox* menu = mWidgets.banks;
     qDebug() << "New bank ...";
     const QString name =
-        QInputDialog::getText(this, QStringLiteral("New bank"), QStringLiteral("Create bank with name:"));
+        QInputDialog::getText(window(), QStringLiteral("New bank"), QStringLiteral("Create bank with name:"));
     const ChordPresets presets = chordPresets();
     if (name.isEmpty()) {
         restore(menu, mLastBank);
     } else if (!presets.directoryExists()) {
-        tell(QStringLiteral("Error: Main directory does not exist. Please choose a directory first!"));
+        showWarning(window(),
+                    QStringLiteral("Error: Main directory does not exist. Please choose a directory first!"));
         restore(menu, mLastBank);
     } else if (!presets.makeBank(name)) {
-        qDebug() << "Error: Failed to create new subdirectory in:" << app::settings()->lastDirPath;
-        tell(QStringLiteral("Error: Could not create bank. It might already exist or name is invalid!"));
+        qDebug() << "Error: Failed to create new subdirectory in:" << mSettings->lastDirPath;
+        showWarning(
+            window(),
+            QStringLiteral("Error: Could not create bank. It might already exist or name is invalid!"));
         restore(menu, mLastBank);
     } else {
         mLastBank = name;
@@ -124,12 +144,12 @@ void MainWindow::createBank()
     }
 }
 
-void MainWindow::removeLastBank()
+void ChordPresetMenus::removeLastBank()
 {
     const QString question = QStringLiteral("Are you sure you want to remove bank '") + mLastBank
                              + QStringLiteral("' and all containing presets? This cannot be undone!");
-    if (mLastBank == PLACEHOLDER || !ask(QStringLiteral("Remove bank"), question)) {
-        restore(ui->saveChordBankMenu, mLastBank);
+    if (mLastBank == PLACEHOLDER || !askYesOrNo(window(), QStringLiteral("Remove bank"), question)) {
+        restore(mWidgets.banks, mLastBank);
         return;
     }
     chordPresets().removeBank(mLastBank);
@@ -139,10 +159,10 @@ void MainWindow::removeLastBank()
 
 // ---------------------------------------------------------------- presets
 
-void MainWindow::on_saveChordSetMenu_activated()
+void ChordPresetMenus::presetActivated()
 {
-    QComboBox* menu = ui->saveChordSetMenu;
-    if (hasNoChoice(ui->saveChordBankMenu) || hasNoChoice(menu)) {
+    QComboBox* menu = mWidgets.presets;
+    if (hasNoChoice(mWidgets.banks) || hasNoChoice(menu)) {
         restore(menu, PLACEHOLDER);
         mLastPreset = PLACEHOLDER;
     } else if (isCreate(menu)) {
@@ -152,24 +172,25 @@ void MainWindow::on_saveChordSetMenu_activated()
     } else {
         mLastPreset = menu->currentText();
     }
-    updatePresetButtons();
+    updateButtons();
 }
 
-void MainWindow::createPreset()
+void ChordPresetMenus::createPreset()
 {
-    QComboBox* menu = ui->saveChordSetMenu;
+    QComboBox* menu = mWidgets.presets;
     qDebug() << "New preset ...";
-    const QString name =
-        QInputDialog::getText(this, QStringLiteral("New preset"), QStringLiteral("Create preset with name:"));
+    const QString name = QInputDialog::getText(window(), QStringLiteral("New preset"),
+                                               QStringLiteral("Create preset with name:"));
     const ChordPresets presets = chordPresets();
     if (name.isEmpty()) {
         restore(menu, mLastPreset);
     } else if (presets.presetExists(mLastBank, name)) {
-        tell(QStringLiteral("Preset name already exists!"));
+        showWarning(window(), QStringLiteral("Preset name already exists!"));
         restore(menu, mLastPreset);
     } else if (!presets.makePreset(mLastBank, name)) {
         qDebug() << "Error: Failed to create file:" << presets.presetPath(mLastBank, name);
-        tell(QStringLiteral("Error: Failed to create preset file on the disk. Name is invalid!"));
+        showWarning(window(),
+                    QStringLiteral("Error: Failed to create preset file on the disk. Name is invalid!"));
         restore(menu, mLastPreset);
     } else {
         repopulateChordSetMenu();
@@ -178,12 +199,12 @@ void MainWindow::createPreset()
     }
 }
 
-void MainWindow::removeLastPreset()
+void ChordPresetMenus::removeLastPreset()
 {
     const QString question = QStringLiteral("Are you sure you want to remove preset '") + mLastPreset
                              + QStringLiteral("'? This cannot be undone!");
-    if (mLastPreset == PLACEHOLDER || !ask(QStringLiteral("Remove preset"), question)) {
-        restore(ui->saveChordSetMenu, mLastPreset);
+    if (mLastPreset == PLACEHOLDER || !askYesOrNo(window(), QStringLiteral("Remove preset"), question)) {
+        restore(mWidgets.presets, mLastPreset);
         return;
     }
     chordPresets().removePreset(mLastBank, mLastPreset);
@@ -193,47 +214,46 @@ void MainWindow::removeLastPreset()
 
 // ---------------------------------------------------------------- directory, load and save
 
-void MainWindow::on_saveChordDirectoryButton_clicked()
+void ChordPresetMenus::directoryClicked()
 {
     const QString directory = QFileDialog::getExistingDirectory(
-        this, QStringLiteral("Choose Directory"), app::settings()->lastDirPath, QFileDialog::ShowDirsOnly);
+        window(), QStringLiteral("Choose Directory"), mSettings->lastDirPath, QFileDialog::ShowDirsOnly);
     if (directory.isEmpty())
         return;
-    app::settings()->lastDirPath = directory;
+    mSettings->lastDirPath = directory;
     repopulateChordBankMenu();
     mLastBank = PLACEHOLDER;
     mLastPreset = PLACEHOLDER;
-    updatePresetButtons();
+    updateButtons();
 }
 
-/// Empty while either menu shows no choice; the buttons may be enabled even so, after a change of
-/// bank.
-QString MainWindow::chosenPresetFile() const
+/// Empty while either menu shows no choice. The buttons can be enabled all the same, after a change
+/// of bank.
+QString ChordPresetMenus::chosenPresetFile() const
 {
-    if (hasNoChoice(ui->saveChordBankMenu) || hasNoChoice(ui->saveChordSetMenu))
+    if (hasNoChoice(mWidgets.banks) || hasNoChoice(mWidgets.presets))
         return QString();
-    return chordPresets().presetPath(ui->saveChordBankMenu->currentText(),
-                                     ui->saveChordSetMenu->currentText());
+    return chordPresets().presetPath(mWidgets.banks->currentText(), mWidgets.presets->currentText());
 }
 
-void MainWindow::on_saveChordSetLoadButton_clicked()
+void ChordPresetMenus::loadClicked()
 {
     const QString path = chosenPresetFile();
     if (path.isEmpty())
         return;
     QDir file(path);
-    if (app::application()->loadChordsFromDiskToStorage(&file))
-        refreshChordButtons();
+    if (mApplication->loadChordsFromDiskToStorage(&file))
+        emit chordsLoaded();
     else
-        tell(QStringLiteral("Error: Could not load preset from disk!"));
+        showWarning(window(), QStringLiteral("Error: Could not load preset from disk!"));
 }
 
-void MainWindow::on_saveChordSetSaveButton_clicked()
+void ChordPresetMenus::saveClicked()
 {
     const QString path = chosenPresetFile();
     if (path.isEmpty())
         return;
     QDir file(path);
-    if (!app::application()->saveStoredChordsToDisk(&file))
-        tell(QStringLiteral("Error: Could not safe preset to disk!"));
+    if (!mApplication->saveStoredChordsToDisk(&file))
+        showWarning(window(), QStringLiteral("Error: Could not safe preset to disk!"));
 }

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QList>
+#include <QStringList>
+
+class PdPlayer;
+class QLabel;
+class QSlider;
+
+/// The sliders of a patch's macros, with the names and defaults that the patch gives them.
+/// Macros are counted from 0.
+class MacroSliders
+{
+public:
+    /// A slider and a label for each macro.
+    MacroSliders(const QList<QSlider*>& sliders, const QList<QLabel*>& labels, PdPlayer* player);
+
+    const QList<QSlider*>& sliders() const { return mSliders; }
+
+    /// Sends the slider's value to the player.
+    void queueMacro(int macro) const;
+    /// Sends all sliders' values, which a new patch does not know.
+    void queueAllMacros() const;
+    /// Sends these values; one that is no default is left out.
+    void queueValues(const QList<float>& values) const;
+
+    /// Shows the player's value, 0 to 1. A macro without a slider is ignored.
+    void showValue(int macro, float value);
+    /// A slider without a name is disabled.
+    void showNames(const QStringList& names);
+
+    /// Keeps the defaults and sends them.
+    void takeDefaults(const QList<float>& defaults);
+    /// Sends the kept defaults again.
+    void queueDefaults() const { queueValues(mDefaults); }
+    /// Where the macro's default lies; where the slider is when the patch gave none.
+    int defaultPosition(int macro) const;
+
+private:
+    QList<QSlider*> mSliders;
+    QList<QLabel*> mLabels;
+    PdPlayer* mPlayer;
+    QList<float> mDefaults; // may be shorter or longer than the sliders
+};
