@@ -1,11 +1,11 @@
 #pragma once
 
+#include "ui/WindowFixture.h"
 #include "ui/cards/CardGraphic.h"
+#include "ui/cards/CardWidget.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/CardStackWidget.h"
-#include "ui/cards/CardWidget.h"
 #include "ui/stacks/OrloLayer.h"
-#include "ui/WindowFixture.h"
 
 #include <QLabel>
 
