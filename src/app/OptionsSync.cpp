@@ -34,7 +34,7 @@ void toProgram(MainWindow& window)
     player->queueGui(OrloEvent::MasterVolumeSet, settings->masterVolume);
     player->queueGui(OrloEvent::MonophonicSet, settings->monophonic ? 1.0F : 0.0F);
 
-    // Only now, so that these events do not write back what was just read.
+    // The engine still answers the events above: volume and mono come back as they were sent.
     const EngineRelay* relay = &player->relay();
     QObject::connect(relay, &EngineRelay::baseFrequencyChanged, settings, [settings](float frequency) {
         // The engine works in single precision: its answer to the option must not cut the option's digits.

@@ -76,6 +76,7 @@ QWidget* OptionsDialog::buildOptionsPage()
     showSplitMenus(app::settings()->oneOneMenuSplitOctaves);
     populateOneOneSplitMenu();
     markNote();
+    mCentsLabel->setText(mOneOne.centsText());
     return widget;
 }
 

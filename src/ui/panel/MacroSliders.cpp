@@ -33,6 +33,14 @@ void MacroSliders::queueMacro(int macro) const
     mPlayer->queueGui(eventOf(macro), sliderFraction(mSliders[macro]));
 }
 
+void MacroSliders::queueMacroOf(const QObject* slider) const
+{
+    for (int macro = 0; macro < mSliders.size(); ++macro) {
+        if (mSliders[macro] == slider)
+            queueMacro(macro);
+    }
+}
+
 void MacroSliders::queueAllMacros() const
 {
     for (int macro = 0; macro < mSliders.size(); ++macro)

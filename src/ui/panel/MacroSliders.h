@@ -5,6 +5,7 @@
 
 class PdPlayer;
 class QLabel;
+class QObject;
 class QSlider;
 
 /// The sliders of a patch's macros, with the names and defaults that the patch gives them.
@@ -17,8 +18,8 @@ public:
 
     const QList<QSlider*>& sliders() const { return mSliders; }
 
-    /// Sends the slider's value to the player.
-    void queueMacro(int macro) const;
+    /// Sends the value of one of the sliders to the engine; nothing for another object.
+    void queueMacroOf(const QObject* slider) const;
     /// Sends all sliders' values, which a new patch does not know.
     void queueAllMacros() const;
     /// Sends these values; one that is no default is left out.
@@ -37,6 +38,8 @@ public:
     int defaultPosition(int macro) const;
 
 private:
+    void queueMacro(int macro) const;
+
     QList<QSlider*> mSliders;
     QList<QLabel*> mLabels;
     PdPlayer* mPlayer;

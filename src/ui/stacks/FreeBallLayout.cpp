@@ -1,11 +1,5 @@
 #include "ui/stacks/FreeBallLayout.h"
 
-namespace {
-
-constexpr float CELL_FACTOR = 1.35F; // of a playing ball's diameter
-
-} // namespace
-
 float FreeBallLayout::cellSize(double playingRadius)
 {
     return 2.0F * static_cast<float>(playingRadius) * CELL_FACTOR;

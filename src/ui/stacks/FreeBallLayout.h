@@ -10,6 +10,7 @@ class FreeBallLayout
 {
 public:
     static constexpr int COLUMNS = 5;
+    static constexpr float CELL_FACTOR = 1.35F; // of a playing ball's diameter
 
     struct Place
     {

@@ -57,8 +57,8 @@ QSize NodeStackWidget::sizeHint() const
 {
     const double radius = LEAF_DIAMETER * 0.5 + LEAF_DIAMETER / 10.0;
     const double glow = LEAF_DIAMETER * BALL_GLOW_SIZE_FACTOR / 200.0;
-    const auto cell = static_cast<double>(FreeBallLayout::cellSize(radius));
-    const int width = qCeil(2 * glow + cell * (FreeBallLayout::COLUMNS - 1));
+    const int width =
+        qCeil(2 * glow + 2 * radius * FreeBallLayout::CELL_FACTOR * (FreeBallLayout::COLUMNS - 1));
     return QSize(width + 2 * frameWidth(), QGraphicsView::sizeHint().height());
 }
 

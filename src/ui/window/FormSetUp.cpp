@@ -5,8 +5,7 @@
 #include <QIcon>
 #include <QStyledItemDelegate>
 
-/// The icons lie in a static library, whose resources Qt does not find by itself.
-static void initIcons()
+void initIcons()
 {
     Q_INIT_RESOURCE(icons);
 }
@@ -66,7 +65,6 @@ void hideUnusedControls(const Ui::MainWindow& form)
 
 void setUpForm(const Ui::MainWindow& form, QMainWindow* window)
 {
-    initIcons();
     setUpIcons(form, window);
     alignControls(form);
     hideUnusedControls(form);

@@ -6,6 +6,10 @@ namespace Ui {
 class MainWindow;
 }
 
+/// Makes the icons known to Qt, which does not find resources of a static library by itself. Before the form
+/// is made, since it names some.
+void initIcons();
+
 /// What the form itself cannot say: icons, the alignment of single controls, and which controls are hidden
 /// for good.
 void setUpForm(const Ui::MainWindow& form, QMainWindow* window);

@@ -39,6 +39,7 @@ MainWindow::MainWindow(Orlo* orlo)
     : ui(std::make_unique<Ui::MainWindow>())
     , mOrlo(orlo)
 {
+    initIcons();
     ui->setupUi(this);
     setUpForm(*ui, this);
     mPanel = std::make_unique<PanelParts>(*ui);
@@ -117,10 +118,8 @@ void MainWindow::connectPlayer()
 void MainWindow::connectPanel()
 {
     connect(&mPanel->display, &DisplaySwitches::displayChanged, this, &MainWindow::updateOrloView);
-    const QList<QSlider*>& macros = mPanel->macros.sliders();
-    for (int macro = 0; macro < macros.size(); ++macro)
-        connect(macros[macro], &QSlider::valueChanged, this,
-                [this, macro] { onMacroSliderValueChanged(macro); });
+    for (const QSlider* slider : mPanel->macros.sliders())
+        connect(slider, &QSlider::valueChanged, this, &MainWindow::onMacroSliderValueChanged);
 }
 
 void MainWindow::makeDevelopmentDialogs()
@@ -284,7 +283,7 @@ void MainWindow::onPatchDecRequested() { on_patchDecButton_clicked(); }
 void MainWindow::onPatchIncRequested() { on_patchIncButton_clicked(); }
 void MainWindow::onResetGlissSliders(short which) { mPanel->glissando.showReset(which); }
 
-void MainWindow::onMacroSliderValueChanged(int macro) { mPanel->macros.queueMacro(macro); }
+void MainWindow::onMacroSliderValueChanged(int) { mPanel->macros.queueMacroOf(sender()); }
 void MainWindow::onSwitcherClicked(QString link) { mPanel->display.chooseView(link); }
 void MainWindow::onAbsRelSwitcherClicked(QString link) { mPanel->display.chooseAbsRel(link); }
 void MainWindow::on_circlesViewButton_clicked() { onSwitcherClicked(QStringLiteral("circles")); }

@@ -76,7 +76,7 @@ private slots:
     void onPatchIncRequested();
     void onResetGlissSliders(short which);
 
-    void onMacroSliderValueChanged(int macro);
+    void onMacroSliderValueChanged(int value);
     void onSwitcherClicked(QString link);
     void onAbsRelSwitcherClicked(QString link);
 
