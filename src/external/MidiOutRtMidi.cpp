@@ -1,6 +1,8 @@
 #include "external/MidiOutRtMidi.h"
 
 #include "app/LogFilter.h"
+#include "external/MidiNote.h"
+#include "external/MpeBend.h"
 #include "sound/AudioLog.h"
 #include "sound/ThreadCheck.h"
 
@@ -434,8 +436,8 @@ void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
     const int key = mpeChannels.channelKey[at];
     const double start = mpeChannels.channelExactNote[at];
     const int range = pitchBendRangeCents;
-    const double cents = midi::bendCents(midi::noteOfFrequency(frequency), start, key, range);
-    const midi::Bend bend = midi::bendOfCents(cents, range);
+    const double cents = mpe::bendCents(midi::noteOfFrequency(frequency), start, key, range);
+    const mpe::Bend bend = mpe::bendOfCents(cents, range);
     if (std::abs(bend.factor) > 1.0 && !std::exchange(mBendWarned, true))
         AudioLog::warning("MPE Pitch-bend factor exceeds +-1.");
     send(midi::pitchBend(bentChannel, bend.msb, bend.lsb));
@@ -509,7 +511,7 @@ void MidiOutRtMidi::mpeApplyPitchBendRange()
 
 void MidiOutRtMidi::mpeApplyPitchBendRange(int cents)
 {
-    const midi::BendRange range = midi::bendRange(cents);
+    const midi::BendRange range = midi::bendRangeMessages(cents);
     for (size_t i = 0; i < range.messages.size(); ++i) {
         const midi::ShortMessage& message = range.messages[i];
         send(message);

@@ -4,7 +4,7 @@
 #include "app/Accessors.h"
 #include "app/Settings.h"
 #include "external/MidiOutput.h"
-#include "external/MpeBendRange.h"
+#include "external/MpeBend.h"
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/OptionsForm.h"
 
