@@ -6,13 +6,13 @@
 #include "external/MidiOutput.h"
 #include "external/MpeBend.h"
 #include "sound/PdPlayer.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QLabel>
 
-using namespace optionsform;
+using namespace optionspage;
 
 namespace {
 
