@@ -4,7 +4,9 @@
 #include "Baseline.h"
 #include "QuietLog.h"
 
+#include "external/MidiNote.h"
 #include "external/MidiOutRtMidi.h"
+#include "external/MtsTuning.h"
 
 #include <benchmark/benchmark.h>
 
@@ -169,10 +171,10 @@ midi::Bytes bytes(const midi::ShortMessage& message)
 midi::Bytes tuningChange(const QList<float>& frequencies)
 {
     midi::Bytes message;
-    midi::beginTuningChange(message, frequencies.size());
+    mts::beginTuningChange(message, frequencies.size());
     for (int i = 0; i < frequencies.size(); ++i)
-        midi::addKeyTuning(message, 32 + i, midi::tuningOfNote(midi::noteOfFrequency(frequencies.at(i))));
-    midi::endTuningChange(message);
+        mts::addKeyTuning(message, 32 + i, mts::tuningOfNote(midi::noteOfFrequency(frequencies.at(i))));
+    mts::endTuningChange(message);
     return message;
 }
 

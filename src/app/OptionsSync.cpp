@@ -4,7 +4,7 @@
 #include "app/Settings.h"
 #include "app/WindowPlace.h"
 #include "external/MidiOutput.h"
-#include "external/MpeBendRange.h"
+#include "external/MpeBend.h"
 #include "sound/AudioOutput.h"
 #include "sound/EngineRelay.h"
 #include "sound/PdPlayer.h"

@@ -1,6 +1,6 @@
 #include "external/MidiNoteRange.h"
 
-#include "external/MidiBytes.h"
+#include "external/MidiNote.h"
 #include "sound/AudioLog.h"
 
 #include <cstddef>

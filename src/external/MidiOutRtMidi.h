@@ -16,7 +16,7 @@
 /// On [audio] a message is built in storage that is there already and handed to the sender's thread, the
 /// only one that calls RtMidi: nothing is allocated, and nothing waits. A port that fails, that is
 /// gone or does not take its messages is closed, which is logged and told by `portLost`, and opened
-/// again when one of its name is back.
+/// again when one of its name is back. MidiOutRtMidiPort.cpp has the port, MidiOutRtMidiMpe.cpp the MPE.
 class MidiOutRtMidi : public MidiOutput
 {
     Q_OBJECT

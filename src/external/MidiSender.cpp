@@ -1,5 +1,6 @@
 #include "external/MidiSender.h"
 
+#include "external/MtsTuning.h"
 #include "sound/ByteRing.h"
 #include "sound/ThreadCheck.h"
 
@@ -64,7 +65,7 @@ struct MidiSender::Core
     ByteRing ring;
     MidiPort port; // the thread's
     Clock::time_point nextWatch;
-    std::array<midi::Byte, midi::tuningChangeSize(256)> message;
+    std::array<midi::Byte, mts::tuningChangeSize(256)> message;
 
     std::atomic<std::int64_t> sendingSince{0}; // ms; 0 while nothing is being sent
     std::atomic<unsigned> sends{0};            // that came back

@@ -1,5 +1,7 @@
 #include "external/MtsKeys.h"
 
+#include "external/MtsTuning.h"
+
 #include <algorithm>
 
 namespace {
@@ -12,7 +14,7 @@ constexpr int MAX_KEYS = 256; // of one tuning change
 MtsKeys::MtsKeys()
 {
     tunedKeys.reserve(MAX_KEYS);
-    mMessage.reserve(midi::tuningChangeSize(MAX_KEYS));
+    mMessage.reserve(mts::tuningChangeSize(MAX_KEYS));
 }
 
 std::span<const midi::Byte> MtsKeys::tune(const QList<int>& voices, const QList<float>& frequencies,
@@ -24,16 +26,16 @@ std::span<const midi::Byte> MtsKeys::tune(const QList<int>& voices, const QList<
     const auto count = std::count_if(voices.cbegin(), voices.cbegin() + given, hasKey);
     if (count == 0)
         return {};
-    midi::beginTuningChange(mMessage, count);
+    mts::beginTuningChange(mMessage, count);
     for (qsizetype i = 0; i < given; ++i) {
         if (!hasKey(voices.at(i)))
             continue;
         const int key = keyOf(voices.at(i));
-        midi::addKeyTuning(mMessage, key, midi::tuningOfNote(noteOf(voices.at(i), frequencies.at(i))));
+        mts::addKeyTuning(mMessage, key, mts::tuningOfNote(noteOf(voices.at(i), frequencies.at(i))));
         if (!tunedKeys.contains(key))
             tunedKeys.append(key);
     }
-    midi::endTuningChange(mMessage);
+    mts::endTuningChange(mMessage);
     return mMessage;
 }
 
@@ -41,12 +43,12 @@ std::span<const midi::Byte> MtsKeys::reset()
 {
     if (tunedKeys.isEmpty())
         return {};
-    midi::beginTuningChange(mMessage, tunedKeys.size());
+    mts::beginTuningChange(mMessage, tunedKeys.size());
     for (qsizetype i = 0; i < tunedKeys.size(); ++i) {
         const int key = tunedKeys.at(i);
-        midi::addKeyTuning(mMessage, key, {static_cast<midi::Byte>(key), 0, 0});
+        mts::addKeyTuning(mMessage, key, {static_cast<midi::Byte>(key), 0, 0});
     }
-    midi::endTuningChange(mMessage);
+    mts::endTuningChange(mMessage);
     tunedKeys.clear();
     return mMessage;
 }

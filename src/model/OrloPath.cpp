@@ -39,7 +39,7 @@ void OrloPath::storeFromString(const QString& text)
 OrloPath OrloPath::operator+(const OrloPath& other) const
 {
     OrloPath sum(*this);
-    PathSteps::append(sum.mSteps, other.mSteps, LIMIT + 1);
+    PathSteps::append(sum.mSteps, other.mSteps, LIMIT);
     return sum;
 }
 

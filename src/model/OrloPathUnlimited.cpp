@@ -45,7 +45,7 @@ void OrloPathUnlimited::storeFromString(const QString& text)
 OrloPathUnlimited OrloPathUnlimited::operator+(const OrloPathUnlimited& other) const
 {
     OrloPathUnlimited sum(*this);
-    PathSteps::append(sum.mSteps, other.mSteps, LIMIT + 1);
+    PathSteps::append(sum.mSteps, other.mSteps, LIMIT);
     return sum;
 }
 

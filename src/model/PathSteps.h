@@ -68,12 +68,11 @@ inline void store(signed char* steps, int limit, const QString& text)
     steps[count] = 0;
 }
 
-/// Appends the steps of `from` while the write index stays below `end`. That is one step more than
-/// all else keeps, and the arrays have the room for it.
-inline void append(signed char* to, const signed char* from, int end)
+/// Appends the steps of `from` up to one more than `limit`, for which the arrays have the room.
+inline void append(signed char* to, const signed char* from, int limit)
 {
     int at = length(to);
-    for (int i = 0; from[i] != 0 && at < end; ++i)
+    for (int i = 0; from[i] != 0 && at < limit + 1; ++i)
         to[at++] = from[i];
     to[at] = 0;
 }

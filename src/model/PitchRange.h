@@ -1,6 +1,7 @@
 #pragma once
 
-/// The frequencies that 1/1 and the notes may have.
+/// The frequencies that 1/1 and the notes may have. The lattice takes both bounds for 1/1, the options dialog
+/// clamps to them, and a note sounds only between them, both excluded.
 namespace pitchrange {
 
 inline constexpr float LOWEST = 20.0F; // Hz

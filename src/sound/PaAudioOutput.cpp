@@ -3,7 +3,7 @@
 #include "app/LogFilter.h"
 #include "sound/FloatMode.h"
 #include "sound/JackEpoch.h"
-#include "sound/PaAudioOutputCalls.h"
+#include "sound/PaDeviceJobs.h"
 #include "sound/PdBlockSize.h"
 #include "sound/PdPlayer.h"
 #include "sound/ThreadCheck.h"
@@ -331,8 +331,8 @@ void PaAudioOutput::streamRuns(const OpenJob& job, int index)
     if (!mLibrary->isJack(mStreamApi))
         mCanReturn = true;
     const double rate = job.info.sampleRate > 0.0 ? job.info.sampleRate : job.rate;
-    mBlockWatch.start(mClock.elapsed(), player()->handOver().blocks(),
-                      std::lround(1000.0 * framesPerBuffer() / rate));
+    mLossWatch.start(mClock.elapsed(), player()->handOver().blocks(),
+                     std::lround(1000.0 * framesPerBuffer() / rate));
     mWatchTimer.start(LOOK_INTERVAL_MS);
     setSelectedDevice(index);
     emit deviceOpened(mDeviceName);
@@ -343,7 +343,7 @@ void PaAudioOutput::streamRuns(const OpenJob& job, int index)
 bool PaAudioOutput::callHostApi(int hostApi, const std::function<void(BoundedCall::Ticket&)>& call,
                                 const std::function<const char*()>& name, milliseconds limit)
 {
-    CallGate& gate = mLibrary->gates[hostApi];
+    SoundSystemGate& gate = mLibrary->gates[hostApi];
     const bool wasStuck = gate.isStuck();
     if (gate.run(call, limit))
         return true;

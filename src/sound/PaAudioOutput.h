@@ -1,7 +1,7 @@
 #pragma once
 
 #include "sound/AudioOutput.h"
-#include "sound/BlockWatch.h"
+#include "sound/DeviceLossWatch.h"
 #include "sound/MuteFade.h"
 #include "sound/PortAudioLibrary.h"
 
@@ -64,7 +64,7 @@ public:
                                  void* userData);
 
 private:
-    static constexpr int LOOK_INTERVAL_MS = static_cast<int>(BlockWatch::INTERVAL_MS);
+    static constexpr int LOOK_INTERVAL_MS = static_cast<int>(DeviceLossWatch::INTERVAL_MS);
     static constexpr qint64 TRY_AGAIN_MS = 2500;
     // Doubled each time, since each copy stays in memory.
     static constexpr qint64 STUCK_LIMIT_MS = 8000;
@@ -120,7 +120,7 @@ private:
 
     QTimer mWatchTimer;
     QElapsedTimer mClock;
-    BlockWatch mBlockWatch;
+    DeviceLossWatch mLossWatch;
     bool mLost = false;     // and looked for
     bool mReadAnew = false; // by the next try
     bool mCanReturn = true; // false when JACK's server died and there is no copy of PortAudio
@@ -132,7 +132,7 @@ private:
     std::shared_ptr<ParkedStream> mParked; // of a JACK server that stands still
     std::shared_ptr<ReturnJob> mReturn;    // under way while there is one; then it alone has the library
     std::shared_ptr<BoundedCall::Ticket> mReturnTicket;
-    CallGate mReturnGate;
+    SoundSystemGate mReturnGate;
     unsigned mLateBlocksTold = 0;
 
     std::atomic<unsigned> mUnderruns{0};

@@ -1,7 +1,7 @@
 // The half of the output that notices a device which goes away, and brings it back.
 
 #include "sound/JackEpoch.h"
-#include "sound/PaAudioOutputCalls.h"
+#include "sound/PaDeviceJobs.h"
 #include "sound/PdPlayer.h"
 
 #include <QDebug>
@@ -39,7 +39,7 @@ void PaAudioOutput::watch()
     if (mParked)
         followParked();
     if (mStream) {
-        const bool still = mBlockWatch.look(mClock.elapsed(), player()->handOver().blocks());
+        const bool still = mLossWatch.look(mClock.elapsed(), player()->handOver().blocks());
         // A block that does not end is the patch's fault, not the device's.
         if (streamDied() || jackIsGone() || (still && !mContext->inBlock))
             giveUpStream();

@@ -47,10 +47,6 @@ public:
         limits.work = std::chrono::milliseconds(500);
         return limits;
     }
-    /// A pause of the graphical thread, long enough for the patch to fade its master volume. Two belong
-    /// to a closing and one to an opening. The window closes, and PdPlayer::loadPatch closes again and
-    /// opens: five in all, half a second.
-    static constexpr unsigned long FADE_MS = 100;
 
     /// [gui] For all later waits.
     void setLimits(const Limits& limits) { mLimits = limits; }

@@ -45,7 +45,8 @@ enum PdVoiceMessageType {
 ///
 /// Commands allocate nothing, but for nodes beyond NodeBook::MANY_NODES and for a change of patch. Its
 /// .cpp files: PdPlayerCommands (from the rings to the functions here), PdPlayerNotes (voices),
-/// PdPlayerNodes (selection, sliders, resets), PdPlayerPatch (libpd), PdPlayerTransposition.
+/// PdPlayerHold, PdPlayerSelection (and the sliders), PdPlayerResets, PdPlayerPatch (libpd),
+/// PdPlayerTransposition.
 class PdPlayer : public QObject
 {
     Q_OBJECT
@@ -65,10 +66,9 @@ public:
     void term();
 
     /// [gui] Opens the main patch once the audio thread has closed the former one. Waits for both,
-    /// muted, for three times PatchHandOver::FADE_MS and the opening itself. False when the patch cannot
-    /// be opened.
+    /// muted, for three pauses of 100 ms and the opening itself. False when the patch cannot be opened.
     bool loadPatch(const QFileInfo& file);
-    /// [gui] Closes the patch, muted, and waits for it: twice PatchHandOver::FADE_MS and the closing.
+    /// [gui] Closes the patch, muted, and waits for it: two such pauses and the closing.
     void unloadPatch();
     /// [any] A patch has caught the engine for good: no patch can be changed any more, and the process
     /// must end without destroying the player.

@@ -1,4 +1,4 @@
-// The notes of the player: on and off, the prime gate, monophonic play, hold, and what sounds.
+// The notes of the player: on and off, the prime gate, monophonic play, and what sounds.
 
 #include "sound/PdPlayer.h"
 
@@ -6,7 +6,6 @@
 #include "model/OrloPath.h"
 #include "model/PitchRange.h"
 #include "sound/AudioLog.h"
-#include "sound/OrloNoteEvent.h"
 #include "sound/ThreadCheck.h"
 #include "sound/VoiceStealing.h"
 
@@ -55,18 +54,6 @@ void PdPlayer::toggleByPath(const OrloPath& path)
         noteOn(ratio);
     else
         noteOff(ratio); // the press of a ball overrides hold
-}
-
-void PdPlayer::toggleByRatio(const OrloRatio& ratio, float value)
-{
-    // A device's map names types only, so its event has the ratio 0/1, which would take voices in silence.
-    if (ratio.numerator() == 0)
-        return;
-    const Voice* voice = mVoices.find(ratio);
-    if (!voice || voice->released)
-        noteOn(ratio);
-    else if (!mHoldActive || value == OrloNoteEvent::OVERRIDES_HOLD || !heldNodes.contains(ratio))
-        noteOff(ratio);
 }
 
 void PdPlayer::removeNode(const OrloRatio& ratio)
@@ -202,35 +189,6 @@ void PdPlayer::onVoiceStopped(int index)
     mVoicesChanged = true;
     if (mVoices.release(*voice))
         ORLO_AUDIO_DEBUG << "removing voice" << index << "from note map";
-}
-
-void PdPlayer::allNotesOff(bool force)
-{
-    ThreadCheck::audio();
-    // A copy: a patch without a release reports its voices' end at once, and that takes entries
-    // out of the map.
-    SoundingRatios ratios;
-    for (const Voice* voice : mVoices.noteMap) // released ones too
-        ratios.push_back(voice->ratio);
-    for (const OrloRatio& ratio : ratios) {
-        if (force || !heldNodes.contains(ratio))
-            noteOff(ratio);
-    }
-}
-
-void PdPlayer::nodesHoldActive(bool active)
-{
-    ThreadCheck::audio();
-    for (const OrloRatio& ratio : heldNodes)
-        emit nodeHold(ratio, false);
-    heldNodes.clear();
-    if (active) {
-        for (const OrloRatio& ratio : soundingNow()) {
-            heldNodes.append(ratio);
-            emit nodeHold(ratio, true);
-        }
-    }
-    mHoldActive = active;
 }
 
 // ---------------------------------------------------------------- what sounds

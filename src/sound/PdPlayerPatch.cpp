@@ -1,4 +1,5 @@
-// The patch of the player: opening and closing, messages to it, and what it says.
+// The patch of the player: opening and closing, which notes and nodes come back in the next one, messages
+// to it, and what it says.
 
 #include "sound/PdPlayer.h"
 
@@ -21,6 +22,11 @@
 #include <z_libpd.h>
 
 namespace {
+
+/// A pause of the graphical thread, long enough for the patch to fade its master volume. Two belong
+/// to a closing and one to an opening. The window closes, and PdPlayer::loadPatch closes again and
+/// opens: five in all, half a second.
+constexpr unsigned long PAUSE_MS = 100;
 
 constexpr const char* VOICE_INPUT = "orlo-in";
 constexpr const char* MASTER_VOLUME = "master-vol";
@@ -112,7 +118,7 @@ bool PdPlayer::loadPatch(const QFileInfo& file)
     if (!changePatch(PatchHandOver::Change::Open, OrloEvent::PatchOpen))
         return false;
     qDebug() << "GUI woke up after loading patch";
-    QThread::msleep(PatchHandOver::FADE_MS);
+    QThread::msleep(PAUSE_MS);
     if (mPatchOpened)
         emit patchLoaded(file.absoluteFilePath());
     return mPatchOpened;
@@ -129,12 +135,12 @@ void PdPlayer::unloadPatch()
     qDebug() << "GUI sleep before unload patch";
     // libpd builds a message in one place for all threads, hence in a block.
     mHandOver.runInBlock([this] { sendPdVolumeMessage(0.0F); });
-    QThread::msleep(PatchHandOver::FADE_MS);
+    QThread::msleep(PAUSE_MS);
 
     qDebug() << "GUI waiting for audio thread to unload patch";
     changePatch(PatchHandOver::Change::Close, OrloEvent::PatchClose);
     qDebug() << "GUI sleep after unload patch";
-    QThread::msleep(PatchHandOver::FADE_MS);
+    QThread::msleep(PAUSE_MS);
     if (output)
         output->unmuteOutput();
     qDebug() << "GUI woke up after unloading patch";
@@ -215,6 +221,43 @@ void PdPlayer::closePatch()
         mMacroDefaults.clear();
     }
     mHandOver.finish(PatchHandOver::Change::Close);
+}
+
+// ---------------------------------------------------------------- what comes back in the next patch
+
+bool PdPlayer::maintainMacroParameters()
+{
+    const Settings* settings = app::settings();
+    return settings && settings->maintainMacroParameters;
+}
+
+void PdPlayer::writeToCache()
+{
+    cachedSounding.clear();
+    for (const OrloRatio& ratio : soundingNow())
+        cachedSounding.append(ratio);
+    mNodes.writeToCache(maintainMacroParameters());
+}
+
+void PdPlayer::readFromCache()
+{
+    mNodes.readFromCache();
+    if (maintainMacroParameters()) {
+        const auto& macros = mNodes.cached().macros;
+        emit setMacroSliders(QList<float>(macros.begin(), macros.end()));
+    }
+    // What was pressed while there was no patch has not been heard yet.
+    for (const OrloRatio& ratio : soundingNow()) {
+        noteOff(ratio);
+        cachedSounding.append(ratio);
+    }
+    for (const OrloRatio& ratio : cachedSounding)
+        noteOn(ratio);
+    cachedSounding.clear();
+    for (const OrloRatio& ratio : mNodes.cachedSelection()) {
+        if (!mNodes.selected().contains(ratio))
+            nodeSelectToggleByRatio(ratio);
+    }
 }
 
 // ---------------------------------------------------------------- messages to the patch

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sound/CallGate.h"
+#include "sound/SoundSystemGate.h"
 
 #include <QStringList>
 
@@ -56,8 +56,8 @@ public:
     decltype(&::Pa_IsStreamActive) isStreamActive = nullptr;
     decltype(&::Pa_GetStreamInfo) getStreamInfo = nullptr;
 
-    std::map<int, CallGate> gates; // [gui] by host API
-    unsigned jackEpoch = 0;        // in which it was started
+    std::map<int, SoundSystemGate> gates; // [gui] by host API
+    unsigned jackEpoch = 0;               // in which it was started
     std::atomic<bool> isStarted = false;
 
 private:

@@ -1,12 +1,15 @@
 #include "external/MidiBytes.h"
 
 #include "external/MidiDouble.h"
+#include "external/MidiNote.h"
+#include "external/MpeBend.h"
+#include "external/MtsTuning.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-using midi::Tuning;
+using mts::Tuning;
 
 namespace {
 
@@ -33,7 +36,7 @@ TEST(MidiBytes, TunesAKeyToTheNearestStep)
         {midi::TOP_NOTE, {127, 127, 127}},
     };
     for (const auto& [note, expected] : rows)
-        EXPECT_EQ(midi::tuningOfNote(note), expected) << note;
+        EXPECT_EQ(mts::tuningOfNote(note), expected) << note;
     EXPECT_NEAR(midi::TOP_NOTE, 127.99999, 1e-9);
 }
 
@@ -42,7 +45,7 @@ TEST(MidiBytes, IsNeverFurtherOffThanHalfAStep)
 {
     for (int i = 0; i < 128 * 1000; ++i) {
         const double note = i * 0.001 + 0.000137;
-        const Tuning tuning = midi::tuningOfNote(note);
+        const Tuning tuning = mts::tuningOfNote(note);
         const double decoded = tuning.semitone + tuning.fractionMsb / 128.0 + tuning.fractionLsb / 16384.0;
         ASSERT_LE(std::abs(decoded - note), 0.5 / 16384.0 + 1e-12) << note;
     }
@@ -51,11 +54,11 @@ TEST(MidiBytes, IsNeverFurtherOffThanHalfAStep)
 TEST(MidiBytes, CountsKeysInOneByte)
 {
     midi::Bytes message;
-    midi::beginTuningChange(message, 258);
-    midi::addKeyTuning(message, 160, {1, 2, 3});
-    midi::endTuningChange(message);
+    mts::beginTuningChange(message, 258);
+    mts::addKeyTuning(message, 160, {1, 2, 3});
+    mts::endTuningChange(message);
     EXPECT_EQ(hex(message.data(), message.size()), "F0 7F 7F 08 02 00 02 A0 01 02 03 F7");
-    EXPECT_EQ(message.size(), midi::tuningChangeSize(1));
+    EXPECT_EQ(message.size(), mts::tuningChangeSize(1));
 }
 
 TEST(MidiBytes, BendsByTheFactorOfTheRange)
@@ -76,7 +79,7 @@ TEST(MidiBytes, BendsByTheFactorOfTheRange)
         {-INFINITY, 0x00, 0x00},
     };
     for (const auto& [factor, lsb, msb] : rows) {
-        const midi::Bend bend = midi::bendOfFactor(factor);
+        const mpe::Bend bend = mpe::bendOfFactor(factor);
         EXPECT_EQ(bend.lsb, lsb) << factor;
         EXPECT_EQ(bend.msb, msb) << factor;
     }
@@ -92,12 +95,12 @@ TEST(MidiBytes, AGlissandoEndsAtTheLimit)
         {72.0, 50, 30.0},   {-INFINITY, 50, 30.0}, // without room it stays where it began
     };
     for (const auto& [note, range, cents] : rows)
-        EXPECT_NEAR(midi::bendCents(note, 60.3, 60, range), cents, 1e-9) << note << " in " << range;
+        EXPECT_NEAR(mpe::bendCents(note, 60.3, 60, range), cents, 1e-9) << note << " in " << range;
     // Midway, under the upper key, is the lower end of the narrowest range.
-    EXPECT_EQ(midi::bendOfCents(midi::bendCents(69.5, 69.5, 70, 50), 50).factor, -1.0);
+    EXPECT_EQ(mpe::bendOfCents(mpe::bendCents(69.5, 69.5, 70, 50), 50).factor, -1.0);
     // No range, no bend, whatever the option's file says.
-    EXPECT_EQ(midi::bendOfCents(0.0, 0).msb, 0x40);
-    EXPECT_EQ(midi::bendOfCents(0.0, 0).lsb, 0);
+    EXPECT_EQ(mpe::bendOfCents(0.0, 0).msb, 0x40);
+    EXPECT_EQ(mpe::bendOfCents(0.0, 0).lsb, 0);
 }
 
 TEST(MidiBytes, SetsTheRangeInSemitonesAndCents)
@@ -109,7 +112,7 @@ TEST(MidiBytes, SetsTheRangeInSemitonesAndCents)
     };
     for (const auto& [cents, semitones, rest] : rows) {
         MidiSystem sent;
-        for (const midi::ShortMessage& message : midi::bendRange(cents).messages)
+        for (const midi::ShortMessage& message : midi::bendRangeMessages(cents).messages)
             sent.add(hex(message.data(), message.size()));
         EXPECT_EQ(sent.take(), bendRange(semitones, rest)) << cents;
     }

@@ -2,7 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -16,7 +16,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-using namespace optionsform;
+using namespace optionspage;
 
 /// The text lies in a static library, whose resources Qt does not find by itself.
 static void initTexts()

@@ -1,7 +1,7 @@
 // The page about the program.
 #include "ui/dialogs/OptionsDialog.h"
 
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -9,7 +9,7 @@
 #include <QLabel>
 #include <QScrollArea>
 
-using namespace optionsform;
+using namespace optionspage;
 
 QWidget* OptionsDialog::buildAboutPage()
 {

@@ -6,13 +6,13 @@
 #include "external/MidiOutput.h"
 #include "sound/AudioOutput.h"
 #include "ui/dialogs/NonModalBox.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QComboBox>
 #include <QDebug>
 #include <QGridLayout>
 
-using namespace optionsform;
+using namespace optionspage;
 
 void OptionsDialog::addVoicesRow(QVBoxLayout* layout)
 {

@@ -3,13 +3,13 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QVBoxLayout>
 
-using namespace optionsform;
+using namespace optionspage;
 
 namespace {
 

@@ -4,15 +4,15 @@
 #include "app/Accessors.h"
 #include "app/Settings.h"
 #include "external/MidiOutput.h"
-#include "external/MpeBendRange.h"
+#include "external/MpeBend.h"
 #include "sound/PdPlayer.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QLabel>
 
-using namespace optionsform;
+using namespace optionspage;
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/FrequencySpinBox.h"
 #include "ui/dialogs/OneOneNotes.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -17,7 +17,7 @@
 
 #include <cmath>
 
-using namespace optionsform;
+using namespace optionspage;
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 #include "update/UpdateDialog.h"
 
 #include <QComboBox>
@@ -12,7 +12,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-using namespace optionsform;
+using namespace optionspage;
 
 namespace {
 

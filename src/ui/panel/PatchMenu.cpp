@@ -3,7 +3,7 @@
 #include "app/Settings.h"
 #include "sound/PatchFolder.h"
 #include "sound/PdPlayer.h"
-#include "sound/VoiceCheck.h"
+#include "sound/VoicePatchCheck.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -120,7 +120,7 @@ std::optional<QString> PatchMenu::changeVoice(const QString& path)
     const QScopedValueRollback changing(mChangingVoice, true);
     if (mPlayer->isSoundOver())
         return NO_MORE_SOUND;
-    if (const QString reason = VoiceCheck().whyNot(path); !reason.isEmpty()) {
+    if (const QString reason = VoicePatchCheck().whyNot(path); !reason.isEmpty()) {
         qCritical().noquote() << "The voice" << path << "is not loaded:" << reason;
         return reason;
     }

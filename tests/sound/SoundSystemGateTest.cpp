@@ -1,4 +1,4 @@
-#include "sound/CallGate.h"
+#include "sound/SoundSystemGate.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 
 using namespace std::chrono_literals;
 
-TEST(CallGate, NothingGoesInBeforeACallThatWasGivenUpIsBack)
+TEST(SoundSystemGate, NothingGoesInBeforeACallThatWasGivenUpIsBack)
 {
-    CallGate gate;
+    SoundSystemGate gate;
     const auto thaw = std::make_shared<std::promise<void>>();
     const std::shared_future<void> thawed = thaw->get_future();
     std::atomic<int> calls{0};

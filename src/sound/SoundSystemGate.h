@@ -4,7 +4,7 @@
 
 /// Bounded calls into one sound system, one at a time: while a call that was given up has not come
 /// back, no other goes in, since such a system is not made for two.
-class CallGate
+class SoundSystemGate
 {
 public:
     /// [gui] As BoundedCall::run. False at once, without calling, while an earlier call is still inside.

@@ -1,4 +1,4 @@
-#include "ui/dialogs/OptionsForm.h"
+#include "ui/dialogs/OptionsPageRows.h"
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -7,7 +7,7 @@
 #include <QLabel>
 #include <QStyledItemDelegate>
 
-namespace optionsform {
+namespace optionspage {
 
 namespace {
 
@@ -90,4 +90,4 @@ QVBoxLayout* layoutOf(QWidget* page)
     return static_cast<QVBoxLayout*>(page->layout());
 }
 
-} // namespace optionsform
+} // namespace optionspage

@@ -1,7 +1,7 @@
-#include "sound/CallGate.h"
+#include "sound/SoundSystemGate.h"
 
 std::function<void(BoundedCall::Ticket&)>
-CallGate::watched(const std::function<void(BoundedCall::Ticket&)>& call)
+SoundSystemGate::watched(const std::function<void(BoundedCall::Ticket&)>& call)
 {
     mReturned = std::make_shared<std::atomic<bool>>(false);
     return [call, returned = mReturned](BoundedCall::Ticket& ticket) {
@@ -10,12 +10,14 @@ CallGate::watched(const std::function<void(BoundedCall::Ticket&)>& call)
     };
 }
 
-bool CallGate::run(const std::function<void(BoundedCall::Ticket&)>& call, std::chrono::milliseconds limit)
+bool SoundSystemGate::run(const std::function<void(BoundedCall::Ticket&)>& call,
+                          std::chrono::milliseconds limit)
 {
     return !isStuck() && BoundedCall::run(watched(call), limit);
 }
 
-std::shared_ptr<BoundedCall::Ticket> CallGate::start(const std::function<void(BoundedCall::Ticket&)>& call)
+std::shared_ptr<BoundedCall::Ticket>
+SoundSystemGate::start(const std::function<void(BoundedCall::Ticket&)>& call)
 {
     return isStuck() ? nullptr : BoundedCall::start(watched(call));
 }

@@ -1,12 +1,11 @@
-// The nodes of the player: selection, sliders and resets, told to the voices and to whoever listens,
-// and what goes over into the next patch. NodeBook has the arithmetic.
+// The resets of the player's nodes, told to the voices and to whoever listens. NodeBook has the
+// arithmetic.
 
 #include "sound/PdPlayer.h"
 
 #include "app/Accessors.h"
 #include "app/LogFilter.h"
 #include "app/Settings.h"
-#include "sound/GlissandoMapping.h"
 #include "sound/ThreadCheck.h"
 
 namespace {
@@ -18,136 +17,6 @@ bool softNodeReset()
 }
 
 } // namespace
-
-bool PdPlayer::maintainMacroParameters()
-{
-    const Settings* settings = app::settings();
-    return settings && settings->maintainMacroParameters;
-}
-
-void PdPlayer::takeGlissandoRanges()
-{
-    if (const Settings* settings = app::settings()) {
-        mGlissOneRange = settings->glissOneRangeCents;
-        mGlissTwoRange = settings->glissTwoRangeCents;
-    }
-}
-
-// ---------------------------------------------------------------- selection
-
-void PdPlayer::nodeSelectToggleByRatio(OrloRatio ratio)
-{
-    ThreadCheck::audio();
-    if (mNodes.deselect(ratio)) {
-        emit nodeSelected(ratio, false);
-    } else {
-        if (mNodes.select(ratio))
-            emit nodeAltered(ratio, true);
-        emit nodeSelected(ratio, true);
-    }
-    ORLO_AUDIO_DEBUG << "Node selection toggled with ratio: " << ratio.toString();
-}
-
-void PdPlayer::nodeDeselectAll()
-{
-    ThreadCheck::audio();
-    while (!mNodes.selected().isEmpty())
-        nodeSelectToggleByRatio(mNodes.selected().first());
-}
-
-void PdPlayer::selectAllSounding()
-{
-    ThreadCheck::audio();
-    for (const OrloRatio& ratio : soundingNow()) {
-        if (!mNodes.selected().contains(ratio))
-            nodeSelectToggleByRatio(ratio);
-    }
-}
-
-void PdPlayer::toggleAllSelected()
-{
-    ThreadCheck::audio();
-    mToggleLater.insert(mToggleLater.end(), mNodes.selected().begin(), mNodes.selected().end());
-}
-
-QList<OrloRatio> PdPlayer::getAllSelectedRatios() const
-{
-    ThreadCheck::audio();
-    return mNodes.selected().toList();
-}
-
-QList<OrloRatio> PdPlayer::getAllRatiosWithAlteredParameters() const
-{
-    ThreadCheck::audio();
-    return mNodes.altered().toList();
-}
-
-// ---------------------------------------------------------------- sliders
-
-void PdPlayer::setMacroValue(int macro, float value)
-{
-    ThreadCheck::audio();
-    emit macroValueChanged(macro, value);
-    mNodes.slideMacro(static_cast<std::size_t>(macro - 1), value, [&](const OrloRatio& ratio, float own) {
-        if (const Voice* voice = mVoices.find(ratio))
-            applyMacroValue(macro, own, static_cast<float>(voice->voice));
-    });
-}
-
-void PdPlayer::applyGlissandoOne(float value)
-{
-    ThreadCheck::audio();
-    ORLO_AUDIO_DEBUG << "Apply gliss one";
-    mNodes.slideGlissandoOne(value);
-    glissandoToNodes();
-}
-
-void PdPlayer::applyGlissandoTwo(float value)
-{
-    ThreadCheck::audio();
-    ORLO_AUDIO_DEBUG << "Apply gliss two";
-    mNodes.slideGlissandoTwo(value);
-    glissandoToNodes();
-}
-
-void PdPlayer::glissandoToNodes()
-{
-    if (mNodes.selected().isEmpty())
-        return;
-    const bool open = portOpen();
-    clearInstruction();
-    for (const OrloRatio& ratio : mNodes.selected()) {
-        const Voice* voice = mVoices.find(ratio);
-        if (!voice)
-            continue;
-        const NodeParameters heard = mNodes.heard(ratio);
-        float frequency = ratioToFrequency(ratio);
-        frequency *= glissandoOneMapping(heard.glissOne);
-        frequency *= glissandoTwoMapping(heard.glissTwo);
-        alterFrequency(frequency, static_cast<float>(voice->voice));
-        if (open)
-            addToInstruction(voice->voice, frequency, -1.0F);
-    }
-    if (!mInstructionVoices.isEmpty())
-        emit instructionsToInterface(instructionBend, mInstructionVoices, mInstructionValues1,
-                                     mInstructionValues2);
-}
-
-float PdPlayer::glissandoOneMapping(float value) const
-{
-    ThreadCheck::audio();
-    ORLO_AUDIO_DEBUG << "Gliss one mapping: range, input: " << mGlissOneRange << value;
-    return glissando::factor(mGlissOneRange, value);
-}
-
-float PdPlayer::glissandoTwoMapping(float value) const
-{
-    ThreadCheck::audio();
-    ORLO_AUDIO_DEBUG << "Gliss two mapping: range, input: " << mGlissTwoRange << value;
-    return glissando::factor(mGlissTwoRange, value);
-}
-
-// ---------------------------------------------------------------- resets
 
 void PdPlayer::nodeResetParameters(const OrloRatio& ratio)
 {
@@ -280,35 +149,4 @@ void PdPlayer::resetGlissandoAllNodes(short which)
     takeGlissandoRanges(); // the options dialog changes one and then asks for this reset
     for (const OrloRatio& ratio : mFormerlySelected)
         nodeSelectToggleByRatio(ratio);
-}
-
-// ---------------------------------------------------------------- around a change of patch
-
-void PdPlayer::writeToCache()
-{
-    cachedSounding.clear();
-    for (const OrloRatio& ratio : soundingNow())
-        cachedSounding.append(ratio);
-    mNodes.writeToCache(maintainMacroParameters());
-}
-
-void PdPlayer::readFromCache()
-{
-    mNodes.readFromCache();
-    if (maintainMacroParameters()) {
-        const auto& macros = mNodes.cached().macros;
-        emit setMacroSliders(QList<float>(macros.begin(), macros.end()));
-    }
-    // What was pressed while there was no patch has not been heard yet.
-    for (const OrloRatio& ratio : soundingNow()) {
-        noteOff(ratio);
-        cachedSounding.append(ratio);
-    }
-    for (const OrloRatio& ratio : cachedSounding)
-        noteOn(ratio);
-    cachedSounding.clear();
-    for (const OrloRatio& ratio : mNodes.cachedSelection()) {
-        if (!mNodes.selected().contains(ratio))
-            nodeSelectToggleByRatio(ratio);
-    }
 }

@@ -9,14 +9,15 @@
 ///
 /// What the file itself does not tell is tried in another process: a voice may loop for ever, crash, or
 /// spoil libpd for the ones after it.
-class VoiceCheck
+class VoicePatchCheck
 {
 public:
     /// Normally some tens of milliseconds. Later the window is kept painted meanwhile.
     static constexpr std::chrono::milliseconds TRIAL_LIMIT{5000};
 
     /// [gui]
-    explicit VoiceCheck(std::chrono::milliseconds trialLimit = TRIAL_LIMIT, QString program = trialProgram());
+    explicit VoicePatchCheck(std::chrono::milliseconds trialLimit = TRIAL_LIMIT,
+                             QString program = trialProgram());
 
     /// [gui] Why the file is no voice, as a sentence for the player; empty when it is one. Where no trial can
     /// be made, the file is trusted, and the log tells. What comes for the graphical thread from elsewhere

@@ -4,7 +4,7 @@
 
 /// Tells from the count of a stream's blocks, looked at again and again, that the device has gone. A late
 /// look, or a machine that itself stood still, does not count.
-class BlockWatch
+class DeviceLossWatch
 {
 public:
     static constexpr std::int64_t INTERVAL_MS = 250; // between two looks

@@ -1,4 +1,4 @@
-#include "sound/BlockWatch.h"
+#include "sound/DeviceLossWatch.h"
 
 #include <algorithm>
 
@@ -8,7 +8,7 @@ constexpr std::int64_t LIMIT_MS = 1800;
 
 } // namespace
 
-void BlockWatch::start(std::int64_t nowMs, std::uint64_t blocks, std::int64_t blockMs)
+void DeviceLossWatch::start(std::int64_t nowMs, std::uint64_t blocks, std::int64_t blockMs)
 {
     mLastLook = nowMs;
     mBlocks = blocks;
@@ -17,7 +17,7 @@ void BlockWatch::start(std::int64_t nowMs, std::uint64_t blocks, std::int64_t bl
     mLimitMs = 2 * (LIMIT_MS + blockMs);
 }
 
-bool BlockWatch::look(std::int64_t nowMs, std::uint64_t blocks)
+bool DeviceLossWatch::look(std::int64_t nowMs, std::uint64_t blocks)
 {
     // However late a look comes, it stands for one interval: the blocks may have stood still with it.
     const std::int64_t passed = std::min(nowMs - mLastLook, INTERVAL_MS);

@@ -1,4 +1,4 @@
-#include "sound/VoiceCheck.h"
+#include "sound/VoicePatchCheck.h"
 
 #include "support/LogCatcher.h"
 #include "support/SoundRig.h"
@@ -21,7 +21,7 @@ QByteArray sockets(const QByteArray& more)
 
 } // namespace
 
-TEST(VoiceCheck, TellsAVoiceFromWhatIsNone)
+TEST(VoicePatchCheck, TellsAVoiceFromWhatIsNone)
 {
     const QByteArray mute = plainVoice("1").replace("#X connect 12 0 11 0;\n", "");
     const std::pair<QByteArray, QString> rows[] = {
@@ -52,20 +52,21 @@ TEST(VoiceCheck, TellsAVoiceFromWhatIsNone)
     for (const auto& [voice, said] : rows) {
         SCOPED_TRACE(voice.right(200).toStdString());
         home.write(QStringLiteral("voice.pd"), voice);
-        const QString reason = VoiceCheck(2000ms).whyNot(file);
+        const QString reason = VoicePatchCheck(2000ms).whyNot(file);
         EXPECT_EQ(reason.isEmpty(), said.isEmpty()) << reason.toStdString();
         EXPECT_TRUE(reason.contains(said)) << reason.toStdString();
     }
-    EXPECT_TRUE(VoiceCheck().whyNot(home.configDir().path()).contains(QStringLiteral("cannot be read")));
+    EXPECT_TRUE(VoicePatchCheck().whyNot(home.configDir().path()).contains(QStringLiteral("cannot be read")));
 
     const LogCatcher messages;
-    EXPECT_EQ(VoiceCheck(2000ms, QStringLiteral("/no/such/trial")).whyNot(file), QString());
+    EXPECT_EQ(VoicePatchCheck(2000ms, QStringLiteral("/no/such/trial")).whyNot(file), QString());
     EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("could not be started")), 1);
 }
 
-TEST(VoiceCheck, TakesEveryVoiceOfTheProgram)
+TEST(VoicePatchCheck, TakesEveryVoiceOfTheProgram)
 {
     const QDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/patches"));
     for (const QFileInfo& voice : folder.entryInfoList(QDir::Files))
-        EXPECT_EQ(VoiceCheck().whyNot(voice.filePath()).toStdString(), "") << voice.fileName().toStdString();
+        EXPECT_EQ(VoicePatchCheck().whyNot(voice.filePath()).toStdString(), "")
+            << voice.fileName().toStdString();
 }

@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <chrono>
 
-// The calls of PaAudioOutput into PortAudio, for its own .cpp files. A call may be given up, so it owns all
-// that it touches.
+// What PaAudioOutput has done in PortAudio, for its own .cpp files: opening a device, closing it, finding it
+// again. A job runs on another thread and may be given up there, so it owns all that it touches.
 
 /// One time limit for several calls.
 class PaAudioOutput::Deadline

@@ -1,10 +1,10 @@
-#include "sound/BlockWatch.h"
+#include "sound/DeviceLossWatch.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-TEST(BlockWatch, BelievesOnlyInAStillnessThatItHasSeenItself)
+TEST(DeviceLossWatch, BelievesOnlyInAStillnessThatItHasSeenItself)
 {
     struct Row
     {
@@ -26,7 +26,7 @@ TEST(BlockWatch, BelievesOnlyInAStillnessThatItHasSeenItself)
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        BlockWatch watch;
+        DeviceLossWatch watch;
         watch.start(0, 7, row.blockMs);
         std::int64_t alarm = -1;
         for (std::int64_t now = row.lookEveryMs; now < 60000 && alarm < 0; now += row.lookEveryMs) {

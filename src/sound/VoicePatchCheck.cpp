@@ -1,4 +1,4 @@
-#include "sound/VoiceCheck.h"
+#include "sound/VoicePatchCheck.h"
 
 #include "sound/PatchFolder.h"
 #include "sound/PatchOutline.h"
@@ -35,18 +35,18 @@ bool waitFor(QProcess& process, std::chrono::milliseconds limit)
 
 } // namespace
 
-VoiceCheck::VoiceCheck(std::chrono::milliseconds trialLimit, QString program)
+VoicePatchCheck::VoicePatchCheck(std::chrono::milliseconds trialLimit, QString program)
     : mTrialLimit(trialLimit)
     , mProgram(std::move(program))
 {
 }
 
-QString VoiceCheck::trialProgram()
+QString VoicePatchCheck::trialProgram()
 {
     return QCoreApplication::applicationDirPath() + QStringLiteral("/orlo-voice-trial");
 }
 
-QString VoiceCheck::whyNot(const QString& voice) const
+QString VoicePatchCheck::whyNot(const QString& voice) const
 {
     const PatchOutline outline = PatchOutline::read(voice);
     if (!outline.readable)
@@ -60,7 +60,7 @@ QString VoiceCheck::whyNot(const QString& voice) const
     return tried(voice);
 }
 
-QString VoiceCheck::tried(const QString& voice) const
+QString VoicePatchCheck::tried(const QString& voice) const
 {
     const QTemporaryDir folder;
     if (!folder.isValid() || !QFile::copy(voice, folder.filePath(PatchFolder::VOICE_FILE))) {

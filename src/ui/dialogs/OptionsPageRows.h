@@ -13,7 +13,7 @@ class QVBoxLayout;
 class QWidget;
 
 /// The rows that the pages of the options dialog are made of.
-namespace optionsform {
+namespace optionspage {
 
 constexpr int PAGE_MARGIN = 14;
 constexpr int ROW_SPACING = 5;
@@ -36,4 +36,4 @@ void setUpNumber(QDoubleSpinBox* box, double lowest, double highest, int decimal
 /// The long names of devices must not widen the window.
 void setUpMenu(QComboBox* menu);
 
-} // namespace optionsform
+} // namespace optionspage

@@ -1,0 +1,143 @@
+// MIDI Polyphonic Expression: a channel for each voice, its bend, and the range of the bends.
+
+#include "external/MidiOutRtMidi.h"
+
+#include "app/LogFilter.h"
+#include "external/MidiNote.h"
+#include "external/MpeBend.h"
+#include "sound/AudioLog.h"
+#include "sound/ThreadCheck.h"
+
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr int DEFAULT_BEND_RANGE_CENTS = 200; // of a device
+
+} // namespace
+
+void MidiOutRtMidi::mpeSetVoiceFrequency(QList<int> voices, QList<float> frequencies)
+{
+    const qsizetype count = qMin(voices.size(), frequencies.size());
+    int start = 0; // where the search for a channel begins
+    for (qsizetype i = 0; i < count; ++i) {
+        const int found = takeChannel(voices.at(i), frequencies.at(i), start, voices);
+        if (found != MpeChannels::NONE)
+            sendBend(found, frequencies.at(i));
+    }
+}
+
+/// The one that it holds, or a free one. MpeChannels::NONE when all are taken.
+int MidiOutRtMidi::takeChannel(int voice, float frequency, int& start, const QList<int>& voices)
+{
+    const int found = mpeChannels.find(voice, start);
+    if (found == MpeChannels::NONE)
+        ORLO_AUDIO_DEBUG << "Cannot add PdPlayer voice" << voices << ". All MPE channels in use!";
+    else if (mpeChannels.isFree(found))
+        mpeChannels.take(found, voice, mNoteRange.noteOf(voice, frequency));
+    return found;
+}
+
+void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
+{
+    const auto at = static_cast<size_t>(bentChannel);
+    const int key = mpeChannels.channelKey[at];
+    const double start = mpeChannels.channelExactNote[at];
+    const int range = pitchBendRangeCents;
+    const double cents = mpe::bendCents(midi::noteOfFrequency(frequency), start, key, range);
+    const mpe::Bend bend = mpe::bendOfCents(cents, range);
+    if (std::abs(bend.factor) > 1.0 && !std::exchange(mBendWarned, true))
+        AudioLog::warning("MPE Pitch-bend factor exceeds +-1.");
+    send(midi::pitchBend(bentChannel, bend.msb, bend.lsb));
+    ORLO_AUDIO_DEBUG << "MPE pitch-bend message sent:";
+    ORLO_AUDIO_DEBUG << "channel, voice, exact note, range cents, bend cents, factor, message MSB, LSB"
+                     << bentChannel << key << start << range << cents << bend.factor << bend.coarse
+                     << bend.fine;
+}
+
+void MidiOutRtMidi::mpeVoiceOn(int voice, int velocity)
+{
+    for (int i = 0; i < CHANNELS; ++i) {
+        if (!mpeChannels.holds(i, voice))
+            continue;
+        const int key = mpeChannels.channelKey[static_cast<size_t>(i)];
+        send(midi::noteOn(i, key, midi::velocityByte(velocity)));
+        ORLO_AUDIO_DEBUG << "MPE Voice On: Channel, voice: " << i << key;
+    }
+}
+
+void MidiOutRtMidi::mpeVoiceOff(int voice)
+{
+    for (int i = 0; i < CHANNELS; ++i) {
+        if (!mpeChannels.holds(i, voice))
+            continue;
+        const int key = mpeChannels.channelKey[static_cast<size_t>(i)];
+        send(midi::noteOff(i, key));
+        ORLO_AUDIO_DEBUG << "MPE Voice Off: Channel, voice: " << i << key;
+        mpeChannels.free(i);
+    }
+}
+
+void MidiOutRtMidi::mpeAllVoicesOff()
+{
+    for (int i = 0; i < CHANNELS; ++i)
+        send(midi::allNotesOff(i));
+    mpeResetPitchBendAll();
+}
+
+void MidiOutRtMidi::mpeResetPitchBend(int centredChannel)
+{
+    send(midi::pitchBendCentre(centredChannel));
+    ORLO_AUDIO_DEBUG << "MPE Pitch-bend reset for channel " << centredChannel;
+}
+
+void MidiOutRtMidi::mpeResetPitchBendAll()
+{
+    for (int i = 0; i < CHANNELS; ++i)
+        mpeResetPitchBend(i);
+}
+
+void MidiOutRtMidi::mpeSetPitchBendRange(int cents)
+{
+    ThreadCheck::gui();
+    const auto apply = [this, cents] {
+        pitchBendRangeCents = cents;
+        mBendWarned = false;
+        if (portOpen && mpeMode)
+            mpeApplyPitchBendRange();
+    };
+    if (onEngine(apply))
+        return;
+    closePort(); // nothing can tell the device
+    pitchBendRangeCents = cents;
+}
+
+void MidiOutRtMidi::mpeApplyPitchBendRange()
+{
+    mpeApplyPitchBendRange(pitchBendRangeCents);
+}
+
+void MidiOutRtMidi::mpeApplyPitchBendRange(int cents)
+{
+    const midi::BendRange range = midi::bendRangeMessages(cents);
+    for (size_t i = 0; i < range.messages.size(); ++i) {
+        const midi::ShortMessage& message = range.messages[i];
+        send(message);
+        ORLO_AUDIO_DEBUG.noquote() << QStringLiteral("Midi RPN message %1: ").arg(i + 1)
+                                   << QList<int>(message.begin(), message.end());
+    }
+    ORLO_AUDIO_DEBUG << "Midi RPN messages sent: Pitch bend range set to: semitones, cents "
+                     << range.semitones << range.cents;
+}
+
+void MidiOutRtMidi::mpeResetPitchBendRange()
+{
+    mpeApplyPitchBendRange(DEFAULT_BEND_RANGE_CENTS);
+}
+
+void MidiOutRtMidi::mpeResetChannelTuning()
+{
+    for (int i = 0; i < CHANNELS; ++i)
+        mpeSetChannelTuning(i, 0.0F);
+}
