@@ -2,8 +2,7 @@
 
 #include "app/TuningOrloApplication.h"
 #include "external/MidiDouble.h"
-#include "sound/AudioOutput.h"
-#include "support/EngineClock.h"
+#include "support/SoundDeviceDouble.h"
 #include "support/TestHome.h"
 #include "ui/window/MainWindow.h"
 
@@ -14,44 +13,7 @@
 #include <QMessageBox>
 #include <QTimer>
 
-#include <optional>
 #include <utility>
-
-/// A sound device without sound; the engine runs from its start to its end.
-class SilentDevice : public AudioOutput
-{
-public:
-    bool init(int framesPerBuffer, int device, PdPlayer* player) override
-    {
-        asked = {framesPerBuffer, device};
-        if (fails)
-            return false;
-        setPlayer(player);
-        player->initAudio(2, 44100);
-        mClock.emplace(*player);
-        setSelectedDevice(device);
-        return true;
-    }
-    void term() override
-    {
-        patchWasOpenAtTheEnd = player()->isPatchOpen();
-        mClock.reset();
-        setSelectedDevice(-1);
-    }
-    QStringList devices() const override { return {QStringLiteral("a"), QStringLiteral("b")}; }
-    void logDevices() const override { ++logged; }
-    bool selectDevice(int) override { return true; }
-    void muteOutput() override {}
-    void unmuteOutput() override {}
-
-    bool fails = false;
-    std::pair<int, int> asked; // frames, device
-    std::optional<bool> patchWasOpenAtTheEnd;
-    mutable int logged = 0;
-
-private:
-    std::optional<EngineClock> mClock;
-};
 
 /// A run of the program without the machine's devices, in a home of its own. Its message boxes are
 /// confirmed, and their texts kept.
@@ -104,7 +66,7 @@ private:
 
 protected:
     const TestHome home;
-    SilentDevice sound;
+    SoundDeviceDouble sound;
     MidiOutOverDouble midi;
     TuningOrloApplication application{mCount, mArguments};
     QStringList boxes;

@@ -37,7 +37,7 @@ public:
     RtMidi::Api getCurrentApi() override { return mSystem->api; }
     void openPort(unsigned int port, const std::string& name) override
     {
-        const Call call(*this);
+        const auto inside = enter();
         if (mSystem->opensFail)
             throw RtMidiError("no such device", RtMidiError::DRIVER_ERROR);
         mSystem->add("open " + std::to_string(port) + " as " + name);
@@ -47,7 +47,7 @@ public:
     void openVirtualPort(const std::string&) override {}
     void closePort() override
     {
-        const Call call(*this);
+        const auto inside = enter();
         if (connected_)
             mSystem->add("close");
         connected_ = false;
@@ -56,17 +56,17 @@ public:
     void setPortName(const std::string&) override {}
     unsigned int getPortCount() override
     {
-        const Call call(*this);
+        const auto inside = enter();
         return static_cast<unsigned int>(mSystem->portNames().size());
     }
     std::string getPortName(unsigned int port) override
     {
-        const Call call(*this);
+        const auto inside = enter();
         return mSystem->portNames().value(port);
     }
     void sendMessage(const unsigned char* message, size_t size) override
     {
-        const Call call(*this);
+        const auto inside = enter();
         while (mSystem->sendsHang)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         if (mSystem->sendsFail)
@@ -81,21 +81,17 @@ protected:
     void initialize(const std::string&) override {}
 
 private:
-    /// Counts the threads that are inside.
-    struct Call
+    /// Tells when two threads are inside.
+    std::unique_lock<std::mutex> enter()
     {
-        explicit Call(ApiDouble& api)
-            : inside(api.mInside)
-        {
-            if (++inside > 1)
-                api.mSystem->enteredTwice = true;
-        }
-        ~Call() { --inside; }
-        std::atomic<int>& inside;
-    };
+        std::unique_lock inside(mInside, std::try_to_lock);
+        if (!inside)
+            mSystem->enteredTwice = true;
+        return inside;
+    }
 
     const std::shared_ptr<MidiSystem> mSystem;
-    std::atomic<int> mInside{0};
+    std::mutex mInside;
 };
 
 RtMidi::Api lastCompiledApi()

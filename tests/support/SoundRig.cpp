@@ -13,36 +13,12 @@
 #include <cmath>
 #include <thread>
 
-namespace {
-
-QString shipped(const QString& name)
-{
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/patches/") + name;
-}
-
-QByteArray readShipped(const QString& name)
-{
-    QFile file(shipped(name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("The patch %s is not beside the tests.", qPrintable(file.fileName()));
-    return file.readAll();
-}
-
-} // namespace
-
 SoundRig::SoundRig(int voices)
 {
     settings.mainPatchNumberOfVoices = voices;
     app::setParts({.orlo = &orlo, .player = &player, .settings = &settings, .audioOutput = &output});
-    home.configDir().mkpath(QStringLiteral("patch"));
-    const QString main = QStringLiteral("shell/orlo_main_%1voice.pd").arg(voices);
-    if (QFile::exists(shipped(main)))
-        home.write(QStringLiteral("patch/orlo_main.pd"), readShipped(main));
-    for (const char* name :
-         {"orlo_vprep.pd", "equal-loudness.pd", "tb_compressor~.pd", "tb_compressorUI.pd"}) {
-        const QString file = QString::fromLatin1(name);
-        home.write(QStringLiteral("patch/") + file, readShipped(QStringLiteral("shell/") + file));
-    }
+    if (!mFolder.install(QCoreApplication::applicationDirPath(), voices))
+        qFatal("The program's patches are not beside the tests.");
     if (!player.init())
         qFatal("The engine does not start.");
     player.initAudio(2, static_cast<int>(RATE));
@@ -58,7 +34,8 @@ SoundRig::~SoundRig()
 
 bool SoundRig::loadVoice(const QString& name)
 {
-    return loadVoiceText(readShipped(name));
+    const QString voices = PatchFolder::shippedVoices(QCoreApplication::applicationDirPath());
+    return mFolder.putVoice(voices + u'/' + name) && load();
 }
 
 bool SoundRig::loadVoiceText(const QByteArray& patch)
@@ -87,7 +64,7 @@ void SoundRig::setVoiceText(const QByteArray& patch) const
 
 QFileInfo SoundRig::mainPatch() const
 {
-    return QFileInfo(home.path(QStringLiteral("patch/orlo_main.pd")));
+    return QFileInfo(mFolder.mainPatch());
 }
 
 void SoundRig::send(const OrloEvent& event)

@@ -6,6 +6,7 @@
 #include "app/Settings.h"
 #include "model/Orlo.h"
 #include "sound/PaAudioOutput.h"
+#include "sound/PatchFolder.h"
 #include "sound/PdPlayer.h"
 
 #include <functional>
@@ -58,6 +59,9 @@ public:
     Orlo orlo;
     PdPlayer player;
     PaAudioOutput output;
+
+private:
+    const PatchFolder mFolder{home.path(QString())};
 };
 
 /// A voice of one oscillator at `factor` times the frequency, with this macro list.

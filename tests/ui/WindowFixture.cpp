@@ -1,62 +1,39 @@
 #include "ui/WindowFixture.h"
 
 #include "sound/PatchFolder.h"
-#include "support/EngineClock.h"
 
 #include <QApplication>
-#include <QDialogButtonBox>
-#include <QFileDialog>
+#include <QDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
 
 #include <algorithm>
 
-BoxAnswers::BoxAnswers()
-{
-    startTimer(10);
-}
-
 void BoxAnswers::timerEvent(QTimerEvent*)
 {
-    QWidget* box = QApplication::activeModalWidget();
+    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (!box || !box->isVisible())
         return;
-    const Answer answer = mAnswers.isEmpty() ? Answer{false, QString()} : mAnswers.takeFirst();
-    const auto press = [](QWidget* button) { QTest::mouseClick(button, Qt::LeftButton); };
+    const auto [accept, text] = mAnswers.isEmpty() ? std::pair(false, QString()) : mAnswers.takeFirst();
     if (auto* message = qobject_cast<QMessageBox*>(box)) {
         mShown.append(message->text() + message->informativeText());
-        QAbstractButton* button = message->button(answer.accept ? QMessageBox::Yes : QMessageBox::No);
-        press(button ? button : message->button(QMessageBox::Ok));
+        QAbstractButton* button = message->button(accept ? QMessageBox::Yes : QMessageBox::No);
+        (button ? button : message->button(QMessageBox::Ok))->click();
         return;
     }
-    auto* line = box->findChild<QLineEdit*>();
     mShown.append(box->windowTitle());
-    line->clear();
-    const bool isFile = qobject_cast<QFileDialog*>(box);
-    if (isFile) // it completes what is typed, with files that come later
-        line->setText(answer.text);
-    else
-        QTest::keyClicks(line, answer.text);
-    using Box = QDialogButtonBox;
-    press(box->findChild<Box*>()->button(!answer.accept ? Box::Cancel : isFile ? Box::Open : Box::Ok));
-}
-
-void WindowFixture::SetUpTestSuite()
-{
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
-    ASSERT_TRUE(sheet.open(QIODevice::ReadOnly));
-    qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
-}
-
-void WindowFixture::TearDownTestSuite()
-{
-    qApp->setStyleSheet(QString());
+    box->findChild<QLineEdit*>()->setText(text);
+    accept ? box->accept() : box->reject();
 }
 
 WindowFixture::WindowFixture()
 {
+    // The look decides how much room the controls take.
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
+    EXPECT_TRUE(sheet.open(QIODevice::ReadOnly));
+    qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
     app::Parts parts = app::parts();
     parts.application = &services;
     parts.storeAndRecall = &chords;
@@ -67,8 +44,14 @@ WindowFixture::WindowFixture()
     settings.lastDirPath = home.path(QStringLiteral("chord_presets"));
     QDir().mkpath(settings.lastDirPath);
     PatchFolder(home.path(QString())).install(QCoreApplication::applicationDirPath(), 4);
+    openWindow();
+}
+
+void WindowFixture::openWindow()
+{
     {
         const EngineClock clock(player);
+        window.reset();
         window = std::make_unique<MainWindow>(&orlo);
     }
     settle();
@@ -79,6 +62,7 @@ WindowFixture::~WindowFixture()
     const EngineClock clock(player);
     player.term();
     window.reset();
+    qApp->setStyleSheet(QString());
 }
 
 void WindowFixture::click(const char* name) const

@@ -3,7 +3,7 @@
 #include "app/ApplicationServices.h"
 #include "external/MidiDouble.h"
 #include "memory/StoreAndRecall.h"
-#include "sound/AudioOutput.h"
+#include "support/SoundDeviceDouble.h"
 #include "support/TestHome.h"
 #include "ui/UiFixture.h"
 #include "ui/window/MainWindow.h"
@@ -13,38 +13,14 @@
 #include <QSlider>
 
 #include <memory>
+#include <utility>
 
-/// A sound system of the test's own: its devices and which of them fail to open.
-class SoundDeviceDouble : public AudioOutput
-{
-public:
-    SoundDeviceDouble() { setSelectedDevice(0); }
-
-    bool init(int, int, PdPlayer*) override { return true; }
-    void term() override {}
-    QStringList devices() const override
-    {
-        return {QStringLiteral("JACK: system"), QStringLiteral("JACK: studio"), QStringLiteral("ALSA: gone")};
-    }
-    void logDevices() const override {}
-    bool selectDevice(int index) override
-    {
-        const bool works = !broken.contains(index);
-        setSelectedDevice(works ? index : -1);
-        return works;
-    }
-    void muteOutput() override {}
-    void unmuteOutput() override {}
-
-    QList<int> broken{2};
-};
-
-/// Answers the boxes that the window opens while this lives, each as a player would: by a click on
-/// a button, or by typing and a click. A box without an answer is closed, and its text kept.
+/// Answers the boxes that the window opens while this lives, and keeps their texts. A box without an
+/// answer is closed.
 class BoxAnswers : public QObject
 {
 public:
-    BoxAnswers();
+    BoxAnswers() { startTimer(10); }
 
     /// Yes or No to the next question.
     void answer(bool yes) { mAnswers.append({yes, QString()}); }
@@ -58,23 +34,13 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    struct Answer
-    {
-        bool accept;
-        QString text;
-    };
-    QList<Answer> mAnswers;
+    QList<std::pair<bool, QString>> mAnswers; // accepts, types
     QStringList mShown;
 };
 
 /// A window with the patch Sine loaded, over a player whose commands the test reads.
 class WindowFixture : public UiFixture
 {
-public:
-    /// The look decides how much room the controls take.
-    static void SetUpTestSuite();
-    static void TearDownTestSuite();
-
 protected:
     using Command = std::pair<OrloEvent::Type, float>;
 
@@ -103,6 +69,8 @@ protected:
     WindowFixture();
     ~WindowFixture() override;
 
+    /// A new one, in place of the former.
+    void openWindow();
     template <class Widget>
     Widget* find(const char* name) const
     {
@@ -126,7 +94,7 @@ protected:
     TestHome home; // before the window, whose options name its folders
     StoreAndRecall chords{&player};
     Services services;
-    SoundDeviceDouble soundDevice;
+    SoundDeviceDouble soundDevice{0};
     MidiOutOverDouble midi;
     std::unique_ptr<MainWindow> window;
 };

@@ -76,6 +76,11 @@ KeyMap::Action KeyMap::queue(OrloEvent::Type type) const
     return [this, type] { mPlayer->queueGui(type, 1.0F); };
 }
 
+KeyMap::Action KeyMap::queue(const OrloEvent& event) const
+{
+    return [this, &event] { mPlayer->queueEventGui(&event); };
+}
+
 // ---------------------------------------------------------------- the table
 
 void KeyMap::addDigits()
@@ -140,8 +145,8 @@ void KeyMap::addOtherKeys()
 {
     add(Qt::Key_Comma, Exactly, CONTROL, mToggleOptions);
     add(Qt::Key_Escape, With, CONTROL, click(mForm.stopAllButton));
-    add(Qt::Key_Escape, With, ALT, queue(OrloEvent::NodesDeselectAll));
-    add(Qt::Key_Escape, Any, NONE, queue(OrloEvent::AllNotesOff));
+    add(Qt::Key_Escape, With, ALT, queue(mPanel->nodesDeselectAll));
+    add(Qt::Key_Escape, Any, NONE, queue(mPanel->allNotesOff));
     TransposeWidget* transpose = mForm.transposeWidget;
     for (const int key : {Qt::Key_Equal, Qt::Key_Backspace})
         add(key, Any, NONE, [transpose] { transpose->resetTranspose(); });

@@ -53,6 +53,8 @@ private:
     /// The button flashes, and its slot runs at the flash's end.
     static Action click(QPushButton* button);
     Action queue(OrloEvent::Type type) const;
+    /// The event is the panel's.
+    Action queue(const OrloEvent& event) const;
 
     const Ui::MainWindow& mForm;
     PanelParts* mPanel;

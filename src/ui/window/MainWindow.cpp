@@ -172,7 +172,7 @@ void MainWindow::updateZoomMode()
 
 void MainWindow::updateTweaks()
 {
-    app::player()->queueGui(OrloEvent::AllNotesOff, 1.0F);
+    app::player()->queueEventGui(&mPanel->allNotesOff);
     QThread::msleep(TWEAK_PAUSE_MS);
     QCoreApplication::processEvents();
     app::application()->loadStyleSheet();
@@ -296,7 +296,7 @@ void MainWindow::on_soundgrapeBWButton_clicked() { mPanel->display.soundgrapeBWC
 
 void MainWindow::on_monoButton_clicked() { mPanel->monoPoly.monoClicked(); }
 void MainWindow::on_polyButton_clicked() { mPanel->monoPoly.polyClicked(); }
-void MainWindow::on_stopAllButton_clicked() { app::player()->queueGui(OrloEvent::AllNotesOffForced, 1.0F); }
+void MainWindow::on_stopAllButton_clicked() { app::player()->queueEventGui(&mPanel->allNotesOffForced); }
 void MainWindow::on_volumeSlider_valueChanged(int) { mPanel->volume.queueVolume(); }
 void MainWindow::on_glissSliderBig_valueChanged(int) { mPanel->glissando.queueCoarse(); }
 void MainWindow::on_glissFineSliderBig_valueChanged(int) { mPanel->glissando.queueFine(); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sound/OrloEvent.h"
 #include "ui/panel/ChordPanel.h"
 #include "ui/panel/ChordPresetMenus.h"
 #include "ui/panel/DisplaySwitches.h"
@@ -22,6 +23,12 @@ struct PanelParts
     explicit PanelParts(const Ui::MainWindow& form);
 
     void setRestricted(bool restricted);
+
+    // Built once and queued as they are: by the button that stops all, by Escape, and before the lattice is
+    // built anew.
+    const OrloEvent allNotesOff{OrloEvent::AllNotesOff, 1.0F};
+    const OrloEvent allNotesOffForced{OrloEvent::AllNotesOffForced, 1.0F};
+    const OrloEvent nodesDeselectAll{OrloEvent::NodesDeselectAll, 1.0F};
 
     DisplaySwitches display;
     VolumeControl volume;

@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const OrloRatio A(1, 1);
@@ -20,8 +22,6 @@ std::string textOf(const QList<OrloRatio>& ratios)
     return texts.join(u' ').toStdString();
 }
 
-} // namespace
-
 class ChordPanelTest : public WindowFixture
 {
 protected:
@@ -37,7 +37,7 @@ protected:
     }
     QPushButton* chord(int number) const
     {
-        return button(qPrintable(QStringLiteral("chordButton_%1").arg(number, 2, 10, QLatin1Char('0'))));
+        return button(qPrintable(u"chordButton_%1"_s.arg(number, 2, 10, QChar(u'0'))));
     }
     void clickChord(int number) const { QTest::mouseClick(chord(number), Qt::LeftButton); }
     bool isOn(const char* name) const { return button(name)->isChecked(); }
@@ -71,17 +71,16 @@ TEST_F(ChordPanelTest, StoresRecallsAndClearsByClicks)
     EXPECT_TRUE(boxes.take().isEmpty());
 
     play({C});
-    boxes.answer(false);
-    clickChord(7);
-    boxes.answer(true);
-    clickChord(20);
-    EXPECT_EQ(stored(7), "1/1 3/2");
-    EXPECT_EQ(stored(20), "5/4");
-    EXPECT_EQ(boxes.take(), QStringList(2, QStringLiteral("Replace?")));
+    for (const int number : {7, 20}) {
+        boxes.answer(number == 20);
+        clickChord(number);
+        EXPECT_EQ(stored(number), number == 20 ? "5/4" : "1/1 3/2");
+    }
+    EXPECT_EQ(boxes.take(), QStringList(2, u"Replace?"_s));
     play({});
     for (const int number : {8, 20}) { // neither a question nor a loss
         clickChord(number);
-        EXPECT_TRUE(boxes.take().value(0).contains(QStringLiteral("Nothing to be stored")));
+        EXPECT_TRUE(boxes.take().value(0).contains(u"Nothing to be stored"));
         EXPECT_EQ(chord(number)->isChecked(), number == 20);
     }
 
@@ -101,14 +100,23 @@ TEST_F(ChordPanelTest, StoresRecallsAndClearsByClicks)
     EXPECT_EQ(textOf(player.getAllSoundingRatios()), "1/1 3/2");
 }
 
-TEST_F(ChordPanelTest, EachButtonStoresItsOwnChord)
+TEST_F(ChordPanelTest, EachButtonStoresItsOwnChordAndClearingAllAsks)
 {
+    click("chordClearAllButton");
+    EXPECT_TRUE(boxes.take().isEmpty()) << "there is nothing";
     play({A});
     click("chordStoreToButton");
     for (int number = 1; number <= 20; ++number) {
         clickChord(number);
         EXPECT_EQ(stored(number), "1/1") << number;
         EXPECT_EQ(stored(number + 1), "") << number;
+    }
+    for (const bool yes : {false, true}) {
+        boxes.answer(yes);
+        press(Qt::Key_C, Qt::AltModifier);
+        EXPECT_EQ(boxes.take().size(), 1);
+        EXPECT_EQ(chord(20)->isChecked(), !yes);
+        EXPECT_EQ(chords.isStorageEmpty(), yes);
     }
 }
 
@@ -126,12 +134,17 @@ TEST_F(ChordPanelTest, PairsExcludeEachOther)
         EXPECT_FALSE(isOn(one)) << one;
         click(other);
     }
-    // The key only moves the marks: none, additive, alternating, none.
-    const std::pair<bool, bool> cycle[] = {{true, false}, {false, true}, {false, false}};
-    for (const auto& [additive, alternating] : cycle) {
+    // The key only moves the marks, from none to additive, alternating and none.
+    store(1, {A, B});
+    const std::tuple<bool, bool, const char*> cycle[] = {
+        {true, false, ""}, {false, true, "1/1"}, {false, false, "1/1 3/2"}};
+    for (const auto& [additive, alternating, left] : cycle) {
         press(Qt::Key_A, Qt::ControlModifier);
         EXPECT_EQ(isOn("chordAdditiveRecallButton"), additive);
         EXPECT_EQ(isOn("chordAlternatingRecallButton"), alternating);
+        play({B});
+        clickChord(1);
+        EXPECT_EQ(soundingNow(), left);
     }
 }
 
@@ -150,20 +163,6 @@ TEST_F(ChordPanelTest, AChordInMonoAsksAndIsRecalledEitherWay)
         const QList<Command> queued = commands();
         EXPECT_EQ(queued.contains({OrloEvent::MonophonicSet, 0.0F}), poly);
         EXPECT_EQ(queued.count({OrloEvent::NoteToggleByRatio, 1.0F}), 2);
-    }
-}
-
-TEST_F(ChordPanelTest, ClearingAllAsksUnlessThereIsNothing)
-{
-    click("chordClearAllButton");
-    EXPECT_TRUE(boxes.take().isEmpty());
-    store(3, {A});
-    for (const bool yes : {false, true}) {
-        boxes.answer(yes);
-        press(Qt::Key_C, Qt::AltModifier);
-        EXPECT_EQ(boxes.take().size(), 1);
-        EXPECT_EQ(chord(3)->isChecked(), !yes);
-        EXPECT_EQ(chords.isStorageEmpty(), yes);
     }
 }
 
@@ -231,25 +230,4 @@ TEST_F(ChordPanelTest, RestrictionsTakePanelAndGlissandoAway)
     EXPECT_TRUE(chord(1)->isEnabled());
 }
 
-TEST_F(ChordPanelTest, GlissButtonsShowTheirSliders)
-{
-    window->show();
-    const char* const key = ""; // Ctrl+G: both away, or back as they were
-    const std::tuple<const char*, bool, bool> rows[] = {
-        {key, false, false}, // nothing to come back to yet
-        {"glissFineButton", false, true},
-        {key, false, false},
-        {key, false, true},
-        {"glissButton", true, true},
-        {"glissFineButton", true, false},
-    };
-    for (const auto& [clicked, one, two] : rows) {
-        SCOPED_TRACE(clicked);
-        if (clicked == key)
-            press(Qt::Key_G, Qt::ControlModifier);
-        else
-            click(clicked);
-        EXPECT_EQ(slider("glissSliderBig")->isVisible(), one);
-        EXPECT_EQ(slider("glissFineSliderBig")->isVisible(), two);
-    }
-}
+} // namespace

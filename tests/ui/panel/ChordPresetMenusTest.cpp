@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace Qt::StringLiterals;
+
 class ChordPresetMenusTest : public WindowFixture
 {
 protected:
@@ -30,7 +32,7 @@ protected:
     bool buttonsAreOn() const { return button("saveChordSetLoadButton")->isEnabled(); }
     QString preset(const char* path) const { return settings.lastDirPath + u'/' + QString::fromUtf8(path); }
 
-    const QString STAR = QStringLiteral("*");
+    const QString STAR = u"*"_s;
     const LogCatcher quiet;
     BoxAnswers boxes;
 };
@@ -38,7 +40,7 @@ protected:
 TEST_F(ChordPresetMenusTest, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
 {
     create(banks(), "Mine");
-    EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine"));
+    EXPECT_EQ(banks()->currentText(), u"Mine"_s);
     EXPECT_FALSE(buttonsAreOn());
     create(presets(), "First");
     EXPECT_TRUE(buttonsAreOn());
@@ -48,8 +50,7 @@ TEST_F(ChordPresetMenusTest, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     window->setChordButton(2, true);
     chords.storedChords()->insert(5, {OrloRatio(7, 4)});
     press(Qt::Key_L, Qt::ControlModifier);
-    EXPECT_EQ(services.take(), QStringList({QStringLiteral("saved Mine/First.btoc"),
-                                            QStringLiteral("loaded Mine/First.btoc")}));
+    EXPECT_EQ(services.take(), QStringList({u"saved Mine/First.btoc"_s, u"loaded Mine/First.btoc"_s}));
     EXPECT_FALSE(button("chordButton_02")->isChecked()) << "the buttons show the memory";
     EXPECT_TRUE(button("chordButton_05")->isChecked());
     EXPECT_TRUE(boxes.take().isEmpty()); // neither asks
@@ -90,16 +91,9 @@ TEST_F(ChordPresetMenusTest, CancelEmptyAndWrongNamesGoBackToTheLastChoice)
         const QStringList shown = boxes.take();
         EXPECT_EQ(shown.size(), *complaint ? 2 : 1) << name;
         EXPECT_TRUE(shown.last().contains(QLatin1StringView(complaint))) << name;
-        EXPECT_EQ(banks()->currentText(), QStringLiteral("Mine")) << name;
-        EXPECT_EQ(presets()->currentText(), QStringLiteral("First")) << name;
+        EXPECT_EQ(banks()->currentText() + presets()->currentText(), u"MineFirst") << name;
     }
-    settings.lastDirPath = home.path(QStringLiteral("absent"));
-    create(banks(), "Other");
-    EXPECT_TRUE(boxes.take().last().contains(QStringLiteral("Main directory does not exist")));
-}
-
-TEST_F(ChordPresetMenusTest, AnEntryNamedLikeAnActionIsAnEntry)
-{
+    // An entry named like an action is an entry.
     create(banks(), "-- remove last chosen bank --");
     create(presets(), "-- create new preset --");
     boxes.take();
@@ -107,6 +101,9 @@ TEST_F(ChordPresetMenusTest, AnEntryNamedLikeAnActionIsAnEntry)
     choose(presets(), 1);
     EXPECT_TRUE(boxes.take().isEmpty());
     EXPECT_TRUE(buttonsAreOn());
+    settings.lastDirPath = home.path(u"absent"_s);
+    create(banks(), "Other");
+    EXPECT_TRUE(boxes.take().last().contains(u"Main directory does not exist"_s));
 }
 
 TEST_F(ChordPresetMenusTest, WithThePlaceholderLoadAndSaveTouchNoFile)
@@ -129,16 +126,12 @@ TEST_F(ChordPresetMenusTest, WithThePlaceholderLoadAndSaveTouchNoFile)
     choose(banks(), "One");
     choose(presets(), "Common");
     choose(banks(), "One");
-    EXPECT_EQ(presets()->currentText(), QStringLiteral("Common"));
+    EXPECT_EQ(presets()->currentText(), u"Common"_s);
     click("saveChordSetLoadButton");
-    EXPECT_EQ(services.take(), QStringList{QStringLiteral("loaded One/Common.btoc")});
-}
+    EXPECT_EQ(services.take(), QStringList{u"loaded One/Common.btoc"_s});
 
-TEST_F(ChordPresetMenusTest, WhatHasGoneFromTheDiskIsNoChoice)
-{
-    create(banks(), "One");
-    create(presets(), "Gone");
-    ASSERT_TRUE(QFile::remove(preset("One/Gone.btoc")));
+    // What has gone from the disk is no choice.
+    ASSERT_TRUE(QFile::remove(preset("One/Common.btoc")));
     choose(banks(), "One");
     EXPECT_EQ(presets()->currentText(), STAR);
     click("saveChordSetSaveButton");
@@ -154,14 +147,18 @@ TEST_F(ChordPresetMenusTest, ADirectoryIsChosenAndItsBanksListed)
 {
     create(banks(), "One");
     create(presets(), "P");
-    QDir(home.path(QStringLiteral("elsewhere"))).mkpath(QStringLiteral("Theirs"));
+    const QString elsewhere = home.path(u"elsewhere"_s);
+    QDir(elsewhere).mkpath(u"Theirs"_s);
     boxes.type(QString(), false);
     click("saveChordDirectoryButton");
-    EXPECT_EQ(banks()->currentText(), QStringLiteral("One"));
-    boxes.type(home.path(QStringLiteral("elsewhere")));
+    EXPECT_EQ(banks()->currentText(), u"One");
+    boxes.type(elsewhere);
     click("saveChordDirectoryButton");
-    EXPECT_EQ(settings.lastDirPath, home.path(QStringLiteral("elsewhere")));
-    EXPECT_EQ(banks()->findText(QStringLiteral("Theirs")), 1);
-    EXPECT_EQ(banks()->currentText(), STAR);
+    EXPECT_EQ(settings.lastDirPath, elsewhere);
+    EXPECT_EQ(banks()->findText(u"Theirs"_s), 1);
     EXPECT_FALSE(buttonsAreOn());
+    boxes.take();
+    choose(banks(), -1); // none was chosen here
+    EXPECT_TRUE(boxes.take().isEmpty());
+    EXPECT_EQ(banks()->currentText(), STAR);
 }

@@ -1,13 +1,22 @@
+#include "ui/panel/PatchMenu.h"
 #include "sound/OrloNoteEvent.h"
-#include "support/EngineClock.h"
 #include "support/LogCatcher.h"
 #include "ui/WindowFixture.h"
 
 #include <QComboBox>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
 
 class PatchMenuTest : public WindowFixture
 {
 protected:
+    PatchMenuTest()
+    {
+        home.write(u"no.pd"_s, "#N canvas 0 0 200 200 12;\n#X obj 1 1 outlet~;\n");
+        home.write(u"cut.pd"_s, CUT_SHORT);
+        EXPECT_TRUE(QFile::copy(menu()->currentData().toString(), mine));
+    }
     QComboBox* menu() const { return find<QComboBox>("patchMenu"); }
 
     template <class Action>
@@ -24,19 +33,43 @@ protected:
         run([&] { window->loadPatch(path); });
     }
 
+    static constexpr const char* CUT_SHORT = "#N canvas 0 0 200 200 12;\n#N canvas 0 0 200 200 s 0;\n";
+    const QString mine = home.path(u"My voice.pd"_s);
     BoxAnswers boxes;
 };
 
-TEST_F(PatchMenuTest, APatchFromElsewhereJoinsTheMenuOnce)
+TEST_F(PatchMenuTest, APatchJoinsTheMenuOnceAndIsToldTheSliders)
 {
-    const QString mine = home.path(QStringLiteral("My voice.pd"));
-    ASSERT_TRUE(QFile::copy(menu()->currentData().toString(), mine));
+    QComboBox first;
+    PatchMenu another(&first, &player, &settings);
+    run([&] { another.loadPatch(home.path(u"no.pd"_s)); });
+    EXPECT_EQ(first.currentText(), u"None loaded");
+    run([&] { another.loadPatch(mine); });
+    EXPECT_EQ(first.count(), 1);
+
     const int count = menu()->count();
+    slider("macroSlider8")->setValue(30); // the patch has no such macro
+    settle();
+    QList<std::pair<int, float>> macros;
+    QObject::connect(&player, qOverload<int, float>(&PdPlayer::macroValueChanged), window.get(),
+                     [&macros](int macro, float value) {
+                         macros.append({macro, value});
+                     });
     load(mine);
+    EXPECT_TRUE(macros.contains(std::pair(8, 0.25F)));
     load(mine);
     EXPECT_EQ(menu()->count(), count + 1);
-    EXPECT_EQ(menu()->currentText(), QStringLiteral("My voice"));
-    EXPECT_EQ(settings.defaultPatch, QStringLiteral("My voice.pd"));
+    EXPECT_EQ(menu()->currentText(), u"My voice");
+    EXPECT_EQ(settings.defaultPatch, u"My voice.pd");
+
+    QTimer::singleShot(0, window.get(), [this] { window->patch_by_Index(0); }); // while it changes
+    load(mine);
+    EXPECT_EQ(menu()->currentIndex(), 0);
+    const EngineClock clock(player);
+    for (const auto& [step, index] : {std::pair("patchDecButton", count), {"patchIncButton", 0}}) {
+        button(step)->click(); // goes around
+        EXPECT_EQ(menu()->currentIndex(), index);
+    }
 }
 
 TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
@@ -49,9 +82,7 @@ TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
     int toggles = 0;
     QObject::connect(
         &player, &PdPlayer::noteToggled, &player, [&] { ++toggles; }, Qt::DirectConnection);
-    home.write(QStringLiteral("no.pd"), "#N canvas 0 0 200 200 12;\n#X obj 1 1 outlet~;\n");
-    home.write(QStringLiteral("cut.pd"), "#N canvas 0 0 200 200 12;\n#N canvas 0 0 200 200 s 0;\n");
-    QDir().mkpath(home.path(QStringLiteral("folder.pd")));
+    QDir().mkpath(home.path(u"folder.pd"_s));
     const std::pair<const char*, const char*> rows[] = {
         {"no.pd", "no inlet"}, {"cut.pd", "cut short"}, {"folder.pd", "cannot be read"}};
     const LogCatcher quiet;
@@ -60,7 +91,7 @@ TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
         const QString bad = home.path(QLatin1StringView(name));
         load(bad);
         const QString told = boxes.take().value(0);
-        EXPECT_TRUE(told.startsWith(QStringLiteral("Failed to load patch %1.").arg(bad)));
+        EXPECT_TRUE(told.startsWith(u"Failed to load patch %1."_s.arg(bad)));
         EXPECT_TRUE(told.contains(QLatin1StringView(reason))) << told.toStdString();
         EXPECT_EQ(menu()->currentText(), good);
         EXPECT_TRUE(player.isPatchOpen());
@@ -71,17 +102,16 @@ TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
     // What the check cannot foresee: the engine refuses the new one. It takes the
     // former one again, if it takes any.
     static const TestHome* runtime = nullptr;
-    static const QByteArray mainPatch = home.read(QStringLiteral("patch/orlo_main.pd"));
+    static const QByteArray mainPatch = home.read(u"patch/orlo_main.pd"_s);
     const auto mend = [](QtMsgType, const QMessageLogContext&, const QString& line) {
-        if (runtime && line.startsWith(QStringLiteral("Failed to load")))
-            runtime->write(QStringLiteral("patch/orlo_main.pd"), mainPatch);
+        if (runtime && line.startsWith(u"Failed to load"_s))
+            runtime->write(u"patch/orlo_main.pd"_s, mainPatch);
     };
     const QtMessageHandler handler = qInstallMessageHandler(mend);
     for (const bool mended : {true, false}) {
         SCOPED_TRACE(mended);
         runtime = mended ? &home : nullptr;
-        home.write(QStringLiteral("patch/orlo_main.pd"),
-                   "#N canvas 0 0 200 200 12;\n#N canvas 0 0 200 200 s 0;\n");
+        home.write(u"patch/orlo_main.pd"_s, CUT_SHORT);
         run([this] {
             menu()->setCurrentIndex(0);
             emit menu()->activated(0);
@@ -91,14 +121,4 @@ TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
         EXPECT_EQ(player.isPatchOpen(), mended);
     }
     qInstallMessageHandler(handler);
-}
-
-TEST_F(PatchMenuTest, SteppingWraps)
-{
-    menu()->setCurrentIndex(0);
-    const EngineClock clock(player);
-    button("patchDecButton")->click();
-    EXPECT_EQ(menu()->currentIndex(), menu()->count() - 1);
-    button("patchIncButton")->click();
-    EXPECT_EQ(menu()->currentIndex(), 0);
 }

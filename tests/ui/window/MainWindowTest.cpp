@@ -4,18 +4,17 @@
 #include <QLabel>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 using MainWindowTest = WindowFixture;
 
 TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
 {
     EXPECT_EQ(window->minimumSizeHint().boundedTo(QSize(1280, 800)), window->minimumSizeHint());
-    const QStringList withFocus{QStringLiteral("grapesViewButton"), QStringLiteral("circlesViewButton"),
-                                QStringLiteral("expandOrloButton")};
-    for (const QPushButton* each : window->findChildren<QPushButton*>()) {
-        if (each->window() != window.get())
-            continue;
-        EXPECT_EQ(each->focusPolicy() != Qt::NoFocus, withFocus.contains(each->objectName()))
-            << each->objectName().toStdString();
+    const QStringList withFocus{u"grapesViewButton"_s, u"circlesViewButton"_s, u"expandOrloButton"_s};
+    for (const QPushButton* each : window->centralWidget()->findChildren<QPushButton*>()) {
+        const QString name = each->objectName();
+        EXPECT_EQ(each->focusPolicy() != Qt::NoFocus, withFocus.contains(name)) << name.toStdString();
     }
     for (const QString& name : withFocus) {
         click(qPrintable(name));
@@ -60,17 +59,20 @@ TEST_F(MainWindowTest, SlidersQueueTheirFractionAndFollowThePlayerWithoutEcho)
 
 TEST_F(MainWindowTest, MacroNamesAndDefaultsComeFromThePatch)
 {
-    emit player.macroNamesReceived({QStringLiteral("aTTACK"), QStringLiteral("x")});
+    emit player.macroNamesReceived({u"aTTACK"_s, u"x"_s});
     emit player.macroDefaultsReceived({0.25F, -1.0F});
     report();
-    EXPECT_EQ(find<QLabel>("macroLabel1")->text(), QStringLiteral("Attack"));
-    EXPECT_EQ(find<QLabel>("macroLabel3")->text(), QStringLiteral("Unused"));
+    EXPECT_EQ(find<QLabel>("macroLabel1")->text(), u"Attack");
+    EXPECT_EQ(find<QLabel>("macroLabel3")->text(), u"Unused");
     EXPECT_FALSE(slider("macroSlider3")->isEnabled());
     press(Qt::Key_S, Qt::AltModifier);
     EXPECT_EQ(commands(), QList<Command>(2, {OrloEvent::Macro1Set, 0.25F}));
+    emit player.setMacroSliders({-1.0F, 0.75F}); // the former patch's
+    report();
+    EXPECT_EQ(commands(), (QList<Command>{{OrloEvent::Macro2Set, 0.75F}}));
     // A list that is longer than the sliders does no harm.
     emit player.macroDefaultsReceived(QList<float>(20, 0.5F));
-    emit player.macroNamesReceived(QStringList(20, QStringLiteral("n")));
+    emit player.macroNamesReceived(QStringList(20, u"n"_s));
     report();
     EXPECT_EQ(commands().size(), 8);
 }
@@ -120,29 +122,34 @@ TEST_F(MainWindowTest, MonoAndPolyChangeOnlyWhenThePlayerAnswers)
 
 TEST_F(MainWindowTest, DisplaySwitchesWriteTheOptions)
 {
-    click("circlesViewButton");
-    click("circlesViewButton"); // stays lit
-    EXPECT_EQ(window->orloView()->view(), OrloLeavesWidget::Circles);
-    EXPECT_TRUE(button("circlesViewButton")->isChecked());
-    EXPECT_FALSE(button("grapesViewButton")->isChecked());
-    click("grapesViewButton");
-    EXPECT_FALSE(settings.circlesView);
-
-    click("relativeModeButton");
-    EXPECT_EQ(settings.absRelView, 0);
-    click("absoluteModeButton");
-    EXPECT_EQ(settings.absRelView, 1);
-    EXPECT_FALSE(button("relativeModeButton")->isChecked());
+    const auto options = [this] {
+        return std::tuple(settings.circlesView, settings.absRelView, settings.soundGrapeNotation);
+    };
+    const std::tuple<const char*, const char*, std::tuple<bool, int, int>> rows[] = {
+        // clicked, goes out, options
+        {"circlesViewButton", "grapesViewButton", {true, 1, 0}},
+        {"circlesViewButton", "grapesViewButton", {true, 1, 0}},
+        {"grapesViewButton", "circlesViewButton", {false, 1, 0}},
+        {"relativeModeButton", "absoluteModeButton", {false, 0, 0}},
+        {"absoluteModeButton", "relativeModeButton", {false, 1, 0}},
+        {"soundgrapeColourButton", "soundgrapeBWButton", {false, 1, 1}},
+        {"soundgrapeBWButton", "soundgrapeColourButton", {false, 1, 2}},
+        {"soundgrapeColourButton", "soundgrapeBWButton", {false, 1, 1}},
+    };
+    for (const auto& [name, other, expected] : rows) {
+        click(name);
+        EXPECT_TRUE(button(name)->isChecked() && !button(other)->isChecked()) << name;
+        EXPECT_EQ(options(), expected) << name;
+        EXPECT_EQ(window->orloView()->view() == OrloLeavesWidget::Circles, settings.circlesView);
+    }
     click("normalizeRatiosButton");
     EXPECT_FALSE(settings.ratiosWithinOctave);
-    const std::pair<const char*, int> clicks[] = {
-        {"soundgrapeColourButton", 1}, {"soundgrapeBWButton", 2}, {"soundgrapeColourButton", 1}};
-    for (const auto& [name, notation] : clicks) {
-        click(name);
-        EXPECT_EQ(settings.soundGrapeNotation, notation) << name;
-        EXPECT_EQ(button("soundgrapeColourButton")->isChecked(), notation == 1);
-        EXPECT_EQ(button("soundgrapeBWButton")->isChecked(), notation == 2);
-    }
+
+    settings.circlesView = true;
+    settings.absRelView = 2; // chosen by no button
+    openWindow();
+    EXPECT_EQ(window->orloView()->view(), OrloLeavesWidget::Circles);
+    EXPECT_TRUE(button("circlesViewButton")->isChecked() && button("absoluteModeButton")->isChecked());
 }
 
 TEST_F(MainWindowTest, ExpandingLeavesTheRoomOfPanelAndStacksToTheLattice)
@@ -165,11 +172,37 @@ TEST_F(MainWindowTest, ReadoutShowsStepsAndFrequencies)
     window->show();
     QTest::qWait(20);
     const auto line = [this](const char* name) { return find<QLabel>(name)->text(); };
-    EXPECT_TRUE(line("infoLabel2").endsWith(QStringLiteral("[= 1/1 Frequency]: 440.000 Hz")));
+    EXPECT_TRUE(line("infoLabel2").endsWith(u"[= 1/1 Frequency]: 440.000 Hz"_s));
     transposeBy({3, 5}); // 440 x 15/8
-    EXPECT_TRUE(line("infoLabel1").endsWith(QStringLiteral(" /3/5")));
-    EXPECT_TRUE(line("infoLabel2").contains(QStringLiteral(": 825.000 Hz  ")));
+    EXPECT_TRUE(line("infoLabel1").endsWith(u" /3/5"_s));
+    EXPECT_TRUE(line("infoLabel2").contains(u": 825.000 Hz  "_s));
 
     transposeBy(QList<int>(60, 3)); // far more than the label holds
-    EXPECT_TRUE(line("infoLabel1").contains(QChar(0x2026)));
+    const QString cut = line("infoLabel1");
+    EXPECT_TRUE(cut.contains(QChar(0x2026)));
+    window->resize(1400, 800);
+    QTest::qWait(20);
+    EXPECT_GT(line("infoLabel1").size(), cut.size());
+}
+
+TEST_F(MainWindowTest, GlissButtonsShowTheirSliders)
+{
+    window->show();
+    const char* const key = ""; // Ctrl+G: both away, or back as they were
+    const std::tuple<const char*, bool, bool> rows[] = {
+        {key, false, false}, // nothing to come back to yet
+        {"glissFineButton", false, true},
+        {key, false, false},
+        {key, false, true},
+        {"glissButton", true, true},
+        {"glissFineButton", true, false},
+    };
+    for (const auto& [clicked, one, two] : rows) {
+        if (clicked == key)
+            press(Qt::Key_G, Qt::ControlModifier);
+        else
+            click(clicked);
+        EXPECT_EQ(slider("glissSliderBig")->isVisible(), one) << clicked;
+        EXPECT_EQ(slider("glissFineSliderBig")->isVisible(), two) << clicked;
+    }
 }

@@ -10,7 +10,7 @@ TEST(StatusLine, NamesTheLostDeviceAndOffersToTryAgainUntilItIsBack)
     QWidget window;
     auto* page = new QWidget(&window);
     page->setGeometry(50, 40, 600, 300);
-    SoundDeviceDouble device;
+    SoundDeviceDouble device(0);
     StatusLine line(page);
     line.follow(&device);
     const auto* label = line.findChild<QLabel*>(QStringLiteral("statusLabel"));
