@@ -37,17 +37,6 @@ TEST(MidiBytes, TunesAKeyToTheNearestStep)
     EXPECT_NEAR(midi::TOP_NOTE, 127.99999, 1e-9);
 }
 
-// Decoded again, every pitch between two keys is at most half a step away, whichever way it rounds.
-TEST(MidiBytes, IsNeverFurtherOffThanHalfAStep)
-{
-    for (int i = 0; i < 128 * 1000; ++i) {
-        const double note = i * 0.001 + 0.000137;
-        const Tuning tuning = midi::tuningOfNote(note);
-        const double decoded = tuning.semitone + tuning.fractionMsb / 128.0 + tuning.fractionLsb / 16384.0;
-        ASSERT_LE(std::abs(decoded - note), 0.5 / 16384.0 + 1e-12) << note;
-    }
-}
-
 TEST(MidiBytes, CountsKeysInOneByte)
 {
     midi::Bytes message;

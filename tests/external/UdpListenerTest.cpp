@@ -3,7 +3,6 @@
 #include "app/Accessors.h"
 #include "app/LogFilter.h"
 #include "sound/OrloNoteEvent.h"
-#include "support/EngineClock.h"
 #include "support/LogCatcher.h"
 #include "support/SoundRig.h"
 #include "support/Waiting.h"
@@ -136,26 +135,6 @@ TEST_F(Device, DropsWhatIsNoPacketOfItsOwn)
     // It still listens.
     send(packet("ABCDEF0123"));
     EXPECT_TRUE(waitUntil([this] { return received == 1; }));
-}
-
-TEST_F(Device, ABurstWhilePlayingLosesNothingButToAFullBuffer)
-{
-    ASSERT_TRUE(start(MAP));
-    std::atomic<int> carriedOut{0};
-    QObject::connect(
-        &rig.player, &PdPlayer::voiceVolumeChanged, &rig.player, [&] { ++carriedOut; }, Qt::DirectConnection);
-    QObject::connect(&listener, &UdpListener::eventReceived, &rig.player, &PdPlayer::queueEventSerial,
-                     Qt::DirectConnection);
-    const auto dropped = [this] { return log.count(QtWarningMsg, QStringLiteral("Command buffer full")); };
-    constexpr int burst = 5000;
-    const EngineClock clock(rig.player);
-    // As many at a time as the socket's own buffer holds, so that all arrive.
-    for (int sent = 1; sent <= burst; ++sent) {
-        send(packet("ABCDEF0123"));
-        ASSERT_TRUE(sent % 100 != 0 || waitUntil([&] { return received == sent; })) << sent;
-    }
-    EXPECT_TRUE(waitUntil([&] { return carriedOut + dropped() == burst; }))
-        << carriedOut << ", " << dropped();
 }
 
 // While the machine is busy the packets wait in the socket.
