@@ -49,7 +49,10 @@ TEST(AudioOutput, MutedIsSilentWhileVoicesStillEnd)
 {
     SoundRig rig(4);
     ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
-    rig.send(OrloNoteEvent(OrloRatio(1, 1)));
+    rig.output.muteOutput();
+    rig.queue(OrloNoteEvent(OrloRatio(1, 1)));
+    EXPECT_EQ(peak(rig.render()), 0.0F) << "the block that fades takes its commands at its end";
+    rig.output.unmuteOutput();
     ASSERT_GT(peak(rig.render(40)), 0.01F);
     std::vector<float> odd(2 * 100, 1.0F);
     rig.output.renderBlock(odd.data(), 100);
@@ -57,19 +60,15 @@ TEST(AudioOutput, MutedIsSilentWhileVoicesStillEnd)
     EXPECT_EQ(peak({odd.begin() + 128, odd.end()}), 0.0F) << "frames beyond a multiple of 64";
 
     rig.output.muteOutput();
-    EngineLog log(rig.player);
-    rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, 441.0F));
     const std::vector<float> fade = rig.render(1);
     EXPECT_NE(peak(fade), 0.0F);
     EXPECT_EQ(fade.back(), 0.0F);
-    EXPECT_EQ(log.said(), "") << "what might click waits until it is silent";
     EXPECT_EQ(peak(rig.render(10)), 0.0F);
-    EXPECT_EQ(log.said(), "baseFrequencyChanged 441");
     rig.output.muteOutput();                  // again: still silent
     rig.send(OrloNoteEvent(OrloRatio(1, 1))); // off
     EXPECT_EQ(peak(rig.render(300)), 0.0F);
 
-    log.take();
+    EngineLog log(rig.player);
     rig.send(OrloNoteEvent(OrloRatio(3, 2)));
     EXPECT_TRUE(log.take().contains(QStringLiteral("orlo-in 1 1 1"))) << "voice 1 was not freed";
     rig.output.unmuteOutput();

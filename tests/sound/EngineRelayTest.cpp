@@ -157,7 +157,11 @@ TEST_F(Relay, AfterALossTheWindowShowsWhatTheEngineHas)
     QObject::connect(&relay, &EngineRelay::noteToggled, &relay, [&] {
         if (window.lines.size() > untilLoss) {
             untilLoss = std::numeric_limits<size_t>::max();
-            play(20);
+            for (unsigned n = 8; n < 32; ++n) {
+                rig.queue(OrloNoteEvent(OrloRatio(n, 16)));
+                rig.queue(OrloNodeSelectToggleEvent(OrloRatio(n, 16)));
+            }
+            rig.player.processEvents();
             relay.drain();
         }
     });
