@@ -31,7 +31,7 @@ struct VoiceRow
     const char* name;
     double release;               // seconds within which a released note has faded, at the default macros
     bool struck;                  // rings away while it is held
-    int storm;                    // notes; all of them for the plainest voice and for the slowest one
+    int storm;                    // notes; all of them for the plainest voice and for the costliest one
     std::vector<double> partials; // that its patch promises, as factors of the note
 };
 
