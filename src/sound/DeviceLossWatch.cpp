@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::int64_t LIMIT_MS = 1800;
+constexpr std::int64_t STILLNESS_MS = 1800; // beside the blocks' own time
 
 } // namespace
 
@@ -14,7 +14,7 @@ void DeviceLossWatch::start(std::int64_t nowMs, std::uint64_t blocks, std::int64
     mBlocks = blocks;
     mBlockMs = blockMs;
     mStillMs = 0;
-    mLimitMs = 2 * (LIMIT_MS + blockMs);
+    mAllowedMs = 2 * (STILLNESS_MS + blockMs);
 }
 
 bool DeviceLossWatch::look(std::int64_t nowMs, std::uint64_t blocks)
@@ -25,9 +25,9 @@ bool DeviceLossWatch::look(std::int64_t nowMs, std::uint64_t blocks)
     if (blocks != mBlocks) {
         mBlocks = blocks;
         mStillMs = 0;
-        mLimitMs = LIMIT_MS + 2 * mBlockMs;
+        mAllowedMs = STILLNESS_MS + 2 * mBlockMs;
         return false;
     }
     mStillMs += passed;
-    return mStillMs > mLimitMs;
+    return mStillMs > mAllowedMs;
 }

@@ -18,7 +18,7 @@ public:
 private:
     std::int64_t mLastLook = 0;
     std::int64_t mStillMs = 0;
-    std::int64_t mLimitMs = 0;
+    std::int64_t mAllowedMs = 0;
     std::int64_t mBlockMs = 0;
     std::uint64_t mBlocks = 0;
 };

@@ -52,7 +52,7 @@ Events chordOf(int notes)
     return events;
 }
 
-constexpr int AT_MOST_ONE = -1;
+constexpr int ONE_OR_NONE = -1;
 
 struct Row
 {
@@ -103,10 +103,10 @@ std::vector<Row> rows()
     // opened and closed at its change only, which allocates.
     for (int type = 0; type < OrloEvent::PatchOpen; ++type) {
         const std::string name = "type " + std::to_string(type);
-        rows.push_back({name, selected, plain(type), false, AT_MOST_ONE});
-        rows.push_back({name + " soft", selected, plain(type), true, AT_MOST_ONE});
-        rows.push_back({name + " over sounding notes", sounding, plain(type), false, AT_MOST_ONE});
-        rows.push_back({name + " over silence", {}, plain(type), false, AT_MOST_ONE});
+        rows.push_back({name, selected, plain(type), false, ONE_OR_NONE});
+        rows.push_back({name + " soft", selected, plain(type), true, ONE_OR_NONE});
+        rows.push_back({name + " over sounding notes", sounding, plain(type), false, ONE_OR_NONE});
+        rows.push_back({name + " over silence", {}, plain(type), false, ONE_OR_NONE});
     }
     return rows;
 }
@@ -176,7 +176,7 @@ TEST(BlockCost, IsNoAllocationNoLockAndOneWake)
         if (!cost.locks.empty()) {
             EXPECT_EQ(cost.locks, libpdLock);
         }
-        const size_t wakes = row.wakes == AT_MOST_ONE ? std::min<size_t>(1, cost.systemCalls.size())
+        const size_t wakes = row.wakes == ONE_OR_NONE ? std::min<size_t>(1, cost.systemCalls.size())
                                                       : static_cast<size_t>(row.wakes);
         EXPECT_EQ(cost.systemCalls, std::vector<long>(wakes, SYS_write));
     }

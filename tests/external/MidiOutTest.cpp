@@ -116,7 +116,7 @@ TEST_F(MidiOut, TunesAChordInOneMessage)
     // Velocities are cut to a byte; a byte above 127 would be the status of another message.
     out.voiceOn(95, 0);
     out.voiceOn(95, 300);
-    out.voiceOn(95, 200);
+    out.voiceOn(95, 128);
     out.voiceOn(95, -1);
     out.voiceOn(96, 100);
     out.setKeyFrequency({96}, {440.0F});

@@ -127,5 +127,6 @@ TEST(ChordFileDisk, ARefusalLeavesAllAsItWas)
     EXPECT_TRUE(log.has(QtCriticalMsg, u"The old one is kept."_s));
     EXPECT_EQ(home.read(u"x.btoc"_s), "3/2 0\n");
     EXPECT_EQ(home.configDir().entryList(QDir::Files | QDir::Hidden), QStringList{u"x.btoc"_s});
-    EXPECT_TRUE(files.saveDataToFile(&file, &chords, SETS));
+    EXPECT_TRUE(home.whenNoFileCanBeMade([&] { return files.saveDataToFile(&file, &chords, SETS); }));
+    EXPECT_NE(home.read(u"x.btoc"_s), "3/2 0\n");
 }

@@ -123,7 +123,9 @@ TEST_F(TransposeTest, BallsAreColouredByTheirStepFromTheAbsoluteOrigin)
 
 TEST_F(TransposeTest, OfTwoPrimeSwitchesTheLastWins)
 {
-    readRoot(R"({"children": {"-3": {"children": {"5": {}, "-5": {}}}, "3": {"children": {"5": {}}}}})");
+    const QByteArray root =
+        R"({"children": {"-3": {"children": {"5": {}, "-5": {}}}, "3": {"children": {"5": {}}}}})";
+    readRoot(root);
     QStringList seen;
     for (const char* path : {"/", "/-3", "/-3/-5", "/-3/5", "/3", "/3/5"})
         QObject::connect(ball(path), &OrloBall::enabledChanged, [&seen, path](bool on) {
@@ -146,6 +148,9 @@ TEST_F(TransposeTest, OfTwoPrimeSwitchesTheLastWins)
         orlo.onPrimeEnabledToggled(prime, on);
         EXPECT_EQ(seen.join(u", "_s).toStdString(), reports) << prime << (on ? " on" : " off");
     }
+    readRoot(root);
+    EXPECT_TRUE(ball("/3")->isEnabled());
+    EXPECT_FALSE(ball("/3/5")->isEnabled()) << "a lattice that is loaded anew switched it on";
 }
 
 } // namespace

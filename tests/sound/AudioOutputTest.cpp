@@ -49,7 +49,10 @@ TEST(AudioOutput, MutedIsSilentWhileVoicesStillEnd)
 {
     SoundRig rig(4);
     ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
-    rig.send(OrloNoteEvent(OrloRatio(1, 1)));
+    rig.output.muteOutput();
+    rig.queue(OrloNoteEvent(OrloRatio(1, 1)));
+    EXPECT_EQ(peak(rig.render()), 0.0F) << "the block that fades takes its commands at its end";
+    rig.output.unmuteOutput();
     ASSERT_GT(peak(rig.render(40)), 0.01F);
     std::vector<float> odd(2 * 100, 1.0F);
     rig.output.renderBlock(odd.data(), 100);
@@ -57,7 +60,9 @@ TEST(AudioOutput, MutedIsSilentWhileVoicesStillEnd)
     EXPECT_EQ(peak({odd.begin() + 128, odd.end()}), 0.0F) << "frames beyond a multiple of 64";
 
     rig.output.muteOutput();
-    EXPECT_NE(peak(rig.render(1)), 0.0F); // fades
+    const std::vector<float> fade = rig.render(1);
+    EXPECT_NE(peak(fade), 0.0F);
+    EXPECT_EQ(fade.back(), 0.0F);
     EXPECT_EQ(peak(rig.render(10)), 0.0F);
     rig.output.muteOutput();                  // again: still silent
     rig.send(OrloNoteEvent(OrloRatio(1, 1))); // off

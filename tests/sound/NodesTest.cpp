@@ -156,15 +156,3 @@ TEST_F(Nodes, AGlissandoResetWithoutAPatchHoldsInTheNext)
         send(OrloEvent::GlissBothReset);
     }
 }
-
-TEST_F(Nodes, MonophonicAgainForgetsTheVoiceFromBefore)
-{
-    send(OrloEvent::MonophonicSet, 1.0F);
-    toggle(A);
-    send(OrloEvent::MonophonicSet, 0.0F);
-    send(OrloEvent::MonophonicSet, 1.0F);
-    toggle(B);
-    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{A, B}));
-    toggle(C);
-    EXPECT_EQ(rig.player.getAllSoundingRatios(), (QList<OrloRatio>{A, C}));
-}

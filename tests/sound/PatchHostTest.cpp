@@ -19,7 +19,7 @@
 namespace {
 
 const OrloRatio ROOT(1, 1);
-constexpr int LONGEST_MS = 6000; // of a change with no stream at all
+constexpr int TIMEOUT_MS = 6000; // of a change with no stream at all
 
 class PatchHost : public ::testing::Test
 {
@@ -200,7 +200,7 @@ TEST_F(PatchHost, WithNoStreamNothingWaitsForEver)
     EXPECT_TRUE(rig.player.loadPatch(rig.mainPatch()));
     rig.player.unloadPatch();
     EXPECT_FALSE(rig.player.isPatchOpen());
-    EXPECT_LT(timer.restart(), LONGEST_MS);
+    EXPECT_LT(timer.restart(), TIMEOUT_MS);
 
     // Nor with a ring so full that the event of the hand-over does not fit in.
     LogCatcher messages;
@@ -208,10 +208,10 @@ TEST_F(PatchHost, WithNoStreamNothingWaitsForEver)
         rig.queue(OrloEvent(OrloEvent::Macro1Set, 0.5F));
     EXPECT_TRUE(rig.player.loadPatch(rig.mainPatch()));
     EXPECT_TRUE(messages.has(QtWarningMsg, QStringLiteral("Command buffer full")));
-    EXPECT_LT(timer.restart(), LONGEST_MS);
+    EXPECT_LT(timer.restart(), TIMEOUT_MS);
     rig.player.term();
     EXPECT_FALSE(rig.player.isPatchOpen());
-    EXPECT_LT(timer.elapsed(), LONGEST_MS);
+    EXPECT_LT(timer.elapsed(), TIMEOUT_MS);
 }
 
 TEST_F(PatchHost, AStreamThatDiesInTheMiddleDoesNotStopAHandOver)

@@ -160,30 +160,6 @@ TEST_F(Voices, WhatNoLongerFitsIn64BitsIsRefused)
     EXPECT_EQ(log.said(), "transposed 1/1 0");
 }
 
-TEST_F(Voices, HoldTellsWhatItHolds)
-{
-    for (const OrloRatio& ratio : {A, B, B}) // the last one is releasing, so it is not held
-        toggle(ratio);
-    log.take();
-    send(OrloEvent::NodesHold, 1.0F);
-    EXPECT_EQ(log.said(), "nodeHold 1/1 on");
-    EXPECT_EQ(after(A), "");
-    toggle(A, 2.0F);
-    EXPECT_EQ(log.said(), stopped(1, "1/1"));
-    rig.reportVoiceStop(1);
-    rig.reportVoiceStop(2);
-    // What is held stays so until hold ends or begins anew.
-    EXPECT_EQ(after(C), started(1, "880", "2/1"));
-    send(OrloEvent::NodesHold, 1.0F);
-    EXPECT_EQ(log.said(), "nodeHold 1/1 off; nodeHold 2/1 on");
-    send(OrloEvent::AllNotesOff);
-    EXPECT_EQ(log.said(), "");
-    send(OrloEvent::NodesHold, 0.999F);
-    EXPECT_EQ(log.said(), "nodeHold 2/1 off");
-    send(OrloEvent::AllNotesOff);
-    EXPECT_EQ(log.said(), stopped(1, "2/1"));
-}
-
 TEST_F(Voices, AllNotesEndThoughThePatchReportsThemAtOnce)
 {
     rig.player.setMaxVoices(128);
@@ -208,6 +184,7 @@ TEST_F(Voices, MonophonicStartsEachNoteBesideTheReleaseOfTheOneBefore)
     rig.reportVoiceStop(1);
     EXPECT_EQ(after(C), stopped(2, "3/2") + "; " + started(1, "880", "2/1"));
     send(OrloEvent::MonophonicSet, 0.0F);
+    send(OrloEvent::MonophonicSet, 1.0F); // forgets the voice from before
     rig.reportVoiceStop(2);
     EXPECT_EQ(after(B), started(2, "660", "3/2"));
 }

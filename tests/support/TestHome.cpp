@@ -3,6 +3,9 @@
 #include <QFile>
 #include <QStandardPaths>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 constexpr const char* DATA_HOME = "XDG_DATA_HOME";
 }
@@ -29,6 +32,19 @@ void TestHome::write(const QString& fileName, const QByteArray& content) const
     QFile file(path(fileName));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("The test's own file %s could not be written.", qPrintable(file.fileName()));
+}
+
+bool TestHome::whenNoFileCanBeMade(const std::function<bool()>& work) const
+{
+    const QByteArray folder = configDir().path().toLocal8Bit();
+    for (const QString& name : configDir().entryList(QDir::Files))
+        chmod(path(name).toLocal8Bit(), 0666);
+    chmod(mDir.path().toLocal8Bit(), 0755);
+    chmod(folder, 0555);
+    const bool isChanged = geteuid() == 0 && seteuid(65534) == 0; // no permission stops a superuser
+    const bool result = work();
+    const bool isBack = !isChanged || seteuid(getuid()) == 0;
+    return chmod(folder, 0755) == 0 && isBack && result;
 }
 
 QByteArray TestHome::read(const QString& fileName) const

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <functional>
+
 /// An empty home for the files of one test: QStandardPaths lead into it while it lives.
 class TestHome
 {
@@ -18,6 +20,8 @@ public:
 
     void write(const QString& fileName, const QByteArray& content) const;
     QByteArray read(const QString& fileName) const;
+    /// Runs it while the files can be written but the folder takes no new one; not even a superuser's.
+    bool whenNoFileCanBeMade(const std::function<bool()>& work) const;
 
 private:
     QTemporaryDir mDir;

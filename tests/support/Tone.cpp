@@ -173,15 +173,4 @@ double loudness(std::span<const float> left, std::span<const float> right, doubl
     return 10.0 * std::log10(loudest / static_cast<double>(window) + 1e-20);
 }
 
-double beating(std::span<const float> recording, double band, double beat, double rate)
-{
-    constexpr size_t window = 1024;
-    constexpr size_t step = 128;
-    std::vector<float> loud;
-    for (size_t at = 0; at + window <= recording.size(); at += step)
-        loud.push_back(static_cast<float>(std::abs(partial(recording.subspan(at, window), band, rate))));
-    const double mean = std::abs(partial(loud, 0.0, rate));
-    return mean > 0.0 ? 2.0 * std::abs(partial(loud, beat * step, rate)) / mean : 0.0;
-}
-
 } // namespace tone

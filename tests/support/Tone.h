@@ -30,7 +30,4 @@ double centsOff(std::span<const float> recording, double frequency, double rate)
 /// Loudness of the loudest 400 ms, weighted as ITU-R BS.1770 does, in dB of full scale.
 double loudness(std::span<const float> left, std::span<const float> right, double rate);
 
-/// How deeply the loudness of a band of some 80 Hz beats at a rate: 0 not at all, near 1 fully.
-double beating(std::span<const float> recording, double band, double beat, double rate);
-
 } // namespace tone

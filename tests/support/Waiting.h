@@ -1,23 +1,11 @@
 #pragma once
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QThread>
+#include <QtCore/qtestsupport_core.h>
 
-/// Asks again and again until the answer is yes, and delivers this thread's events meanwhile. False when
-/// that takes too long. A wait that fails is a failed test, so the limit can be generous: a busy machine
-/// must not fail one.
+/// Delivers this thread's events until the condition holds; false when that takes too long. A wait that
+/// fails is a failed test, so the limit can be generous: a busy machine must not fail one.
 template <class Condition>
-bool waitUntil(Condition&& condition, int limitMs = 15000)
+bool waitUntil(const Condition& condition, int limitMs = 15000)
 {
-    constexpr unsigned long POLL_MS = 2;
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > limitMs)
-            return false;
-        QCoreApplication::processEvents();
-        QThread::msleep(POLL_MS);
-    }
-    return true;
+    return QTest::qWaitFor(condition, limitMs);
 }

@@ -101,21 +101,21 @@ TEST_F(UpdateDialogTest, ShowsItselfForANewerVersionAndGoesWithTheAnswer)
     server.put(u"/files/new.dmg"_s, LoopbackServer::ok("file"));
     QSimpleUpdater::getInstance()->setDownloadDir(url, downloads);
     EXPECT_TRUE(press(QMessageBox::Yes));
-    EXPECT_TRUE(soon([&] { return alive.isNull() && content(u"new.dmg"_s) == "file"; }));
+    EXPECT_TRUE(waitUntil([&] { return alive.isNull() && content(u"new.dmg"_s) == "file"; }));
 }
 
 TEST_F(UpdateDialogTest, StaysHiddenForOldNewsUntilTheNextCheck)
 {
     server.put(u"/updates.json"_s, feed("2.0.0"));
     const QPointer<const UpdateDialog> silent = startCheck(false);
-    ASSERT_TRUE(soon([this] { return !QSimpleUpdater::getInstance()->changelog(url).isEmpty(); }));
+    ASSERT_TRUE(waitUntil([this] { return !QSimpleUpdater::getInstance()->changelog(url).isEmpty(); }));
     EXPECT_EQ(box(), nullptr);
     const QPointer<const UpdateDialog> asked = startCheck(true);
     nextBox();
-    EXPECT_TRUE(soon([&silent] { return silent.isNull(); }));
+    EXPECT_TRUE(waitUntil([&silent] { return silent.isNull(); }));
     EXPECT_FALSE(dialogs().first()->isVisible());
     EXPECT_TRUE(press(QMessageBox::Close));
-    EXPECT_TRUE(soon([&asked] { return asked.isNull(); }));
+    EXPECT_TRUE(waitUntil([&asked] { return asked.isNull(); }));
 
     // A parent that goes takes the dialog along; the updater goes on alone.
     server.put(u"/updates.json"_s, feed("2.1.0"));
@@ -135,7 +135,7 @@ TEST_F(UpdateDialogTest, StaysHiddenForOldNewsUntilTheNextCheck)
     server.put(u"/updates.json"_s, LoopbackServer::cut("{", 1000, true));
     const qsizetype before = server.requests().size();
     startCheck(true);
-    EXPECT_TRUE(soon([&] { return server.requests().size() > before; }));
+    EXPECT_TRUE(waitUntil([&] { return server.requests().size() > before; }));
     checkLeftOpen = true;
 }
 

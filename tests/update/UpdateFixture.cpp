@@ -96,7 +96,7 @@ QString UpdateFixture::boxText()
 
 QString UpdateFixture::nextBox()
 {
-    EXPECT_TRUE(soon([] { return box(); }));
+    EXPECT_TRUE(waitUntil([] { return box(); }));
     return boxText();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/LogCatcher.h"
+#include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -78,11 +79,6 @@ protected:
     UpdateFixture();
     ~UpdateFixture() override;
 
-    template <class Condition>
-    static bool soon(Condition&& condition)
-    {
-        return QTest::qWaitFor(condition, 20000);
-    }
     /// The box that is open; null: none. A second one is a fault.
     static QMessageBox* box();
     /// Text and informative text of the next box, joined by "|"; and of the one that is open now.

@@ -39,7 +39,7 @@ protected:
         put(answer);
         QSignalSpy end(updater.get(), &Updater::checkingFinished);
         updater->checkForUpdates();
-        return soon([&end] { return !end.isEmpty(); });
+        return waitUntil([&end] { return !end.isEmpty(); });
     }
     bool checkFeed(const QByteArray& body) { return check(LoopbackServer::ok(body)); }
 
@@ -127,7 +127,7 @@ TEST_F(UpdaterTest, EveryWayToFailIsANetworkErrorThatCanBeRetried)
     put(LoopbackServer::ok(feed("2.0.0")));
     EXPECT_TRUE(press(QMessageBox::Retry));
     // Now the good news is told too.
-    EXPECT_TRUE(soon([] { return boxText().startsWith(LATEST); })) << qPrintable(boxText());
+    EXPECT_TRUE(waitUntil([] { return boxText().startsWith(LATEST); })) << qPrintable(boxText());
 }
 
 TEST_F(UpdaterTest, ACheckThatIsOvertakenOrDeletedSaysNothing)
@@ -136,7 +136,7 @@ TEST_F(UpdaterTest, ACheckThatIsOvertakenOrDeletedSaysNothing)
         renew(); // ends the first one's updater
         put(LoopbackServer::cut("{", 1000, true));
         updater->checkForUpdates();
-        ASSERT_TRUE(soon([&] { return server.requests().size() == number; }));
+        ASSERT_TRUE(waitUntil([&] { return server.requests().size() == number; }));
     }
     QSignalSpy errors(updater.get(), &Updater::networkError);
     ASSERT_TRUE(checkFeed(feed("2.1.0")));
