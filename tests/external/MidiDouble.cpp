@@ -5,8 +5,7 @@
 
 std::string hex(const unsigned char* bytes, size_t size)
 {
-    const auto all =
-        QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
+    const QByteArray all(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
     return all.toHex(' ').toUpper().toStdString();
 }
 
@@ -20,8 +19,8 @@ std::string onAllChannels(int status, const char* data)
 
 std::string bendRange(const char* semitones, const char* cents)
 {
-    using namespace std::string_literals;
-    return "B0 64 00, B0 65 00, B0 06 "s + semitones + ", B0 26 " + cents + ", B0 64 7F, B0 65 7F";
+    return std::string("B0 64 00, B0 65 00, B0 06 ") + semitones + ", B0 26 " + cents
+           + ", B0 64 7F, B0 65 7F";
 }
 
 namespace {
