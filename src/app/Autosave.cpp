@@ -27,7 +27,7 @@ void save(const MainWindow& window, const QString& configDirectory)
     app::settings()->save();
     QDir chords(chordFile(configDirectory));
     app::application()->saveStoredChordsToDisk(&chords);
-    qDebug() << "Autosave called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
+    qDebug() << "Autosafe called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
 }
 
 QString chordFile(const QString& configDirectory)

@@ -53,8 +53,7 @@ private:
     std::optional<EngineClock> mClock;
 };
 
-/// A run of the program without the machine's devices, in a home of its own. Its message boxes are
-/// confirmed, and their texts kept.
+/// A run of the program without the machine's devices, in a home of its own.
 class ProgramFixture : public ::testing::Test
 {
 protected:
@@ -64,22 +63,30 @@ protected:
     {
         application.useDevices(sound, midi);
         QObject::connect(&mConfirmer, &QTimer::timeout, [this] {
-            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-                boxes.append(box->text());
-                box->accept();
-            }
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                answer(*box);
         });
         mConfirmer.start(5);
     }
     ~ProgramFixture() override { end(); }
 
+    /// Called every 5 ms while a box is open. What a box says reaches the log once it is closed.
+    virtual void answer(QMessageBox& box)
+    {
+        boxes.append(box.text());
+        EXPECT_FALSE(home.read(QStringLiteral("log.txt")).contains(box.text().toUtf8()));
+        box.accept();
+    }
     /// With these options; no update is looked for.
     bool start(QJsonObject options = {})
     {
         options.insert(QStringLiteral("updateCheckInterval"), 4);
-        home.write(QStringLiteral("options.json"), QJsonDocument(options).toJson());
-        mRuns = application.init();
-        return mRuns;
+        return start(QJsonDocument(options).toJson());
+    }
+    bool start(const QByteArray& options)
+    {
+        home.write(QStringLiteral("options.json"), options);
+        return mRuns = application.init();
     }
     void end()
     {
