@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # `setup` takes a libpd of this checkout only when it was built as it would be built now.
 set -euo pipefail
+# shellcheck source=scripts/setup
 source "$(dirname "$0")/../../scripts/setup"
 
 cd "$(mktemp -d)"
@@ -15,5 +16,5 @@ touch .deps/libpd/lib/libpd.a .deps/libpd/include/libpd/z_ringbuffer.h
 expect no "built by an unknown recipe"
 libpd_recipe >.deps/libpd/recipe
 expect yes "built by this recipe"
-LIBPD_CFLAGS="-O0"
+export LIBPD_CFLAGS="-O0"
 expect no "built with other flags"
