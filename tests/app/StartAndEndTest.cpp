@@ -1,6 +1,8 @@
 #include "app/ProgramFixture.h"
 
 #include "app/Accessors.h"
+#include "app/StyleSheets.h"
+#include "support/LogCatcher.h"
 #include "ui/lattice/OrloView.h"
 
 #include <QNetworkProxy>
@@ -150,7 +152,7 @@ TEST_F(StartAndEnd, OptionsAndChordsAreSavedNowAndThenAndAtTheEnd)
     EXPECT_EQ(chords(), "1/1 0\n3/2 0\n7/4 0\n");
     EXPECT_TRUE(logged("/options.json for saving."));
     EXPECT_EQ(sound.patchWasOpenAtTheEnd, false); // the player ends before its device
-    EXPECT_FALSE(midi.portOpen);
+    EXPECT_TRUE(midi.system->take().ends_with("B0 7B 00, close"));
 }
 
 TEST_F(StartAndEnd, TheDevicePlaysAndRestrictionsReachWindowAndMidi)
@@ -176,6 +178,27 @@ TEST_F(StartAndEnd, TheDevicePlaysAndRestrictionsReachWindowAndMidi)
             [sounds] { return app::orlo()->playingRatios().contains(OrloRatio(3, 2)) == sounds; }));
         EXPECT_EQ(midi.system->take().empty(), restricted);
     }
+}
+
+TEST_F(StartAndEnd, StyleSheetsAreAppliedTogetherOrNotAtAll)
+{
+    const QString folder = home.configDir().path();
+    application.setStyleSheet(QString()); // Qt keeps it from one application to the next
+    const auto expectFailure = [&](const QString& why) {
+        const LogCatcher log;
+        EXPECT_FALSE(StyleSheets::load(folder));
+        EXPECT_TRUE(log.has(QtCriticalMsg, why.arg(folder))) << why.toStdString();
+    };
+    expectFailure(u"Failed to find style sheet file %1/style.qss."_s);
+    home.write(u"style.qss"_s, "QFrame {}");
+    expectFailure(u"Failed to find platform-specific style sheet file %1/style_mac.qss."_s);
+    home.configDir().mkpath(u"style_mac.qss"_s);
+    expectFailure(u"Failed to open file %1/style_mac.qss for reading."_s);
+    EXPECT_EQ(application.styleSheet(), QString());
+    home.configDir().rmdir(u"style_mac.qss"_s);
+    home.write(u"style_mac.qss"_s, "/*\xE4*/");
+    EXPECT_TRUE(StyleSheets::load(folder));
+    EXPECT_EQ(application.styleSheet(), u"QFrame {}/*\u00E4*/"_s);
 }
 
 TEST_F(Interrupted, BrokenOptionsGiveOneBoxWhichASignalCloses)
