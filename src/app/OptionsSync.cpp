@@ -34,10 +34,10 @@ void toProgram(MainWindow& window)
     player->queueGui(OrloEvent::MasterVolumeSet, settings->masterVolume);
     player->queueGui(OrloEvent::MonophonicSet, settings->monophonic ? 1.0F : 0.0F);
 
-    // The engine still answers the events above: volume and mono come back as they were sent.
+    // The engine answers these events too, with what was just read.
     const EngineRelay* relay = &player->relay();
     QObject::connect(relay, &EngineRelay::baseFrequencyChanged, settings, [settings](float frequency) {
-        // The engine works in single precision: its answer to the option must not cut the option's digits.
+        // In single precision: an answer to the option must not cut the option's digits.
         if (frequency != static_cast<float>(settings->baseFrequency))
             settings->onBaseFrequencyChanged(frequency);
     });

@@ -49,13 +49,8 @@ TEST(LogFileTest, HoldsABannerForEachStartAndNoDebugMessage)
 
 TEST(LogFilterTest, GoesByTheSourceFilesBaseName)
 {
-    const struct
-    {
-        const char* word; // null: none
-        const char* file;
-        bool passes;
-        bool shows;
-    } rows[] = {
+    // A word or none, a source file, and whether its messages pass and are shown.
+    const std::tuple<const char*, const char*, bool, bool> rows[] = {
         {nullptr, nullptr, true, false},
         {nullptr, "src/model/OrloPath.cpp", true, false},
         {"ORLOPATH", "src/model/OrloPath.cpp", true, true},
@@ -70,14 +65,14 @@ TEST(LogFilterTest, GoesByTheSourceFilesBaseName)
         {"All", "src/x.cpp", true, true},
         {"all", "x.cpp", false, false},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << (row.word ? row.word : "") << ' ' << (row.file ? row.file : ""));
-        char* arguments[] = {nullptr, const_cast<char*>(row.word)};
+    for (const auto& [word, file, passes, shows] : rows) {
+        SCOPED_TRACE(testing::Message() << (word ? word : "") << ' ' << (file ? file : ""));
+        char* arguments[] = {nullptr, const_cast<char*>(word)};
         LogFilter filter;
-        filter.setWords(row.word ? 2 : 1, arguments);
-        EXPECT_EQ(LogFilter::isListening, row.word != nullptr);
-        EXPECT_EQ(filter.passes(row.file), row.passes);
-        EXPECT_EQ(filter.shows(row.file), row.shows);
+        filter.setWords(word ? 2 : 1, arguments);
+        EXPECT_EQ(LogFilter::isListening, word != nullptr);
+        EXPECT_EQ(filter.passes(file), passes);
+        EXPECT_EQ(filter.shows(file), shows);
     }
 }
 

@@ -1,12 +1,18 @@
 #include "app/ProgramFixture.h"
 
 #include "app/Accessors.h"
-#include "sound/OrloNoteEvent.h"
+#include "app/StyleSheets.h"
+#include "support/LogCatcher.h"
+#include "ui/lattice/OrloView.h"
 
+#include <QNetworkProxy>
 #include <QPushButton>
 #include <QSlider>
 #include <QTest>
 #include <QUdpSocket>
+#include <QWheelEvent>
+
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -22,19 +28,24 @@ protected:
         EXPECT_EQ(application.mainWindow(), nullptr);
         EXPECT_EQ(boxes.size(), 1);
         const QString text = std::exchange(boxes, {}).value(0);
-        EXPECT_TRUE(home.read(u"log.txt"_s).contains(text.toUtf8()));
+        EXPECT_TRUE(logged(text.toUtf8()));
         EXPECT_TRUE(text.endsWith(u"\n\nThe program will now shut down."_s));
         return text;
     }
-    /// What a press on 3/2, which toggles it, sends out by MIDI.
-    std::string midiOfAPress(bool sounds)
+    bool logged(const char* text) const { return home.read(u"log.txt"_s).contains(text); }
+};
+
+/// The system asks the program to end while its first box is open.
+class Interrupted : public StartAndEnd
+{
+protected:
+    static constexpr int PATIENCE = 400; // times 5 ms
+    void answer(QMessageBox& box) override
     {
-        midi.system->take();
-        const OrloNoteEvent press(OrloRatio(3, 2));
-        app::player()->queueEventGui(&press);
-        EXPECT_TRUE(QTest::qWaitFor(
-            [sounds] { return app::orlo()->playingRatios().contains(OrloRatio(3, 2)) == sounds; }));
-        return midi.system->take();
+        if (boxes.size() == 1)
+            std::raise(SIGTERM);
+        else if (boxes.size() == PATIENCE)
+            box.accept();
     }
 };
 
@@ -56,6 +67,7 @@ TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)
         {u"monophonic"_s, true},
         {u"circlesView"_s, true},
         {u"windowPos"_s, u"40,30"_s},
+        {u"orloZoomMode"_s, 0},
         {u"udpPort"_s, taken.localPort()},
     };
     ASSERT_TRUE(start(options));
@@ -70,8 +82,18 @@ TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)
     EXPECT_EQ(app::orlo()->baseFrequency(), 261.6255653F);
     EXPECT_TRUE(QTest::qWaitFor([this] { return !boxes.isEmpty(); }));
     EXPECT_TRUE(boxes.value(0).startsWith(u"Failed to connect to the orlo, only screen-based "_s));
+    const OrloView* view = application.mainWindow()->orloView();
+    QWheelEvent wheel({9, 9}, {9, 9}, {}, {0, 480}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
+                      false);
+    QApplication::sendEvent(view->viewport(), &wheel);
+    EXPECT_EQ(view->currentScale(), view->fitScale()) << "zoom is off";
+    // All is saved before the sound device ends, for a sound system may crash then.
+    QByteArray atDevicesEnd;
+    QObject::connect(&sound, &AudioOutput::selectedDeviceChanged,
+                     [&] { atDevicesEnd = home.read(u"options.json"_s); });
     end();
     expectSaved(options);
+    EXPECT_EQ(atDevicesEnd, home.read(u"options.json"_s));
 }
 
 TEST_F(StartAndEnd, WhatThePlayerChoseIsSavedAndWhatWasLostIsWantedBack)
@@ -103,10 +125,11 @@ TEST_F(StartAndEnd, WhatThePlayerChoseIsSavedAndWhatWasLostIsWantedBack)
 TEST_F(StartAndEnd, OptionsAndChordsAreSavedNowAndThenAndAtTheEnd)
 {
     home.write(u".temp.btoc"_s, "1/1 0\n3/2 3/0 5/4 0\n");
-    ASSERT_TRUE(start());
-    EXPECT_TRUE(home.read(u"log.txt"_s).contains(" has no ratio in slot 2: \"3/0\". The chord ends"));
+    ASSERT_TRUE(start({{u"midiOutDevice"_s, u"Third:in"_s}}));
+    EXPECT_TRUE(logged(" has no ratio in slot 2: \"3/0\". The chord ends"));
     EXPECT_TRUE(find<QPushButton>("chordButton_02")->isChecked());
     EXPECT_FALSE(find<QPushButton>("chordButton_03")->isChecked());
+    EXPECT_TRUE(home.configDir().exists(u"chord_presets"_s));
     const auto chords = [this] { return home.read(u".temp.btoc"_s).left(18); };
 
     const QList<QTimer*> timers = application.findChildren<QTimer*>();
@@ -127,22 +150,71 @@ TEST_F(StartAndEnd, OptionsAndChordsAreSavedNowAndThenAndAtTheEnd)
     app::storeAndRecall()->storedChords()->insert(3, {OrloRatio(7, 4)});
     end();
     EXPECT_EQ(chords(), "1/1 0\n3/2 0\n7/4 0\n");
-    EXPECT_TRUE(home.read(u"log.txt"_s).contains("/options.json for saving."));
+    EXPECT_TRUE(logged("/options.json for saving."));
     EXPECT_EQ(sound.patchWasOpenAtTheEnd, false); // the player ends before its device
-    EXPECT_FALSE(midi.portOpen);
+    EXPECT_TRUE(midi.system->take().ends_with("B0 7B 00, close"));
 }
 
-TEST_F(StartAndEnd, RestrictionsReachWindowAndMidi)
+TEST_F(StartAndEnd, TheDevicePlaysAndRestrictionsReachWindowAndMidi)
 {
+    QUdpSocket device;
+    device.setProxy(QNetworkProxy::NoProxy);
+    device.bind(QHostAddress::Any, 0);
+    const quint16 port = device.localPort();
+    device.close();
+    home.write(u"rfid_map.json"_s, R"({"0000000000": {"value": "/3"}})");
     application.applyRestrictions(true); // before there is a window
-    ASSERT_TRUE(start({{u"midiOutDevice"_s, u"Third:in"_s}}));
+    ASSERT_TRUE(start({{u"midiOutDevice"_s, u"Third:in"_s}, {u"udpPort"_s, port}}));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return logged("UDP socket opened on port"); }));
     int presses = 0;
     for (const bool restricted : {false, true, false}) { // as licensing leaves it, and as it may become
         if (presses > 0)
             application.applyRestrictions(restricted);
         EXPECT_EQ(find<QWidget>("chordFrame")->isEnabled(), !restricted);
-        EXPECT_EQ(midiOfAPress(presses++ % 2 == 0).empty(), restricted);
+        midi.system->take();
+        device.writeDatagram(QByteArray(72, '0'), QHostAddress::LocalHost, port);
+        const bool sounds = presses++ % 2 == 0;
+        EXPECT_TRUE(QTest::qWaitFor(
+            [sounds] { return app::orlo()->playingRatios().contains(OrloRatio(3, 2)) == sounds; }));
+        EXPECT_EQ(midi.system->take().empty(), restricted);
     }
+}
+
+TEST_F(StartAndEnd, StyleSheetsAreAppliedTogetherOrNotAtAll)
+{
+    const QString folder = home.configDir().path();
+    application.setStyleSheet(QString()); // Qt keeps it from one application to the next
+    const auto expectFailure = [&](const QString& why) {
+        const LogCatcher log;
+        EXPECT_FALSE(StyleSheets::load(folder));
+        EXPECT_TRUE(log.has(QtCriticalMsg, why.arg(folder))) << why.toStdString();
+    };
+    expectFailure(u"Failed to find style sheet file %1/style.qss."_s);
+    home.write(u"style.qss"_s, "QFrame {}");
+    expectFailure(u"Failed to find platform-specific style sheet file %1/style_mac.qss."_s);
+    home.configDir().mkpath(u"style_mac.qss"_s);
+    expectFailure(u"Failed to open file %1/style_mac.qss for reading."_s);
+    EXPECT_EQ(application.styleSheet(), QString());
+    home.configDir().rmdir(u"style_mac.qss"_s);
+    home.write(u"style_mac.qss"_s, "/*\xE4*/");
+    EXPECT_TRUE(StyleSheets::load(folder));
+    EXPECT_EQ(application.styleSheet(), u"QFrame {}/*\u00E4*/"_s);
+}
+
+TEST_F(Interrupted, BrokenOptionsGiveOneBoxWhichASignalCloses)
+{
+    const QString reset = u"Failed to read saved options. All options will be reset to defaults."_s;
+    const QByteArray broken = "{ \"masterVolume\": 0.1, ";
+    app::settings()->updateCheckInterval = 4;
+    ASSERT_TRUE(start(broken));
+    EXPECT_LT(boxes.size(), PATIENCE);
+    EXPECT_EQ(QSet<QString>(boxes.begin(), boxes.end()), QSet<QString>{reset});
+    EXPECT_TRUE(logged((reset + u'\n').toUtf8()));
+    EXPECT_EQ(home.read(u"options.json"_s), broken);
+    QTimer::singleShot(5000, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0) << "it ends once it has started";
+    end();
+    expectSaved({{u"masterVolume"_s, 0.75}});
 }
 
 TEST_F(StartAndEnd, AFailedStartSaysWhy)

@@ -16,13 +16,7 @@ TEST(WindowPlaceTest, IsRestoredWithinTheScreensAndRemembered)
     const QApplication application(count, arguments);
     const QSize size(300, 200), unknownSize(-1, -1); // what the window has by itself
     const QPoint pos(10, 20), unknownPos(-1, -1);
-    const struct
-    {
-        QSize size;
-        QPoint pos;
-        QSize expectedSize;
-        QPoint expectedPos;
-    } rows[] = {
+    const std::tuple<QSize, QPoint, QSize, QPoint> rows[] = {
         {unknownSize, unknownPos, size, pos},
         {{500, 400}, {40, 30}, {500, 400}, {40, 30}},
         {unknownSize, {-1, 30}, size, {-1, 30}},
@@ -35,33 +29,34 @@ TEST(WindowPlaceTest, IsRestoredWithinTheScreensAndRemembered)
         {{500, 400}, {-100, 0}, {500, 400}, pos},
         {{500, 400}, {0, -30}, {500, 400}, pos},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.size.width() << ' ' << row.pos.x() << ' ' << row.pos.y());
+    for (const auto& [storedSize, storedPos, expectedSize, expectedPos] : rows) {
+        SCOPED_TRACE(testing::Message()
+                     << storedSize.width() << ' ' << storedPos.x() << ' ' << storedPos.y());
         QWidget window;
         window.resize(size);
         window.move(pos);
         window.show();
         Settings settings;
-        settings.windowSize = row.size;
-        settings.windowPos = row.pos;
+        settings.windowSize = storedSize;
+        settings.windowPos = storedPos;
         WindowPlace::restore(window, settings);
         EXPECT_FALSE(window.isMaximized());
-        EXPECT_EQ(window.size(), row.expectedSize);
-        EXPECT_EQ(window.pos(), row.expectedPos);
+        EXPECT_EQ(window.size(), expectedSize);
+        EXPECT_EQ(window.pos(), expectedPos);
         WindowPlace::remember(window, settings);
         EXPECT_FALSE(settings.windowMaximized);
-        EXPECT_EQ(settings.windowSize, row.expectedSize);
-        EXPECT_EQ(settings.windowPos, row.expectedPos);
+        EXPECT_EQ(settings.windowSize, expectedSize);
+        EXPECT_EQ(settings.windowPos, expectedPos);
 
         settings.windowMaximized = true;
         WindowPlace::restore(window, settings);
         EXPECT_TRUE(window.isMaximized());
         QCoreApplication::processEvents();
-        EXPECT_NE(window.size(), row.expectedSize);
+        EXPECT_NE(window.size(), expectedSize);
         settings.windowMaximized = false;
         WindowPlace::remember(window, settings);
         EXPECT_TRUE(settings.windowMaximized);
-        EXPECT_EQ(settings.windowSize, row.expectedSize) << "as it was before";
-        EXPECT_EQ(settings.windowPos, row.expectedPos);
+        EXPECT_EQ(settings.windowSize, expectedSize) << "as it was before";
+        EXPECT_EQ(settings.windowPos, expectedPos);
     }
 }

@@ -1,5 +1,4 @@
 #include "end-to-end/PlayingFixture.h"
-#include "support/Waiting.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -29,14 +28,14 @@ TEST_F(LostSound, ComesBackWithItsNoteAsOftenAsTheServerDoes)
 {
     ASSERT_NO_FATAL_FAILURE(play());
     for (int restart = 0; restart < 2; ++restart) {
-        const auto isGone = [&] { return log().count(u"The sound device is gone: "_s) == restart + 1; };
+        const auto isGone = [&] { return logs(u"The sound device is gone: "_s, restart + 1); };
         if (restart == 1) { // the second one stands still before it dies
             desk.jack().freeze();
-            EXPECT_TRUE(waitUntil(isGone));
+            EXPECT_TRUE(isGone());
         }
         desk.jack().killNow();
         recorder.reset(); // its client would keep this process from the next server
-        EXPECT_TRUE(waitUntil(isGone));
+        EXPECT_TRUE(isGone());
         ASSERT_TRUE(desk.startJack());
         recorder = std::make_unique<Recorder>(desk.soundServer());
         ASSERT_TRUE(recorder->connectToProgram());
@@ -50,10 +49,9 @@ TEST_F(LostSound, ChangesThePatchAndEndsWhileTheSoundServerStandsStill)
 {
     ASSERT_NO_FATAL_FAILURE(play());
     desk.jack().freeze();
-    const auto openings = [this] { return log().count(u"Opening PD patch: "_s); };
-    const auto before = openings();
-    ASSERT_TRUE(program->type(patchKey(u"Sine"_s)));
-    EXPECT_TRUE(waitUntil([&] { return openings() > before; }));
+    const QString opening = u"Opening PD patch: "_s;
+    const auto before = log().count(opening);
+    ASSERT_TRUE(program->type(patchKey(u"Sine"_s)) && logs(opening, before + 1));
     EXPECT_TRUE(log().contains(u"No audio stream is running"_s));
     desk.jack().thaw();
 
@@ -83,9 +81,9 @@ TEST_F(LostSound, AVoiceThatLoopsForEverCostsNothingButTheSound)
     ASSERT_TRUE(QFile::copy(RunningProgram::executable(), copy));
 
     writeOptions({{u"defaultPatch"_s, u"Loop.pd"_s}});
-    RunningProgram caught(desk, copy);
-    ASSERT_TRUE(caught.waitForBox());
+    program = std::make_unique<RunningProgram>(desk, copy);
+    ASSERT_TRUE(program->waitForBox());
     EXPECT_TRUE(log().contains(u"There is no more sound"_s));
-    ASSERT_TRUE(caught.confirmBox() && caught.waitForWindow());
-    expectOrderlyEnd(caught);
+    ASSERT_TRUE(program->confirmBox() && program->waitForWindow());
+    expectOrderlyEnd();
 }

@@ -14,6 +14,8 @@
 
 using namespace Qt::StringLiterals;
 
+static constexpr double RATE = VirtualDesk::SAMPLE_RATE;
+
 void PlayingFixture::SetUp()
 {
     ASSERT_TRUE(desk.isReady()) << "Xvfb or jackd does not start.";
@@ -48,11 +50,6 @@ void PlayingFixture::start()
     ASSERT_TRUE(recorder->waitForSilence());
 }
 
-double PlayingFixture::amplitudeNow(double frequency)
-{
-    return tone::amplitudeAt(ear().record(LISTENING), frequency, VirtualDesk::SAMPLE_RATE);
-}
-
 ::testing::AssertionResult PlayingFixture::soundsAt(double frequency)
 {
     if (!ear().waitForSound())
@@ -60,7 +57,7 @@ double PlayingFixture::amplitudeNow(double frequency)
     std::optional<double> found;
     // The stroke's first moment is no steady sine, nor is a stretch with missing blocks.
     for (int attempt = 0; attempt < 10 && !found; ++attempt)
-        found = tone::pitchOfSine(ear().record(LISTENING), frequency, VirtualDesk::SAMPLE_RATE);
+        found = tone::pitchOfSine(ear().record(LISTENING), frequency, RATE);
     if (!found)
         return ::testing::AssertionFailure() << "what sounds is no sine near " << frequency;
     const double off = tone::centsBetween(*found, frequency);
@@ -72,12 +69,12 @@ double PlayingFixture::amplitudeNow(double frequency)
 
 bool PlayingFixture::hears(double frequency)
 {
-    return waitUntil([&] { return amplitudeNow(frequency) > 0.01; });
+    return waitUntil([&] { return tone::amplitudeAt(ear().record(LISTENING), frequency, RATE) > 0.01; });
 }
 
 bool PlayingFixture::hearsNoMore(double frequency)
 {
-    return waitUntil([&] { return amplitudeNow(frequency) < 0.0001; });
+    return waitUntil([&] { return tone::amplitudeAt(ear().record(LISTENING), frequency, RATE) < 0.0001; });
 }
 
 bool PlayingFixture::openOptions()
@@ -87,13 +84,13 @@ bool PlayingFixture::openOptions()
            && desk.act(u"windowfocus %1 key Tab Tab"_s.arg(desk.window(u"Options"_s)->id));
 }
 
-void PlayingFixture::expectOrderlyEnd(RunningProgram& ending, int signal)
+void PlayingFixture::expectOrderlyEnd(int signal)
 {
-    ASSERT_TRUE(ending.type(u"f"_s));
+    ASSERT_TRUE(program->type(u"f"_s));
     QElapsedTimer timer;
     timer.start();
-    ending.send(signal);
-    EXPECT_EQ(ending.waitForExit(), 0);
+    program->send(signal);
+    EXPECT_EQ(program->waitForExit(), 0);
     EXPECT_LT(timer.elapsed(), 5000);
     EXPECT_TRUE(options()[u"circlesView"_s].toBool());
 }
@@ -111,6 +108,11 @@ void PlayingFixture::writeOptions(const QJsonObject& options) const
 QString PlayingFixture::log() const
 {
     return QString::fromUtf8(home.read(u"log.txt"_s));
+}
+
+bool PlayingFixture::logs(const QString& text, qsizetype times) const
+{
+    return waitUntil([&] { return log().count(text) >= times; });
 }
 
 QString PlayingFixture::patchKey(const QString& patch)

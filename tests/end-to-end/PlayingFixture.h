@@ -37,7 +37,6 @@ protected:
 
     /// What the sound is heard by.
     virtual Recording& ear() { return *recorder; }
-    double amplitudeNow(double frequency);
     /// What sounds now is one sine, of this pitch.
     ::testing::AssertionResult soundsAt(double frequency);
     /// Wait for a partial to be there, among others, or to have gone.
@@ -46,14 +45,15 @@ protected:
 
     /// The keys still work, the program ends in time when the system asks it to, and what changed here
     /// is saved.
-    void expectOrderlyEnd(int signal = SIGTERM) { expectOrderlyEnd(*program, signal); }
-    void expectOrderlyEnd(RunningProgram& ending, int signal = SIGTERM);
+    void expectOrderlyEnd(int signal = SIGTERM);
 
     /// "options.json" as it lies on the disk.
     QJsonObject options() const;
     /// Before a start.
     void writeOptions(const QJsonObject& options) const;
     QString log() const;
+    /// Waits for this text to be in the log so often.
+    bool logs(const QString& text, qsizetype times = 1) const;
     /// What chooses this one of the first ten in the patch menu.
     static QString patchKey(const QString& patch);
 

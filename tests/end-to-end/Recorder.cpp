@@ -2,13 +2,6 @@
 
 #include "support/Waiting.h"
 
-namespace {
-
-constexpr std::array<const char*, Recorder::CHANNELS> PROGRAM_OUTPUTS{"Brevick Tuning Orlo:out_0",
-                                                                      "Brevick Tuning Orlo:out_1"};
-
-} // namespace
-
 Recorder::Recorder(const QString& server)
 {
     mClient = jack_client_open("recorder", static_cast<jack_options_t>(JackNoStartServer | JackServerName),
@@ -42,17 +35,18 @@ int Recorder::processBlock(jack_nframes_t frames, void* self)
     return 0;
 }
 
-bool Recorder::connectToProgram()
+bool Recorder::connectToProgram(int stream)
 {
-    return connectTo(PROGRAM_OUTPUTS);
+    const auto output = [](int number) { return "Brevick Tuning Orlo:out_" + QByteArray::number(number); };
+    return connectTo({output(2 * stream - 2), output(2 * stream - 1)});
 }
 
-bool Recorder::connectTo(const std::array<const char*, CHANNELS>& outputs)
+bool Recorder::connectTo(const std::array<QByteArray, CHANNELS>& outputs)
 {
     if (!mClient)
         return false;
     for (size_t channel = 0; channel < CHANNELS; ++channel) {
-        const char* output = outputs[channel];
+        const char* output = outputs[channel].constData();
         const auto connected = [&] {
             return jack_port_by_name(mClient, output)
                    && (jack_port_connected_to(mPorts[channel], output)

@@ -2,6 +2,7 @@
 
 #include "end-to-end/Recording.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <jack/jack.h>
@@ -18,10 +19,10 @@ public:
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    /// Waits for the program's outputs. May be called anew for the next program.
-    bool connectToProgram();
-    /// The same of another client's outputs.
-    bool connectTo(const std::array<const char*, CHANNELS>& outputs);
+    /// Waits for these outputs of any client. May be called anew for the next.
+    bool connectTo(const std::array<QByteArray, CHANNELS>& outputs);
+    /// PortAudio numbers the outputs on from stream to stream.
+    bool connectToProgram(int stream = 1);
 
 private:
     static int processBlock(jack_nframes_t frames, void* self);

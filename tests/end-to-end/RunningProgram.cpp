@@ -6,13 +6,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-const QString MAIN_TITLE = u"Brevick Tuning Orlo 2"_s;
-const QString BOX_TITLE = u"Brevick Tuning Orlo"_s;
-
-} // namespace
-
 QString RunningProgram::executable()
 {
     return QCoreApplication::applicationDirPath() + u"/brevick-tuning-orlo"_s;
@@ -28,62 +21,50 @@ RunningProgram::RunningProgram(VirtualDesk& desk, const QString& executable)
 
 bool RunningProgram::waitForWindow()
 {
-    const auto settled = [this] { return !isRunning() || mDesk.window(MAIN_TITLE); };
-    if (!waitUntil(settled, 30000))
-        return false;
-    const auto window = mDesk.window(MAIN_TITLE);
+    waitUntil([this] { return !isRunning() || window(); }, 30000);
+    const auto there = window();
     // No window manager gives the keys to anyone.
-    return window && mDesk.act(u"windowfocus %1"_s.arg(window->id));
+    return there && mDesk.act(u"windowfocus %1"_s.arg(there->id));
 }
 
 bool RunningProgram::waitForBox()
 {
-    return waitUntil([this] { return !isRunning() || hasBox(); }, 30000) && hasBox();
-}
-
-bool RunningProgram::hasBox() const
-{
-    return mDesk.window(BOX_TITLE).has_value();
+    return waitUntil([this] { return !isRunning() || box(); }, 30000) && box();
 }
 
 bool RunningProgram::moveTo(const QRect& wanted)
 {
-    const auto window = mDesk.window(MAIN_TITLE);
-    if (!window)
+    const auto there = window();
+    if (!there)
         return false;
     const QString act = u"windowmove %1 %2 %3 windowsize %1 %4 %5"_s;
     return mDesk.act(
-               act.arg(window->id).arg(wanted.x()).arg(wanted.y()).arg(wanted.width()).arg(wanted.height()))
+               act.arg(there->id).arg(wanted.x()).arg(wanted.y()).arg(wanted.width()).arg(wanted.height()))
            && waitUntil([&] { return place() == wanted; });
 }
 
 QRect RunningProgram::place() const
 {
-    const auto window = mDesk.window(MAIN_TITLE);
-    return window ? window->place : QRect();
+    const auto there = window();
+    return there ? there->place : QRect();
 }
 
 bool RunningProgram::click(QPoint point)
 {
-    const QRect window = place();
-    if (window.isEmpty())
+    const QRect frame = place();
+    if (frame.isEmpty())
         return false;
-    const QPoint there = window.topLeft() + point;
-    const QPoint away = window.topLeft() + QPoint(2, 2);
+    const QPoint there = frame.topLeft() + point;
+    const QPoint away = frame.topLeft() + QPoint(2, 2);
     const QString act = u"mousemove %1 %2 click 1 mousemove %3 %4"_s;
     return mDesk.act(act.arg(there.x()).arg(there.y()).arg(away.x()).arg(away.y()));
 }
 
-bool RunningProgram::type(const QString& keys)
-{
-    return mDesk.act(u"key "_s + keys);
-}
-
 bool RunningProgram::confirmBox()
 {
-    const auto box = mDesk.window(BOX_TITLE);
-    return box && mDesk.act(u"windowfocus %1 key Return"_s.arg(box->id))
-           && waitUntil([this] { return !hasBox(); });
+    const auto there = box();
+    return there && mDesk.act(u"windowfocus %1 key Return"_s.arg(there->id))
+           && waitUntil([this] { return !box(); });
 }
 
 std::optional<int> RunningProgram::waitForExit(int longestMs)
@@ -95,7 +76,7 @@ std::optional<int> RunningProgram::waitForExit(int longestMs)
 
 std::optional<int> RunningProgram::quit()
 {
-    if (const auto window = mDesk.window(MAIN_TITLE))
-        mDesk.requestClose(*window);
+    if (const auto there = window())
+        mDesk.requestClose(*there);
     return waitForExit();
 }

@@ -23,7 +23,6 @@ public:
     bool waitForWindow();
     /// The box in which the program tells of a failure.
     bool waitForBox();
-    bool hasBox() const;
     /// Inside, on the screen; empty when the window is not there.
     QRect place() const;
 
@@ -31,7 +30,7 @@ public:
     bool moveTo(const QRect& place);
     /// One click. The pointer leaves afterwards, so that two of them never are a double click.
     bool click(QPoint point);
-    bool type(const QString& keys);
+    bool type(const QString& keys) { return mDesk.act(QStringLiteral("key ") + keys); }
     /// Return on the box.
     bool confirmBox();
 
@@ -41,5 +40,9 @@ public:
     std::optional<int> quit();
 
 private:
+    using Window = std::optional<VirtualDesk::Window>;
+    Window window() const { return mDesk.window(QStringLiteral("Brevick Tuning Orlo 2")); }
+    Window box() const { return mDesk.window(QStringLiteral("Brevick Tuning Orlo")); }
+
     VirtualDesk& mDesk;
 };

@@ -1,7 +1,5 @@
 #include "end-to-end/TestProcess.h"
 
-#include <csignal>
-
 #include <sys/prctl.h>
 
 TestProcess::TestProcess()
@@ -25,16 +23,6 @@ void TestProcess::send(int signal) const
 {
     if (isRunning()) // process 0 would be the test's own group
         ::kill(static_cast<pid_t>(processId()), signal);
-}
-
-void TestProcess::freeze() const
-{
-    send(SIGSTOP);
-}
-
-void TestProcess::thaw() const
-{
-    send(SIGCONT);
 }
 
 void TestProcess::killNow()

@@ -2,6 +2,8 @@
 
 #include <QProcess>
 
+#include <csignal>
+
 /// A program that a test must not leave behind: it ends with this object, or with the test's process.
 /// What it prints goes nowhere.
 class TestProcess : public QProcess
@@ -12,7 +14,7 @@ public:
 
     bool isRunning() const { return state() != NotRunning; }
     void send(int signal) const;
-    void freeze() const;
-    void thaw() const;
+    void freeze() const { send(SIGSTOP); }
+    void thaw() const { send(SIGCONT); }
     void killNow();
 };

@@ -64,7 +64,7 @@ private:
 TEST_F(TwoServers, PulseDiesAndComesBackWithItsNoteBesideMidi)
 {
     desk.pulse().killNow();
-    EXPECT_TRUE(waitUntil([&] { return log().contains(u"The sound device is gone: ALSA: pulse"_s); }));
+    EXPECT_TRUE(logs(u"The sound device is gone: ALSA: pulse"_s));
     ASSERT_TRUE(press("/3"));
     ASSERT_TRUE(desk.pulse().startServer());
     EXPECT_TRUE(hears(ROOT) && hears(FIFTH));
@@ -82,8 +82,7 @@ TEST_F(TwoServers, AFrozenPulseIsLeftForJack)
     QElapsedTimer timer;
     timer.start();
     ASSERT_TRUE(program->type(u"Down"_s));
-    const auto starts = [this] { return log().count(u"PaStream started"_s); };
-    EXPECT_TRUE(waitUntil([&] { return starts() == 2; }));
+    EXPECT_TRUE(logs(u"PaStream started"_s, 2));
     EXPECT_LT(timer.elapsed(), 5000);
     recorder = std::make_unique<Recorder>(desk.soundServer());
     ASSERT_TRUE(recorder->connectToProgram());
@@ -108,7 +107,7 @@ TEST_F(TwoServers, JackFrozenAndKilledUnderMidiIsNothingToTheSound)
     size_t from = ear().length();
     desk.jack().freeze();
     ASSERT_TRUE(pressManyTimes("/3", 600));
-    EXPECT_TRUE(waitUntil([&] { return log().contains(u"MIDI output: sending failed: "_s); }));
+    EXPECT_TRUE(logs(u"MIDI output: sending failed: "_s));
     ASSERT_TRUE(program->waitForBox() && program->confirmBox());
     ASSERT_TRUE(press("/3"));
     EXPECT_TRUE(hears(ROOT) && hears(FIFTH));
