@@ -56,6 +56,7 @@ TEST_F(NodeStack, ABallMayBeDeletedUnderThePointer)
         deleteLater();
         hover(point);
         emit orlo.resetNodeStack();
+        EXPECT_TRUE(stack->balls().isEmpty());
         scene::mouse(*stack, QEvent::MouseButtonRelease, point, Qt::LeftButton, Qt::NoButton);
         hover(point + QPoint(1, 0));
         deleteLater();
