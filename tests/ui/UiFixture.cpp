@@ -4,6 +4,7 @@
 #include "support/LogCatcher.h"
 
 #include <QMouseEvent>
+#include <QWheelEvent>
 
 UiFixture::UiFixture()
 {
@@ -127,6 +128,13 @@ void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton
     QCoreApplication::sendEvent(view.viewport(), &event);
 }
 
+void wheel(QGraphicsView& view, QPointF point, int turn, Qt::KeyboardModifiers modifiers)
+{
+    QWheelEvent event(point, view.viewport()->mapToGlobal(point), {}, {0, turn}, Qt::NoButton, modifiers,
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(view.viewport(), &event);
+}
+
 void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers, Qt::MouseButton button)
 {
     mouse(view, QEvent::MouseButtonPress, point, button, button, modifiers);
@@ -134,16 +142,3 @@ void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers, Q
 }
 
 } // namespace scene
-
-GeometryKeeper::GeometryKeeper()
-{
-    for (const GeometryConstant& constant : GEOMETRY_CONSTANTS)
-        values.append(*constant.value);
-}
-
-GeometryKeeper::~GeometryKeeper()
-{
-    for (size_t i = 0; i < GEOMETRY_CONSTANTS.size(); ++i)
-        *GEOMETRY_CONSTANTS[i].value = values[static_cast<qsizetype>(i)];
-    OrloLeavesWidget::clearPositions();
-}

@@ -6,7 +6,6 @@
 #include "model/OrloBall.h"
 #include "sound/PdMessageBuffer.h"
 #include "sound/PdPlayer.h"
-#include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloBallWidget.h"
 #include "ui/lattice/OrloStrutWidget.h"
 #include "ui/lattice/OrloView.h"
@@ -71,13 +70,6 @@ void click(QGraphicsView& view, QPoint point, Qt::KeyboardModifiers modifiers = 
            Qt::MouseButton button = Qt::LeftButton);
 void mouse(QGraphicsView& view, QEvent::Type type, QPoint point, Qt::MouseButton button,
            Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+void wheel(QGraphicsView& view, QPointF point, int turn, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 } // namespace scene
-
-/// Gives every geometry constant its value back.
-struct GeometryKeeper
-{
-    GeometryKeeper();
-    ~GeometryKeeper();
-    QList<int> values;
-};

@@ -1,10 +1,10 @@
 // Balls of the lattice and of the node stack, by real presses.
 
-#include "ui/stacks/NodeStackFixture.h"
+#include "ui/PageFixture.h"
 
 namespace {
 
-using BallInput = NodeStackFixture;
+using BallInput = MeasuredPage;
 
 TEST_F(BallInput, ModifiersAndButtonsChooseTheCommand)
 {

@@ -65,47 +65,39 @@ TEST_F(BallLook, ColoursFollowTheTransposition)
     expectColor("/", CENTRE);
 }
 
-TEST_F(BallLook, APlayingBallIsBrighterWithAGlow)
+TEST_F(BallLook, EachMarkShowsByItselfAndAPlayingBallIsBrighter)
 {
-    const scene::Circles tree = circles("/3");
-    ballAt("/3")->setPlaying(true);
-    EXPECT_EQ(tree.main->brush().color(), QColor(FIFTH).lighter(130));
-    EXPECT_TRUE(tree.glow->isVisible());
+    for (const char* path : {"/3", "/2/-11"}) {
+        const scene::Circles marks = circles(path);
+        OrloBall* ball = ballAt(path);
+        for (const int mark : {0, 1, 2, 3}) {
+            ball->setPlaying(mark == 0);
+            ball->setSelected(mark == 1);
+            ball->setHold(mark == 2);
+            ball->setAltered(mark == 3);
+            EXPECT_EQ(marks.glow->isVisible(), mark == 0) << mark;
+            EXPECT_EQ(marks.selected->isVisible(), mark == 1) << mark;
+            EXPECT_EQ(marks.hold->isVisible(), mark == 2) << mark;
+            EXPECT_EQ(marks.altered->isVisible(), mark == 3) << mark;
+            const QColor color = ball->color();
+            EXPECT_EQ(marks.main->brush().color(), mark == 0 ? color.lighter(130) : color.darker(115));
+        }
+    }
     ballAt("/")->setPlaying(true);
     EXPECT_EQ(circles("/").main->brush().color(), QColor(CENTRE)) << "the central pitch keeps its colour";
-
-    ballAt("/3")->setPlaying(false);
-    EXPECT_EQ(tree.main->brush().color(), QColor(FIFTH).darker(115));
-    EXPECT_FALSE(tree.glow->isVisible());
-}
-
-TEST_F(BallLook, EachMarkShowsByItself)
-{
-    const scene::Circles leaf = circles("/2/-11");
-    OrloBall* ball = ballAt("/2/-11");
-    for (const int mark : {1, 2, 3}) {
-        ball->setSelected(mark == 1);
-        ball->setHold(mark == 2);
-        ball->setAltered(mark == 3);
-        EXPECT_EQ(leaf.selected->isVisible(), mark == 1) << mark;
-        EXPECT_EQ(leaf.hold->isVisible(), mark == 2) << mark;
-        EXPECT_EQ(leaf.altered->isVisible(), mark == 3) << mark;
-    }
 }
 
 TEST_F(BallLook, TheThickOctaveStrutsMoveWithTheOrigin)
 {
-    const auto expectWidths = [this](int mode, int octave, int octaveOfFifth) {
-        show(mode);
-        EXPECT_EQ(scene::strutBetween(view, "/", "/2")->pen().width(), octave);
-        EXPECT_EQ(scene::strutBetween(view, "/-3", "/2/-3")->pen().width(), octaveOfFifth);
-        EXPECT_EQ(scene::strutBetween(view, "/", "/3")->pen().width(), 4) << "rising struts keep their width";
-    };
-    expectWidths(1, 4, 2);
     // Up a fifth, the origin lies on the ball of -3: its octave is the one without a 3.
-    transposeBy({3});
-    expectWidths(1, 2, 4);
-    expectWidths(0, 4, 2);
+    const std::tuple<int, QList<int>, bool> rows[] = {{1, {}, false}, {1, {3}, true}, {0, {}, false}};
+    for (const auto& [mode, steps, moved] : rows) {
+        transposeBy(steps);
+        show(mode);
+        EXPECT_EQ(scene::strutBetween(view, "/", "/2")->pen().width(), moved ? 2 : 4);
+        EXPECT_EQ(scene::strutBetween(view, "/-3", "/2/-3")->pen().width(), moved ? 4 : 2);
+        EXPECT_EQ(scene::strutBetween(view, "/", "/3")->pen().width(), 4) << "rising struts keep their width";
+    }
 }
 
 } // namespace

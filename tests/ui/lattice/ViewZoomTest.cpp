@@ -4,18 +4,10 @@
 #include <QNativeGestureEvent>
 #include <QSignalSpy>
 #include <QTest>
-#include <QWheelEvent>
 
 #include <limits>
 
 namespace {
-
-/// One for all tests: Qt never lets a device go.
-QPointingDevice* touchScreen()
-{
-    static QPointingDevice* const screen = QTest::createTouchDevice();
-    return screen;
-}
 
 TEST(LatticeZoomTest, APinchIsDrawnAtEveryFifthUpdateAndAtItsEnd)
 {
@@ -40,8 +32,9 @@ class ViewZoom : public UiFixture
 {
 protected:
     ViewZoom()
-        : device(touchScreen())
     {
+        static QPointingDevice* const screen = QTest::createTouchDevice(); // which Qt never lets go
+        device = screen;
         view.init(OrloLeavesWidget::Circles, &orlo);
         view.resize(800, 600);
         view.show();
@@ -49,33 +42,17 @@ protected:
     }
 
     double shown() const { return view.transform().m11(); }
+    QTest::QTouchEventWidgetSequence touch() { return QTest::touchEvent(&view, device); }
     QPoint left(int distance) const { return centre - QPoint(distance / 2, 0); }
     QPoint right(int distance) const { return centre + QPoint(distance / 2, 0); }
-
-    void begin(int distance)
-    {
-        QTest::touchEvent(&view, device).press(0, left(distance), &view).press(1, right(distance), &view);
-    }
-    void move(int distance)
-    {
-        QTest::touchEvent(&view, device).move(0, left(distance), &view).move(1, right(distance), &view);
-    }
-    void end(int distance)
-    {
-        QTest::touchEvent(&view, device).release(0, left(distance), &view).release(1, right(distance), &view);
-    }
+    void begin(int distance) { touch().press(0, left(distance)).press(1, right(distance)); }
+    void move(int distance) { touch().move(0, left(distance)).move(1, right(distance)); }
+    void end(int distance) { touch().release(0, left(distance)).release(1, right(distance)); }
     void pinch(int from, int to)
     {
         begin(from);
         move(to);
         end(to);
-    }
-
-    void wheel(QPointF at, QPoint turn, Qt::KeyboardModifiers keys = Qt::NoModifier)
-    {
-        QWheelEvent event(at, view.viewport()->mapToGlobal(at), {}, turn, Qt::NoButton, keys,
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(view.viewport(), &event);
     }
     void pinchOnTrackpad(QPointF at, double value)
     {
@@ -93,7 +70,6 @@ TEST_F(ViewZoom, TheSceneFitsIntoTheViewAndTheZoomSurvivesAResize)
 {
     const QRectF whole = view.scene()->sceneRect();
     const double fit = qMin(800 / whole.width(), 600 / whole.height());
-    EXPECT_DOUBLE_EQ(view.fitScale(), fit);
     EXPECT_DOUBLE_EQ(shown(), fit);
     EXPECT_DOUBLE_EQ(view.transform().m22(), fit);
     begin(100);
@@ -107,7 +83,6 @@ TEST_F(ViewZoom, TheSceneFitsIntoTheViewAndTheZoomSurvivesAResize)
     EXPECT_EQ(resized.count(), 1);
     EXPECT_DOUBLE_EQ(view.fitScale(), 400 / whole.width());
     EXPECT_NEAR(shown(), 2 * view.fitScale(), 1e-9);
-    EXPECT_NEAR(view.totalScale(), 2 * view.fitScale(), 1e-9);
 
     // Squeezed to nothing and opened again.
     view.resize(500, 0);
@@ -115,45 +90,34 @@ TEST_F(ViewZoom, TheSceneFitsIntoTheViewAndTheZoomSurvivesAResize)
     EXPECT_NEAR(shown(), 2 * fit, 1e-9);
 }
 
-TEST_F(ViewZoom, OnlyTwoFingersThatMoveApartZoom)
+TEST_F(ViewZoom, OnlyTwoFingersThatMoveApartZoomAsTheOptionAllows)
 {
     const double fit = view.fitScale();
     pinch(0, 200); // from one spot, whose distance says nothing
-    EXPECT_DOUBLE_EQ(shown(), fit);
-    QTest::touchEvent(&view, device).press(0, left(100)).press(1, right(100)).press(2, centre);
-    QTest::touchEvent(&view, device).release(0, left(400)).release(1, right(400)).release(2, centre);
-    EXPECT_DOUBLE_EQ(shown(), fit);
+    touch().press(0, left(100)).press(1, right(100)).press(2, centre);
+    touch().release(0, left(400)).release(1, right(400)).release(2, centre);
     EXPECT_TRUE(drain().isEmpty());
-
     const QPoint ball = view.viewport()->mapTo(&view, scene::centreOf(view, "/3"));
-    QTest::touchEvent(&view, device).press(0, ball, &view);
-    QTest::touchEvent(&view, device).release(0, ball, &view);
-    EXPECT_DOUBLE_EQ(shown(), fit);
+    touch().press(0, ball);
+    touch().release(0, ball);
     EXPECT_EQ(said(), "0 1 /3") << "one finger plays";
+    EXPECT_DOUBLE_EQ(shown(), fit);
 
-    // The second finger may come later.
-    QTest::touchEvent(&view, device).press(0, left(100), &view);
-    QTest::touchEvent(&view, device).stationary(0).press(1, right(100), &view);
+    touch().press(0, left(100)); // and the second finger later
+    touch().stationary(0).press(1, right(100));
     move(200);
     end(200);
     EXPECT_DOUBLE_EQ(shown(), 2 * fit);
-}
 
-TEST_F(ViewZoom, TheOptionSetsTouchThresholdAndPolicy)
-{
-    pinch(100, 200);
     view.setTestingVariables(0);
-    const double fit = view.fitScale();
     EXPECT_DOUBLE_EQ(shown(), fit) << "back to the fit";
     pinch(100, 300);
     EXPECT_DOUBLE_EQ(shown(), fit) << "touch zoom is off";
-
     view.setTestingVariables(-1);
     begin(100);
     move(200);
     EXPECT_DOUBLE_EQ(shown(), 2 * fit) << "every update is a step";
     end(200);
-
     view.setTestingVariables(std::numeric_limits<int>::min());
     pinch(100, 200);
     EXPECT_DOUBLE_EQ(shown(), 2 * fit) << "the end of a gesture is a step with any threshold";
@@ -163,22 +127,19 @@ TEST_F(ViewZoom, ADragMovesTheCentreThatAResizeKeeps)
 {
     pinch(100, 400);
     const QPointF before = view.mapToScene(centre);
-    // From a spot between the balls.
-    const QPoint from = view.mapFromScene(QPointF(25, 25));
+    const QPoint from = view.mapFromScene(QPointF(25, 25)); // a spot between the balls
+    const QPoint way(60, 30);
     scene::mouse(view, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-    scene::mouse(view, QEvent::MouseMove, from + QPoint(60, 30), Qt::NoButton, Qt::LeftButton);
+    scene::mouse(view, QEvent::MouseMove, from + way, Qt::NoButton, Qt::LeftButton);
     EXPECT_EQ(view.viewport()->cursor().shape(), Qt::ClosedHandCursor);
-    scene::mouse(view, QEvent::MouseButtonRelease, from + QPoint(60, 30), Qt::LeftButton, Qt::NoButton);
+    scene::mouse(view, QEvent::MouseButtonRelease, from + way, Qt::LeftButton, Qt::NoButton);
     EXPECT_EQ(view.viewport()->cursor().shape(), Qt::ArrowCursor);
     EXPECT_TRUE(drain().isEmpty());
 
     const QPointF dragged = view.mapToScene(centre);
-    EXPECT_NEAR(before.x() - dragged.x(), 60 / shown(), 1.5);
-    EXPECT_NEAR(before.y() - dragged.y(), 30 / shown(), 1.5);
+    EXPECT_LT(QLineF(before - way / shown(), dragged).length(), 2.0);
     view.resize(900, 600);
-    const QPointF after = view.mapToScene(view.viewport()->rect().center());
-    EXPECT_NEAR(after.x(), dragged.x(), 1.5);
-    EXPECT_NEAR(after.y(), dragged.y(), 1.5);
+    EXPECT_LT(QLineF(view.mapToScene(view.viewport()->rect().center()), dragged).length(), 2.0);
 }
 
 TEST_F(ViewZoom, TheWheelZoomsWithCtrlAroundThePointerAndScrollsWithout)
@@ -186,29 +147,29 @@ TEST_F(ViewZoom, TheWheelZoomsWithCtrlAroundThePointerAndScrollsWithout)
     const double fit = view.fitScale();
     const QPoint pointer = view.mapFromScene(view.scene()->sceneRect().center()) + QPoint(80, -60);
     const QPointF kept = view.mapToScene(pointer);
-    wheel(pointer, {0, 480}, Qt::ControlModifier);
+    scene::wheel(view, pointer, 480, Qt::ControlModifier);
     EXPECT_NEAR(shown(), 2 * fit, 1e-9);
-    wheel(pointer, {0, 960}, Qt::ControlModifier);
+    scene::wheel(view, pointer, 960, Qt::ControlModifier);
     // To whole pixels each time, of which the first are four of the last.
     EXPECT_LT(QLineF(view.mapToScene(pointer), kept).length(), 4 / shown());
-    const QPointF before = view.mapToScene(centre);
-    wheel(pointer, {0, -120});
-    const QPointF scrolled = view.mapToScene(centre);
-    EXPECT_GT(scrolled.y(), before.y());
+    const double before = view.mapToScene(centre).y();
+    scene::wheel(view, pointer, -120);
+    const double scrolled = view.mapToScene(centre).y();
+    EXPECT_GT(scrolled, before);
     view.resize(900, 600);
-    EXPECT_NEAR(view.mapToScene(view.viewport()->rect().center()).y(), scrolled.y(), 2 / shown()) << "kept";
+    EXPECT_NEAR(view.mapToScene(view.viewport()->rect().center()).y(), scrolled, 2 / shown()) << "kept";
 
     // By wheel or trackpad: not without end, not below the fit, and not at all when zoom is off.
     const auto expectZoom = [this](double times) { EXPECT_NEAR(shown(), times * view.fitScale(), 1e-9); };
-    wheel(centre, {0, 4800}, Qt::ControlModifier);
+    scene::wheel(view, centre, 4800, Qt::ControlModifier);
     expectZoom(16);
-    wheel(centre, {0, -9600}, Qt::ControlModifier);
+    scene::wheel(view, centre, -9600, Qt::ControlModifier);
     expectZoom(1);
     pinchOnTrackpad(centre, 0.5);
     pinchOnTrackpad(centre, 0.2);
     expectZoom(1.8);
     view.setTestingVariables(0);
-    wheel(centre, {0, 480}, Qt::ControlModifier);
+    scene::wheel(view, centre, 480, Qt::ControlModifier);
     pinchOnTrackpad(centre, 0.5);
     expectZoom(1);
 }

@@ -1,28 +1,9 @@
+#include "ui/PageFixture.h"
 #include "ui/lattice/PitchAxis.h"
-#include "ui/stacks/NodeStackFixture.h"
 
 namespace {
 
-struct Ball
-{
-    int pitchHeight;
-    QPoint point;
-    bool atPitch;
-};
-
-/// A pass over these balls in a stack of 800 pixels. A ball has the cell 16.2 and keeps 10 from the edges.
-void expectPass(FreeBallLayout& layout, const QList<Ball>& balls)
-{
-    layout.begin(800);
-    int more = static_cast<int>(balls.size());
-    for (const Ball& ball : balls) {
-        const FreeBallLayout::Place place = layout.place(ball.pitchHeight, 6.0, 10.0, --more);
-        EXPECT_EQ(place.point, ball.point) << ball.pitchHeight;
-        EXPECT_EQ(place.isAtPitch, ball.atPitch) << ball.pitchHeight;
-    }
-}
-
-using NodeStackPlaces = NodeStackFixture;
+using NodeStackPlaces = MeasuredPage;
 
 TEST_F(NodeStackPlaces, ABallStandsAtTheHeightOfItsPitchOnTheAxisFromNinthToNine)
 {
@@ -45,39 +26,42 @@ TEST_F(NodeStackPlaces, ABallStandsAtTheHeightOfItsPitchOnTheAxisFromNinthToNine
     EXPECT_TRUE(ball(OrloRatio(3, 1))->isAtPitch() && !ball(OrloRatio(1, 6))->isAtPitch());
 }
 
-TEST(FreeBallLayoutTest, NeighboursGiveWayWithinFiveCellsAndTheSixthBeginsAgain)
+/// A pass in a stack of 800 pixels over balls at these heights: "x,y" of each, with a mark if it is not
+/// at its pitch.
+std::string pass(FreeBallLayout& layout, const QList<int>& heights)
 {
-    FreeBallLayout layout;
-    expectPass(layout, {{404, {10, 404}, true},
-                        {404, {26, 404}, true},
-                        {404, {42, 404}, true},
-                        {404, {58, 404}, true},
-                        {405, {74, 405}, true},
-                        {405, {10, 405}, true},
-                        {405, {26, 405}, true}});
-    // Further apart than a cell: 405 - 389 = 16 is not, 405 - 388 = 17 is.
-    expectPass(layout, {{389, {10, 389}, true}, {405, {26, 405}, true}});
-    expectPass(layout, {{388, {10, 388}, true}, {405, {10, 405}, true}});
-    // The edges of the two rules: at the top below 26.2, at the bottom over 773.8.
-    expectPass(layout, {{27, {10, 27}, true}});
-    expectPass(layout, {{26, {10, 10}, false}});
-    expectPass(layout, {{773, {10, 773}, true}});
-    expectPass(layout, {{774, {74, 790}, false}});
+    layout.begin(800);
+    QStringList places;
+    for (qsizetype i = 0; i < heights.size(); ++i) {
+        const int more = static_cast<int>(heights.size() - i) - 1;
+        const FreeBallLayout::Place place = layout.place(heights[i], 6.0, 10.0, more);
+        places.append(QStringLiteral("%1,%2").arg(place.point.x()).arg(place.point.y()));
+        if (!place.isAtPitch)
+            places.last() += u'!';
+    }
+    return places.join(u' ').toStdString();
 }
 
-TEST(FreeBallLayoutTest, AboveTheTopLineRowsOfFivePushTheLineDown)
+TEST(FreeBallLayoutTest, NeighboursGiveWayAndTheEdgesCollectRowsOfFive)
 {
+    const std::pair<QList<int>, const char*> rows[] = {
+        // The sixth begins again.
+        {{404, 404, 404, 404, 405, 405, 405}, "10,404 26,404 42,404 58,404 74,405 10,405 26,405"},
+        // Further apart than a cell: 405 - 389 = 16 is not, 405 - 388 = 17 is.
+        {{389, 405}, "10,389 26,405"},
+        {{388, 405}, "10,388 10,405"},
+        // The edges of the two rules: at the top below 26.2, at the bottom over 773.8.
+        {{27}, "10,27"},
+        {{26}, "10,10!"},
+        {{773}, "10,773"},
+        {{774}, "74,790!"},
+        // A row pushes the top line down: the last but one lies under the first line and over the second.
+        {{-99, -87, -75, -61, -47, -31, -14, 38, 51},
+         "10,10! 26,10! 42,10! 58,10! 74,10! 10,26! 26,26! 42,26! 10,51"},
+    };
     FreeBallLayout layout;
-    // The last but one lies under the first line and over the second.
-    expectPass(layout, {{-99, {10, 10}, false},
-                        {-87, {26, 10}, false},
-                        {-75, {42, 10}, false},
-                        {-61, {58, 10}, false},
-                        {-47, {74, 10}, false},
-                        {-31, {10, 26}, false},
-                        {-14, {26, 26}, false},
-                        {38, {42, 26}, false},
-                        {51, {10, 51}, true}});
+    for (const auto& [heights, places] : rows)
+        EXPECT_EQ(pass(layout, heights), places);
 }
 
 TEST(FreeBallLayoutTest, TheStartOfTheLastRowCarriesOverFromThePassBefore)
@@ -85,30 +69,13 @@ TEST(FreeBallLayoutTest, TheStartOfTheLastRowCarriesOverFromThePassBefore)
     FreeBallLayout layout;
     // Three jump, since five or more follow: over 757.6. Four follow the next, so it stays at its pitch.
     // Nothing in the first pass began a row; then its own former place counts, and the three push it aside.
-    for (const int x : {10, 58, 58}) {
-        expectPass(layout, {{763, {42, 773}, false},
-                            {764, {58, 773}, false},
-                            {766, {74, 773}, false},
-                            {767, {x, 767}, true},
-                            {805, {26, 790}, false},
-                            {824, {42, 790}, false},
-                            {842, {58, 790}, false},
-                            {857, {74, 790}, false}});
+    for (const char* x : {"10", "58", "58"}) {
+        EXPECT_EQ(pass(layout, {763, 764, 766, 767, 805, 824, 842, 857}),
+                  std::string("42,773! 58,773! 74,773! ") + x + ",767 26,790! 42,790! 58,790! 74,790!");
     }
 }
 
-TEST_F(NodeStackPlaces, SixtySoundingPitchesStayInTheStackAndFollowAResize)
-{
-    for (unsigned row = 0; row < 60; ++row)
-        add({OrloRatio(11 + 14 * row, 98)});
-    stack->showNodes();
-    view->resize(VIEW_WIDTH, 500);
-    stack->resize(STACK_WIDTH, 500);
-    for (const FreeBallWidget* each : stack->balls())
-        EXPECT_TRUE(stack->rect().contains(QRect(each->pos().toPoint() - QPoint(9, 9), QSize(18, 18))));
-}
-
-TEST_F(NodeStackPlaces, PitchesWithoutAHeightAndViewsWithoutOneBreakNothing)
+TEST_F(NodeStackPlaces, ManyPitchesAndThoseWithoutAHeightStayInTheStack)
 {
     constexpr unsigned long long most = ~0ULL;
     add({OrloRatio(most, 1), OrloRatio(1, 1), OrloRatio(1, most), OrloRatio(0, 1)});
@@ -116,11 +83,17 @@ TEST_F(NodeStackPlaces, PitchesWithoutAHeightAndViewsWithoutOneBreakNothing)
     EXPECT_EQ(pointOf(OrloRatio(most, 1)), QPoint(10, 10));
     EXPECT_EQ(pointOf(OrloRatio(1, most)), QPoint(58, 790));
     EXPECT_EQ(pointOf(OrloRatio(0, 1)), QPoint(74, 790)) << "below everything";
+    for (unsigned row = 0; row < 60; ++row)
+        add({OrloRatio(11 + 14 * row, 98)});
+    view->resize(900, 500);
+    stack->resize(92, 500);
+    for (const FreeBallWidget* each : stack->balls())
+        EXPECT_TRUE(stack->rect().contains(QRect(each->pos().toPoint() - QPoint(9, 9), QSize(18, 18))));
+    // A view without a height.
     view->scene()->setSceneRect(0, 0, 0, 0);
-    stack->resize(STACK_WIDTH, 0);
-    stack->updatePositions();
-    for (const FreeBallWidget* item : stack->balls())
-        EXPECT_LE(qAbs(item->x()) + qAbs(item->y()), 1000.0);
+    stack->resize(92, 0);
+    for (const FreeBallWidget* each : stack->balls())
+        EXPECT_LE(qAbs(each->x()) + qAbs(each->y()), 2000.0);
 
     NodeStackWidget alone; // its first resize comes before init
     alone.resize(100, 100);

@@ -1,33 +1,41 @@
-#include "ui/cards/CardWidget.h"
-#include "ui/stacks/NodeStackFixture.h"
+#include "ui/PageFixture.h"
 
 #include <QPointer>
 
 namespace {
 
-using NodeStack = NodeStackFixture;
+enum Flag { PLAYING = 1, SELECTED = 2, HOLD = 4, ALTERED = 8 };
+
+class NodeStack : public MeasuredPage
+{
+protected:
+    /// As the lattice tells of a pitch.
+    void setFlags(const OrloRatio& ratio, int flags)
+    {
+        emit orlo.toggleNodeInStack(ratio, flags & PLAYING);
+        emit orlo.selectNodeInStack(ratio, flags & SELECTED);
+        emit orlo.setHoldNodeInStack(ratio, flags & HOLD);
+        emit orlo.setAlteredNodeInStack(ratio, flags & ALTERED);
+    }
+};
 
 TEST_F(NodeStack, ABallComesOnceAndGoesForGood)
 {
     const OrloRatio ratio(25, 16);
-    add({ratio});
-    stack->toggleNodeForRatio(ratio, true);
-    stack->showNodes();
+    add({ratio}, true);
+    emit orlo.showNodesInStack();
     const QPointer<FreeBallWidget> first = ball(ratio);
-    add({ratio});
+    add({ratio}, true);
     EXPECT_EQ(ball(ratio), first.data());
-    stack->removeNodeForRatio(ratio);
+    emit orlo.removeNodeInStack(ratio);
     EXPECT_TRUE(overlay->balls().isEmpty());
     EXPECT_TRUE(stack->scene()->items().isEmpty());
     deleteLater();
     EXPECT_TRUE(first.isNull());
 
     // No ball, no change.
-    stack->removeNodeForRatio(ratio);
-    stack->toggleNodeForRatio(ratio, true);
-    stack->selectNodeForRatio(ratio, true);
-    stack->setHoldNodeForRatio(ratio, true);
-    stack->setAlteredNodeForRatio(ratio, true);
+    emit orlo.removeNodeInStack(ratio);
+    setFlags(ratio, PLAYING | SELECTED | HOLD | ALTERED);
     stack->raiseNodeForRatio(ratio);
     EXPECT_TRUE(overlay->balls().isEmpty());
 }
@@ -37,8 +45,7 @@ TEST_F(NodeStack, ABallMayBeDeletedUnderThePointer)
     const OrloRatio ratio(25, 16);
     // Cleared or made anew, hovered or pressed.
     for (const bool pressed : {false, true}) {
-        add({ratio});
-        stack->toggleNodeForRatio(ratio, true);
+        add({ratio}, true);
         stack->showNodes();
         const QPoint point = pointOf(ratio);
         hover(point + QPoint(30, 0));
@@ -48,7 +55,8 @@ TEST_F(NodeStack, ABallMayBeDeletedUnderThePointer)
         stack->updateNodes();
         deleteLater();
         hover(point);
-        stack->reset();
+        emit orlo.resetNodeStack();
+        EXPECT_TRUE(stack->balls().isEmpty());
         scene::mouse(*stack, QEvent::MouseButtonRelease, point, Qt::LeftButton, Qt::NoButton);
         hover(point + QPoint(1, 0));
         deleteLater();
@@ -56,13 +64,6 @@ TEST_F(NodeStack, ABallMayBeDeletedUnderThePointer)
         scene::mouse(*stack, QEvent::MouseButtonDblClick, point, Qt::LeftButton, Qt::LeftButton);
         page.grab();
     }
-    // The stack goes first, with a ball that still sounds and one that is about to be deleted.
-    add({ratio, OrloRatio(35, 32)});
-    stack->toggleNodeForRatio(ratio, true);
-    stack->removeNodeForRatio(OrloRatio(35, 32));
-    delete stack;
-    EXPECT_TRUE(overlay->balls().isEmpty());
-    stack = new NodeStackWidget(&page);
 }
 
 TEST_F(NodeStack, UpdateNodesKeepsEveryFlagAndTakesTheColourOfTheMode)
@@ -72,20 +73,17 @@ TEST_F(NodeStack, UpdateNodesKeepsEveryFlagAndTakesTheColourOfTheMode)
     add({ratio});
     for (int flags = 0; flags < 16; ++flags) {
         SCOPED_TRACE(flags);
-        const bool playing = flags & 1;
-        stack->toggleNodeForRatio(ratio, playing);
-        stack->selectNodeForRatio(ratio, flags & 2);
-        stack->setHoldNodeForRatio(ratio, flags & 4);
-        stack->setAlteredNodeForRatio(ratio, flags & 8);
+        const bool playing = flags & PLAYING;
+        setFlags(ratio, flags);
         settings.absRelView = flags % 3;
         stack->updateNodes();
         const scene::Circles circles = scene::circlesOf(ball(ratio));
         const QColor color = QColor::fromRgb(flags % 3 == 0 ? 0x9c0404 : 0x2838d0); // of 5 and of 7
         EXPECT_EQ(circles.main->brush().color(), playing ? color.lighter(130) : color.darker(115));
         EXPECT_EQ(circles.glow->isVisible(), playing);
-        EXPECT_EQ(circles.selected->isVisible(), (flags & 2) != 0);
-        EXPECT_EQ(circles.hold->isVisible(), (flags & 4) != 0);
-        EXPECT_EQ(circles.altered->isVisible(), (flags & 8) != 0);
+        EXPECT_EQ(circles.selected->isVisible(), (flags & SELECTED) != 0);
+        EXPECT_EQ(circles.hold->isVisible(), (flags & HOLD) != 0);
+        EXPECT_EQ(circles.altered->isVisible(), (flags & ALTERED) != 0);
         EXPECT_EQ(overlay->balls().size(), playing ? 1 : 0);
         EXPECT_TRUE(ball(ratio)->isVisible());
         EXPECT_EQ(pointOf(ratio), QPoint(10, 364)); // of 5/4
@@ -96,15 +94,13 @@ TEST_F(NodeStack, APressHitsTheBallThroughItsMarksAndWithinWhatIsSeenOfIt)
 {
     const OrloRatio ratio(25, 16);
     add({ratio});
-    stack->toggleNodeForRatio(ratio, true);
-    stack->setHoldNodeForRatio(ratio, true);
-    stack->setAlteredNodeForRatio(ratio, true);
+    setFlags(ratio, PLAYING | HOLD | ALTERED);
     stack->showNodes();
     const QPoint centre = pointOf(ratio);
     EXPECT_EQ(playedAt(centre), ratio);
     EXPECT_EQ(playedAt(centre + QPoint(6, 0)), ratio) << "on the altered ring";
     EXPECT_EQ(playedAt(centre + QPoint(8, 0)), OrloRatio()) << "in the glow alone";
-    stack->setAlteredNodeForRatio(ratio, false);
+    setFlags(ratio, PLAYING | HOLD);
     EXPECT_EQ(playedAt(centre + QPoint(6, 0)), OrloRatio());
 }
 
@@ -113,9 +109,8 @@ TEST_F(NodeStack, ThePointerRaisesABallAndTheCardOfASoundingOne)
     const OrloRatio lower(25, 16);
     const OrloRatio upper(35, 32);
     const OrloRatio silent(49, 32);
-    add({lower, upper, silent});
-    stack->toggleNodeForRatio(lower, true);
-    stack->toggleNodeForRatio(upper, true);
+    add({lower, upper}, true);
+    add({silent});
     stack->showNodes();
     // Overlapping by four pixels, as a crowded stack has them.
     ball(lower)->setPos(30, 300);
@@ -141,8 +136,7 @@ TEST_F(NodeStack, LinesRunLevelToTheCardsAndToAnAxisOfPitch)
     const OrloRatio aside(999, 1000); // pushed by the one before, still at its height
     const OrloRatio low(1, 9);
     for (const OrloRatio& ratio : {high, atPitch, aside, low}) {
-        add({ratio});
-        stack->toggleNodeForRatio(ratio, true);
+        add({ratio}, true);
         EXPECT_TRUE(overlay->linesOf(ball(ratio)).isEmpty()) << "without a place yet";
     }
     stack->showNodes();
@@ -152,7 +146,7 @@ TEST_F(NodeStack, LinesRunLevelToTheCardsAndToAnAxisOfPitch)
     EXPECT_EQ(overlay->linesOf(ball(high)), (Lines{{916, 10, 992, 10}}));
     EXPECT_EQ(overlay->linesOf(ball(low)), (Lines{{980, 790, 992, 790}}));
 
-    stack->toggleNodeForRatio(low, false);
+    setFlags(low, 0);
     stack->updatePositions();
     EXPECT_EQ(overlay->balls().size(), 3) << "each once, however many passes there were";
 
