@@ -12,9 +12,8 @@ class StoreAndRecall;
 /// How any class reaches the application's parts. Include it in .cpp files only, so that headers do
 /// not depend on it.
 ///
-/// The parts are set once, by the application's constructor (or by a test that needs only some
-/// of them), before any other thread runs, and are read from every thread. A part that was not
-/// set is null.
+/// The parts are set by the application's constructor, and again by a test that brings its own devices,
+/// before any other thread runs; every thread reads them. A part that was not set is null.
 namespace app {
 
 struct Parts

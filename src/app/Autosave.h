@@ -15,10 +15,10 @@ inline constexpr std::chrono::minutes INTERVAL{15};
 
 /// Calls `save` after each interval, as long as the owner lives.
 void start(QObject* owner, std::function<void()> save);
-/// The options as the program now is, and the chords into the chord file.
+/// Updates and saves the options, and writes the chords into the chord file.
 void save(const MainWindow& window, const QString& configDirectory);
 
-/// Carries the chords from one run to the next.
+/// The file that carries the chords from one run to the next.
 QString chordFile(const QString& configDirectory);
 
 } // namespace Autosave

@@ -6,13 +6,14 @@ class MainWindow;
 /// saved. Reaches the parts through the accessors. Graphical thread.
 namespace OptionsSync {
 
-/// Port, channel and range of the MIDI output.
+/// Sets port, channel and bend range of the MIDI output.
 void toMidi();
-/// Window, base frequency, volume and mono. From then on the options follow the engine.
+/// Sets window, base frequency, volume and mono. From then on the options follow the engine.
 void toProgram(MainWindow& window);
-/// Page, window, sound device and MIDI port.
+/// Reads page, window, sound device and MIDI port.
 void fromProgram(const MainWindow& window);
-/// The index of a sound device, or -1 for one that is lost: that one is wanted back at the next start.
+/// Stores the index of the sound device. -1, for a lost device, is ignored, so that the next start asks
+/// for it again.
 void keepDevice(int index);
 
 } // namespace OptionsSync

@@ -152,11 +152,10 @@ void MidiOutRtMidi::setKeyFrequency(QList<int> voices, QList<float> frequencies)
         mpeSetVoiceFrequency(voices, frequencies);
         return;
     }
-    const auto noteOf = [this](int voice, float frequency) { return mNoteRange.noteOf(voice, frequency); };
-    sendTuning("MTS Midi message sent: ", mtsKeys.tune(voices, frequencies, noteOf));
+    sendTuning("MTS Midi message sent: ", mtsKeys.tune(voices, frequencies, mNoteRange));
 }
 
-/// Nothing for an empty message.
+/// Sends and logs a tuning change. An empty message is skipped.
 void MidiOutRtMidi::sendTuning(const char* what, std::span<const midi::Byte> message)
 {
     if (message.empty())

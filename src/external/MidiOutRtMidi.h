@@ -30,7 +30,7 @@ public:
     /// [gui] Tries RtMidi's default API, then each that it was built with. When none can be made the
     /// process ends with exit status 1.
     bool init() override;
-    /// [stopped] Waits two seconds at most for a MIDI system that does not answer.
+    /// [stopped] Waits four seconds at most for a MIDI system that does not answer.
     void term() override;
 
     /// [gui] Waits two seconds at most, as every call of the following two.

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int DEFAULT_BEND_RANGE_CENTS = 200; // of a device
+constexpr int DEFAULT_BEND_RANGE_CENTS = 200; // what a device starts with
 
 } // namespace
 
@@ -28,7 +28,7 @@ void MidiOutRtMidi::mpeSetVoiceFrequency(QList<int> voices, QList<float> frequen
     }
 }
 
-/// The one that it holds, or a free one. MpeChannels::NONE when all are taken.
+/// The channel that the voice holds or takes now; MpeChannels::NONE when others hold all.
 int MidiOutRtMidi::takeChannel(int voice, float frequency, int& start, const QList<int>& voices)
 {
     const int found = mpeChannels.find(voice, start);

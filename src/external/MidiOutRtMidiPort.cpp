@@ -12,7 +12,8 @@
 
 namespace {
 
-// A choice of the player's that has taken so long is not tried again: it is two calls at most.
+// A second try must start within this time of the choice, so that the player waits for two calls at
+// most.
 constexpr qint64 LAST_TRY_MS = 3000;
 // With so many given up, MIDI stays off until one of them comes back.
 constexpr int MAX_LOST_THREADS = 3;
@@ -126,7 +127,7 @@ bool MidiOutRtMidi::mayAskAgain(const QElapsedTimer& sinceChoice) const
     return mSender && mSender->isGivenUp() && !sinceChoice.hasExpired(LAST_TRY_MS);
 }
 
-/// By choice: nothing is waited for any more.
+/// Closes the port for good: it is not looked for afterwards.
 void MidiOutRtMidi::closePort()
 {
     const bool maybeOpen = (portOpen || mReturn.isSearching()) && mSender && !mSender->isGivenUp();

@@ -228,9 +228,9 @@ void MidiPort::checkServer()
 }
 
 /// Gives the port its name once more, which changes nothing, but asks JACK's server and waits for its
-/// answer. A frozen server keeps this thread asleep. That a dead one is not asked at all RtMidi does
-/// not tell, but then no other thread has had its turn meanwhile. One that lives can be so quick too,
-/// though not again and again.
+/// answer. A frozen server keeps this thread asleep. RtMidi does not report a dead server: the call
+/// returns at once, and no other thread has run meanwhile. A living server may be as quick, but not in
+/// every try.
 bool MidiPort::serverAnswers()
 {
     for (int i = 0; i < TRIES; ++i) {

@@ -34,7 +34,8 @@ std::optional<MidiPort::Opened> MidiPortReturn::look(const QString& name,
     return std::nullopt;
 }
 
-/// Of the search under way.
+/// The result of the search under way; nothing while it runs. A search that takes too long gives up its
+/// sender.
 std::optional<MidiPort::Opened> MidiPortReturn::found()
 {
     if (mSearch->answer->done) {

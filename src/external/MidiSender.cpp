@@ -114,7 +114,7 @@ void MidiSender::Core::run()
             wake.wait_for(lock, POLL);
     }
     lock.unlock();
-    port.abandon(); // on this thread, whoever lives longest
+    port.abandon(); // here, since the port belongs to this thread
     lock.lock();
     if (abandoned)
         --theLostThreads;

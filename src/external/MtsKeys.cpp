@@ -1,5 +1,6 @@
 #include "external/MtsKeys.h"
 
+#include "external/MidiNoteRange.h"
 #include "external/MtsTuning.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ MtsKeys::MtsKeys()
 }
 
 std::span<const midi::Byte> MtsKeys::tune(const QList<int>& voices, const QList<float>& frequencies,
-                                          const std::function<double(int, float)>& noteOf)
+                                          MidiNoteRange& range)
 {
     const qsizetype given = qMin(voices.size(), frequencies.size());
     // A key above 127 would break the whole message.
@@ -31,7 +32,7 @@ std::span<const midi::Byte> MtsKeys::tune(const QList<int>& voices, const QList<
         if (!hasKey(voices.at(i)))
             continue;
         const int key = keyOf(voices.at(i));
-        mts::addKeyTuning(mMessage, key, mts::tuningOfNote(noteOf(voices.at(i), frequencies.at(i))));
+        mts::addKeyTuning(mMessage, key, mts::tuningOfNote(range.noteOf(voices.at(i), frequencies.at(i))));
         if (!tunedKeys.contains(key))
             tunedKeys.append(key);
     }

@@ -4,8 +4,9 @@
 
 #include <QList>
 
-#include <functional>
 #include <span>
+
+class MidiNoteRange;
 
 /// Which key each voice has on a single MIDI channel, and which keys were retuned for it (MIDI Tuning
 /// Standard). Builds the tuning changes in storage that is there already, unless one names more than
@@ -17,10 +18,10 @@ public:
 
     /// [audio] It may lie above 127; then the voice has none.
     int keyOf(int voice) const { return firstKey + voice; }
-    /// [audio] The message that tunes the voices, which have one frequency each, to `noteOf(voice, Hz)`.
-    /// Voices without a key are left out; empty when none is left. It holds until the next call.
+    /// [audio] The message that tunes the voices, which have one frequency (Hz) each, as far as `range` lets
+    /// them. Voices without a key are left out; empty when none is left. It holds until the next call.
     std::span<const midi::Byte> tune(const QList<int>& voices, const QList<float>& frequencies,
-                                     const std::function<double(int, float)>& noteOf);
+                                     MidiNoteRange& range);
     /// [audio] The message that puts all retuned keys back on equal temperament, and forgets them; empty
     /// when there are none. It holds until the next call.
     std::span<const midi::Byte> reset();

@@ -2,7 +2,7 @@
 
 #include "model/OrloConstants.h"
 
-/// The one path that a ratio is given when no player has walked it: odd primes up, odd primes down, each
+/// The path that stands for a ratio of which only the value is known: odd primes up, odd primes down, each
 /// ascending, then twos. Factors above 31 are dropped, and so are steps past the path's limit.
 namespace canonicalpath {
 

@@ -32,7 +32,7 @@ constexpr double BASE_NOTE_CENTS = 50.0;
 
 /// Semitones, far outside of all hearing; what lies beyond does not fit the arithmetic here.
 constexpr float PITCH_LIMIT = 100000.0F;
-constexpr int OCTAVE_LIMIT = 8333; // the same
+constexpr int OCTAVE_LIMIT = 100000000; // beyond it semitones do not fit in an int
 
 constexpr QLatin1StringView LETTERS("CDEFGAB");
 constexpr std::array<int, 7> LETTER_SEMITONES{0, 2, 4, 5, 7, 9, 11};

@@ -37,7 +37,7 @@ bool ratiooverflow::productIsClose(const OrloRatio& a, const OrloRatio& b)
     const double testProduct = value(test);
     const double realProduct = value(a.ratio()) * value(b.ratio());
     const auto difference = static_cast<float>(qAbs(testProduct - realProduct));
-    if (difference <= TOLERANCE)
+    if (!(difference > TOLERANCE)) // also for what is no number
         return true;
     qDebug().noquote() << QStringLiteral("canMultiply fail on %1 * %2:\n  test product: %3, real product: %4")
                               .arg(a.toString(), b.toString())

@@ -6,8 +6,8 @@
 #include <memory>
 #include <span>
 
-/// A lock-free ring of bytes from one writing to one reading thread. Which words these are the owner
-/// says; either side may change threads as long as the change itself is ordered, as the hand-over of the
+/// A lock-free ring of bytes from one writing to one reading thread. The owner says which threads
+/// these are; either side may change threads as long as the change itself is ordered, as the hand-over of the
 /// engine is.
 ///
 /// Capacity: one byte less than it was made with. When it is full, what finds no room is not written at

@@ -35,14 +35,14 @@ public:
     const NodeParameters& cached() const { return cachedParameters; }
     /// [audio] What was selected under the former patch.
     const RatioList& cachedSelection() const { return cachedSelected; }
-    /// [audio] The values of an altered node as they are stored.
+    /// [audio] The values of a node as they are stored. The node must be altered.
     const NodeParameters& record(const OrloRatio& altered) { return alteredParameters[altered]; }
     /// [audio] What a note of this ratio sounds with: the node's own values, or those of the sliders,
     /// without a glissando, where there is no node.
     NodeParameters heard(const OrloRatio& ratio) const;
 
-    /// [audio] True when the node had no values of its own before. One that is selected while its note
-    /// sounds keeps the macros with which that started.
+    /// [audio] True when the node had no values of its own before. The node must not be selected yet. One
+    /// that is selected while its note sounds keeps the macros with which that started.
     bool select(const OrloRatio& ratio);
     /// [audio] False when it is not selected.
     bool deselect(const OrloRatio& ratio);
@@ -54,16 +54,18 @@ public:
     /// [audio] Every note has been let go, or is set anew.
     void clearSounding() { soundingParameters.clear(); }
 
-    /// [audio] Moves a macro's slider. Selected nodes follow and stay at an end of the range that the slider
-    /// pushes them against. `told(ratio, value)` hears of each of them, with its value from now on.
+    /// [audio] Moves a macro's slider. followMacro() belongs after it.
+    void setMacro(std::size_t macro, float value) { currentParameters.macros.at(macro) = value; }
+    /// [audio] The selected nodes follow the macro's slider and stay at an end of the range that it pushes
+    /// them against. `told(ratio, value)` is called for each of them, with its value from now on.
     template <class Told>
-    void slideMacro(std::size_t macro, float value, Told&& told)
+    void followMacro(std::size_t macro, Told&& told)
     {
-        currentParameters.macros.at(macro) = value;
+        const float value = currentParameters.macros.at(macro);
         for (const OrloRatio& ratio : selectedNodes)
             told(ratio, follow(alteredParameters[ratio].macros[macro], value));
     }
-    /// [audio] Moves the coarse slider; the selected nodes follow without an end.
+    /// [audio] Moves the coarse slider; the selected nodes follow without a limit.
     void slideGlissandoOne(float value);
     /// [audio] The same with the fine one.
     void slideGlissandoTwo(float value);
@@ -72,18 +74,20 @@ public:
     void setDefaultMacro(std::size_t macro, float value, bool slides);
     /// [audio] The default of a macro; without one in the patch, where its slider is.
     float defaultMacro(std::size_t macro) const;
-    /// [audio] All sliders to their defaults, without moving nodes: none may be selected.
+    /// [audio] Sets all sliders to their defaults without moving nodes. No node may be selected.
     void resetSliders();
-    /// [audio] The glissando sliders to the middle: 0 both, 1 or 2. No node may be selected.
+    /// [audio] Sets the glissando sliders to the middle; `which` is 0 for both, 1 or 2. No node may be
+    /// selected.
     void resetGlissandoSliders(short which);
 
-    /// [audio] The record of a node that is not selected to the defaults.
+    /// [audio] Sets the record of a node to the defaults. The node must not be selected.
     void resetNode(const OrloRatio& altered);
-    /// [audio] Its glissando alone: 0 both, 1 or 2.
+    /// [audio] Sets only the record's glissando to the default; `which` as above. The node must not be
+    /// selected.
     void resetGlissando(const OrloRatio& altered, short which);
     /// [audio] The node has no values of its own any more. Its record stays until it is altered again.
     void removeAltered(const OrloRatio& ratio) { alteredNodes.remove(ratio); }
-    /// [audio] No node has.
+    /// [audio] The same for all nodes.
     void clearAltered() { alteredNodes.clear(); }
 
     /// [audio] Before a patch closes: keeps selection and glissando for the next one, with `macros` those

@@ -62,7 +62,7 @@ bool PaAudioOutput::init(int framesPerBuffer, int device, PdPlayer* player)
     qDebug() << "PortAudio version text:" << Pa_GetVersionText();
     devices();
     const bool opened = selectDevice(device) || selectDevice(-1);
-    if (!opened) // a start that fails looks for nothing
+    if (!opened) // after a failed start no device is looked for
         mWatchTimer.stop();
     return opened;
 }

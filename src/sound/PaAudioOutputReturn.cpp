@@ -1,4 +1,4 @@
-// The half of the output that notices a device which goes away, and brings it back.
+// PaAudioOutput: noticing a device that goes away, and bringing it back.
 
 #include "sound/JackEpoch.h"
 #include "sound/PaDeviceJobs.h"
@@ -50,7 +50,7 @@ void PaAudioOutput::watch()
     }
 }
 
-/// Without waiting for a server.
+/// Drops the stream of a lost device without waiting for its server.
 void PaAudioOutput::giveUpStream()
 {
     qCritical().noquote() << "The sound device is gone:" << mDeviceName;
@@ -67,7 +67,7 @@ void PaAudioOutput::giveUpStream()
 }
 
 /// A JACK server that stands still may thaw or die, and a call for its stream that is under way when it
-/// dies ends the program. So none is made until one of both is seen.
+/// dies ends the program. So none is made until the server has done either.
 void PaAudioOutput::parkStream()
 {
     qCritical() << "The sound server does not answer.";
@@ -104,7 +104,7 @@ void PaAudioOutput::leaveStream()
     leaveLibrary();
 }
 
-/// False when there is no copy of it to be had.
+/// Goes on with a copy of the library. False when no copy can be loaded.
 bool PaAudioOutput::leaveLibrary()
 {
     if (PortAudioLibrary* copy = PortAudioLibrary::loadCopy())
@@ -197,7 +197,7 @@ void PaAudioOutput::followReturn()
     }
 }
 
-/// What the return has read.
+/// Takes over the device list that the return has read.
 void PaAudioOutput::takeList()
 {
     const QStringList former = mDeviceNames;

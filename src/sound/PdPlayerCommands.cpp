@@ -71,7 +71,7 @@ const PdPlayer::Handlers& PdPlayer::handlers()
         {E::NodesDeselectAll,
          [](P& p, const Chunk& c) {
              p.nodeDeselectAll();
-             p.removeNode(c.ratio); // of a ratio that no plain event carries: only the signal is left of it
+             p.removeNode(c.ratio); // the ratio is 0/1 here, so only the signal goes out
          }},
         {E::NodesResetSelected, [](P& p, const Chunk&) { p.resetSelectedNodes(false); }},
         {E::NodesResetSelectedDeselect, [](P& p, const Chunk&) { p.resetSelectedNodes(true); }},
@@ -155,7 +155,7 @@ void PdPlayer::processChunk(const Chunk* chunk)
 void PdPlayer::queueEventGui(const OrloEvent* event)
 {
     ThreadCheck::gui();
-    if (!isSoundOver()) // nobody would ever read it
+    if (!isSoundOver()) // after that no block reads the ring
         guiBuffer.queueEvent(event);
 }
 

@@ -22,7 +22,8 @@ void PdPlayer::nodesHoldActive(bool active)
 
 void PdPlayer::toggleByRatio(const OrloRatio& ratio, float value)
 {
-    // A device's map names types only, so its event has the ratio 0/1, which would take voices in silence.
+    // An event of the physical device carries the ratio 0/1, which is no pitch and would take a voice
+    // without a sound.
     if (ratio.numerator() == 0)
         return;
     const Voice* voice = mVoices.find(ratio);

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// As OrloPath::toString, without an allocation; a path that has no step is never refused.
+/// The text of OrloPath::toString, without an allocation. Empty for the root, which always fits.
 std::array<char, 64> pathText(const OrloPath& path)
 {
     std::array<char, 64> text{};
@@ -73,7 +73,8 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
     ++mSequence;
     float frequency = ratioToFrequency(ratio);
     bool stolen = false;
-    // Chosen before the previous mono voice stops, so that a new voice starts beside its release.
+    // The slot is chosen before the previous mono voice stops, so that the new voice starts beside its
+    // release.
     const int slot = findSlot(stolen);
     if (slot < 0)
         return;
@@ -86,7 +87,7 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
                      << "seqId" << mSequence << "stolen" << (stolen ? "true" : "false");
 
     const float velocity = sendNodeParameters(ratio, slot, frequency);
-    // Exclusive here; for 1/1 itself the bounds are allowed.
+    // A note exactly on a bound is silent; Orlo::canTransposeTo allows 1/1 there.
     if (frequency > pitchrange::LOWEST && frequency < pitchrange::HIGHEST) {
         const auto voice = static_cast<float>(slot);
         sendPdVoiceMessage(voiceFrequency, frequency, voice);
@@ -136,7 +137,7 @@ float PdPlayer::sendNodeParameters(const OrloRatio& ratio, int voice, float& fre
         frequency *= glissandoTwoMapping(heard.glissTwo);
     }
     applyMacros(heard, static_cast<float>(voice));
-    // A selected node goes by the slider, even if its own first macro is another.
+    // The velocity of a selected node is the slider's value, even if its own first macro differs.
     return mNodes.selected().contains(ratio) ? mNodes.current().macros[0] : heard.macros[0];
 }
 

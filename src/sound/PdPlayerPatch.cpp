@@ -1,5 +1,5 @@
 // The patch of the player: opening and closing, which notes and nodes come back in the next one, messages
-// to it, and what it says.
+// to it, and its reports.
 
 #include "sound/PdPlayer.h"
 
@@ -92,7 +92,7 @@ bool PdPlayer::changePatch(PatchHandOver::Change change, OrloEvent::Type type)
     const OrloEvent event(type, 0.0F);
     const bool answered = mHandOver.request(
         change, [&] { queueEventGui(&event); }, [this] { processEvents(); });
-    AudioLog::drain(); // what it said, in its place between the lines of this thread
+    AudioLog::drain(); // the engine's lines come before the next line of this thread
     return answered;
 }
 
@@ -133,7 +133,7 @@ void PdPlayer::unloadPatch()
     if (output)
         output->muteOutput();
     qDebug() << "GUI sleep before unload patch";
-    // libpd builds a message in one place for all threads, hence in a block.
+    // libpd builds messages in one buffer for all threads, so this one is sent within a block.
     mHandOver.runInBlock([this] { sendPdVolumeMessage(0.0F); });
     QThread::msleep(PAUSE_MS);
 
@@ -246,7 +246,7 @@ void PdPlayer::readFromCache()
         const auto& macros = mNodes.cached().macros;
         emit setMacroSliders(QList<float>(macros.begin(), macros.end()));
     }
-    // What was pressed while there was no patch has not been heard yet.
+    // Notes that were started while no patch was open start again, so that they are heard.
     for (const OrloRatio& ratio : soundingNow()) {
         noteOff(ratio);
         cachedSounding.append(ratio);
@@ -327,7 +327,7 @@ bool PdPlayer::alterFrequency(float frequency, float voice)
     return sendPdVoiceMessage(voiceFrequency, frequency, voice);
 }
 
-// ---------------------------------------------------------------- what the patch says
+// ---------------------------------------------------------------- the patch's reports
 
 void PdPlayer::pdPrintHook(const char* text)
 {

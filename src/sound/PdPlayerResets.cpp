@@ -1,4 +1,4 @@
-// The resets of the player's nodes, told to the voices and to whoever listens. NodeBook has the
+// The resets of the player's nodes. This part tells the voices and emits the signals; NodeBook has the
 // arithmetic.
 
 #include "sound/PdPlayer.h"
@@ -44,11 +44,11 @@ void PdPlayer::nodeResetGlissando(const OrloRatio& ratio, short which)
         sendInstruction(instructionBend, voice->voice, frequency, -1.0F);
 }
 
-/// What a note that starts now would get, given to a voice that goes on.
+/// Gives a running voice what a note that starts now would get.
 void PdPlayer::restoreVoiceInPlace(const OrloRatio& ratio, const Voice& voice)
 {
     applyAllCurrentMacroValues(static_cast<float>(voice.voice));
-    if (!voice.released) // at its note-off a fading note has lost what it started with
+    if (!voice.released) // a released note has no sounding parameters any more
         mNodes.setSounding(ratio);
 }
 

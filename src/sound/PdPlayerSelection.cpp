@@ -1,5 +1,5 @@
-// Which nodes of the player are selected, and the sliders that they follow, told to the voices and to
-// whoever listens. NodeBook has the arithmetic.
+// Which nodes of the player are selected, and the sliders that they follow. This part tells the voices and
+// emits the signals; NodeBook has the arithmetic.
 
 #include "sound/PdPlayer.h"
 
@@ -63,8 +63,10 @@ QList<OrloRatio> PdPlayer::getAllRatiosWithAlteredParameters() const
 void PdPlayer::setMacroValue(int macro, float value)
 {
     ThreadCheck::audio();
+    const auto index = static_cast<std::size_t>(macro - 1);
+    mNodes.setMacro(index, value);
     emit macroValueChanged(macro, value);
-    mNodes.slideMacro(static_cast<std::size_t>(macro - 1), value, [&](const OrloRatio& ratio, float own) {
+    mNodes.followMacro(index, [&](const OrloRatio& ratio, float own) {
         if (const Voice* voice = mVoices.find(ratio))
             applyMacroValue(macro, own, static_cast<float>(voice->voice));
     });

@@ -2,9 +2,9 @@
 
 #include <source_location>
 
-/// Debug builds check the thread words of docs/architecture.md: each function here is the first line of
-/// a method with that word. On a wrong thread it prints the method and the word, and aborts. Release
-/// builds (NDEBUG) compile all of it to nothing.
+/// Debug builds check the thread words of docs/architecture.md: the functions here are called at the head
+/// of methods with that word, where another thread could come in. On a wrong thread it prints the method and
+/// the word, and aborts. Release builds (NDEBUG) compile all of it to nothing.
 ///
 /// A check is lock-free, allocates nothing and makes no system call. Without threads every word holds:
 /// a single thread may do what belongs to [audio], [listener] or [sender] as long as no other thread

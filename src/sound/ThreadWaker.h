@@ -23,7 +23,7 @@ public:
     /// [any] Effect: woken() follows on [gui], where all that was written before is seen. Capacity: one
     /// wake; more of them before the answer are the same one. Never blocks.
     void wake();
-    /// [gui] From now on a wake is a new one. To be called before what there is is read.
+    /// [gui] Makes the next wake a new one. Call it before reading what has come.
     void answer();
 
 signals:

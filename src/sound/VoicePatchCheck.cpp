@@ -13,7 +13,7 @@
 
 namespace {
 
-// So long no event is delivered, and nothing can come between.
+// For this long no event is delivered, so nothing can interfere.
 constexpr int WITHOUT_EVENTS_MS = 300;
 constexpr int SLICE_MS = 30;
 

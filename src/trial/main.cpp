@@ -19,6 +19,6 @@ int main(int argc, char** argv)
     alarm(LONGEST_TRIAL_S);
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none); // a voice that crashes leaves no file
-    // Nothing is worth taking down, and the voice gets no chance to disturb it.
+    // Ends without destructors, which a broken voice could disturb.
     std::_Exit(static_cast<int>(VoiceTrial().run(argv[1], argv[2])));
 }

@@ -24,7 +24,7 @@ QString partOf(const QString& target)
     return target + QStringLiteral(".part");
 }
 
-/// Takes a plain file away; of a link, the link. False if something else is in the way.
+/// Removes a plain file, or a link itself and not its target. False if something else has this path.
 bool makeRoom(const QString& path)
 {
     const QFileInfo info(path);
@@ -161,7 +161,7 @@ void Downloader::saveFile()
     }
     const QByteArray bytes = mReply->readAll();
     mReceived += bytes.size();
-    // What cannot be written is missed at the end.
+    // A failed write is noticed at the end, by the size of the file.
     QFile part(partOf(mTarget));
     if (!bytes.isEmpty() && part.open(QIODevice::WriteOnly | QIODevice::Append))
         part.write(bytes);

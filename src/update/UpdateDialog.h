@@ -29,7 +29,7 @@ public:
     static bool isCheckDue(int interval, const QString& lastCheck, const QDateTime& now);
     /// One check, whose time is stored. `notifyOnFinish`: the player hears of any outcome, otherwise
     /// only of a newer version and of a network error. Without a feed's address there is no check
-    /// and nothing is stored; the player is told if he wants to hear of any outcome.
+    /// and nothing is stored; with `notifyOnFinish` the player is told so.
     static void startCheck(QWidget* parent, bool notifyOnFinish, const QString& feedUrl = FEED_URL);
 
     void setNotifyOnFinish(bool on);

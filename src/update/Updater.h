@@ -44,12 +44,12 @@ public:
     Downloader* downloader() const { return mDownloader.get(); }
 
     void setUrl(const QString& url) { mUrl = url; }
-    /// The downloader's too.
+    /// Also sets the downloader's.
     void setUserAgentString(const QString& agent);
     void setModuleName(const QString& name) { mModuleName = name; }
     void setModuleVersion(const QString& version) { mModuleVersion = version; }
     void setPlatformKey(const QString& key) { mPlatformKey = key; }
-    /// On: the feed's bytes are handed on unread.
+    /// When on, the feed's bytes are passed on without being parsed.
     void setCustomAppcast(bool on) { mCustomAppcast = on; }
     void setNotifyOnUpdate(bool on) { mNotifyOnUpdate = on; }
     void setNotifyOnFinish(bool on) { mNotifyOnFinish = on; }

@@ -8,7 +8,7 @@ class QUrl;
 /// What the feed and the file have in common: where they may come from, and how they are asked for.
 namespace web {
 
-/// A server's answers may send us on this often; after that it is a loop.
+/// Redirections that are followed; more of them count as a loop.
 constexpr int REDIRECT_LIMIT = 10;
 /// A transfer that stands still for so long has failed.
 constexpr int TRANSFER_TIMEOUT_MS = 30000;

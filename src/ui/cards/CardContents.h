@@ -13,7 +13,7 @@ class Note;
 class OrloBall;
 
 /// Everything that a card shows, read from the model and the options at one time. A plain value without
-/// widgets; two equal ones make two equal cards.
+/// widgets; two cards with equal contents look the same.
 struct CardContents
 {
     enum Notation { NoGrape = 0, Coloured = 1, BlackAndWhite = 2 };

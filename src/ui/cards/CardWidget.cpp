@@ -22,7 +22,7 @@
 
 namespace {
 
-// Without a style sheet; with one it decides.
+// Used without a style sheet, which otherwise sets the size.
 constexpr QSize CARD_SIZE(174, 90);
 
 constexpr int STAFF_WIDTH = 64;
@@ -397,7 +397,7 @@ QLine CardWidget::layOutPrimes(const QList<int>& primes, SoundGrape::Direction d
     label->setText(text.text);
     label->move(SoundGrape::labelAt(line, direction, text.hasExponent));
     label->fit();
-    // Exponents have a size of their own, beside which small print would be lost.
+    // Exponents have a fixed font size; primes in small print would be unreadable beside them.
     if (!text.hasExponent && label->x() + label->width() > mNoteLabel->x())
         label->useSmallPrint(true);
     label->show();
@@ -413,7 +413,7 @@ bool CardWidget::event(QEvent* event)
         setAttribute(Qt::WA_StyledBackground, false); // paper() draws it
         if (event->type() == QEvent::StyleChange) {
             mLoader->paper(mAtStackTwo ? 1 : 0) = {};
-            // Once the labels have their new fonts too.
+            // Queued, so that the labels have their new fonts before the layout.
             QMetaObject::invokeMethod(this, &CardWidget::layOut, Qt::QueuedConnection);
         }
     }

@@ -40,9 +40,9 @@ public:
     static Note getNoteForPath(const OrloPathUnlimited* path, float frequency);
     /// Puts the prime colour of `key` in the place of black in a graphic's text.
     static void changeSvgColor(QByteArray* svg, int key);
-    /// highestprime::colorKey.
+    /// Calls highestprime::colorKey.
     static int findHighestPrime(const OrloPathUnlimited* path);
-    /// StaffPosition::unshifted.
+    /// Calls StaffPosition::unshifted.
     static float getStaffLineForNote(bool bass, const Note& note);
 
     /// 0 for the topmost.

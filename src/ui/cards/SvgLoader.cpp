@@ -8,7 +8,7 @@
 
 namespace {
 
-// Far more than one lattice has colours and one card has sizes.
+// Limits of the caches, far above the number of colours of a lattice and of sizes on a card.
 constexpr qsizetype RENDERERS_KEPT = 256;
 constexpr qsizetype PIXMAPS_KEPT = 512;
 

@@ -23,7 +23,7 @@ DiagnosticsDialog::~DiagnosticsDialog()
 
 void DiagnosticsDialog::onMessage(const QString& text)
 {
-    // A line that appending gives rise to would give rise to the next.
+    // Appending can itself log a line, which would be appended in turn without end.
     if (mAppending)
         return;
     const QScopedValueRollback<bool> appending(mAppending, true);

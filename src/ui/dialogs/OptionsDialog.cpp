@@ -46,7 +46,8 @@ OptionsDialog::OptionsDialog(QWidget* parent)
     connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
     layout->addWidget(buttons);
 
-    // A menu that has the focus looks for an entry of this key instead of passing it on.
+    // A shortcut, since a combo box with the focus searches its entries for the key instead of passing it
+    // on.
     auto* closing = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma), this);
     connect(closing, &QShortcut::activated, this, &QWidget::close);
     // Before the options are stored for the last time: it ends what is being edited.
@@ -55,7 +56,7 @@ OptionsDialog::OptionsDialog(QWidget* parent)
 
 OptionsDialog::~OptionsDialog()
 {
-    // An edit that the closing ends still finds all of its parts.
+    // Hiding ends an edit under way while all members still exist.
     hide();
 }
 

@@ -28,15 +28,15 @@ public:
     ~OptionsDialog() override;
 
     void selectTab(int index);
-    /// To where it was when it was last closed.
+    /// Moves the dialog to where it was last closed.
     void rePosition();
     void rePosition(QPoint position);
-    /// MIDI and the glissando ranges are unavailable.
+    /// Disables the MIDI menus and the glissando ranges, or enables them again.
     void applyRestrictions(bool restricted);
 
-    /// ReferencePitch::isTempered; marks the note when it is not.
+    /// Calls ReferencePitch::isTempered, and marks the note when the result is false.
     bool isOneOneFreqTempered(float calibration, float frequency, int noteIndex);
-    /// ReferencePitch::shownDecimals.
+    /// Calls ReferencePitch::shownDecimals.
     static int getFloatDecimalPrecision(float frequency);
     /// Fills the menus of octave and note from the text of the 1/1 note.
     void populateOneOneSplitMenu();
@@ -44,10 +44,10 @@ public:
     void updateCentsDisplay();
 
 signals:
-    /// An option that balls and cards are drawn by.
+    /// An option has changed by which balls and cards are drawn.
     void displayChanged();
     void zoomModeChanged();
-    /// Where it was on the screen.
+    /// The dialog was closed at this place on the screen.
     void closedAt(QPoint position);
 
 protected:

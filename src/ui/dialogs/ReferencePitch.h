@@ -28,7 +28,7 @@ public:
     double temperedFrequency() const { return temperedFrequency(mCalibration, mNoteIndex); }
     /// Whether the frequency is the tempered one of the note, as far as its shown decimals tell.
     static bool isTempered(float calibration, float frequency, int noteIndex);
-    /// With as many decimals as the program shows for a frequency (Hz).
+    /// The number of decimals that the program shows for a frequency (Hz).
     static int shownDecimals(float frequency);
     /// While a frequency is typed: fewer than shown, so that there is room.
     static int typedDecimals(double frequency);

@@ -23,7 +23,8 @@ public:
     bool pinch(double spread, bool released);
     /// Whether a step may be drawn: not below the fit.
     bool isDrawable() const { return mCurrent >= mFit; }
-    /// At once, between the fit and 16 times the fit, or what fingers have reached beyond.
+    /// Scales at once, kept between the fit and 16 times the fit, or the present scale where fingers have
+    /// gone further.
     void zoomBy(double factor);
 
     /// How far two fingers moved apart; 1 for two on one spot, whose distance says nothing.

@@ -78,7 +78,7 @@ private:
 
     const OrloBall* const mBall;
     OrloWidget* const mOrloWidget;
-    const QPointer<CardStackWidget> mCardStack; // may die before the scene; null: no cards
+    const QPointer<CardStackWidget> mCardStack; // may be deleted before the scene; null: no cards
     const int mDiameter;
     BallCircles mCircles;
     QList<OrloStrutWidget*> mStruts; // at either end; not owned

@@ -25,7 +25,7 @@ public:
     int type() const override { return Type; }
 
 private:
-    // Balls and struts die together, when the scene is cleared.
+    // Balls and struts are deleted together, when the scene is cleared.
     OrloBallWidget* const mFirst;
     OrloBallWidget* const mSecond;
 };

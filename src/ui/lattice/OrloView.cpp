@@ -72,7 +72,8 @@ void OrloView::buildScene(OrloLeavesWidget::View view)
     orloWidget->setPos(0.0, 0.0);
     scene()->setSceneRect(orloWidget->sceneBoundingRect());
     mOrloWidget = orloWidget;
-    // The next resize fits it. But the scale of a picture of a few units must not meet one of thousands.
+    // The next resize fits the scene. Until then a scale chosen for a small scene could make a large one too
+    // large to paint.
     if (qMax(sceneRect().width(), sceneRect().height()) * mZoom.current() > LARGEST_PICTURE)
         followFit();
     // The balls report changes only: those that sound already need their cards.

@@ -18,7 +18,7 @@ struct PitchAxis
     double units; // height of the scene in its own units
     int centre;   // y of the scene's centre on the view
 
-    /// The y of a card's middle; the fraction is cut off by the caller. For a scene with a height.
+    /// The y of a card's middle; the caller cuts off the fraction. The scene's height must be above 0.
     double cardHeight(const OrloRatio& absolute) const;
     /// The y of a free ball's centre.
     int freeBallHeight(const OrloRatio& absolute) const;

@@ -43,7 +43,7 @@ public:
     void holdClicked();
 
     // What the keys do; nothing under restrictions.
-    /// The ten chords that the number keys address: 0 or 1.
+    /// Chooses the ten chords that the number keys address, 0 or 1; also called by a click on a row button.
     void chooseRow(int row);
     /// Presses a chord button of the chosen row, by its index from 0.
     void pressChordOfRow(int index);

@@ -6,11 +6,11 @@ class QSlider;
 class QWidget;
 
 /// The two sliders of the glissando and the buttons that show and hide them. The sliders send
-/// fractions of their range; how many cents these are is the player's.
+/// fractions of their range; the engine knows how many cents these are.
 class GlissandoSliders
 {
 public:
-    /// Not owned. Of the sliders the first is the coarse one, of the buttons likewise.
+    /// Not owned. Each button shows and hides the slider of its name.
     struct Widgets
     {
         QSlider* coarse;
@@ -21,7 +21,7 @@ public:
     };
     GlissandoSliders(const Widgets& widgets, PdPlayer* player);
 
-    /// Sends the slider's value to the player.
+    /// Sends the slider's value to the engine.
     void queueCoarse() const;
     void queueFine() const;
 
@@ -31,11 +31,11 @@ public:
     void toggleGlissSliders();
 
     static int centreOf(const QSlider* slider);
-    /// Centres both, and the player is told.
+    /// Centres both, and tells the engine.
     void centreBoth();
     /// Nothing under restrictions.
     void centreFine();
-    /// The player has reset them: 0 both, 1 the coarse one, 2 the fine one.
+    /// The engine has reset them: 0 both, 1 the coarse one, 2 the fine one.
     void showReset(short which);
 
     void setRestricted(bool restricted);

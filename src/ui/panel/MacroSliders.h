@@ -22,10 +22,10 @@ public:
     void queueMacroOf(const QObject* slider) const;
     /// Sends all sliders' values, which a new patch does not know.
     void queueAllMacros() const;
-    /// Sends these values; one that is no default is left out.
+    /// Sends these values, except those that stand for no default.
     void queueValues(const QList<float>& values) const;
 
-    /// Shows the player's value, 0 to 1. A macro without a slider is ignored.
+    /// Shows the engine's value, 0 to 1. A macro without a slider is ignored.
     void showValue(int macro, float value);
     /// A slider without a name is disabled.
     void showNames(const QStringList& names);

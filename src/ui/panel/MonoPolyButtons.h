@@ -9,7 +9,7 @@ class MonoPolyButtons
 public:
     MonoPolyButtons(QPushButton* mono, QPushButton* poly, PdPlayer* player);
 
-    // After a click, which has toggled the button. The other button changes once the player answers.
+    // After a click, which has toggled the button. The other button changes once the engine answers.
     void monoClicked();
     void polyClicked();
 
@@ -17,7 +17,7 @@ public:
     void chooseMono();
     void choosePoly();
 
-    /// Shows the player's mode.
+    /// Shows the engine's mode.
     void showMonophonic(bool on);
 
 private:

@@ -9,9 +9,9 @@ class VolumeControl
 public:
     VolumeControl(QSlider* slider, PdPlayer* player);
 
-    /// Sends the slider's volume to the player.
+    /// Sends the slider's volume to the engine.
     void queueVolume() const;
-    /// Shows the player's volume, 0 to 1.
+    /// Shows the engine's volume, 0 to 1.
     void showVolume(float volume);
 
     // What the keys do.

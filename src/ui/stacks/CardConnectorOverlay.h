@@ -19,7 +19,7 @@ public:
     explicit CardConnectorOverlay(QWidget* parent);
 
     void init(const OrloView* view);
-    /// Both must be removed before they die.
+    /// The connector must be removed before ball or card is deleted.
     void addConnector(const OrloBallWidget* ball, const CardWidget* card);
     void removeConnector(const OrloBallWidget* ball);
 

@@ -21,13 +21,13 @@ class CardStackWidget : public QWidget
 public:
     explicit CardStackWidget(QWidget* parent = nullptr);
 
-    /// All of them outlive the cards. Follows the view's resized().
+    /// All arguments outlive the cards. Positions follow the view's resized().
     void init(CardConnectorOverlay* overlay, const OrloView* view, SvgLoader* loader);
 
     /// A ball has one card. It lies on top.
     CardWidget* showCardForBall(const OrloBallWidget* ball);
     CardWidget* showCardForBall(const OrloBallWidget* ball, int hierarchy);
-    /// Nothing happens for a ball without a card. A ball that dies must hide its card first.
+    /// Nothing happens for a ball without a card. A ball must hide its card before it is deleted.
     void hideCardForBall(const OrloBallWidget* ball);
     void raiseCardForBall(const OrloBallWidget* ball);
     void updatePosition(const OrloBallWidget* ball, CardWidget* card);
@@ -52,7 +52,7 @@ private:
     QHash<const OrloBallWidget*, CardWidget*> mCards; // child widgets
     SpareCards mSpareCards;
     int mBottomSpace = 0;
-    QPointer<CardConnectorOverlay> mOverlay; // may die first when the page goes
+    QPointer<CardConnectorOverlay> mOverlay; // the page may delete it first
     const OrloView* mView = nullptr;
     SvgLoader* mLoader = nullptr;
 };

@@ -19,10 +19,10 @@ public:
         bool isInBottomGrid;
     };
 
-    /// A pass over all balls begins.
+    /// Begins a pass over all balls.
     void begin(int bottomLine);
-    /// Of the next ball: the height of its pitch, its radii with outline and with glow, and the number of
-    /// balls that follow.
+    /// Places the next ball, given the height of its pitch, its radii with outline and with glow, and the
+    /// number of balls that follow.
     Place place(int pitchHeight, double playingRadius, double glowRadius, int howManyMore);
 
     /// Width of a cell for a ball of this radius.

@@ -55,7 +55,7 @@ MainWindow::MainWindow(Orlo* orlo)
     connectPanel();
     connectPlayer();
 
-    makeStatusLine(); // before anything can be lost
+    makeStatusLine(); // first, so that it also tells of a device that is lost while the patch opens
     mPanel->patches.initPatchMenu();
     mPanel->patches.loadDefaultPatch();
     onTransposeChanged();
@@ -77,7 +77,7 @@ MainWindow::MainWindow(Orlo* orlo)
 
 MainWindow::~MainWindow()
 {
-    // What is being edited in it ends with it, and still reaches the window.
+    // Deleting the dialog ends an edit under way, whose signals still need this window's members.
     delete mOptionsDialog;
 }
 
@@ -206,7 +206,7 @@ void MainWindow::makeOptionsDialog()
     connect(mOptionsDialog, &OptionsDialog::zoomModeChanged, this, &MainWindow::updateZoomMode);
     connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::setOptionsDialogPosition);
     connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::reloadAllSoundingRatios);
-    mOptionsDialog->updateCentsDisplay(); // the names of the notes may change by it
+    mOptionsDialog->updateCentsDisplay(); // may change the option that decides how notes are named
 }
 
 void MainWindow::on_optionsButton_clicked()
