@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/WindowFixture.h"
+#include "ui/UiFixture.h"
 #include "ui/cards/CardGraphic.h"
 #include "ui/cards/CardWidget.h"
 #include "ui/stacks/CardStackTwoWidget.h"
@@ -17,10 +17,6 @@
 /// One page with its stacks, in the program's look, on which the places on a card depend.
 class PageFixture : public UiFixture
 {
-public:
-    static void SetUpTestSuite() { WindowFixture::SetUpTestSuite(); }
-    static void TearDownTestSuite() { WindowFixture::TearDownTestSuite(); }
-
 protected:
     PageFixture()
     {
@@ -100,6 +96,7 @@ protected:
         return shown;
     }
 
+    const ProgramLook look;
     OrloLayer page;
     OrloView* const view = page.orloView();
     CardStackTwoWidget* const cards = page.cardStackTwo();

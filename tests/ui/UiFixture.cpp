@@ -3,6 +3,8 @@
 #include "model/OrloPath.h"
 #include "support/LogCatcher.h"
 
+#include <QApplication>
+#include <QFile>
 #include <QMouseEvent>
 #include <QWheelEvent>
 
@@ -18,6 +20,19 @@ UiFixture::UiFixture()
     EXPECT_TRUE(player.init());
     EXPECT_TRUE(mProbe.init());
     PdPlayer::connectLattice(&player, &orlo);
+}
+
+ProgramLook::ProgramLook()
+{
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
+    EXPECT_TRUE(sheet.open(QIODevice::ReadOnly));
+    qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
+}
+
+ProgramLook::~ProgramLook()
+{
+    qApp->setStyleSheet(QString());
 }
 
 UiFixture::~UiFixture()

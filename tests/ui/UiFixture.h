@@ -45,6 +45,14 @@ private:
     PdMessageBuffer mProbe;
 };
 
+/// The program's style sheet while this lives: the look decides how much room controls and cards take.
+class ProgramLook
+{
+public:
+    ProgramLook();
+    ~ProgramLook();
+};
+
 /// What a test wants to know of the items on one page.
 namespace scene {
 

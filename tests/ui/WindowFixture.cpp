@@ -29,11 +29,6 @@ void BoxAnswers::timerEvent(QTimerEvent*)
 
 WindowFixture::WindowFixture()
 {
-    // The look decides how much room the controls take.
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    QFile sheet(QCoreApplication::applicationDirPath() + QStringLiteral("/style.qss"));
-    EXPECT_TRUE(sheet.open(QIODevice::ReadOnly));
-    qApp->setStyleSheet(QString::fromLatin1(sheet.readAll()));
     app::Parts parts = app::parts();
     parts.application = &services;
     parts.storeAndRecall = &chords;
@@ -62,7 +57,6 @@ WindowFixture::~WindowFixture()
     const EngineClock clock(player);
     player.term();
     window.reset();
-    qApp->setStyleSheet(QString());
 }
 
 void WindowFixture::click(const char* name) const

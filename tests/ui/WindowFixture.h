@@ -91,6 +91,7 @@ protected:
     /// Commands and answers, until neither side has anything to say.
     void settle();
 
+    const ProgramLook look;
     TestHome home; // before the window, whose options name its folders
     StoreAndRecall chords{&player};
     Services services;
