@@ -101,6 +101,45 @@ TEST_F(MpeOut, ASeventeenthVoiceStaysSilent)
     EXPECT_EQ(tune({7}, {440.0F}), "E9 00 40");
 }
 
+TEST_F(MpeOut, OnlyAVoiceThatHoldsAChannelIsBent)
+{
+    const auto bend = [this](const QList<int>& voices, const QList<float>& frequencies) {
+        out.bendVoices(voices, frequencies);
+        return take();
+    };
+    tune({4, 5}, {440.0F, 660.0F});
+    out.voiceOff(4);
+    take();
+    EXPECT_EQ(bend({4, 5, 6}, {440.0F, 660.0F, 550.0F}), "E1 40 40"); // no lower channel is taken
+    EXPECT_FALSE(out.mpeChannels.channelActive[0]);
+    // The device has been silenced.
+    out.selectPort(3);
+    EXPECT_NE(take(), "");
+    EXPECT_EQ(bend({5}, {660.0F}), "");
+    tune({5}, {330.0F});
+    out.setChannel(2);
+    out.setChannel(-1);
+    take();
+    EXPECT_EQ(bend({5}, {660.0F}), "");
+    EXPECT_EQ(tune({5}, {440.0F}), "E0 00 40"); // with a key of its own, not the former one
+}
+
+TEST_F(MpeOut, TheRangeGoesToChannelZeroAlone)
+{
+    out.mpeSetPitchBendRange(1250);
+    EXPECT_EQ(take(), bendRange("0C", "32"));
+    out.mpeResetPitchBendRange();
+    EXPECT_EQ(take(), bendRange("02", "00"));
+    EXPECT_EQ(out.pitchBendRangeCents, 1250);
+
+    // In the other mode it is only stored.
+    out.setChannel(0);
+    take();
+    out.mpeSetPitchBendRange(60);
+    EXPECT_EQ(take(), "");
+    EXPECT_EQ(out.pitchBendRangeCents, 60);
+}
+
 TEST_F(MpeOut, AFrequencyAboveTheRangeTakesAKeyThatIsNoneAndStaysSilent)
 {
     tune({0, 1}, {1.0F, 20000.0F});
