@@ -93,13 +93,6 @@ void PdPlayer::setBaseFrequency(float frequency)
     emit baseFrequencyChanged(frequency);
 }
 
-void PdPlayer::togglePrimeEnabled(int prime)
-{
-    ThreadCheck::audio();
-    mPrimeEnabled[prime] = !mPrimeEnabled[prime];
-    emit primeEnabledToggled(prime, mPrimeEnabled[prime]);
-}
-
 void PdPlayer::setMaxVoices(int voices)
 {
     ThreadCheck::stopped();

@@ -1,60 +1,15 @@
-// The notes of the player: on and off, the prime gate, monophonic play, and what sounds.
+// The notes of the player: on and off, monophonic play, and what sounds.
 
 #include "sound/PdPlayer.h"
 
 #include "app/LogFilter.h"
-#include "model/OrloPath.h"
 #include "model/PitchRange.h"
-#include "sound/AudioLog.h"
 #include "sound/ThreadCheck.h"
 #include "sound/VoiceStealing.h"
 
 #include <QThread>
 
-#include <array>
-#include <charconv>
-
-namespace {
-
-/// The text of OrloPath::toString, without an allocation. Empty for the root, which always fits.
-std::array<char, 64> pathText(const OrloPath& path)
-{
-    std::array<char, 64> text{};
-    char* end = text.data();
-    for (const signed char* step = path.toCharArray(); *step != 0; ++step) {
-        *end++ = '/';
-        end = std::to_chars(end, text.data() + text.size() - 1, static_cast<int>(*step)).ptr;
-    }
-    return text;
-}
-
-} // namespace
-
 // ---------------------------------------------------------------- toggles
-
-void PdPlayer::toggleByPath(const OrloPath& path)
-{
-    if (!path.isValid())
-        return;
-    // Only the last step counts: a disabled prime in the middle of a path does not stop the note.
-    const int length = path.length();
-    const int prime = length == 0 ? 1 : qAbs(static_cast<int>(path.toCharArray()[length - 1]));
-    if (prime >= mPrimeEnabled.CAPACITY || !mPrimeEnabled[prime])
-        return;
-    const OrloRatio relative(OrloRatio::productOfSteps(path.toCharArray()));
-    if (!mTransposition.fitsWhenMultipliedWith(relative)) {
-        AudioLog::warning("PdPlayer: the pitch of \"%1\" does not fit and stays silent.",
-                          {pathText(path).data()});
-        return;
-    }
-    OrloRatio ratio(mTransposition);
-    ratio *= relative;
-    const Voice* voice = mVoices.find(ratio);
-    if (!voice || voice->released)
-        noteOn(ratio);
-    else
-        noteOff(ratio); // the press of a ball overrides hold
-}
 
 void PdPlayer::removeNode(const OrloRatio& ratio)
 {

@@ -7,7 +7,7 @@
 namespace {
 
 // If the instrument itself should end before it has ended this.
-constexpr unsigned LONGEST_TRIAL_S = 20;
+constexpr unsigned TRIAL_LIMIT_S = 20;
 
 } // namespace
 
@@ -16,7 +16,7 @@ int main(int argc, char** argv)
 {
     if (argc != 3)
         return 1;
-    alarm(LONGEST_TRIAL_S);
+    alarm(TRIAL_LIMIT_S);
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none); // a voice that crashes leaves no file
     // Ends without destructors, which a broken voice could disturb.

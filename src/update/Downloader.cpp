@@ -14,10 +14,12 @@
 #include <QScreen>
 #include <QUrl>
 
+#include <cmath>
+
 namespace {
 
 constexpr int HTTP_OK = 200;
-constexpr double LONGEST_SECONDS = 1e9; // a server can promise any length
+constexpr double MAX_SECONDS = 1e9; // a server can promise any length
 
 QString partOf(const QString& target)
 {
@@ -256,9 +258,7 @@ void Downloader::calculateSizes(qint64 received, qint64 total)
 
 QString Downloader::remainingText(qint64 seconds)
 {
-    const auto rounded = [seconds](double unit) {
-        return static_cast<qint64>(static_cast<double>(seconds) / unit + 0.5);
-    };
+    const auto rounded = [seconds](double unit) { return std::llround(static_cast<double>(seconds) / unit); };
     if (seconds > 7200)
         return counted(rounded(3600.0), QStringLiteral("about %1 hours"), QStringLiteral("about one hour"));
     if (seconds > 60)
@@ -274,7 +274,7 @@ void Downloader::calculateTimeRemaining(qint64 received, qint64 total)
     const double bytesPerSecond = static_cast<double>(received) / static_cast<double>(elapsed);
     const double seconds = static_cast<double>(total - received) / bytesPerSecond + 0.5;
     ui->timeLabel->setText(QStringLiteral("Time remaining: ")
-                           + remainingText(static_cast<qint64>(qMin(seconds, LONGEST_SECONDS))));
+                           + remainingText(static_cast<qint64>(qMin(seconds, MAX_SECONDS))));
 }
 
 // ---------------------------------------------------------------- what the player decides

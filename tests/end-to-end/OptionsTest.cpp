@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 class RunningOptions : public PlayingFixture
 {
 protected:
-    static constexpr double MOST_CLICK = -80.0; // dB of full scale
+    static constexpr double LOUDEST_CLICK = -80.0; // dB of full scale
 
     /// How loud the former device's sound breaks off.
     double clickOfChange(const QString& key)
@@ -35,7 +35,7 @@ TEST_F(RunningOptions, ANoteOutlivesEveryChangeOfTheSoundDevice)
     EXPECT_TRUE(soundsAt(FIFTH));
     const double second = clickOfChange(u"Up"_s);
     // A busy machine loses a block now and then, which is a click too.
-    EXPECT_LT(std::min(first, second), MOST_CLICK) << first << " and " << second;
+    EXPECT_LT(std::min(first, second), LOUDEST_CLICK) << first << " and " << second;
     ASSERT_TRUE(recorder->connectToProgram(3));
     EXPECT_TRUE(soundsAt(FIFTH));
 

@@ -61,7 +61,7 @@ void PlayingFixture::start()
     if (!found)
         return ::testing::AssertionFailure() << "what sounds is no sine near " << frequency;
     const double off = tone::centsBetween(*found, frequency);
-    if (std::abs(off) > MOST_CENTS_OFF)
+    if (std::abs(off) > TOLERANCE_CENTS)
         return ::testing::AssertionFailure()
                << *found << " Hz, which is " << off << " cents off " << frequency;
     return ::testing::AssertionSuccess();

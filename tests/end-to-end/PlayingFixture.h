@@ -19,7 +19,7 @@ class PlayingFixture : public ::testing::Test
 protected:
     static constexpr double ROOT = 440.0; // Hz, of ratio 1/1
     static constexpr double FIFTH = ROOT * 3.0 / 2.0;
-    static constexpr double MOST_CENTS_OFF = 0.5;
+    static constexpr double TOLERANCE_CENTS = 0.5;
     static constexpr double LISTENING = 0.5; // seconds
 
     void SetUp() override;
