@@ -15,6 +15,7 @@
 #include <QUdpSocket>
 
 #include <atomic>
+#include <mutex>
 #include <thread>
 
 namespace {
@@ -58,7 +59,11 @@ protected:
             Qt::DirectConnection);
         QObject::connect(
             &listener, &UdpListener::fatalError, &listener,
-            [this](const QString& error) { errors.append(error); }, Qt::DirectConnection);
+            [this](const QString& error) {
+                const std::lock_guard lock(errorsMutex);
+                errors.append(error);
+            },
+            Qt::DirectConnection);
     }
     ~Device() override { listener.term(); }
 
@@ -83,6 +88,7 @@ protected:
     SoundRig rig{4};
     Socket sender;
     UdpListener listener;
+    std::mutex errorsMutex;
     QStringList errors; // to be read when the thread has ended
     std::atomic<int> lastType{OrloEvent::None};
     std::atomic<int> received{0};
@@ -216,6 +222,7 @@ TEST_F(Device, GivesUpOnATakenPortOrAMapThatCannotBeRead)
         rig.home.write(QStringLiteral("rfid_map.json"), map);
         listener.start();
         ASSERT_TRUE(listener.wait(5000));
+        const std::lock_guard lock(errorsMutex); // the end of a QThread is not seen by the thread sanitizer
         EXPECT_EQ(errors.takeLast(), text);
         EXPECT_TRUE(log.has(QtCriticalMsg, text));
     }
