@@ -21,7 +21,7 @@ public:
         setPlayer(player);
         player->initAudio(CHANNELS, 44100);
         mClock.emplace(*player);
-        return selectDevice(device);
+        return selectDevice(device < 0 ? 0 : device); // -1: the system's choice
     }
     void term() override
     {
