@@ -2,8 +2,13 @@
 
 #include "app/Accessors.h"
 #include "app/ApplicationServices.h"
+#include "app/FileTrouble.h"
 #include "app/OptionsSync.h"
 #include "app/Settings.h"
+#include "files/SoonSaver.h"
+#include "memory/SaveAndLoad.h"
+#include "memory/StoreAndRecall.h"
+#include "ui/window/MainWindow.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -28,6 +33,23 @@ void save(const MainWindow& window, const QString& configDirectory)
     QDir chords(chordFile(configDirectory));
     app::application()->saveStoredChordsToDisk(&chords);
     qDebug() << "Autosafe called ... " << QDateTime::currentDateTime().toString(Qt::TextDate);
+}
+
+std::unique_ptr<SoonSaver> afterChanges(MainWindow& window, const QString& configDirectory)
+{
+    const QString options = app::settings()->path();
+    const QString chords = chordFile(configDirectory);
+    auto* trouble = new FileTrouble(&window, configDirectory);
+    trouble->keepMarked(options);
+    trouble->keepMarked(chords);
+    const auto optionsNow = [&window] {
+        OptionsSync::fromProgram(window);
+        return app::settings()->text();
+    };
+    const auto chordsNow = [] {
+        return SaveAndLoad::text(*app::storeAndRecall()->storedChords(), StoreAndRecall::SETS);
+    };
+    return std::make_unique<SoonSaver>(QList<SoonSaver::Source>{{options, optionsNow}, {chords, chordsNow}});
 }
 
 QString chordFile(const QString& configDirectory)

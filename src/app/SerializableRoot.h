@@ -28,12 +28,19 @@ public:
 
     /// Replaces the file only when the new one is complete on disk.
     bool save() const;
+    /// What cannot be read whole, or holds a number that would be cut, is marked to be set aside.
     bool load();
+
+    QString path() const { return mPath; }
+    /// What save() writes.
+    QByteArray text() const;
 
 protected:
     void setSaveOnTerm(bool on) { mSaveOnTerm = on; }
 
 private:
+    bool givesBack(const QJsonObject& json) const;
+
     QString mPath;
     bool mSaveOnTerm = true;
 };

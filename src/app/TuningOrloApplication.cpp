@@ -2,8 +2,10 @@
 
 #include "app/Accessors.h"
 #include "app/Autosave.h"
+#include "app/FileTrouble.h"
 #include "app/OptionsSync.h"
 #include "app/StyleSheets.h"
+#include "files/SoonSaver.h"
 #include "memory/ChordFileError.h"
 #include "model/OrloPath.h"
 #include "sound/AudioLog.h"
@@ -17,8 +19,6 @@
 #include <QStandardPaths>
 
 namespace {
-
-constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
 
 /// The name must be set before the members are built: some options' defaults are folders in the config
 /// directory, and Qt derives its path from the application's name.
@@ -43,6 +43,7 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
 
 TuningOrloApplication::~TuningOrloApplication()
 {
+    mSoonSaver.reset();
     mMainWindow.reset();
     qInstallMessageHandler(nullptr);
     // After a start-up that failed half way the stream still runs, and its callback uses the members.
@@ -117,7 +118,8 @@ bool TuningOrloApplication::init()
     if (!startSound())
         return false;
     if (!mOrlo.init(&mPlayer))
-        return startFailed(QStringLiteral("Orlo initialisation failed.\n\nThe program will now shut down."));
+        return startFailed(QStringLiteral("Orlo initialisation failed.\n\nThe program will now shut down."),
+                           FileTrouble::moveMarked(mOrlo.path()));
 
     OptionsSync::toMidi();
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
@@ -128,6 +130,7 @@ bool TuningOrloApplication::init()
             Qt::DirectConnection);
     loadRunningChords();
     Autosave::start(this, [this] { autoSafe(); });
+    mSoonSaver = Autosave::afterChanges(*mMainWindow, configDirectory());
     mLicensing.check();
     if (mTerminationSignals.wasAsked())
         QMetaObject::invokeMethod(this, &QCoreApplication::quit, Qt::QueuedConnection);
@@ -209,16 +212,18 @@ bool TuningOrloApplication::copyFile(const QString& src, const QString& dst, boo
     return PatchFolder::copyFile(src, dst, overwrite);
 }
 
-bool TuningOrloApplication::startFailed(const QString& text)
+bool TuningOrloApplication::startFailed(const QString& text, const QString& details)
 {
-    showCritical(text);
+    showCritical(text, details);
     qCritical().noquote() << text;
     return false;
 }
 
-void TuningOrloApplication::showCritical(const QString& text)
+void TuningOrloApplication::showCritical(const QString& text, const QString& details)
 {
-    QMessageBox::critical(nullptr, applicationName(), text, QMessageBox::Ok);
+    QMessageBox box(QMessageBox::Critical, applicationName(), text, QMessageBox::Ok);
+    box.setInformativeText(details);
+    box.exec();
 }
 
 void TuningOrloApplication::applyRestrictions(bool restricted)
@@ -242,6 +247,7 @@ void TuningOrloApplication::syncToSettings()
 
 void TuningOrloApplication::autoSafe()
 {
+    mSoonSaver->wait();
     Autosave::save(*mMainWindow, configDirectory());
 }
 
@@ -251,15 +257,9 @@ bool TuningOrloApplication::loadChordsFromDiskToStorage(QDir* file)
 {
     qWarning() << "Loading chords from " << file->path();
     try {
-        mSaveAndLoad.getDataFromFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
+        mSaveAndLoad.getDataFromFile(file, mStoreAndRecall.storedChords(), StoreAndRecall::SETS);
     } catch (const ChordFileError& error) {
-        for (const ChordFileError::Part& part : error.parts())
-            qCritical().noquote()
-                << QStringLiteral(
-                       "The chord file %1 has no ratio in slot %2: \"%3\". The chord ends before it.")
-                       .arg(file->path())
-                       .arg(part.slot)
-                       .arg(part.text);
+        error.log(file->path());
     }
     return true;
 }
@@ -267,7 +267,7 @@ bool TuningOrloApplication::loadChordsFromDiskToStorage(QDir* file)
 bool TuningOrloApplication::saveStoredChordsToDisk(QDir* file)
 {
     qWarning() << "Saving stored chords to " << file->path();
-    mSaveAndLoad.saveDataToFile(file, mStoreAndRecall.storedChords(), CHORD_SETS);
+    mSaveAndLoad.saveDataToFile(file, mStoreAndRecall.storedChords(), StoreAndRecall::SETS);
     return true;
 }
 
@@ -282,6 +282,7 @@ void TuningOrloApplication::loadRunningChords()
 
 void TuningOrloApplication::term()
 {
+    mSoonSaver.reset();
     syncToSettings();
     QDir chords(Autosave::chordFile(configDirectory()));
     saveStoredChordsToDisk(&chords);

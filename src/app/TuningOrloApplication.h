@@ -19,6 +19,7 @@
 #include <memory>
 
 class MainWindow;
+class SoonSaver;
 
 /// The one object that owns the parts. It starts and stops them in a fixed order and takes what is
 /// logged. Graphical thread, but for the message handler, which runs on whichever thread logs.
@@ -85,9 +86,10 @@ private:
     bool makeDirectories();
     bool startSound();
     void startDeviceListener();
-    bool startFailed(const QString& text);
+    /// The details stand below the text, and are not logged.
+    bool startFailed(const QString& text, const QString& details = {});
     void loadRunningChords();
-    void showCritical(const QString& text);
+    void showCritical(const QString& text, const QString& details = {});
     void logMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
     std::unique_ptr<MainWindow> mMainWindow;
@@ -103,6 +105,7 @@ private:
     StoreAndRecall mStoreAndRecall{&mPlayer};
     SaveAndLoad mSaveAndLoad;
     QString mChordPresetsDirectory;
+    std::unique_ptr<SoonSaver> mSoonSaver; // from start to end of the run
     Licensing mLicensing;
     TerminationSignals mTerminationSignals;
     qint16 mPressMode = 0;

@@ -20,6 +20,7 @@ public:
     ~ChordFileError() override;
 
     const QList<Part>& parts() const { return mParts; }
+    void log(const QString& path) const;
 
 private:
     QList<Part> mParts;

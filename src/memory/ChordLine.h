@@ -15,9 +15,12 @@ struct Reading
     bool ok = true; // of the last number that was read
     QString error;
     QList<ChordFileError::Part> noRatios; // such as "3/0"
+    bool lost = false;                    // what is written of it again does not say the same
 };
 
 bool isEmptySlot(const QString& line);
+/// Such as "0/1 3/2 0", an empty slot all the same.
+bool holdsMoreThanAnEmptySlot(const QString& line);
 /// A wrong ratio cuts the chord short. `slot` counts from 1.
 QList<OrloRatio> read(const QString& line, int slot, Reading& reading);
 /// With its line end.

@@ -1,12 +1,13 @@
 #include "memory/SaveAndLoad.h"
 
+#include "files/SetAside.h"
+#include "files/WholeFile.h"
 #include "memory/ChordFileError.h"
 #include "memory/ChordLine.h"
 
 #include <QDebug>
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QTextStream>
 
 bool SaveAndLoad::getDataFromFile(QDir* file, Chords* chords, int maxSets)
@@ -14,6 +15,8 @@ bool SaveAndLoad::getDataFromFile(QDir* file, Chords* chords, int maxSets)
     QFile source(file->path());
     if (!source.open(QIODevice::ReadOnly | QIODevice::Text)) {
         qDebug() << "Could not open file: " << file->path();
+        if (source.exists())
+            SetAside::mark(file->path());
         return false;
     }
     qDebug() << "Reading from file: " << file->path();
@@ -21,6 +24,8 @@ bool SaveAndLoad::getDataFromFile(QDir* file, Chords* chords, int maxSets)
     chordline::Reading reading;
     QTextStream stream(&source);
     readLines(stream, *chords, maxSets, reading);
+    if (reading.lost || !reading.ok || source.error() != QFileDevice::NoError)
+        SetAside::mark(file->path());
     if (!reading.ok) {
         chords->clear();
         qDebug().noquote() << "Error while opening file. " << reading.error;
@@ -39,33 +44,41 @@ void SaveAndLoad::readLines(QTextStream& stream, Chords& chords, int maxSets, ch
         qDebug() << "Reading line " << slot << ": " << text;
         if (maxSets <= slot) {
             qDebug() << "More chord sets than can be allocated. Discarding sets with index > " << slot;
+            reading.lost = true;
             break;
         }
         ++slot;
         if (!chordline::isEmptySlot(text))
             chords.insert(slot, chordline::read(text, slot, reading));
+        else if (chordline::holdsMoreThanAnEmptySlot(text))
+            reading.lost = true;
     }
+    if (chords.contains(maxSets)) // a slot that is read and never written
+        reading.lost = true;
+}
+
+QByteArray SaveAndLoad::text(const Chords& chords, int sets)
+{
+    QByteArray text;
+    for (int slot = 1; slot < sets; ++slot)
+        text += chordline::write(chords.value(slot)).toLatin1();
+    return text;
 }
 
 bool SaveAndLoad::saveDataToFile(QDir* file, Chords* chords, int sets)
 {
-    QSaveFile target(file->path());
-    target.setDirectWriteFallback(true); // for a folder that takes no new file beside the old one
-    if (!target.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    const WholeFile::Outcome outcome = WholeFile::write(file->path(), text(*chords, sets));
+    if (outcome.step == WholeFile::Outcome::NotOpened) {
         qDebug() << "Could not open file: " << file->path();
-        return false;
+    } else {
+        qDebug() << "Writing to file: " << file->path();
+        for (int slot = 1; slot < sets; ++slot) {
+            if (chords->value(slot).isEmpty())
+                qDebug() << "Writing empty set in line " << slot;
+        }
     }
-    qDebug() << "Writing to file: " << file->path();
-    for (int slot = 1; slot < sets; ++slot) {
-        const QList<OrloRatio> chord = chords->value(slot);
-        if (chord.isEmpty())
-            qDebug() << "Writing empty set in line " << slot;
-        target.write(chordline::write(chord).toLatin1());
-    }
-    if (!target.commit()) {
+    if (!outcome)
         qCritical().noquote() << QStringLiteral("Couldn't write file %1: %2. The old one is kept.")
-                                     .arg(file->path(), target.errorString());
-        return false;
-    }
-    return true;
+                                     .arg(file->path(), outcome.reason);
+    return static_cast<bool>(outcome);
 }

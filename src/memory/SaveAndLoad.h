@@ -32,6 +32,8 @@ public:
     /// The reading is lenient in ways that files depend on: a wrong ratio cuts its line short and
     /// is forgiven when a later number is good, and a numerator that is no number counts as 0.
     ///
+    /// A file of which something is lost in reading is marked to be set aside.
+    ///
     /// Throws ChordFileError, which is a boost::bad_rational, for ratios such as "3/0". Each cuts its line
     /// short; all other lines are in the table then, unless the file also ends with a wrong ratio, which
     /// leaves it empty.
@@ -40,6 +42,8 @@ public:
     /// Writes slots 1 to `sets` - 1. The file is replaced only when the new one is complete on
     /// disk. False when it cannot be written.
     bool saveDataToFile(QDir* file, Chords* chords, int sets);
+    /// What it writes.
+    static QByteArray text(const Chords& chords, int sets);
 
 private:
     static void readLines(QTextStream& stream, Chords& chords, int maxSets, chordline::Reading& reading);

@@ -23,6 +23,7 @@ class StoreAndRecall : public QObject
 public:
     using Chords = QHash<int, QList<OrloRatio>>;
     static constexpr int LAST_SLOT = 20;
+    static constexpr int SETS = LAST_SLOT + 1; // for the files, which begin with slot 1
 
     enum RecallMode {
         Standard = 0,    // the chord replaces what sounds

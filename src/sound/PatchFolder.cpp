@@ -1,12 +1,14 @@
 #include "sound/PatchFolder.h"
 
 #include "app/Settings.h"
+#include "files/WriteAccess.h"
 
 #include <QDateTime>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -23,6 +25,15 @@ QString shippedShell(const QString& resourceDirectory)
     return PatchFolder::shippedVoices(resourceDirectory) + QStringLiteral("/shell/");
 }
 
+/// From a data folder that can be read only, the patch runs in a temporary one.
+QString writable(const QString& folder)
+{
+    if (!QFileInfo(folder).isDir() || whyNotWritable(folder).isEmpty())
+        return folder;
+    static const QTemporaryDir temporary;
+    return temporary.isValid() ? temporary.path() : folder;
+}
+
 } // namespace
 
 QString PatchFolder::shippedVoices(const QString& resourceDirectory)
@@ -36,7 +47,7 @@ QString PatchFolder::shippedMainPatch(const QString& resourceDirectory, int voic
 }
 
 PatchFolder::PatchFolder(const QString& configDirectory)
-    : mPath(configDirectory + QStringLiteral("/patch"))
+    : mPath(writable(configDirectory + QStringLiteral("/patch")))
 {
 }
 

@@ -3,7 +3,8 @@
 #include <QString>
 
 /// The runtime folder, from which libpd opens the patch: "patch" in the config directory. It holds the
-/// main patch with its helpers, as installed at start, and the voice that the main patch instantiates.
+/// main patch with its helpers, as installed at start, and the voice that the main patch instantiates. One
+/// that is there but cannot be written is left alone, and a temporary folder takes its place for this run.
 /// Graphical thread; failures are logged as critical.
 class PatchFolder
 {

@@ -140,6 +140,34 @@ TEST_F(SettingsTest, ASyntaxErrorKeepsTheDefaultsAndTheFile)
     }
 }
 
+TEST_F(SettingsTest, WhatIsLostInReadingIsSetAsideBeforeTheNextSave)
+{
+    const std::pair<const char*, bool> rows[] = {
+        {"{}", false},
+        {OTHERS, false},
+        {R"({"masterVolume": 0.1, "baseFrequency": 440.123456789, "unknown": 1, "udpPort": 3.0})", false},
+        {R"({"masterVolume": 0.1, )", true},
+        {"[]", true},
+        {R"({"udpPort": 3.5})", true},
+        {R"({"udpPort": 4294967296})", true},
+        {R"({"masterVolume": "0.1"})", true},
+        {R"({"windowSize": "800"})", true},
+    };
+    for (const auto& [json, lost] : rows) {
+        SCOPED_TRACE(json);
+        home.configDir().removeRecursively();
+        home.configDir().mkpath(u"."_s);
+        home.write(FILE_NAME, json);
+        const LogCatcher log;
+        Settings fresh;
+        fresh.init();
+        fresh.term();
+        const QStringList copies = home.configDir().entryList({FILE_NAME + u".bad-*"_s});
+        EXPECT_EQ(copies.size(), lost ? 1 : 0);
+        EXPECT_EQ(home.read(copies.value(0)), lost ? json : "");
+    }
+}
+
 TEST_F(SettingsTest, AFolderOrFileThatCannotBeWritten)
 {
     EXPECT_TRUE(settings.init());

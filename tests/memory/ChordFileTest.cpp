@@ -51,7 +51,8 @@ protected:
     const QString path = home.path(u"x.btoc"_s);
 };
 
-/// Beside each file stands what becomes of it; lines that begin with "says" are of the log.
+/// Beside each file stands what becomes of it; lines that begin with "says" are of the log. "is set aside":
+/// before it is written over, since something in it is lost.
 TEST_F(ChordFile, EveryFileOfTheFolderReadsAsItsNeighbourSays)
 {
     const QDir folder(QStringLiteral(ORLO_TEST_DATA "/chords"));
@@ -61,7 +62,15 @@ TEST_F(ChordFile, EveryFileOfTheFolderReadsAsItsNeighbourSays)
         SCOPED_TRACE(name.toStdString());
         const LogCatcher log;
         Chords chords{{7, {OrloRatio(9, 8)}}, {0, {OrloRatio(2, 1)}}}; // all of it goes
-        const QStringList found = reading(chords, folder.filePath(name));
+        const QByteArray content = home.read(folder.filePath(name));
+        home.write(name, content);
+        QStringList found = reading(chords, home.path(name));
+        QDir file(home.path(name));
+        EXPECT_TRUE(SaveAndLoad().saveDataToFile(&file, &chords, SETS));
+        for (const QString& copy : home.configDir().entryList({name + u".bad-*"_s})) {
+            found.append(u"is set aside"_s);
+            EXPECT_EQ(home.read(copy), content);
+        }
         const QByteArray neighbour = home.read(folder.filePath(name.chopped(5) + u".expected"_s));
         QStringList expected;
         for (const QString& line : QString::fromUtf8(neighbour).split(u'\n', Qt::SkipEmptyParts)) {

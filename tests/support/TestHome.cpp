@@ -1,6 +1,7 @@
 #include "support/TestHome.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <sys/stat.h>
@@ -36,9 +37,21 @@ void TestHome::write(const QString& fileName, const QByteArray& content) const
 
 bool TestHome::whenNoFileCanBeMade(const std::function<bool()>& work) const
 {
+    return underModes(0666, 0755, work);
+}
+
+bool TestHome::whenNothingCanBeWritten(const std::function<bool()>& work) const
+{
+    return underModes(0444, 0555, work);
+}
+
+/// The modes are of what lies in the folder; the folder itself takes no new file.
+bool TestHome::underModes(unsigned ofFiles, unsigned ofFolders, const std::function<bool()>& work) const
+{
     const QByteArray folder = configDir().path().toLocal8Bit();
-    for (const QString& name : configDir().entryList(QDir::Files))
-        chmod(path(name).toLocal8Bit(), 0666);
+    for (const QFileInfo& entry :
+         configDir().entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+        chmod(entry.filePath().toLocal8Bit(), entry.isDir() ? ofFolders : ofFiles);
     chmod(mDir.path().toLocal8Bit(), 0755);
     chmod(folder, 0555);
     const bool isChanged = geteuid() == 0 && seteuid(65534) == 0; // no permission stops a superuser

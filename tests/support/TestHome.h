@@ -22,8 +22,12 @@ public:
     QByteArray read(const QString& fileName) const;
     /// Runs it while the files can be written but the folder takes no new one; not even a superuser's.
     bool whenNoFileCanBeMade(const std::function<bool()>& work) const;
+    /// Runs it while neither files nor folders can be written.
+    bool whenNothingCanBeWritten(const std::function<bool()>& work) const;
 
 private:
+    bool underModes(unsigned ofFiles, unsigned ofFolders, const std::function<bool()>& work) const;
+
     QTemporaryDir mDir;
     QByteArray mFormerDataHome;
 };
