@@ -1,5 +1,4 @@
 #include "files/WholeFile.h"
-
 #include "files/SetAside.h"
 #include "support/FullDisk.h"
 #include "support/LogCatcher.h"
@@ -8,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -17,101 +15,62 @@ using Step = WholeFile::Outcome::Step;
 class WholeFileTest : public ::testing::Test
 {
 protected:
-    WholeFile::Outcome write(const QString& name, const QByteArray& content) const
+    /// On a disk with so much room for each file.
+    Step write(const QString& name, const QByteArray& content, rlim_t room = 10000)
     {
-        return WholeFile::write(home.path(name), content);
+        const FullDisk disk(room);
+        last = WholeFile::write(home.path(name), content);
+        return last.step;
     }
-    QStringList files() const { return home.configDir().entryList(QDir::Files | QDir::Hidden, QDir::Name); }
 
     const TestHome home;
-    const LogCatcher quiet;
-    const QByteArray large = QByteArray(50000, 'n');
+    const LogCatcher log;
+    WholeFile::Outcome last;
 };
 
 TEST_F(WholeFileTest, AWriteThatFailsLeavesTheFormerFileAndNoOther)
 {
-    home.write(u"old"_s, "old");
-    home.write(u"large"_s, QByteArray(9000, 'o'));
+    const QByteArray former(900, 'o');
+    const QByteArray large(50000, 'n');
+    home.write(u"old"_s, former);
     home.configDir().mkpath(u"folder"_s);
-    const std::tuple<QString, bool, Step> rows[] = {
-        // file, on a full disk, what comes of it
-        {u"old"_s, true, Step::NotWritten},      {u"large"_s, true, Step::NotWritten},
-        {u"new"_s, true, Step::NotWritten},      {u"folder"_s, false, Step::NotOpened},
-        {u"absent/x"_s, false, Step::NotOpened},
-    };
-    for (const auto& [name, full, step] : rows) {
-        SCOPED_TRACE(name.toStdString());
-        const QByteArray former = home.read(name);
-        {
-            const std::unique_ptr<FullDisk> disk(full ? new FullDisk(10000) : nullptr);
-            const WholeFile::Outcome outcome = write(name, large);
-            EXPECT_EQ(outcome.step, step);
-            EXPECT_FALSE(outcome.reason.isEmpty() || outcome.reason == u"Unknown error"_s);
-        }
-        EXPECT_EQ(home.read(name), former);
-        EXPECT_EQ(files(), (QStringList{u"large"_s, u"old"_s}));
-    }
-    EXPECT_TRUE(write(u"old"_s, large));
-    EXPECT_TRUE(write(u"large"_s, "short"));
-    EXPECT_EQ(home.read(u"old"_s), large);
-    EXPECT_EQ(home.read(u"large"_s), "short");
-}
-
-TEST_F(WholeFileTest, WhereNoFileCanBeMadeTheOldOneIsWrittenOverOrGetsItsContentBack)
-{
-    home.write(u"old"_s, QByteArray(900, 'o'));
-    const auto written = [&](const QByteArray& content, rlim_t room) {
-        return home.whenNoFileCanBeMade([&] {
-            const FullDisk disk(room);
-            return static_cast<bool>(write(u"old"_s, content));
-        });
-    };
-    EXPECT_FALSE(written(large, 10000));
-    EXPECT_EQ(home.read(u"old"_s), QByteArray(900, 'o'));
-    for (const QByteArray& content : {large, QByteArray("short")}) {
-        EXPECT_TRUE(written(content, 100000));
-        EXPECT_EQ(home.read(u"old"_s), content);
-    }
-    SetAside::mark(home.path(u"old"_s));
-    EXPECT_FALSE(written("new", 100000)) << "no copy can be made";
+    EXPECT_EQ(write(u"old"_s, large), Step::NotWritten);
+    EXPECT_EQ(last.reason, u"File too large"_s);
+    EXPECT_EQ(write(u"new"_s, large), Step::NotWritten);
+    EXPECT_EQ(write(u"folder"_s, "new"), Step::NotOpened);
+    EXPECT_EQ(write(u"absent/x"_s, "new"), Step::NotOpened);
+    // Where no file can be made the old one is written over, and gets its content back.
+    EXPECT_TRUE(home.whenNoFileCanBeMade([&] { return write(u"old"_s, large) == Step::NotWritten; }));
+    EXPECT_EQ(home.configDir().entryList(QDir::Files | QDir::Hidden), QStringList{u"old"_s});
+    EXPECT_EQ(home.read(u"old"_s), former);
+    EXPECT_TRUE(home.whenNoFileCanBeMade([&] { return write(u"old"_s, "short") == Step::Written; }));
     EXPECT_EQ(home.read(u"old"_s), "short");
 }
 
-TEST_F(WholeFileTest, WhatCouldNotBeReadIsCopiedBeforeItIsWrittenOver)
+TEST_F(WholeFileTest, WhatCouldNotBeReadIsCopiedOnceBeforeItIsWrittenOver)
 {
     const QString path = home.path(u"old"_s);
     QStringList copies;
-    for (const QByteArray& content : {QByteArray("first"), QByteArray("second"), QByteArray("first")}) {
+    for (const char* content : {"first", "second", "first", ""}) { // in one second, and none over another
         home.write(u"old"_s, content);
         SetAside::mark(path);
-        {
-            const FullDisk disk(2);
-            EXPECT_EQ(write(u"old"_s, "new").step, copies.size() < 2 ? Step::NotSetAside : Step::NotWritten);
-            EXPECT_EQ(home.read(u"old"_s), content);
-            EXPECT_EQ(files().size(), 1 + copies.size());
-            SetAside::mark(path);
-        }
-        const WholeFile::Outcome outcome = write(u"old"_s, "new");
-        EXPECT_TRUE(outcome);
-        if (copies.size() < 2)
-            copies.append(outcome.copy);
-        else
-            EXPECT_EQ(outcome.copy, QString()) << "once for each content";
-        EXPECT_TRUE(write(u"old"_s, "newer").copy.isEmpty()) << "the mark has gone";
+        EXPECT_EQ(write(u"old"_s, "new"), Step::Written);
+        copies.append(last.copy);
+        EXPECT_EQ(home.read(u"old"_s), "new");
+        EXPECT_EQ(write(u"old"_s, "newer"), Step::Written);
+        EXPECT_EQ(last.copy, QString()) << "the mark has gone";
     }
-    EXPECT_EQ(files().size(), 3);
     EXPECT_TRUE(copies[0].startsWith(path + u".bad-20"_s));
-    EXPECT_EQ(home.read(copies[0]), "first"); // within one second, and neither over the other
+    EXPECT_EQ(home.read(copies[0]), "first");
     EXPECT_EQ(home.read(copies[1]), "second");
-    EXPECT_EQ(quiet.count(QtWarningMsg, path + u" could not be read whole."_s), 2);
+    EXPECT_EQ(copies.mid(2), QStringList({QString(), QString()})) << "there already, and nothing to keep";
+    EXPECT_EQ(log.count(QtWarningMsg, path + u" could not be read whole."_s), 2);
 
-    // Nothing lies in an empty file, and what cannot be read cannot be copied.
-    home.write(u"empty"_s, "");
-    home.configDir().mkpath(u"unreadable"_s);
-    for (const auto& [name, step] :
-         {std::pair(u"empty"_s, Step::Written), {u"unreadable"_s, Step::NotSetAside}}) {
-        SetAside::mark(home.path(name));
-        EXPECT_EQ(write(name, "new").step, step);
-    }
-    EXPECT_EQ(files().size(), 4);
+    // Without a copy nothing is written, however often.
+    home.write(u"old"_s, "third");
+    SetAside::mark(path);
+    for (int again = 0; again < 2; ++again)
+        EXPECT_EQ(write(u"old"_s, "new", 4), Step::NotSetAside);
+    EXPECT_EQ(home.read(u"old"_s), "third");
+    EXPECT_EQ(home.configDir().entryList(QDir::Files).size(), 3);
 }

