@@ -1,6 +1,7 @@
 #include "app/LogFile.h"
 #include "app/LogFilter.h"
 #include "app/ProgramFixture.h"
+#include "support/FullDisk.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
 
 #include <QPlainTextEdit>
@@ -45,6 +46,50 @@ TEST(LogFileTest, HoldsABannerForEachStartAndNoDebugMessage)
     EXPECT_TRUE(QRegularExpression(u"^(?:%1){2}$"_s.arg(one)).match(text).hasMatch()) << text.toStdString();
     EXPECT_TRUE(
         QRegularExpression(u"^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\] $"_s).match(LogFile().stamp()).hasMatch());
+}
+
+TEST(LogFileTest, BeginsAnewAtItsLimitAndLosesNoLine)
+{
+    const TestHome home;
+    LogFile file;
+    ASSERT_TRUE(file.open(home.path(u"log.txt"_s)));
+    constexpr int LINES = 1500; // of 1024 bytes, so that four threads pass the limit once
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&file, thread] {
+            for (int line = 0; line < LINES; ++line)
+                file.write(QtWarningMsg, {},
+                           QString::number(thread * LINES + line).rightJustified(1023, u'0'));
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    const QByteArray older = home.read(u"log.1.txt"_s);
+    const QByteArray newer = home.read(u"log.txt"_s);
+    for (const QByteArray& part : {older, newer}) {
+        EXPECT_LE(part.size(), LogFile::LIMIT + 4 * 1024);
+        EXPECT_TRUE(part.endsWith('\n'));
+    }
+    EXPECT_TRUE(older.startsWith("\n-----"));
+    const QList<QByteArray> lines = (older + newer).split('\n');
+    EXPECT_EQ(QSet<QByteArray>(lines.begin(), lines.end()).size(), 4 * LINES + 3); // banner and the empty one
+
+    // A run that finds it almost full has its banner in the new one.
+    home.write(u"log.txt"_s, QByteArray(LogFile::LIMIT - 9, 'x'));
+    LogFile next;
+    ASSERT_TRUE(next.open(home.path(u"log.txt"_s)));
+    EXPECT_TRUE(home.read(u"log.txt"_s).startsWith("\n-----"));
+    EXPECT_TRUE(home.read(u"log.1.txt"_s).startsWith("xxx"));
+    {
+        const FullDisk full(1);
+        next.write(QtWarningMsg, {}, u"lost"_s);
+    }
+    // Where no other file can be made it grows on.
+    home.write(u"log.txt"_s, QByteArray(LogFile::LIMIT, 'x'));
+    home.whenNoFileCanBeMade([&] {
+        next.write(QtWarningMsg, {}, u"kept"_s);
+        return true;
+    });
+    EXPECT_TRUE(home.read(u"log.txt"_s).endsWith("xkept\n"));
 }
 
 TEST(LogFilterTest, GoesByTheSourceFilesBaseName)
