@@ -20,25 +20,21 @@ namespace {
 
 constexpr int CHORD_SETS = StoreAndRecall::LAST_SLOT + 1;
 
-/// The name must be set before the members are built: some options' defaults are folders in the config
-/// directory, and Qt derives its path from the application's name.
-std::nullptr_t setNames()
-{
-    QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
-    return nullptr;
-}
-
 } // namespace
 
 TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
-    : QApplication(argc, argv)
-    , mMainWindow(setNames())
+    : QApplication((setNames(), argc), argv) // before the members, some of which need the name
 {
     setApplicationVersion(version());
     setDesktopFileName(QStringLiteral("brevick-tuning-orlo"));
     wireParts();
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     mLogFilter.setWords(argc, argv);
+}
+
+void TuningOrloApplication::setNames()
+{
+    setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
 }
 
 TuningOrloApplication::~TuningOrloApplication()
