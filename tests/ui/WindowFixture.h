@@ -24,6 +24,8 @@ public:
 
     /// Yes or No to the next question.
     void answer(bool yes) { mAnswers.append({yes, QString()}); }
+    /// Presses this key in the next question.
+    void press(Qt::Key key) { mAnswers.append({false, QString(), key}); }
     /// Types this and accepts, or cancels.
     void type(const QString& text, bool accept = true) { mAnswers.append({accept, text}); }
 
@@ -34,7 +36,13 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    QList<std::pair<bool, QString>> mAnswers; // accepts, types
+    struct Answer
+    {
+        bool accepts;
+        QString types;
+        Qt::Key key = Qt::Key_unknown;
+    };
+    QList<Answer> mAnswers;
     QStringList mShown;
 };
 

@@ -112,7 +112,7 @@ TEST_F(ChordPanelTest, EachButtonStoresItsOwnChordAndClearingAllAsks)
         EXPECT_EQ(stored(number + 1), "") << number;
     }
     for (const bool yes : {false, true}) {
-        boxes.answer(yes);
+        yes ? boxes.answer(true) : boxes.press(Qt::Key_Return);
         press(Qt::Key_C, Qt::AltModifier);
         EXPECT_EQ(boxes.take().size(), 1);
         EXPECT_EQ(chord(20)->isChecked(), !yes);

@@ -58,8 +58,9 @@ TEST_F(ChordPresetMenusTest, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     const std::pair<QComboBox*, const char*> removals[] = {{presets(), "Mine/First.btoc"}, {banks(), "Mine"}};
     for (const auto& [menu, path] : removals) {
         const QString chosen = menu->currentText();
-        for (const bool yes : {false, true}) {
-            boxes.answer(yes);
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Y}) {
+            const bool yes = key == Qt::Key_Y;
+            yes ? boxes.answer(true) : boxes.press(key);
             choose(menu, -1);
             EXPECT_TRUE(boxes.take().value(0).contains(u'\'' + chosen + u'\''));
             EXPECT_EQ(menu->currentText(), yes ? STAR : chosen);
@@ -141,6 +142,18 @@ TEST_F(ChordPresetMenusTest, WithThePlaceholderLoadAndSaveTouchNoFile)
     boxes.answer(true);
     choose(banks(), -1); // removes what is not there
     EXPECT_EQ(banks()->currentText(), STAR);
+
+    // What is no chord file stays, and is told.
+    create(banks(), "Mixed");
+    for (int file = 0; file < 12; ++file)
+        home.write(u"chord_presets/Mixed/%1.txt"_s.arg(file, 2, 10, QChar(u'0')), {});
+    boxes.take();
+    boxes.answer(true);
+    choose(banks(), -1);
+    const QString told = boxes.take().value(1);
+    EXPECT_TRUE(told.contains(preset("Mixed")) && told.endsWith(u"\n09.txt\nand 2 more."_s))
+        << told.toStdString();
+    EXPECT_EQ(banks()->findText(u"Mixed"_s), 2);
 }
 
 TEST_F(ChordPresetMenusTest, ADirectoryIsChosenAndItsBanksListed)

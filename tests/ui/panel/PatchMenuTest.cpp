@@ -73,6 +73,22 @@ TEST_F(PatchMenuTest, APatchJoinsTheMenuOnceAndIsToldTheSliders)
     }
 }
 
+TEST_F(PatchMenuTest, BeforeAVoiceFromElsewhereIsFirstChosenItIsSaidWhatItCanDo)
+{
+    for (const QString& folder : {QDir::homePath(), home.path({})}) {
+        settings.lastBrowsedPatchPath = folder;
+        openWindow();
+        const QString said = folder == QDir::homePath() ? u"A voice is a program"_s : QString();
+        for (const QString& before : {said, QString()}) { // once in a run
+            window->on_loadPatchButton_clicked();
+            const QStringList shown = boxes.take();
+            EXPECT_EQ(shown.last(), u"Open Patch");
+            EXPECT_EQ(shown.size(), before.isEmpty() ? 1 : 2);
+            EXPECT_TRUE(shown.first().startsWith(before));
+        }
+    }
+}
+
 TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
 {
     ASSERT_NE(menu()->currentIndex(), 0);
