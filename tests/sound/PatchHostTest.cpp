@@ -4,6 +4,7 @@
 #include "support/SoundRig.h"
 #include "support/Tone.h"
 
+#include "app/EndRequest.h"
 #include "sound/OrloNoteEvent.h"
 
 #include <gtest/gtest.h>
@@ -264,7 +265,7 @@ bool loadUnclocked(SoundRig& rig, const QByteArray& voice)
 }
 
 /// The player's view of an engine that is caught in a voice. Exits, since nothing may be destroyed then.
-[[noreturn]] void loadALoopingVoice(bool stream)
+[[noreturn]] void loadALoopingVoice(bool stream, bool endIsAsked)
 {
     SoundRig rig(4);
     if (stream)
@@ -277,10 +278,20 @@ bool loadUnclocked(SoundRig& rig, const QByteArray& voice)
     EXPECT_TRUE(loadUnclocked(rig, plainVoice("1")));
     EXPECT_FALSE(rig.player.waitForRoom(300)) << "what never comes is waited for";
     EXPECT_FALSE(rig.player.isSoundOver());
+    QElapsedTimer timer;
+    timer.start();
+    std::thread system;
+    if (endIsAsked) {
+        rig.player.handOver().setLimits({});
+        system = std::thread([] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(700));
+            EndRequest::isMade = true;
+        });
+    }
     EXPECT_FALSE(loadUnclocked(rig, LOOPING_VOICE));
     EXPECT_TRUE(rig.player.isSoundOver());
+    EXPECT_LT(timer.elapsed(), 5000);
 
-    QElapsedTimer timer;
     timer.start();
     EXPECT_FALSE(loadUnclocked(rig, plainVoice("1")));
     EXPECT_FALSE(rig.player.waitForRoom(1));
@@ -295,8 +306,9 @@ bool loadUnclocked(SoundRig& rig, const QByteArray& voice)
 
 TEST(PatchHandOverDeathTest, AVoiceThatNeverComesUpEndsTheSoundAndNothingElse)
 {
-    for (const bool stream : {true, false})
-        EXPECT_EXIT(loadALoopingVoice(stream), ::testing::ExitedWithCode(0), "no more sound") << stream;
+    for (const auto& [stream, endIsAsked] : {std::pair(true, false), {true, true}, {false, true}})
+        EXPECT_EXIT(loadALoopingVoice(stream, endIsAsked), ::testing::ExitedWithCode(0), "no more sound")
+            << stream << endIsAsked;
 }
 
 TEST_F(PatchHostLocale, ChangesNoNumberOfAPatch)

@@ -80,7 +80,7 @@ TEST_F(PatchMenuTest, BeforeAVoiceFromElsewhereIsFirstChosenItIsSaidWhatItCanDo)
         openWindow();
         const QString said = folder == QDir::homePath() ? u"A voice is a program"_s : QString();
         for (const QString& before : {said, QString()}) { // once in a run
-            window->on_loadPatchButton_clicked();
+            button("loadPatchButton")->click();
             const QStringList shown = boxes.take();
             EXPECT_EQ(shown.last(), u"Open Patch");
             EXPECT_EQ(shown.size(), before.isEmpty() ? 1 : 2);
