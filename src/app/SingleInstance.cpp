@@ -77,12 +77,12 @@ void SingleInstance::removeLockOfTheDead()
         mLock.removeStaleLockFile();
 }
 
-void SingleInstance::answer(QObject* application, const std::function<void()>& show) const
+void SingleInstance::answer(QObject* listener, const std::function<void()>& show) const
 {
-    const auto warn = [application](const QString& what, const QString& why) {
+    const auto warn = [listener](const QString& what, const QString& why) {
         // Said once the log is open.
         QMetaObject::invokeMethod(
-            application,
+            listener,
             [=] {
                 qWarning().noquote() << "A second start on this data folder is not noticed:" << what << why;
             },
@@ -92,12 +92,12 @@ void SingleInstance::answer(QObject* application, const std::function<void()>& s
         warn(QStringLiteral("no lock file can be made at"), mLock.fileName());
         return;
     }
-    auto* server = new QLocalServer(application);
+    auto* server = new QLocalServer(listener);
     server->setSocketOptions(QLocalServer::UserAccessOption);
     QLocalServer::removeServer(mSocket); // left by a crash, for this one has the lock
     if (!server->listen(mSocket))
         warn(server->errorString(), mSocket);
-    QObject::connect(server, &QLocalServer::newConnection, application, [server, show] {
+    QObject::connect(server, &QLocalServer::newConnection, listener, [server, show] {
         while (const std::unique_ptr<QLocalSocket> later{server->nextPendingConnection()}) {
             later->write("!");
             later->flush();

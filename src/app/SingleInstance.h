@@ -32,8 +32,8 @@ public:
 
     /// Before anything of the data folder is touched.
     Entry enter(std::chrono::milliseconds longest = LONGEST_WAIT);
-    /// For the first one: calls `show` for each later one, as long as the application lives.
-    void answer(QObject* application, const std::function<void()>& show) const;
+    /// For the first one: calls `show` for each later one, as long as the listener lives.
+    void answer(QObject* listener, const std::function<void()>& show) const;
 
     /// The window, which may be null, and before it the box that it waits for.
     static void bringToFront(QWidget* window);

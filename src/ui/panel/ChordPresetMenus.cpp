@@ -49,16 +49,15 @@ void fill(QComboBox* menu, const QStringList& names, const QString& kind)
     menu->addItem(QStringLiteral("-- remove last chosen %1 --").arg(kind));
 }
 
-/// Of a bank whose folder stays.
-QString textOf(const QString& bank, const ChordPresets::Remains& remains)
+QString whatStays(const QString& bank, const ChordPresets::Remains& remains)
 {
     constexpr qsizetype MOST = 10; // names
-    QString text = QStringLiteral("Of bank '%1' the folder %2 stays").arg(bank, remains.folder);
+    QString text = QStringLiteral("The folder of bank '%1' stays: %2").arg(bank, remains.folder);
     if (!remains.names.isEmpty())
-        text += QStringLiteral(", with what is no chord file:\n\n") + remains.names.mid(0, MOST).join(u'\n');
+        text += QStringLiteral("\n\nStill in it:\n") + remains.names.mid(0, MOST).join(u'\n');
     if (remains.names.size() > MOST)
         text += QStringLiteral("\nand %1 more").arg(remains.names.size() - MOST);
-    return text + u'.';
+    return text;
 }
 
 } // namespace
@@ -170,7 +169,7 @@ void ChordPresetMenus::removeLastBank()
     const ChordPresets::Remains remains = chordPresets().removeBank(name);
     repopulateChordBankMenu();
     if (!remains.folder.isEmpty())
-        showNotice(window(), textOf(name, remains));
+        showNotice(window(), whatStays(name, remains));
 }
 
 // ---------------------------------------------------------------- presets

@@ -151,7 +151,7 @@ TEST_F(ChordPresetMenusTest, WithThePlaceholderLoadAndSaveTouchNoFile)
     boxes.answer(true);
     choose(banks(), -1);
     const QString told = boxes.take().value(1);
-    EXPECT_TRUE(told.contains(preset("Mixed")) && told.endsWith(u"\n09.txt\nand 2 more."_s))
+    EXPECT_TRUE(told.contains(preset("Mixed")) && told.endsWith(u"\n09.txt\nand 2 more"_s))
         << told.toStdString();
     EXPECT_NE(banks()->findText(u"Mixed"_s), -1);
 }

@@ -73,20 +73,16 @@ TEST_F(PatchMenuTest, APatchJoinsTheMenuOnceAndIsToldTheSliders)
     }
 }
 
-TEST_F(PatchMenuTest, BeforeAVoiceFromElsewhereIsFirstChosenItIsSaidWhatItCanDo)
+TEST_F(PatchMenuTest, BeforeTheFirstChoiceOfAFileItIsSaidWhatAVoiceCanDo)
 {
-    for (const QString& folder : {QDir::homePath(), home.path({})}) {
-        settings.lastBrowsedPatchPath = folder;
-        openWindow();
-        const QString said = folder == QDir::homePath() ? u"A voice is a program"_s : QString();
-        for (const QString& before : {said, QString()}) { // once in a run
-            button("loadPatchButton")->click();
-            const QStringList shown = boxes.take();
-            EXPECT_EQ(shown.last(), u"Open Patch");
-            EXPECT_EQ(shown.size(), before.isEmpty() ? 1 : 2);
-            EXPECT_TRUE(shown.first().startsWith(before));
-        }
+    for (const int shown : {2, 1}) { // once a run
+        button("loadPatchButton")->click();
+        EXPECT_EQ(boxes.take().size(), shown);
     }
+    settings.lastBrowsedPatchPath = home.path({});
+    openWindow();
+    button("loadPatchButton")->click();
+    EXPECT_EQ(boxes.take(), QStringList(u"Open Patch"_s));
 }
 
 TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
