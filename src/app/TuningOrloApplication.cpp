@@ -285,7 +285,8 @@ void TuningOrloApplication::term()
     mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the sound device: closing the patch needs its callback
-    if (!isSoundOver()) // a stream that is stuck in the patch cannot be stopped, only left
+    // A stream that is stuck in the patch cannot be stopped, only left.
+    if (!isSoundOver())
         mSoundDevice->term();
     mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
