@@ -15,13 +15,11 @@ void BoxAnswers::timerEvent(QTimerEvent*)
     auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (!box || !box->isVisible())
         return;
-    const auto [accept, text, key] = mAnswers.isEmpty() ? Answer{} : mAnswers.takeFirst();
+    const auto [accept, text] = mAnswers.isEmpty() ? std::pair(false, QString()) : mAnswers.takeFirst();
     if (auto* message = qobject_cast<QMessageBox*>(box)) {
-        mShown.append(message->text() + message->informativeText());
-        if (key != Qt::Key_unknown) {
-            QTest::keyClick(message, key);
-            return;
-        }
+        const QPushButton* isDefault = message->defaultButton();
+        const bool isNo = isDefault && isDefault == message->button(QMessageBox::No);
+        mShown.append(message->text() + message->informativeText() + QLatin1StringView(isNo ? " (No)" : ""));
         QAbstractButton* button = message->button(accept ? QMessageBox::Yes : QMessageBox::No);
         (button ? button : message->button(QMessageBox::Ok))->click();
         return;

@@ -24,25 +24,18 @@ public:
 
     /// Yes or No to the next question.
     void answer(bool yes) { mAnswers.append({yes, QString()}); }
-    /// Presses this key in the next question.
-    void press(Qt::Key key) { mAnswers.append({false, QString(), key}); }
     /// Types this and accepts, or cancels.
     void type(const QString& text, bool accept = true) { mAnswers.append({accept, text}); }
 
-    /// The texts of all boxes since the last time; of one with a line to type, its title.
+    /// The texts of all boxes since the last time, with " (No)" where that is the default; of one with a line
+    /// to type, its title.
     QStringList take() { return std::exchange(mShown, {}); }
 
 protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    struct Answer
-    {
-        bool accepts;
-        QString types;
-        Qt::Key key = Qt::Key_unknown;
-    };
-    QList<Answer> mAnswers;
+    QList<std::pair<bool, QString>> mAnswers; // accepts, types
     QStringList mShown;
 };
 
