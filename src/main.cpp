@@ -1,10 +1,20 @@
+#include "app/SingleInstance.h"
 #include "app/TuningOrloApplication.h"
+#include "ui/window/MainWindow.h"
 
 #include <cstdlib>
 
 int main(int argc, char** argv)
 {
+    TuningOrloApplication::setNames();
+    SingleInstance instance(TuningOrloApplication::configDirectory());
+    switch (instance.enter()) {
+    case SingleInstance::Entry::First: break;
+    case SingleInstance::Entry::Answered: return 0;
+    case SingleInstance::Entry::Unheard: return SingleInstance::tellUnheard(argc, argv);
+    }
     TuningOrloApplication application(argc, argv);
+    instance.answer(&application, [&application] { SingleInstance::bringToFront(application.mainWindow()); });
     if (!application.init())
         return 1;
     const int result = QApplication::exec();

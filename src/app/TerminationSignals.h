@@ -7,8 +7,8 @@
 class QSocketNotifier;
 
 /// Turns a termination request of the system (SIGTERM, SIGINT, SIGHUP) into an orderly quit, so that
-/// Ctrl+C in a terminal or the end of a session saves what a closed window saves. Only one object may
-/// exist at a time.
+/// Ctrl+C in a terminal or the end of a session saves what a closed window saves. A signal that the program
+/// was started to ignore stays ignored. Only one object may exist at a time.
 class TerminationSignals : public QObject
 {
     Q_OBJECT

@@ -18,27 +18,19 @@
 #include <QMessageBox>
 #include <QStandardPaths>
 
-namespace {
-
-/// The name must be set before the members are built: some options' defaults are folders in the config
-/// directory, and Qt derives its path from the application's name.
-std::nullptr_t setNames()
-{
-    QCoreApplication::setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
-    return nullptr;
-}
-
-} // namespace
-
 TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
-    : QApplication(argc, argv)
-    , mMainWindow(setNames())
+    : QApplication((setNames(), argc), argv) // before the members, some of which need the name
 {
     setApplicationVersion(version());
     setDesktopFileName(QStringLiteral("brevick-tuning-orlo"));
     wireParts();
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     mLogFilter.setWords(argc, argv);
+}
+
+void TuningOrloApplication::setNames()
+{
+    setApplicationName(QStringLiteral("Brevick Tuning Orlo"));
 }
 
 TuningOrloApplication::~TuningOrloApplication()
@@ -290,7 +282,9 @@ void TuningOrloApplication::term()
     mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the sound device: closing the patch needs its callback
-    mSoundDevice->term();
+    // A stream that is stuck in the patch cannot be stopped, only left.
+    if (!isSoundOver())
+        mSoundDevice->term();
     mInterface.term();
     static_cast<SerializableRoot&>(mSettings).term();
     AudioLog::drain(); // what the engine has logged since the event loop ended

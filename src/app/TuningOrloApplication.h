@@ -28,6 +28,9 @@ class TuningOrloApplication : public QApplication, public ApplicationServices
     Q_OBJECT
 
 public:
+    /// Qt derives the config directory's path from the application's name.
+    static void setNames();
+
     /// Each argument is a word of the log filter.
     TuningOrloApplication(int& argc, char** argv);
     ~TuningOrloApplication() override;

@@ -70,16 +70,25 @@ bool ChordPresets::makeBank(const QString& bank) const
     return directoryExists() && isName(bank) && QDir(mDirectory).mkdir(bank);
 }
 
-void ChordPresets::removeBank(const QString& bank) const
+ChordPresets::Remains ChordPresets::removeBank(const QString& bank) const
 {
     if (!directoryExists() || !isEntry(bank))
-        return;
+        return {};
     const QString path = bankPath(bank);
-    // Below this level Qt removes links itself as links.
-    if (QFileInfo(path).isSymLink())
+    if (const QString target = QFileInfo(path).symLinkTarget(); !target.isEmpty()) {
         QFile::remove(path);
-    else
-        QDir(path).removeRecursively();
+        return {target, {}};
+    }
+    QDir folder(path);
+    folder.setFilter(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    // A link goes as a link, also one that leads nowhere; one to a folder is no chord file.
+    for (const QFileInfo& entry : folder.entryInfoList()) {
+        if (entry.fileName().endsWith(ENDING) && !entry.isDir() && (entry.isFile() || entry.isSymLink()))
+            QFile::remove(entry.filePath());
+    }
+    QDir(mDirectory).rmdir(bank); // only when it is empty
+    folder.refresh();
+    return folder.exists() ? Remains{path, folder.entryList()} : Remains{};
 }
 
 bool ChordPresets::presetExists(const QString& bank, const QString& preset) const

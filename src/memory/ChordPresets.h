@@ -26,8 +26,15 @@ public:
 
     /// False for no name, for one that is there already, and when the disk refuses.
     bool makeBank(const QString& bank) const;
-    /// With all its presets. Of a link only the link goes, and nothing behind it.
-    void removeBank(const QString& bank) const;
+    /// What is left of a bank that was removed: nothing, with an empty folder here, or this.
+    struct Remains
+    {
+        QString folder;
+        QStringList names; // in it
+    };
+    /// With all its presets, and its folder if nothing else is in it. Of a link only the link goes, and
+    /// nothing behind it.
+    Remains removeBank(const QString& bank) const;
 
     bool presetExists(const QString& bank, const QString& preset) const;
     /// An empty file, until the first save. False as above.

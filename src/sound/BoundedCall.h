@@ -18,6 +18,7 @@ public:
     bool finish();
     /// [any] For the side that waits. False when the call has finished after all.
     bool giveUp();
+    bool isFinished() const { return mState == State::Finished; }
 
 private:
     enum class State { Running, Finished, GivenUp };

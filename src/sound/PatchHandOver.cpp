@@ -1,5 +1,6 @@
 #include "sound/PatchHandOver.h"
 
+#include "app/EndRequest.h"
 #include "sound/BoundedCall.h"
 #include "sound/ThreadCheck.h"
 
@@ -16,6 +17,12 @@ constexpr unsigned long POLL_US = 500;
 constexpr std::uint64_t BLOCKS_UNTIL_LOST = 3;
 
 } // namespace
+
+/// As they are now: a wait that began before the program was asked to end is cut short too.
+PatchHandOver::Limits PatchHandOver::limits() const
+{
+    return EndRequest::isMade ? limitsAtEnd() : mLimits;
+}
 
 bool PatchHandOver::enterBlock()
 {
@@ -78,7 +85,7 @@ std::chrono::milliseconds PatchHandOver::sinceLastBlock()
 /// Whether the block that holds the engine is to be given up.
 bool PatchHandOver::hasWaitedEnough(const QElapsedTimer& waited, Milliseconds limit)
 {
-    return sinceLastBlock() >= limit && Milliseconds(waited.elapsed()) >= std::min(mLimits.again, limit);
+    return sinceLastBlock() >= limit && Milliseconds(waited.elapsed()) >= std::min(limits().again, limit);
 }
 
 void PatchHandOver::giveUpForGood()
@@ -93,31 +100,36 @@ void PatchHandOver::giveUpForGood()
 /// thread owns all that it is given, since it may never come back.
 bool PatchHandOver::runAside(const std::function<void()>& work)
 {
-    const auto call = [this, work](BoundedCall::Ticket&) {
+    const auto ticket = BoundedCall::start([this, work](BoundedCall::Ticket& own) {
         ThreadCheck::engineTaken();
         work();
         giveEngineBack();
-    };
-    if (BoundedCall::run(call, mLimits.change))
+        own.finish();
+    });
+    QElapsedTimer waited;
+    waited.start();
+    while (!ticket->isFinished() && Milliseconds(waited.elapsed()) < limits().change)
+        QThread::usleep(POLL_US);
+    if (!ticket->giveUp())
         return true;
     giveUpForGood();
     return false;
 }
 
 bool PatchHandOver::await(const std::function<bool()>& done, const std::function<void()>& drain,
-                          Milliseconds limit)
+                          Milliseconds Limits::*limit)
 {
     QElapsedTimer waited;
     waited.start();
-    while (!isOver() && Milliseconds(waited.elapsed()) < limit) {
+    while (!isOver() && Milliseconds(waited.elapsed()) < limits().*limit) {
         if (done())
             return true;
         // Before the first block of all there is no stream to wait for.
-        const bool stalled = sinceLastBlock() >= mLimits.stalled || mSeenBlock == 0;
+        const bool stalled = sinceLastBlock() >= limits().stalled || mSeenBlock == 0;
         if (stalled && tryTakeEngine()) {
             runAside(drain);
             ++mDrained;
-        } else if (stalled && hasWaitedEnough(waited, limit)) {
+        } else if (stalled && hasWaitedEnough(waited, limits().*limit)) {
             return false;
         }
         QThread::usleep(POLL_US);
@@ -147,7 +159,7 @@ bool PatchHandOver::request(Change change, const std::function<void()>& queue,
         qWarning() << "No audio stream is running: the patch is changed without it.";
         drain();
     };
-    if (await(done, drainInstead, mLimits.change))
+    if (await(done, drainInstead, &Limits::change))
         return true;
     if (isOver())
         return false;
@@ -160,7 +172,7 @@ bool PatchHandOver::request(Change change, const std::function<void()>& queue,
 bool PatchHandOver::waitUntil(const std::function<bool()>& ready, const std::function<void()>& drain)
 {
     ThreadCheck::gui();
-    return await(ready, drain, mLimits.work);
+    return await(ready, drain, &Limits::work);
 }
 
 bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
@@ -169,7 +181,7 @@ bool PatchHandOver::runBetweenBlocks(const std::function<void()>& work)
     QElapsedTimer waited;
     waited.start();
     while (!tryTakeEngine()) {
-        if (isOver() || hasWaitedEnough(waited, mLimits.work)) {
+        if (isOver() || hasWaitedEnough(waited, limits().work)) {
             qCritical() << "The audio thread does not come out of a block.";
             return false;
         }
@@ -191,14 +203,14 @@ bool PatchHandOver::runInBlock(const std::function<void()>& work)
     mWorkOffered.store(true, std::memory_order_release);
     const auto done = [this] { return mWorkDone.load(std::memory_order_acquire); };
     const auto workInstead = [this] { doOfferedWork(); };
-    if (await(done, workInstead, mLimits.work))
+    if (await(done, workInstead, &Limits::work))
         return true;
     if (mWorkOffered.exchange(false, std::memory_order_relaxed)) {
         qCritical() << "The audio thread does not come out of a block.";
         return false;
     }
     // The work was taken at the last moment, or it is the work that does not come back.
-    if (await(done, workInstead, mLimits.change))
+    if (await(done, workInstead, &Limits::change))
         return true;
     if (!isOver())
         giveUpForGood();

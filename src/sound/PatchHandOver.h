@@ -48,7 +48,7 @@ public:
         return limits;
     }
 
-    /// [gui] For all later waits.
+    /// [gui] For all later waits, until the system asks the program to end.
     void setLimits(const Limits& limits) { mLimits = limits; }
 
     /// [audio] Effect: counts the block, claims the engine and does what runInBlock() asks for. False
@@ -94,9 +94,11 @@ private:
     bool tryTakeEngine() { return !mEngineTaken.exchange(true, std::memory_order_acquire); }
     void giveEngineBack();
     std::uint64_t rounds() const;
+    Limits limits() const;
     Milliseconds sinceLastBlock();
     bool hasWaitedEnough(const QElapsedTimer& waited, Milliseconds limit);
-    bool await(const std::function<bool()>& done, const std::function<void()>& drain, Milliseconds limit);
+    bool await(const std::function<bool()>& done, const std::function<void()>& drain,
+               Milliseconds Limits::*limit);
     bool runAside(const std::function<void()>& work);
     void doOfferedWork();
     void giveUpForGood();

@@ -1,5 +1,6 @@
 #include "sound/VoicePatchCheck.h"
 
+#include "app/EndRequest.h"
 #include "sound/PatchFolder.h"
 #include "sound/PatchOutline.h"
 #include "trial/TrialAnswer.h"
@@ -17,14 +18,14 @@ namespace {
 constexpr int WITHOUT_EVENTS_MS = 300;
 constexpr int SLICE_MS = 30;
 
-/// False when the process did not end in time.
+/// False when the process did not end in time, or before the system asked the program to end.
 bool waitFor(QProcess& process, std::chrono::milliseconds limit)
 {
     QElapsedTimer timer;
     timer.start();
     int slice = WITHOUT_EVENTS_MS;
     while (!process.waitForFinished(slice) && process.state() != QProcess::NotRunning) {
-        if (timer.hasExpired(limit.count()))
+        if (timer.hasExpired(limit.count()) || EndRequest::isMade)
             return false;
         slice = SLICE_MS;
         // The window is painted; what the engine and the system report arrives here too.
@@ -76,6 +77,8 @@ QString VoicePatchCheck::tried(const QString& voice) const
     if (!waitFor(trial, mTrialLimit)) {
         trial.kill();
         trial.waitForFinished(SLICE_MS);
+        if (EndRequest::isMade)
+            return QStringLiteral("It was not tried to the end, for the program ends.");
         return QStringLiteral("It never comes up: it loops for ever when it is opened or played.");
     }
     if (trial.error() == QProcess::FailedToStart) {

@@ -47,6 +47,37 @@ TEST(LogFileTest, HoldsABannerForEachStartAndNoDebugMessage)
         QRegularExpression(u"^\\[\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\\] $"_s).match(LogFile().stamp()).hasMatch());
 }
 
+TEST(LogFileTest, BeginsAnewAtItsLimitAndLosesNoLine)
+{
+    const TestHome home;
+    const auto content = [&](const char* name) { return home.read(QLatin1StringView(name)); };
+    home.write(u"log.txt"_s, QByteArray(LogFile::LIMIT - 9, 'x'));
+    LogFile file;
+    ASSERT_TRUE(file.open(home.path(u"log.txt"_s)));
+    EXPECT_TRUE(content("log.1.txt").startsWith("xxx"));
+    EXPECT_TRUE(content("log.txt").startsWith("\n-----"));
+    constexpr int LINES = 1500; // of 1024 bytes, so that four threads pass the limit once
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&file, thread] {
+            for (int line = 0; line < LINES; ++line)
+                file.write(QtWarningMsg, {},
+                           QString::number(thread * LINES + line).rightJustified(1023, u'0'));
+        });
+    threads.clear();
+    EXPECT_LE(content("log.1.txt").size(), LogFile::LIMIT + 4 * 1024);
+    const QList<QByteArray> lines = (content("log.1.txt") + content("log.txt")).split('\n');
+    EXPECT_EQ(QSet<QByteArray>(lines.begin(), lines.end()).size(),
+              4 * LINES + 3); // two of the banner, an empty one
+
+    home.write(u"log.txt"_s, QByteArray(LogFile::LIMIT, 'x'));
+    EXPECT_TRUE(home.whenNoFileCanBeMade([&] {
+        file.write(QtWarningMsg, {}, u"kept"_s);
+        return true;
+    }));
+    EXPECT_TRUE(content("log.txt").endsWith("xkept\n")) << "it grows on";
+}
+
 TEST(LogFilterTest, GoesByTheSourceFilesBaseName)
 {
     // A word or none, a source file, and whether its messages pass and are shown.

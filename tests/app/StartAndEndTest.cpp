@@ -1,10 +1,12 @@
 #include "app/ProgramFixture.h"
 
 #include "app/Accessors.h"
+#include "app/EndRequest.h"
 #include "app/StyleSheets.h"
 #include "support/LogCatcher.h"
 #include "ui/lattice/OrloView.h"
 
+#include <QElapsedTimer>
 #include <QNetworkProxy>
 #include <QPushButton>
 #include <QSlider>
@@ -12,7 +14,9 @@
 #include <QUdpSocket>
 #include <QWheelEvent>
 
+#include <cerrno>
 #include <csignal>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -47,6 +51,15 @@ protected:
         else if (boxes.size() == PATIENCE)
             box.accept();
     }
+};
+
+struct AsNohupStarts
+{
+    AsNohupStarts() { std::signal(SIGHUP, SIG_IGN); }
+    ~AsNohupStarts() { std::signal(SIGHUP, SIG_DFL); }
+};
+class Terminated : AsNohupStarts, public ProgramFixture
+{
 };
 
 } // namespace
@@ -215,6 +228,29 @@ TEST_F(Interrupted, BrokenOptionsGiveOneBoxWhichASignalCloses)
     EXPECT_EQ(QApplication::exec(), 0) << "it ends once it has started";
     end();
     expectSaved({{u"masterVolume"_s, 0.75}});
+}
+
+TEST_F(Terminated, AtOnceThoughAVoiceLoops)
+{
+    home.write(u"loop.pd"_s, "#N canvas 0 0 9 9 12;\n#X obj 9 9 inlet;\n#X obj 9 9 outlet~;\n"
+                             "#X obj 9 9 loadbang;\n#X obj 9 9 until;\n#X connect 2 0 3 0;\n");
+    ASSERT_TRUE(start());
+    std::raise(SIGHUP);
+    EXPECT_FALSE(EndRequest::isMade);
+    std::thread system([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::raise(SIGTERM);
+    });
+    QElapsedTimer timer;
+    timer.start();
+    application.mainWindow()->loadPatch(home.path(u"loop.pd"_s));
+    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_TRUE(boxes.isEmpty()) << "nobody would close it";
+    system.join();
+    errno = ENOENT;
+    for (int i = 0; i < 100000; ++i) // more than a pipe holds
+        std::raise(SIGTERM);
+    EXPECT_EQ(errno, ENOENT);
 }
 
 TEST_F(StartAndEnd, AFailedStartSaysWhy)

@@ -45,6 +45,25 @@ TEST_F(StartAndStop, AFirstStartMakesEveryFileAndASecondComesBackAsItWasLeft)
     EXPECT_EQ(home.read(u"orlo_v2.json"_s), lattice);
 }
 
+TEST_F(StartAndStop, ASecondCopyOnOneFolderEnds)
+{
+    RunningProgram first(desk);
+    ASSERT_TRUE(first.waitForWindow());
+    const QString before = log();
+    EXPECT_EQ(RunningProgram(desk).waitForExit(), 0);
+    EXPECT_EQ(log(), before);
+    first.freeze();
+    {
+        RunningProgram second(desk);
+        ASSERT_TRUE(second.waitForBox() && second.confirmBox());
+        EXPECT_EQ(second.waitForExit(), 1);
+    }
+    first.killNow(); // its lock and its socket stay behind
+    RunningProgram next(desk);
+    ASSERT_TRUE(next.waitForWindow());
+    EXPECT_EQ(RunningProgram(desk).waitForExit(), 0);
+}
+
 TEST_F(StartAndStop, WithoutAStyleSheetTheProgramEnds)
 {
     const QTemporaryDir elsewhere;

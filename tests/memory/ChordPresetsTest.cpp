@@ -49,8 +49,19 @@ TEST_F(Presets, MakesListsAndRemoves)
     presets.removePreset(bank, preset);
     presets.removePreset(bank, u"absent"_s);
     EXPECT_TRUE(presets.presets(bank).isEmpty());
+    EXPECT_TRUE(presets.makePreset(bank, preset));
+    home.write(u"chord_presets/Bank/.hidden"_s, "x");
+    QDir(presets.bankPath(bank)).mkpath(u"folder.btoc/deep"_s);
+    const ChordPresets::Remains remains = presets.removeBank(bank);
+    EXPECT_EQ(remains.folder, presets.bankPath(bank));
+    EXPECT_EQ(QSet<QString>(remains.names.begin(), remains.names.end()),
+              QSet<QString>({u"other.txt"_s, u".hidden"_s, u"folder.btoc"_s}));
+    EXPECT_TRUE(QFileInfo::exists(presets.bankPath(bank) + u"/folder.btoc/deep"_s));
+    EXPECT_FALSE(presets.presetExists(bank, preset));
+    ASSERT_TRUE(QDir(presets.bankPath(bank)).removeRecursively());
+    EXPECT_TRUE(presets.makeBank(bank) && presets.makePreset(bank, preset));
     for (int twice = 0; twice < 2; ++twice)
-        presets.removeBank(bank);
+        EXPECT_EQ(presets.removeBank(bank).folder, QString());
     EXPECT_EQ(presets.banks(), QStringList{u"Zweite Bänke"_s});
 }
 
@@ -84,20 +95,19 @@ TEST_F(Presets, RemovingABankNeverFollowsALink)
     ASSERT_TRUE(presets.makeBank(bank));
     const QString target = home.path(u"outside"_s);
     const QString inside = presets.bankPath(bank);
-    ASSERT_TRUE(QDir().mkpath(inside + u"/deep/er"_s));
-    ASSERT_TRUE(QFile::link(target, inside + u"/folder"_s));
-    ASSERT_TRUE(QFile::link(target, inside + u"/deep/er/folder"_s));
+    ASSERT_TRUE(QFile::link(target, inside + u"/folder.btoc"_s));
     ASSERT_TRUE(QFile::link(target + u"/dear.txt"_s, inside + u"/dear.btoc"_s));
     presets.removePreset(bank, u"dear"_s);
     EXPECT_TRUE(isOutsideKept());
     ASSERT_TRUE(QFile::link(target + u"/dear.txt"_s, inside + u"/dear.btoc"_s));
-    presets.removeBank(bank);
-    EXPECT_FALSE(QFileInfo::exists(inside));
+    ASSERT_TRUE(QFile::link(target + u"/nothing"_s, inside + u"/dead.btoc"_s));
+    EXPECT_EQ(presets.removeBank(bank).names, QStringList{u"folder.btoc"_s});
     EXPECT_TRUE(isOutsideKept());
+    ASSERT_TRUE(QDir(inside).removeRecursively());
 
     ASSERT_TRUE(QFile::link(target, presets.bankPath(u"Linked"_s)));
     EXPECT_EQ(presets.banks(), QStringList{u"Linked"_s});
-    presets.removeBank(u"Linked"_s);
+    EXPECT_EQ(presets.removeBank(u"Linked"_s).folder, target);
     EXPECT_TRUE(presets.banks().isEmpty());
     EXPECT_TRUE(isOutsideKept());
 

@@ -4,6 +4,7 @@
 #include "support/SoundRig.h"
 #include "support/Tone.h"
 
+#include "app/EndRequest.h"
 #include "sound/OrloNoteEvent.h"
 
 #include <gtest/gtest.h>
@@ -277,10 +278,17 @@ bool loadUnclocked(SoundRig& rig, const QByteArray& voice)
     EXPECT_TRUE(loadUnclocked(rig, plainVoice("1")));
     EXPECT_FALSE(rig.player.waitForRoom(300)) << "what never comes is waited for";
     EXPECT_FALSE(rig.player.isSoundOver());
+    rig.player.handOver().setLimits({});
+    std::thread([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(700));
+        EndRequest::isMade = true;
+    }).detach();
+    QElapsedTimer timer;
+    timer.start();
     EXPECT_FALSE(loadUnclocked(rig, LOOPING_VOICE));
     EXPECT_TRUE(rig.player.isSoundOver());
+    EXPECT_LT(timer.elapsed(), 5000) << "the end was asked for";
 
-    QElapsedTimer timer;
     timer.start();
     EXPECT_FALSE(loadUnclocked(rig, plainVoice("1")));
     EXPECT_FALSE(rig.player.waitForRoom(1));

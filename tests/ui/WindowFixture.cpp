@@ -17,7 +17,9 @@ void BoxAnswers::timerEvent(QTimerEvent*)
         return;
     const auto [accept, text] = mAnswers.isEmpty() ? std::pair(false, QString()) : mAnswers.takeFirst();
     if (auto* message = qobject_cast<QMessageBox*>(box)) {
-        mShown.append(message->text() + message->informativeText());
+        const QPushButton* isDefault = message->defaultButton();
+        const bool isNo = isDefault && isDefault == message->button(QMessageBox::No);
+        mShown.append(message->text() + message->informativeText() + QLatin1StringView(isNo ? " (No)" : ""));
         QAbstractButton* button = message->button(accept ? QMessageBox::Yes : QMessageBox::No);
         (button ? button : message->button(QMessageBox::Ok))->click();
         return;

@@ -27,7 +27,8 @@ public:
     /// Types this and accepts, or cancels.
     void type(const QString& text, bool accept = true) { mAnswers.append({accept, text}); }
 
-    /// The texts of all boxes since the last time; of one with a line to type, its title.
+    /// The texts of all boxes since the last time, with " (No)" where that is the default; of one with a line
+    /// to type, its title.
     QStringList take() { return std::exchange(mShown, {}); }
 
 protected:

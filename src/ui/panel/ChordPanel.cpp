@@ -145,7 +145,7 @@ void ChordPanel::cycleRecallMode()
 void ChordPanel::clearAllClicked()
 {
     if (mMemory->isStorageEmpty()
-        || !askYesOrNo(mWidgets.chordFrame->window(), QString(), QStringLiteral("Clear all memory?")))
+        || !askBeforeLoss(mWidgets.chordFrame->window(), QString(), QStringLiteral("Clear all memory?")))
         return;
     clearAllChordButtons();
 }

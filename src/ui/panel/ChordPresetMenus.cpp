@@ -12,6 +12,8 @@
 #include <QInputDialog>
 #include <QPushButton>
 
+#include <utility>
+
 namespace {
 
 const QString PLACEHOLDER = QStringLiteral("*"); // the first item of both menus, for no choice
@@ -45,6 +47,17 @@ void fill(QComboBox* menu, const QStringList& names, const QString& kind)
     menu->addItems(names);
     menu->addItem(QStringLiteral("-- create new %1 --").arg(kind));
     menu->addItem(QStringLiteral("-- remove last chosen %1 --").arg(kind));
+}
+
+QString whatStays(const QString& bank, const ChordPresets::Remains& remains)
+{
+    constexpr qsizetype MOST = 10; // names
+    QString text = QStringLiteral("The folder of bank '%1' stays: %2").arg(bank, remains.folder);
+    if (!remains.names.isEmpty())
+        text += QStringLiteral("\n\nStill in it:\n") + remains.names.mid(0, MOST).join(u'\n');
+    if (remains.names.size() > MOST)
+        text += QStringLiteral("\nand %1 more").arg(remains.names.size() - MOST);
+    return text;
 }
 
 } // namespace
@@ -148,13 +161,15 @@ void ChordPresetMenus::removeLastBank()
 {
     const QString question = QStringLiteral("Are you sure you want to remove bank '") + mLastBank
                              + QStringLiteral("' and all containing presets? This cannot be undone!");
-    if (mLastBank == PLACEHOLDER || !askYesOrNo(window(), QStringLiteral("Remove bank"), question)) {
+    if (mLastBank == PLACEHOLDER || !askBeforeLoss(window(), QStringLiteral("Remove bank"), question)) {
         restore(mWidgets.banks, mLastBank);
         return;
     }
-    chordPresets().removeBank(mLastBank);
-    mLastBank = PLACEHOLDER;
+    const QString name = std::exchange(mLastBank, PLACEHOLDER);
+    const ChordPresets::Remains remains = chordPresets().removeBank(name);
     repopulateChordBankMenu();
+    if (!remains.folder.isEmpty())
+        showNotice(window(), whatStays(name, remains));
 }
 
 // ---------------------------------------------------------------- presets
@@ -203,7 +218,7 @@ void ChordPresetMenus::removeLastPreset()
 {
     const QString question = QStringLiteral("Are you sure you want to remove preset '") + mLastPreset
                              + QStringLiteral("'? This cannot be undone!");
-    if (mLastPreset == PLACEHOLDER || !askYesOrNo(window(), QStringLiteral("Remove preset"), question)) {
+    if (mLastPreset == PLACEHOLDER || !askBeforeLoss(window(), QStringLiteral("Remove preset"), question)) {
         restore(mWidgets.presets, mLastPreset);
         return;
     }

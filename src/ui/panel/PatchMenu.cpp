@@ -1,9 +1,11 @@
 #include "ui/panel/PatchMenu.h"
 
+#include "app/EndRequest.h"
 #include "app/Settings.h"
 #include "sound/PatchFolder.h"
 #include "sound/PdPlayer.h"
 #include "sound/VoicePatchCheck.h"
+#include "ui/panel/MessageBoxes.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -80,7 +82,7 @@ void PatchMenu::loadDefaultPatch()
 
 void PatchMenu::loadPatch(const QString& path)
 {
-    if (path.isEmpty())
+    if (path.isEmpty() || EndRequest::isMade)
         return;
     if (mChangingVoice) { // a device can ask while a voice is tried
         mNextVoice = path;
@@ -106,7 +108,8 @@ void PatchMenu::tellPatchFailed(const QString& path, const QString& reason)
     QMessageBox box(QMessageBox::Critical, QCoreApplication::applicationName(),
                     QStringLiteral("Failed to load patch %1.").arg(path), QMessageBox::Ok, mMenu->window());
     box.setInformativeText(reason);
-    box.exec();
+    if (!EndRequest::isMade) // then nobody may be there to close it
+        box.exec();
     if (mCurrentPatch == -1)
         setNoPatchLoaded(true);
     else
@@ -175,8 +178,19 @@ void PatchMenu::patch_by_Index(int index)
     loadPatch(mMenu->itemData(index).toString());
 }
 
+/// At first use: as long as no voice from elsewhere was ever chosen.
+void PatchMenu::tellThatVoicesArePrograms()
+{
+    if (std::exchange(mToldOfPrograms, true) || mSettings->lastBrowsedPatchPath != QDir::homePath())
+        return;
+    showNotice(mMenu->window(),
+               QStringLiteral("A voice is a program: a Pure Data file can write files and open network "
+                              "connections, so open only those that you trust."));
+}
+
 void PatchMenu::browse()
 {
+    tellThatVoicesArePrograms();
     const QString path =
         QFileDialog::getOpenFileName(mMenu->window(), QStringLiteral("Open Patch"),
                                      mSettings->lastBrowsedPatchPath, QStringLiteral("PD Patches (*.pd)"));

@@ -30,7 +30,7 @@ public:
     void patch_by_Index(int index);
     /// The next or previous one, around the ends.
     void stepPatch(int by);
-    /// Lets the player choose a file.
+    /// Lets the player choose a file; the first time it is said before what a voice can do.
     void browse();
 
 signals:
@@ -42,6 +42,7 @@ private:
     void setNoPatchLoaded(bool on);
     std::optional<QString> changeVoice(const QString& path);
     bool openVoicePatch(const QString& path);
+    void tellThatVoicesArePrograms();
     void tellPatchFailed(const QString& path, const QString& reason);
 
     QComboBox* mMenu;
@@ -49,5 +50,6 @@ private:
     Settings* mSettings;
     int mCurrentPatch = -1; // index in the menu, -1: none was ever opened
     bool mChangingVoice = false;
-    QString mNextVoice; // asked for while another one was tried
+    bool mToldOfPrograms = false; // in this run
+    QString mNextVoice;           // asked for while another one was tried
 };

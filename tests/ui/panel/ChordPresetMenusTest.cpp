@@ -61,7 +61,8 @@ TEST_F(ChordPresetMenusTest, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
         for (const bool yes : {false, true}) {
             boxes.answer(yes);
             choose(menu, -1);
-            EXPECT_TRUE(boxes.take().value(0).contains(u'\'' + chosen + u'\''));
+            const QString asked = boxes.take().value(0);
+            EXPECT_TRUE(asked.contains(u'\'' + chosen + u'\'') && asked.endsWith(u" (No)"_s));
             EXPECT_EQ(menu->currentText(), yes ? STAR : chosen);
             EXPECT_EQ(QFileInfo::exists(preset(path)), !yes);
         }
@@ -141,6 +142,18 @@ TEST_F(ChordPresetMenusTest, WithThePlaceholderLoadAndSaveTouchNoFile)
     boxes.answer(true);
     choose(banks(), -1); // removes what is not there
     EXPECT_EQ(banks()->currentText(), STAR);
+
+    // What is no chord file stays, and is told.
+    create(banks(), "Mixed");
+    for (int file = 0; file < 12; ++file)
+        home.write(u"chord_presets/Mixed/%1.txt"_s.arg(file, 2, 10, QChar(u'0')), {});
+    boxes.take();
+    boxes.answer(true);
+    choose(banks(), -1);
+    const QString told = boxes.take().value(1);
+    EXPECT_TRUE(told.contains(preset("Mixed")) && told.endsWith(u"\n09.txt\nand 2 more"_s))
+        << told.toStdString();
+    EXPECT_NE(banks()->findText(u"Mixed"_s), -1);
 }
 
 TEST_F(ChordPresetMenusTest, ADirectoryIsChosenAndItsBanksListed)

@@ -73,6 +73,18 @@ TEST_F(PatchMenuTest, APatchJoinsTheMenuOnceAndIsToldTheSliders)
     }
 }
 
+TEST_F(PatchMenuTest, BeforeTheFirstChoiceOfAFileItIsSaidWhatAVoiceCanDo)
+{
+    for (const int shown : {2, 1}) { // once a run
+        button("loadPatchButton")->click();
+        EXPECT_EQ(boxes.take().size(), shown);
+    }
+    settings.lastBrowsedPatchPath = home.path({});
+    openWindow();
+    button("loadPatchButton")->click();
+    EXPECT_EQ(boxes.take(), QStringList(u"Open Patch"_s));
+}
+
 TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)
 {
     ASSERT_NE(menu()->currentIndex(), 0);
