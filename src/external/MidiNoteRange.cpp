@@ -16,9 +16,9 @@ double MidiNoteRange::noteOf(int voice, float frequency)
         return note;
     const bool isBelow = note < 0.0;
     if (!warnedBefore)
-        AudioLog::warning(isBelow ? "MTS: Freq sent to MIDI below MIDI range: %1"
-                                  : "MTS: Freq sent to MIDI above MIDI range: %1",
-                          {static_cast<double>(frequency)});
+        AudioLog::rationed(isBelow ? "MTS: Freq sent to MIDI below MIDI range: %1"
+                                   : "MTS: Freq sent to MIDI above MIDI range: %1",
+                           {static_cast<double>(frequency)});
     return isBelow ? 0.0 : midi::TOP_NOTE;
 }
 

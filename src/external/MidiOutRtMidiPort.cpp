@@ -3,6 +3,7 @@
 
 #include "external/MidiOutRtMidi.h"
 
+#include "app/LogText.h"
 #include "sound/ThreadCheck.h"
 
 #include <QDebug>
@@ -27,7 +28,7 @@ bool isNoPort(const QString& name)
 
 void logFailure(const char* what, const std::string& why)
 {
-    qCritical().noquote() << "MIDI output:" << what << "failed:" << QString::fromStdString(why);
+    qCritical().noquote() << "MIDI output:" << what << "failed:" << logText(QString::fromStdString(why));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "external/RfidMap.h"
 
+#include "app/LogText.h"
+#include "model/PitchRange.h"
 #include "sound/OrloNoteEvent.h"
 #include "sound/ThreadCheck.h"
 
@@ -32,20 +34,38 @@ float valueFrom(double number)
     return static_cast<float>(number);
 }
 
-/// Null, with a warning, for a path that is not valid.
+QString text(float value)
+{
+    return QString::number(static_cast<double>(value));
+}
+
+/// False for a frequency of 1/1 that would silence every note, and be kept as an option.
+bool isUsable(const OrloEvent& event)
+{
+    return event.type() != OrloEvent::BaseFrequencySet
+           || (event.value() >= pitchrange::LOWEST && event.value() <= pitchrange::HIGHEST);
+}
+
+/// Null, with a warning, for a path that is not valid and for a base frequency out of range.
 QSharedPointer<OrloEvent> eventFrom(const QString& key, const QJsonObject& entry)
 {
     const QString path = entry.value(VALUE).toString();
-    if (!path.startsWith(u'/'))
-        return QSharedPointer<OrloEvent>::create(typeFrom(entry.value(EVENT).toDouble()),
-                                                 valueFrom(entry.value(VALUE).toDouble()));
-    const OrloPath parsed(path);
-    if (!parsed.isValid()) {
-        qWarning().noquote()
-            << QStringLiteral("RFID %1 was assigned invalid path %2. Ignoring.").arg(key, path);
+    if (path.startsWith(u'/')) {
+        const OrloPath parsed(path);
+        if (parsed.isValid())
+            return QSharedPointer<OrloNoteEvent>::create(parsed);
+        qWarning().noquote() << QStringLiteral("RFID %1 was assigned invalid path %2. Ignoring.")
+                                    .arg(logText(key), logText(path));
         return nullptr;
     }
-    return QSharedPointer<OrloNoteEvent>::create(parsed);
+    auto event = QSharedPointer<OrloEvent>::create(typeFrom(entry.value(EVENT).toDouble()),
+                                                   valueFrom(entry.value(VALUE).toDouble()));
+    if (isUsable(*event))
+        return event;
+    qWarning().noquote()
+        << QStringLiteral("RFID %1 was assigned base frequency %2, which is not from %3 to %4 Hz. Ignoring.")
+               .arg(logText(key), text(event->value()), text(pitchrange::LOWEST), text(pitchrange::HIGHEST));
+    return nullptr;
 }
 
 } // namespace
@@ -71,9 +91,8 @@ void RfidMap::read(const QJsonObject& json)
         mEvents.insert(key, event);
         const auto* note = dynamic_cast<const OrloNoteEvent*>(event.get());
         qWarning().noquote() << QStringLiteral("RFID %1 mapped to: event %2, value %3")
-                                    .arg(key, QString::number(event->type()),
-                                         note ? note->path().toString()
-                                              : QString::number(static_cast<double>(event->value())));
+                                    .arg(logText(key), QString::number(event->type()),
+                                         note ? note->path().toString() : text(event->value()));
     }
 }
 

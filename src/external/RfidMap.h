@@ -22,7 +22,8 @@ public:
     using SerializableRoot::init;
     /// [listener] Reads the file. False when it cannot be read.
     bool init();
-    /// [listener] Adds the entries; an invalid path is dropped with a warning.
+    /// [listener] Adds the entries; an invalid path, or a base frequency that the options would not take, is
+    /// dropped with a warning.
     void read(const QJsonObject& json) override;
     /// [listener]
     void write(QJsonObject& json) const override;

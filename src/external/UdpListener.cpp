@@ -2,6 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/LogFilter.h"
+#include "app/LogText.h"
 #include "app/Settings.h"
 #include "external/DevicePacket.h"
 #include "external/RfidMap.h"
@@ -70,13 +71,18 @@ void UdpListener::run()
     socket.setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, RECEIVE_BUFFER_BYTES);
     qWarning() << "UDP socket opened on port" << port;
     while (!stopRequested) {
-        if (!socket.waitForReadyRead(WAIT_MS))
+        if (!socket.waitForReadyRead(WAIT_MS)) {
+            mWrongSizes.tellLeftOut();
+            mUnknownTags.tellLeftOut();
             continue;
+        }
         // A device that never pauses must not keep the thread from its end.
         while (!stopRequested && socket.hasPendingDatagrams())
             receive(socket, map, port);
     }
     socket.close();
+    mWrongSizes.tellLeftOutNow();
+    mUnknownTags.tellLeftOutNow();
     qWarning() << "UDP thread exits run";
 }
 
@@ -85,7 +91,7 @@ void UdpListener::receive(QUdpSocket& socket, const RfidMap& map, quint16 port)
     const qint64 size = socket.pendingDatagramSize();
     DevicePacket packet;
     if (size != DevicePacket::SIZE) {
-        qWarning().noquote() << QStringLiteral("Discarding UDP packet due to wrong size %1").arg(size);
+        mWrongSizes.write(QStringLiteral("Discarding UDP packet due to wrong size %1").arg(size));
         socket.readDatagram(packet.bytes.data(), 0);
         return;
     }
@@ -99,5 +105,6 @@ void UdpListener::receive(QUdpSocket& socket, const RfidMap& map, quint16 port)
     if (const OrloEvent* event = map.lookup(rfid))
         emit eventReceived(event);
     else
-        qWarning().noquote() << QStringLiteral("RFID %1 not found in mapping table. Ignoring.").arg(rfid);
+        mUnknownTags.write(
+            QStringLiteral("RFID %1 not found in mapping table. Ignoring.").arg(logText(rfid)));
 }

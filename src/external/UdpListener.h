@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/RationedLog.h"
+
 #include <QString>
 #include <QThread>
 
@@ -11,7 +13,8 @@ class RfidMap;
 
 /// The thread that listens to the physical device: it receives the packets on the port of the option
 /// udpPort, looks up the tag in each and hands on the event that the map has for it. Dropped with a
-/// warning: datagrams of another size than DevicePacket's, and tags that are not in the map.
+/// warning: datagrams of another size than DevicePacket's, and tags that are not in the map. Of a flood of
+/// these the log gets the first ones and their number.
 class UdpListener : public QThread
 {
     Q_OBJECT
@@ -41,4 +44,7 @@ private:
     void receive(QUdpSocket& socket, const RfidMap& map, quint16 port);
 
     std::atomic<bool> stopRequested{false};
+    // [listener]
+    RationedLog mWrongSizes{QStringLiteral("more UDP packets of a wrong size were discarded.")};
+    RationedLog mUnknownTags{QStringLiteral("more RFIDs were not found in the mapping table.")};
 };

@@ -1,5 +1,7 @@
 #include "sound/AudioLog.h"
 
+#include "app/LogText.h"
+#include "app/RationedLog.h"
 #include "sound/ByteRing.h"
 #include "sound/ThreadCheck.h"
 
@@ -10,6 +12,7 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <map>
 
 namespace AudioLog {
 
@@ -23,6 +26,7 @@ struct Head
     const char* file;
     std::uint32_t line;
     QtMsgType type;
+    bool isRationed;
     std::uint32_t bytes; // of the arguments
 };
 
@@ -45,7 +49,7 @@ ByteRing& ring()
 std::atomic<unsigned> dropped{0};
 
 void write(QtMsgType type, const char* text, std::initializer_list<Argument> arguments,
-           const std::source_location& place)
+           const std::source_location& place, bool isRationed = false)
 {
     ThreadCheck::audio();
     std::array<std::byte, 2048> packed;
@@ -58,7 +62,8 @@ void write(QtMsgType type, const char* text, std::initializer_list<Argument> arg
         std::memcpy(packed.data() + used + sizeof(head), argument.data(), head.size);
         used += sizeof(head) + head.size;
     }
-    const Head head{text, place.file_name(), place.line(), type, static_cast<std::uint32_t>(used)};
+    const Head head{text, place.file_name(), place.line(),
+                    type, isRationed,        static_cast<std::uint32_t>(used)};
     if (!ring().write({std::as_bytes(std::span(&head, 1)), std::span(packed.data(), used)}))
         dropped.fetch_add(1, std::memory_order_relaxed);
 }
@@ -77,9 +82,17 @@ QString textOf(const ArgumentHead& head, const std::byte* from)
     case Argument::Kind::Integer: return QString::number(valueAt<long long>(from));
     case Argument::Kind::Unsigned: return QString::number(valueAt<unsigned long long>(from));
     case Argument::Kind::Real: return QString::number(valueAt<double>(from));
-    case Argument::Kind::Text: return QString::fromUtf8(reinterpret_cast<const char*>(from), head.size);
+    case Argument::Kind::Text:
+        return logText(QString::fromUtf8(reinterpret_cast<const char*>(from), head.size));
     }
     return QString();
+}
+
+/// [gui] One for each constant text.
+std::map<const char*, RationedLog>& rations()
+{
+    static std::map<const char*, RationedLog> byText;
+    return byText;
 }
 
 void log(const Head& head, const std::byte* arguments)
@@ -100,6 +113,12 @@ void log(const Head& head, const std::byte* arguments)
         } else {
             line += QLatin1Char(*at);
         }
+    }
+    if (head.isRationed) {
+        const auto ration = rations().try_emplace(head.text, QStringLiteral("more lines like: ")
+                                                                 + QLatin1StringView(head.text));
+        ration.first->second.write(line, {head.file, static_cast<int>(head.line)});
+        return;
     }
     const QMessageLogger logger(head.file, static_cast<int>(head.line), nullptr);
     (head.type == QtCriticalMsg ? logger.critical() : logger.warning()).noquote() << line;
@@ -152,6 +171,11 @@ void warning(const char* text, std::initializer_list<Argument> arguments, std::s
     write(QtWarningMsg, text, arguments, place);
 }
 
+void rationed(const char* text, std::initializer_list<Argument> arguments, std::source_location place)
+{
+    write(QtWarningMsg, text, arguments, place, true);
+}
+
 void critical(const char* text, std::initializer_list<Argument> arguments, std::source_location place)
 {
     write(QtCriticalMsg, text, arguments, place);
@@ -171,8 +195,11 @@ void drain()
         ring().read(arguments.data(), head.bytes);
         log(head, arguments.data());
     }
-    if (const unsigned count = dropped.exchange(0, std::memory_order_relaxed))
-        qWarning() << "The audio thread had more to say:" << count << "lines were dropped.";
+    for (auto& [text, ration] : rations())
+        ration.tellLeftOut();
+    static RationedLog lost(QStringLiteral("lines of the audio thread found no room and were dropped."));
+    lost.leaveOut(dropped.exchange(0, std::memory_order_relaxed));
+    lost.tellLeftOut();
 }
 
 } // namespace AudioLog

@@ -51,7 +51,11 @@ private:
 /// to %9 stand for the arguments. The log filter goes by the place.
 void warning(const char* text, std::initializer_list<Argument> arguments = {},
              std::source_location place = std::source_location::current());
-/// [audio] The same.
+/// [audio] The same for what a flood of commands can bring about: of very many such lines the log gets the
+/// number (RationedLog).
+void rationed(const char* text, std::initializer_list<Argument> arguments = {},
+              std::source_location place = std::source_location::current());
+/// [audio] The same as warning().
 void critical(const char* text, std::initializer_list<Argument> arguments = {},
               std::source_location place = std::source_location::current());
 

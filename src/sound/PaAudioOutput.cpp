@@ -1,6 +1,7 @@
 #include "sound/PaAudioOutput.h"
 
 #include "app/LogFilter.h"
+#include "app/LogText.h"
 #include "sound/FloatMode.h"
 #include "sound/JackEpoch.h"
 #include "sound/PaDeviceJobs.h"
@@ -231,7 +232,7 @@ int PaAudioOutput::findDevice(const QString& wanted, int& index, const Deadline&
     if (!wanted.isEmpty() && mDeviceNames.value(index) != wanted) { // the list was read anew
         index = static_cast<int>(mDeviceNames.indexOf(wanted));
         if (index < 0) {
-            qCritical().noquote() << "The sound device is not there:" << wanted;
+            qCritical().noquote() << "The sound device is not there:" << logText(wanted);
             return paNoDevice;
         }
     }

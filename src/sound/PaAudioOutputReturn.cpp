@@ -1,5 +1,6 @@
 // PaAudioOutput: noticing a device that goes away, and bringing it back.
 
+#include "app/LogText.h"
 #include "sound/JackEpoch.h"
 #include "sound/PaDeviceJobs.h"
 #include "sound/PdPlayer.h"
@@ -53,7 +54,7 @@ void PaAudioOutput::watch()
 /// Drops the stream of a lost device without waiting for its server.
 void PaAudioOutput::giveUpStream()
 {
-    qCritical().noquote() << "The sound device is gone:" << mDeviceName;
+    qCritical().noquote() << "The sound device is gone:" << logText(mDeviceName);
     if (jackIsGone()) {
         leaveStream();
     } else if (mLibrary->isJack(mStreamApi)) {

@@ -7,8 +7,6 @@
 #include "sound/OrloTransposeEvent.h"
 #include "sound/ThreadCheck.h"
 
-#include <QDebug>
-
 #include <cstddef>
 
 namespace {
@@ -53,8 +51,10 @@ void PdMessageBuffer::queueEvent(const OrloEvent* event)
 
 void PdMessageBuffer::writeChunk(const Chunk* chunk)
 {
-    if (!mRing.write(chunk, CHUNK_BYTES))
-        qWarning() << "Command buffer full";
+    if (mRing.write(chunk, CHUNK_BYTES))
+        mFull.tellLeftOut();
+    else
+        mFull.write(QStringLiteral("Command buffer full"));
 }
 
 void PdMessageBuffer::processEvents(ChunkList& chunks)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/RationedLog.h"
 #include "model/OrloPath.h"
 #include "model/OrloRatio.h"
 #include "sound/ByteRing.h"
@@ -10,8 +11,8 @@
 /// bytes. It is read on [audio] and has one writing thread: [gui] for the player's guiBuffer, [listener]
 /// for its serialBuffer.
 ///
-/// Capacity: 255 chunks. A chunk that finds the ring full is dropped with a warning; the writer
-/// neither waits nor retries. Nothing here blocks, and only init() allocates.
+/// Capacity: 255 chunks. A chunk that finds the ring full is dropped with a warning, of many only their
+/// number; the writer neither waits nor retries. Nothing here blocks, and on [audio] nothing allocates.
 class PdMessageBuffer
 {
 public:
@@ -46,4 +47,6 @@ public:
 
 private:
     ByteRing mRing;
+    RationedLog mFull{
+        QStringLiteral("more commands found the buffer full and were dropped.")}; // the writer's
 };

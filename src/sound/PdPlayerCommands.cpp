@@ -138,15 +138,15 @@ void PdPlayer::processChunk(const Chunk* chunk)
     if (chunk->type < 0 || chunk->type >= OrloEvent::TYPE_COUNT)
         return;
     if (!std::isfinite(chunk->value)) {
-        AudioLog::warning("PdPlayer: an event of type %1 with a value that is no number is dropped.",
-                          {chunk->type});
+        AudioLog::rationed("PdPlayer: an event of type %1 with a value that is no number is dropped.",
+                           {chunk->type});
         return;
     }
     try {
         handlers()[static_cast<std::size_t>(chunk->type)](*this, *chunk);
     } catch (const std::exception& error) {
         // A ratio that cannot be formed must not end the audio thread.
-        AudioLog::warning("PdPlayer: an event of type %1 is dropped: %2", {chunk->type, error.what()});
+        AudioLog::rationed("PdPlayer: an event of type %1 is dropped: %2", {chunk->type, error.what()});
     }
 }
 

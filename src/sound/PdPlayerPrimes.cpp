@@ -36,8 +36,8 @@ void PdPlayer::toggleByPath(const OrloPath& path)
         return;
     const OrloRatio relative(OrloRatio::productOfSteps(path.toCharArray()));
     if (!mTransposition.fitsWhenMultipliedWith(relative)) {
-        AudioLog::warning("PdPlayer: the pitch of \"%1\" does not fit and stays silent.",
-                          {pathText(path).data()});
+        AudioLog::rationed("PdPlayer: the pitch of \"%1\" does not fit and stays silent.",
+                           {pathText(path).data()});
         return;
     }
     OrloRatio ratio(mTransposition);

@@ -27,8 +27,8 @@ void PdPlayer::transpose(const OrloRatio& ratio)
 bool PdPlayer::multiplyTransposition(const OrloRatio& by)
 {
     if (by.numerator() == 0 || !mTransposition.fitsWhenMultipliedWith(by)) {
-        AudioLog::warning("PdPlayer: a transposition by %1/%2 does not fit and is refused.",
-                          {by.numerator(), by.denominator()});
+        AudioLog::rationed("PdPlayer: a transposition by %1/%2 does not fit and is refused.",
+                           {by.numerator(), by.denominator()});
         return false;
     }
     mTransposition *= by;

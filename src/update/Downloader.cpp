@@ -1,18 +1,18 @@
 #include "update/Downloader.h"
 
+#include "app/LogText.h"
 #include "ui_Downloader.h"
+#include "update/RunnableFile.h"
 #include "update/SafeFileName.h"
 
 #include <QDateTime>
 #include <QDebug>
 #include <QDesktopServices>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QScreen>
-#include <QUrl>
 
 #include <cmath>
 
@@ -20,20 +20,6 @@ namespace {
 
 constexpr int HTTP_OK = 200;
 constexpr double MAX_SECONDS = 1e9; // a server can promise any length
-
-QString partOf(const QString& target)
-{
-    return target + QStringLiteral(".part");
-}
-
-/// Removes a plain file, or a link itself and not its target. False if something else has this path.
-bool makeRoom(const QString& path)
-{
-    const QFileInfo info(path);
-    if (!info.exists() && !info.isSymLink())
-        return true;
-    return (info.isFile() || info.isSymLink()) && QFile::remove(path);
-}
 
 QString counted(qint64 count, const QString& many, const QString& one)
 {
@@ -84,13 +70,11 @@ void Downloader::fetch(const QUrl& url)
     stop();
     showStart();
     mReceived = 0;
-    mTarget.clear();
     const QString reason = obstacle(url);
     if (!reason.isEmpty()) {
         fail(reason);
         return;
     }
-    mTarget = QDir(mDownloadDir).filePath(mFileName);
     mReply = mManager.get(web::request(url, mUserAgentString, mTransferTimeout));
     mStartTime = QDateTime::currentSecsSinceEpoch();
     connect(mReply, &QNetworkReply::downloadProgress, this, &Downloader::updateProgress);
@@ -100,41 +84,35 @@ void Downloader::fetch(const QUrl& url)
     show();
 }
 
-/// What forbids this download; clears the place of its file. Empty: nothing.
-QString Downloader::obstacle(const QUrl& url) const
+/// What forbids this download; empty when its file has been made.
+QString Downloader::obstacle(const QUrl& url)
 {
-    if (!web::isWebAddress(url))
-        return QStringLiteral("The address that the server gave is not one of the web.");
+    if (const QString objection = web::objection(mFeed, url); !objection.isEmpty())
+        return objection;
     if (!isSafeFileName(mFileName))
         return QStringLiteral("The address that the server gave has no usable file name.");
     if (!QDir().mkpath(mDownloadDir))
         return QStringLiteral("The folder \"%1\" cannot be made.")
             .arg(QDir::toNativeSeparators(mDownloadDir));
-    const QString target = QDir(mDownloadDir).filePath(mFileName);
-    for (const QString& path : {target, partOf(target)}) {
-        if (!makeRoom(path))
-            return QStringLiteral("\"%1\" is in the way.").arg(QDir::toNativeSeparators(path));
-    }
-    return QString();
+    return mFile.start(mDownloadDir, mFileName) ? QString() : mFile.error();
 }
 
 /// Ends the download under way, if any, with what it wrote.
 void Downloader::stop()
 {
     mBox.close();
+    mFile.discard();
     QNetworkReply* reply = std::exchange(mReply, nullptr);
     if (!reply)
         return;
     reply->disconnect(this);
     reply->abort();
     reply->deleteLater();
-    QFile::remove(partOf(mTarget));
-    mTarget.clear();
 }
 
 void Downloader::fail(const QString& reason)
 {
-    qWarning().noquote() << "The update could not be downloaded:" << reason;
+    qWarning().noquote() << "The update could not be downloaded:" << logText(reason);
     stop();
     hide();
     warn(QStringLiteral("The update could not be downloaded"), reason);
@@ -155,7 +133,7 @@ void Downloader::saveFile()
     const QUrl redirection = mReply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (!redirection.isEmpty()) {
         const QUrl target = mReply->url().resolved(redirection);
-        if (web::mayRedirect(mReply->url(), target) && ++mRedirections <= web::REDIRECT_LIMIT)
+        if (web::objection(mReply->url(), target).isEmpty() && ++mRedirections <= web::REDIRECT_LIMIT)
             fetch(target);
         else
             fail(QStringLiteral("The server sends on to an address that is not followed."));
@@ -163,10 +141,8 @@ void Downloader::saveFile()
     }
     const QByteArray bytes = mReply->readAll();
     mReceived += bytes.size();
-    // A failed write is noticed at the end, by the size of the file.
-    QFile part(partOf(mTarget));
-    if (!bytes.isEmpty() && part.open(QIODevice::WriteOnly | QIODevice::Append))
-        part.write(bytes);
+    if (!mFile.write(bytes))
+        fail(mFile.error());
 }
 
 void Downloader::finished()
@@ -180,13 +156,13 @@ void Downloader::finished()
         fail(reason);
         return;
     }
-    if (!QFile::rename(partOf(mTarget), mTarget)) {
-        fail(QStringLiteral("\"%1\" cannot be written.").arg(QDir::toNativeSeparators(mTarget)));
+    if (!mFile.finish()) {
+        fail(mFile.error());
         return;
     }
     mBox.close(); // too late to cancel
     QNetworkReply* done = std::exchange(mReply, nullptr);
-    emit downloadFinished(mUrlId, mTarget);
+    emit downloadFinished(mUrlId, mFile.path());
     done->close();
     done->deleteLater();
     installUpdate();
@@ -203,13 +179,11 @@ QString Downloader::fault() const
     const QVariant promised = mReply->header(QNetworkRequest::ContentLengthHeader);
     if (mReply->error() != QNetworkReply::NoError
         || (promised.isValid() && promised.toLongLong() != mReceived)) {
-        qWarning().noquote() << mReply->errorString();
+        qWarning().noquote() << logText(mReply->errorString());
         return QStringLiteral("The connection was interrupted.");
     }
     if (mReceived == 0)
         return QStringLiteral("The server sent an empty file.");
-    if (QFileInfo(partOf(mTarget)).size() != mReceived)
-        return QStringLiteral("\"%1\" cannot be written.").arg(QDir::toNativeSeparators(partOf(mTarget)));
     return QString();
 }
 
@@ -292,6 +266,11 @@ void Downloader::installUpdate()
                              "is a mandatory update, exiting now will close the application")
             : QStringLiteral("In order to use the new version, quit the application and replace it in "
                              "your applications folder.");
+    if (runnablefile::isRunnable(mFile.path())) {
+        ui->timeLabel->setText(whereItLies());
+        tellWhereItLies(heading);
+        return;
+    }
     mBox.show({.icon = QMessageBox::Question,
                .title = QCoreApplication::applicationName(),
                .text = SingleMessageBox::h3(heading),
@@ -313,17 +292,39 @@ void Downloader::installUpdate()
 
 void Downloader::openDownload()
 {
-    if (mTarget.isEmpty() || !QFileInfo::exists(mTarget)) {
+    const QString path = mFile.path();
+    if (path.isEmpty() || !QFileInfo::exists(path)) {
         mBox.show({.icon = QMessageBox::Critical,
                    .title = QStringLiteral("Error"),
                    .text = QStringLiteral("Cannot find downloaded update!"),
                    .informative = QString(),
                    .buttons = QMessageBox::Ok,
                    .standard = QMessageBox::Ok});
-    } else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(mTarget))) {
-        warn(QStringLiteral("The update could not be opened"),
-             QStringLiteral("It lies at \"%1\".").arg(QDir::toNativeSeparators(mTarget)));
+    } else if (runnablefile::isRunnable(path) || !QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
+        warn(QStringLiteral("The update could not be opened"), whereItLies());
     }
+}
+
+QString Downloader::whereItLies() const
+{
+    return QStringLiteral("It lies at \"%1\".").arg(QDir::toNativeSeparators(mFile.path()));
+}
+
+/// In place of the question whether to open it.
+void Downloader::tellWhereItLies(const QString& heading)
+{
+    const QString reason =
+        QStringLiteral(" It is not opened from here: the desktop could run a file of this kind.");
+    mBox.show({.icon = QMessageBox::Information,
+               .title = QCoreApplication::applicationName(),
+               .text = SingleMessageBox::h3(heading),
+               .informative = (whereItLies() + reason).toHtmlEscaped(),
+               .buttons = QMessageBox::Close,
+               .standard = QMessageBox::Close},
+              [this](QMessageBox::StandardButton) {
+                  hide();
+                  quitIfMandatory();
+              });
 }
 
 void Downloader::cancelDownload()

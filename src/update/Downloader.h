@@ -1,9 +1,11 @@
 #pragma once
 
+#include "update/DownloadFile.h"
 #include "update/SingleMessageBox.h"
 #include "update/WebAddress.h"
 
 #include <QNetworkAccessManager>
+#include <QUrl>
 #include <QWidget>
 
 #include <memory>
@@ -16,7 +18,8 @@ class Downloader;
 
 /// The progress window that fetches one file into the download directory, and then asks whether to
 /// open it. Graphical thread. While it runs, the file has ".part" behind its name; only what arrived
-/// whole gets the final name, and nothing outside the directory is touched.
+/// whole gets the final name, and no file that was there before is touched. What the desktop would run
+/// is not opened from here.
 class Downloader : public QWidget
 {
     Q_OBJECT
@@ -29,6 +32,8 @@ public:
     bool useCustomInstallProcedures() const { return mUseCustomInstallProcedures; }
 
     void setFileName(const QString& name) { mFileName = name; }
+    /// Where the address of the file comes from: an https one may not lead down to http.
+    void setFeed(const QUrl& feed) { mFeed = feed; }
     /// What `downloadFinished` names the download by.
     void setUrlId(const QString& id) { mUrlId = id; }
     void setDownloadDir(const QString& directory) { mDownloadDir = directory; }
@@ -67,13 +72,16 @@ private:
     void warn(const QString& what, const QString& why);
     void quitIfMandatory() const;
     void showStart();
-    QString obstacle(const QUrl& url) const;
+    QString obstacle(const QUrl& url);
     QString fault() const;
+    QString whereItLies() const;
+    void tellWhereItLies(const QString& heading);
     void calculateSizes(qint64 received, qint64 total);
     void calculateTimeRemaining(qint64 received, qint64 total);
 
     std::unique_ptr<Ui::Downloader> ui;
     QString mFileName;
+    QUrl mFeed;
     QString mUrlId;
     QString mDownloadDir;
     QString mUserAgentString;
@@ -83,7 +91,7 @@ private:
     qint64 mStartTime = 0; // seconds
     int mRedirections = 0; // of this download
     qint64 mReceived = 0;  // bytes taken from the reply
-    QString mTarget;       // final path of the download under way or finished
+    DownloadFile mFile;    // of the download under way or finished
     QNetworkAccessManager mManager;
     QNetworkReply* mReply = nullptr; // of the download under way, owned by the manager
     SingleMessageBox mBox;

@@ -7,13 +7,15 @@
 
 namespace {
 
-constexpr qsizetype MAX_NAME_BYTES = 250; // with ".part" what every file system takes
+constexpr qsizetype MAX_NAME_BYTES = 240; // with a number and ".part" what every file system takes
 
 bool isPlainName(const QString& name)
 {
     return !name.isEmpty() && !name.startsWith(u'.') && std::none_of(name.begin(), name.end(), [](QChar c) {
-        return c == u'/' || c == u'\\' || c == u':' || c.category() == QChar::Other_Control
-               || c.category() == QChar::Other_Format; // which could turn the name around
+        const QChar::Category category = c.category();
+        return c == u'/' || c == u'\\' || c == u':' || category == QChar::Other_Control
+               || category == QChar::Separator_Line || category == QChar::Separator_Paragraph
+               || category == QChar::Other_Format; // which could turn the name around
     });
 }
 

@@ -1,5 +1,6 @@
 #include "update/Updater.h"
 
+#include "app/LogText.h"
 #include "update/Downloader.h"
 #include "update/VersionOrder.h"
 
@@ -98,7 +99,7 @@ void Updater::onReply(QNetworkReply* reply)
 
     mNetworkError = redirected || reply->error() != QNetworkReply::NoError;
     if (mNetworkError) {
-        qWarning().noquote() << "The update feed could not be read:" << reply->errorString();
+        qWarning().noquote() << "The update feed could not be read:" << logText(reply->errorString());
         emit networkError(mUrl, true);
         emit checkingFinished(mUrl);
         setUpdateAvailable(false);
@@ -126,9 +127,10 @@ bool Updater::followRedirection(const QNetworkReply& reply)
 {
     const QUrl target =
         reply.url().resolved(reply.attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl());
-    if (!web::mayRedirect(reply.url(), target) || ++mRedirections > web::REDIRECT_LIMIT) {
-        qWarning().noquote() << "The update feed leads to" << target.toDisplayString()
-                             << "which is not followed.";
+    const QString objection = web::objection(reply.url(), target);
+    if (!objection.isEmpty() || ++mRedirections > web::REDIRECT_LIMIT) {
+        qWarning().noquote() << "The update feed leads to" << logText(target.toDisplayString())
+                             << "which is not followed." << objection;
         return false;
     }
     mUrl = QString::fromUtf8(target.toEncoded());
@@ -232,6 +234,7 @@ void Updater::fetchUpdate()
         openAddress(mDownloadUrl);
     } else {
         mDownloader->setUrlId(mUrl);
+        mDownloader->setFeed(QUrl(mUrl));
         mDownloader->setFileName(mDownloadUrl.split(u'/').last());
         mDownloader->setMandatoryUpdate(mMandatoryUpdate);
         mDownloader->startDownload(QUrl(mDownloadUrl));
@@ -241,15 +244,15 @@ void Updater::fetchUpdate()
 void Updater::openAddress(const QString& address)
 {
     const QUrl url(address);
-    if (web::isWebAddress(url) && QDesktopServices::openUrl(url))
+    const QString objection = web::objection(QUrl(mUrl), url);
+    if (objection.isEmpty() && QDesktopServices::openUrl(url))
         return;
-    qWarning() << "The update's address could not be opened:" << address.left(200);
-    mBox.show({.icon = QMessageBox::Warning,
-               .title = mModuleName,
-               .text = SingleMessageBox::h3(QStringLiteral("The update's page cannot be opened")),
-               .informative = web::isWebAddress(url)
-                                  ? QStringLiteral("No web browser took the address.")
-                                  : QStringLiteral("The address that the server gave is not one of the web."),
-               .buttons = QMessageBox::Close,
-               .standard = QMessageBox::Close});
+    qWarning().noquote() << "The update's address could not be opened:" << logText(address.left(200));
+    mBox.show(
+        {.icon = QMessageBox::Warning,
+         .title = mModuleName,
+         .text = SingleMessageBox::h3(QStringLiteral("The update's page cannot be opened")),
+         .informative = objection.isEmpty() ? QStringLiteral("No web browser took the address.") : objection,
+         .buttons = QMessageBox::Close,
+         .standard = QMessageBox::Close});
 }

@@ -12,9 +12,14 @@ bool isWebAddress(const QUrl& url)
            && (scheme == QStringLiteral("http") || scheme == QStringLiteral("https"));
 }
 
-bool mayRedirect(const QUrl& from, const QUrl& to)
+QString objection(const QUrl& from, const QUrl& to)
 {
-    return isWebAddress(to) && (from.scheme() != QStringLiteral("https") || to.scheme() == from.scheme());
+    if (!isWebAddress(to))
+        return QStringLiteral("The address that the server gave is not one of the web.");
+    if (from.scheme() == QStringLiteral("https") && to.scheme() != from.scheme())
+        return QStringLiteral(
+            "The server was asked safely by https, but the address that it gave is only http.");
+    return QString();
 }
 
 QNetworkRequest request(const QUrl& url, const QString& userAgent, int timeoutMs)

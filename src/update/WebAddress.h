@@ -15,8 +15,9 @@ constexpr int TRANSFER_TIMEOUT_MS = 30000;
 
 /// A complete http or https address. A feed may name anything, and nothing else is fetched or opened.
 bool isWebAddress(const QUrl& url);
-/// Never from https down to http.
-bool mayRedirect(const QUrl& from, const QUrl& to);
+/// Why an address that came from another one, as a redirection or in a feed, is neither fetched nor opened,
+/// as a sentence for the player; empty when nothing speaks against it. From https nothing leads down to http.
+QString objection(const QUrl& from, const QUrl& to);
 
 /// Does not follow redirections by itself, and asks for the plain bytes, whose number
 /// Content-Length then tells. Without an agent the toolkit's own is sent.

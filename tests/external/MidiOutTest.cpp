@@ -228,9 +228,9 @@ TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
     for (MidiOutOverDouble& each : outs) {
         EXPECT_EQ(each.portName, DEACTIVATED);
         EXPECT_EQ(each.missingPort(), name);
-        each.system->sendsFail = false;
     }
     EXPECT_EQ(failing.system->take(), "open 3 as RtMidi Output, close");
+    failing.system->sendsFail = false; // only now, as the sender may not have closed it before
     EXPECT_TRUE(vanishing.system->take().ends_with(onAllChannels(0xB0, "7B 00") + ", close"));
     EXPECT_EQ(log.count(QtCriticalMsg, QStringLiteral("the device is gone")), 1);
 
@@ -258,6 +258,7 @@ TEST_F(MidiOut, APortThatIsLostIsToldOfOnceAndOpenedAgainWhenItIsBack)
 // As JACK's server does when it is frozen. A listing waits for it too; a second one takes a new sender.
 TEST_F(MidiOut, ASenderThatSticksIsGivenUp)
 {
+    constexpr int slowMachine = 8000; // ms; it takes up to 3500, and without an end for ever
     for (const int listings : {0, 2}) {
         openFirst();
         out.system->sendsHang = true;
@@ -265,17 +266,17 @@ TEST_F(MidiOut, ASenderThatSticksIsGivenUp)
         timer.start();
         for (int i = 0; i < 20000; ++i) // far more than has room
             out.voiceOn(0, 64);
-        EXPECT_LT(timer.elapsed(), 1000) << "the player waits";
+        EXPECT_LT(timer.elapsed(), MidiSender::CALL_LIMIT.count()) << "the player waits";
         for (int i = 0; i < listings; ++i)
             EXPECT_EQ(out.availablePorts().isEmpty(), i == 0);
         ASSERT_TRUE(waitUntil([&] { return !out.portOpen; })) << listings;
-        EXPECT_LT(timer.elapsed(), 4000);
+        EXPECT_LT(timer.elapsed(), slowMachine);
         EXPECT_EQ(out.missingPort(), QStringLiteral("Synth:in"));
 
         // The one that hangs ends the notes of its port when it comes back, which nobody waits for.
         timer.start();
         ASSERT_TRUE(out.selectPort(3));
-        EXPECT_LT(timer.elapsed(), 4000);
+        EXPECT_LT(timer.elapsed(), slowMachine);
         out.system->sendsHang = false;
         ASSERT_TRUE(waitUntil([&] { return MidiSender::lostThreads() == 0; }));
         take();

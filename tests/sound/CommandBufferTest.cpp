@@ -1,3 +1,5 @@
+#include "app/RationedLog.h"
+#include "sound/AudioLog.h"
 #include "support/EngineLog.h"
 #include "support/LogCatcher.h"
 #include "support/SoundRig.h"
@@ -41,6 +43,18 @@ TEST(CommandBuffer, Holds255ChunksInOrderAndDropsTheNext)
     chunks.setSize(0);
     buffer.processEvents(chunks);
     EXPECT_EQ(chunks.size(), 0);
+}
+
+TEST(CommandBuffer, AStuckEngineDoesNotFillTheLog)
+{
+    PdMessageBuffer buffer;
+    ASSERT_TRUE(buffer.init());
+    const LogCatcher log;
+    const OrloEvent queued = event(19, 0.5F);
+    for (int i = 0; i < 20000; ++i)
+        buffer.queueEvent(&queued);
+    EXPECT_GE(log.lines().size(), RationedLog::AT_ONCE);
+    EXPECT_LT(log.lines().size(), RationedLog::AT_ONCE + 20); // more would take forty seconds
 }
 
 TEST(Commands, OfTheDeviceRunBeforeThoseOfTheScreen)
@@ -99,6 +113,20 @@ TEST(Commands, DoWhatTheirNumberSays)
         rig.send(event(type, value));
         EXPECT_EQ(log.said(), lines) << "type " << type << " value " << value;
     }
+}
+
+TEST(Commands, AFloodOfWildOnesLeavesRoomInTheLog)
+{
+    SoundRig rig;
+    AudioLog::drain();
+    const LogCatcher log;
+    for (int i = 0; i < 500; ++i)
+        rig.send(event(19, NAN));
+    rig.send(event(36, 1.0F)); // no transposition by 0/1
+    AudioLog::drain();
+    EXPECT_EQ(log.count(QtWarningMsg, QStringLiteral("refused")), 1);
+    EXPECT_GT(log.lines().size(), 10);
+    EXPECT_LT(log.lines().size(), RationedLog::AT_ONCE + 20);
 }
 
 TEST(MacroList, ReadsNamesAndDefaults)

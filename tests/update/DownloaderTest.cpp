@@ -65,8 +65,8 @@ TEST_F(DownloaderTest, BringsTheWholeFileAndAsksWhetherToOpenIt)
     const QString path = downloads + u"new.dmg"_s;
     for (const auto& answer : answers) {
         QSignalSpy done(downloader.get(), &Downloader::downloadFinished);
+        QFile::remove(path);
         start(answer);
-        EXPECT_EQ(downloaded(), QStringList()); // the former is gone
         EXPECT_TRUE(nextBox().startsWith(INSTALL));
         EXPECT_EQ(content(u"new.dmg"_s), file);
         EXPECT_EQ(downloaded(), QStringList(u"new.dmg"_s));
@@ -76,6 +76,7 @@ TEST_F(DownloaderTest, BringsTheWholeFileAndAsksWhetherToOpenIt)
         EXPECT_FALSE(downloader->isVisible());
     }
 
+    QFile::remove(path);
     start(answers[0]);
     nextBox();
     EXPECT_TRUE(press(QMessageBox::Cancel));
@@ -91,7 +92,7 @@ TEST_F(DownloaderTest, BringsTheWholeFileAndAsksWhetherToOpenIt)
     server.put(u"/elsewhere/x"_s, LoopbackServer::ok("small"));
     for (int i = 0; i <= web::REDIRECT_LIMIT; ++i) { // which each download has for itself
         start(answers[2]);
-        EXPECT_TRUE(waitUntil([&] { return content(u"new.dmg"_s) == "small"; }));
+        EXPECT_TRUE(waitUntil([&] { return content(DownloadFile::numbered(u"new.dmg"_s, i)) == "small"; }));
         EXPECT_EQ(box(), nullptr);
     }
 }
@@ -131,7 +132,7 @@ TEST_F(DownloaderTest, NoNameLeadsOutOfTheFolder)
     QStringList hostile =
         u". .. ../outside a/../../outside ..%2foutside ..\\x .hidden %2ehidden c:x a\nb a\u202Egpj"_s.split(
             u' ');
-    hostile << QString() << outside << QString(251, u'x') << QString(u'\0') + u"x"_s;
+    hostile << QString() << outside << QString(241, u'x') << QString(u'\0') + u"x"_s << u"a\u2028b"_s;
     for (const QString& name : hostile) {
         downloader->setFileName(name);
         start(LoopbackServer::ok("theirs"));
@@ -140,31 +141,92 @@ TEST_F(DownloaderTest, NoNameLeadsOutOfTheFolder)
     EXPECT_TRUE(server.requests().isEmpty());
     EXPECT_TRUE(Downloader::isSafeFileName(u"Brevick%20Tuning Orlo 2..1.dmg"_s));
 
-    // Of links only the links are taken away, the one to nowhere too.
-    downloader->setFileName(u"new.dmg"_s);
-    ASSERT_TRUE(QFile::link(outside, downloads + u"new.dmg"_s));
-    ASSERT_TRUE(QFile::link(u"/nonexistent/x"_s, downloads + u"new.dmg.part"_s));
-    start(LoopbackServer::ok("theirs"));
-    EXPECT_TRUE(nextBox().startsWith(INSTALL));
-    EXPECT_EQ(content(u"new.dmg"_s), "theirs");
     EXPECT_EQ(content(u"../outside"_s), "mine");
+}
+
+TEST_F(DownloaderTest, WhatIsThereAlreadyIsNeverTouched)
+{
+    QDir().mkpath(downloads + u"new (2).dmg.part"_s);
+    QDir().mkpath(downloads + u"new (2).dmg"_s);
+    const QString outside = root.filePath(u"sub/outside"_s);
+    for (const QString& name : {u"../outside"_s, u"new.dmg"_s, u"new.dmg.part"_s, u"new (3).dmg"_s}) {
+        QFile file(downloads + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("mine") == 4);
+    }
+    ASSERT_TRUE(QFile::link(outside, downloads + u"new (1).dmg"_s));
+    ASSERT_TRUE(QFile::link(u"/nonexistent/x"_s, downloads + u"new (1).dmg.part"_s));
+    const QStringList before = downloaded();
+    QSignalSpy done(downloader.get(), &Downloader::downloadFinished);
+    start(LoopbackServer::ok("theirs"));
+    nextBox();
+    press(QMessageBox::Cancel);
+    for (const auto& answer : {LoopbackServer::notFound(), LoopbackServer::cut("x", 9)}) {
+        start(answer);
+        EXPECT_TRUE(nextBox().startsWith(FAILED));
+    }
+    QStringList now = downloaded();
+    EXPECT_TRUE(now.removeOne(u"new (4).dmg"_s));
+    EXPECT_EQ(now, before);
+    EXPECT_EQ(done.value(0).value(1).toString(), downloads + u"new (4).dmg"_s);
+    EXPECT_EQ(content(u"new (4).dmg"_s), "theirs");
+    for (const QString& name : {u"../outside"_s, u"new.dmg"_s, u"new.dmg.part"_s, u"new (3).dmg"_s})
+        EXPECT_EQ(content(name), "mine") << qPrintable(name);
+
+    const std::pair<QString, QString> rows[] = {{u"a"_s, u"a (2)"_s},
+                                                {u"a-2.1.0.zip"_s, u"a-2.1.0 (2).zip"_s},
+                                                {u"a-2.1.tar.xz"_s, u"a-2.1 (2).tar.xz"_s}};
+    for (const auto& [name, second] : rows)
+        EXPECT_EQ(DownloadFile::numbered(name, 2), second);
 }
 
 TEST_F(DownloaderTest, TellsWhatCannotBeWritten)
 {
-    const QString target = QDir(downloads).filePath(u"new.dmg"_s);
+    const QString part = QDir(downloads).filePath(u"new.dmg.part"_s);
+    const QString cannot = FAILED + u"&quot;%1&quot; cannot be written: %2."_s;
     {
         const FullDisk full(4096);
-        start(LoopbackServer::ok(pattern(100000)));
-        EXPECT_EQ(nextBox(), FAILED + u"&quot;"_s + target + u".part&quot; cannot be written."_s);
+        // The rest does not have to come.
+        start(LoopbackServer::cut(pattern(100000), 100001, true));
+        EXPECT_EQ(nextBox(), cannot.arg(part, u"File too large"_s));
     }
     EXPECT_EQ(downloaded(), QStringList());
+    downloader->setDownloadDir(u"/proc/self"_s); // where nobody writes, root neither
+    start(LoopbackServer::ok("x"));
+    EXPECT_TRUE(nextBox().startsWith(cannot.section(u'%', 0, 0) + u"/proc/self/new.dmg.part"_s))
+        << qPrintable(boxText());
+}
 
-    for (const QString& taken : {target, target + u".part"_s}) {
-        QDir().mkpath(taken);
-        start(LoopbackServer::ok("x"));
-        EXPECT_EQ(boxText(), FAILED + u"&quot;"_s + taken + u"&quot; is in the way."_s);
-        QDir().rmdir(taken);
+TEST_F(DownloaderTest, WhatTheDesktopWouldRunIsKeptButNotOpened)
+{
+    const std::tuple<QString, QByteArray, bool> rows[] = {
+        // name, content, whether it is opened
+        {u"a.dmg"_s, "x", true},
+        {u"a.sh.zip"_s, "PK", true},
+        {u"a-2.1.0"_s, "a text", true},
+        {u"a.desktop"_s, "x", false},
+        {u"a.tar.SH"_s, "x", false},
+        {u"a.AppImage"_s, "x", false},
+        {u"a.exe. "_s, "x", false},
+        {u"a-2"_s, "#!/bin/sh\n", false},
+        {u"a"_s,
+         "\x7f"
+         "ELF\2\1\1",
+         false},
+    };
+    for (const auto& [name, bytes, isOpened] : rows) {
+        downloader->setFileName(name);
+        start(LoopbackServer::ok(bytes));
+        EXPECT_TRUE(nextBox().startsWith(INSTALL));
+        EXPECT_EQ(boxText().contains(u"It lies at &quot;"_s + downloads + name), !isOpened)
+            << qPrintable(name);
+        EXPECT_EQ(press(QMessageBox::Ok), isOpened) << qPrintable(name);
+        press(QMessageBox::Close);
+        EXPECT_FALSE(downloader->isVisible());
+        EXPECT_EQ(opened.take().size(), isOpened ? 1 : 0);
+        EXPECT_EQ(content(name), bytes);
+        EXPECT_FALSE(QFile::permissions(downloads + name).testFlag(QFile::ExeOwner));
+        downloader->openDownload();
+        EXPECT_EQ(opened.take().size(), isOpened ? 1 : 0) << qPrintable(name);
     }
 }
 

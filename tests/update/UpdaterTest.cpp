@@ -96,10 +96,10 @@ TEST_F(UpdaterTest, FollowsRedirectionsAndKeepsTheAddress)
         EXPECT_EQ(nextHeading(), OFFER);
     }
 
-    EXPECT_TRUE(web::mayRedirect(QUrl(u"http://a/x"_s), QUrl(u"https://b/y"_s)));
-    EXPECT_FALSE(web::mayRedirect(QUrl(u"https://a/x"_s), QUrl(u"http://a/x"_s)));
+    EXPECT_EQ(web::objection(QUrl(u"http://a/x"_s), QUrl(u"https://b/y"_s)), QString());
+    EXPECT_NE(web::objection(QUrl(u"https://a/x"_s), QUrl(u"http://a/x"_s)), QString());
     for (const QString& to : {u"javascript:y"_s, u"http:///y"_s})
-        EXPECT_FALSE(web::mayRedirect(QUrl(u"http://a/x"_s), QUrl(to))) << qPrintable(to);
+        EXPECT_NE(web::objection(QUrl(u"http://a/x"_s), QUrl(to)), QString()) << qPrintable(to);
 }
 
 TEST_F(UpdaterTest, EveryWayToFailIsANetworkErrorThatCanBeRetried)
@@ -152,23 +152,31 @@ TEST_F(UpdaterTest, YesOpensOnlyAddressesOfTheWeb)
 {
     const QString noPage = u"<h3>The update's page cannot be opened</h3>"_s;
     const QString noFile = u"<h3>The update could not be downloaded</h3>"_s;
-    const std::tuple<const char*, bool, QString, QString> rows[] = {
-        // keys, downloader enabled, opened, box
-        {R"("open-url": "https://x/page", "download-url": "http://x/f")", true, u"https://x/page"_s,
-         QString()},
-        {R"("open-url": "", "download-url": "http://x/f")", false, u"http://x/f"_s, QString()},
-        {R"("open-url": "file:///etc/passwd")", true, QString(), noPage},
-        {R"("download-url": "javascript:alert")", false, QString(), noPage},
-        {R"("download-url": "file:///etc/passwd")", true, QString(), noFile},
+    const QString safe = u"https://x/updates.json"_s;
+    const std::tuple<const char*, bool, QString, QString, QString> rows[] = {
+        // keys, downloader enabled, the feed's address if it is another, opened, box
+        {R"("open-url": "https://x/page", "download-url": "http://x/f")", true, QString(),
+         u"https://x/page"_s, QString()},
+        {R"("open-url": "", "download-url": "http://x/f")", false, QString(), u"http://x/f"_s, QString()},
+        {R"("open-url": "https://x/page")", true, safe, u"https://x/page"_s, QString()},
+        {R"("open-url": "http://x/page")", true, safe, QString(), noPage},
+        {R"("download-url": "http://x/f")", false, safe, QString(), noPage},
+        {R"("download-url": "http://x/f")", true, safe, QString(), noFile},
+        {R"("open-url": "file:///etc/passwd")", true, QString(), QString(), noPage},
+        {R"("download-url": "javascript:alert")", false, QString(), QString(), noPage},
+        {R"("download-url": "file:///etc/passwd")", true, QString(), QString(), noFile},
     };
-    for (const auto& [keys, downloaderEnabled, address, text] : rows) {
+    for (const auto& [keys, downloaderEnabled, address, opens, text] : rows) {
         renew();
         updater->setDownloaderEnabled(downloaderEnabled);
         ASSERT_TRUE(checkFeed(feed("2.1.0", keys)));
         nextBox();
+        if (!address.isEmpty())
+            updater->setUrl(address);
         EXPECT_TRUE(press(QMessageBox::Yes));
-        EXPECT_EQ(opened.take().join(u' '), address) << keys;
+        EXPECT_EQ(opened.take().join(u' '), opens) << keys;
         EXPECT_EQ(boxText().section(u'|', 0, 0), text) << keys;
+        EXPECT_EQ(boxText().contains(u"only http"_s), !address.isEmpty() && !text.isEmpty()) << keys;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "ui/panel/PatchMenu.h"
 
 #include "app/EndRequest.h"
+#include "app/LogText.h"
 #include "app/Settings.h"
 #include "sound/PatchFolder.h"
 #include "sound/PdPlayer.h"
@@ -84,10 +85,12 @@ void PatchMenu::loadPatch(const QString& path)
 {
     if (path.isEmpty() || EndRequest::isMade)
         return;
-    if (mChangingVoice) { // a device can ask while a voice is tried
+    mNextVoice.clear();
+    if (mChangingVoice) { // a device can ask while a voice is tried, or while a box tells of it
         mNextVoice = path;
         return;
     }
+    const QScopedValueRollback changing(mChangingVoice, true);
     const QString absolute = QFileInfo(path).absoluteFilePath();
     qWarning() << "Loading voice patch" << absolute;
     if (const std::optional<QString> reason = changeVoice(absolute)) {
@@ -99,8 +102,11 @@ void PatchMenu::loadPatch(const QString& path)
         mMenu->setCurrentIndex(mCurrentPatch);
         mSettings->defaultPatch = mMenu->currentText() + PATCH_ENDING;
     }
-    if (!mNextVoice.isEmpty())
-        loadPatch(std::exchange(mNextVoice, QString()));
+    if (mNextVoice.isEmpty())
+        return;
+    if (const int next = mMenu->findData(mNextVoice); next >= 0)
+        mMenu->setCurrentIndex(next); // further steps go on from there
+    waitForMore();
 }
 
 void PatchMenu::tellPatchFailed(const QString& path, const QString& reason)
@@ -120,11 +126,10 @@ void PatchMenu::tellPatchFailed(const QString& path, const QString& reason)
 /// one plays on then.
 std::optional<QString> PatchMenu::changeVoice(const QString& path)
 {
-    const QScopedValueRollback changing(mChangingVoice, true);
     if (mPlayer->isSoundOver())
         return NO_MORE_SOUND;
     if (const QString reason = VoicePatchCheck().whyNot(path); !reason.isEmpty()) {
-        qCritical().noquote() << "The voice" << path << "is not loaded:" << reason;
+        qCritical().noquote() << "The voice" << logText(path) << "is not loaded:" << reason;
         return reason;
     }
     const bool opened = openVoicePatch(path);
@@ -170,7 +175,33 @@ void PatchMenu::stepPatch(int by)
         return;
     const int index = (mMenu->currentIndex() + count + by) % count;
     mMenu->setCurrentIndex(index);
+    if (mWaitsForMore || mChangingVoice) {
+        mNextVoice = mMenu->itemData(index).toString();
+        return;
+    }
     patch_by_Index(index);
+    waitForMore(); // hundreds may have come while the voice was opened
+}
+
+void PatchMenu::waitForMore()
+{
+    if (std::exchange(mWaitsForMore, true))
+        return;
+    QMetaObject::invokeMethod(this, &PatchMenu::loadNextVoice, Qt::QueuedConnection);
+}
+
+/// The one that the steps have led to meanwhile.
+void PatchMenu::loadNextVoice()
+{
+    mWaitsForMore = false;
+    if (mChangingVoice) // whose end comes here again
+        return;
+    const QString path = std::exchange(mNextVoice, QString());
+    const bool isOpen = path == mMenu->itemData(mCurrentPatch).toString() && mPlayer->isPatchOpen();
+    if (path.isEmpty() || isOpen)
+        return;
+    loadPatch(path);
+    waitForMore();
 }
 
 void PatchMenu::patch_by_Index(int index)

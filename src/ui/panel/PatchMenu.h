@@ -28,7 +28,8 @@ public:
     void loadPatch(const QString& path);
     /// By index in the menu.
     void patch_by_Index(int index);
-    /// The next or previous one, around the ends.
+    /// The next or previous one, around the ends. The menu steps at once, and a voice is opened at once; of
+    /// further steps that come before the event loop runs again only the voice where they end is opened.
     void stepPatch(int by);
     /// Lets the player choose a file; the first time it is said before what a voice can do.
     void browse();
@@ -40,6 +41,8 @@ signals:
 private:
     void addPatchToMenu(const QString& path);
     void setNoPatchLoaded(bool on);
+    void waitForMore();
+    void loadNextVoice();
     std::optional<QString> changeVoice(const QString& path);
     bool openVoicePatch(const QString& path);
     void tellThatVoicesArePrograms();
@@ -51,5 +54,6 @@ private:
     int mCurrentPatch = -1; // index in the menu, -1: none was ever opened
     bool mChangingVoice = false;
     bool mToldOfPrograms = false; // in this run
-    QString mNextVoice;           // asked for while another one was tried
+    QString mNextVoice;           // asked for while another one was opened, or stepped to since
+    bool mWaitsForMore = false;   // loadNextVoice() is called soon
 };

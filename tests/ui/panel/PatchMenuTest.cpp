@@ -1,9 +1,11 @@
 #include "ui/panel/PatchMenu.h"
 #include "sound/OrloNoteEvent.h"
 #include "support/LogCatcher.h"
+#include "support/Waiting.h"
 #include "ui/WindowFixture.h"
 
 #include <QComboBox>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +19,7 @@ protected:
         EXPECT_TRUE(QFile::copy(menu()->currentData().toString(), mine));
     }
     QComboBox* menu() const { return find<QComboBox>("patchMenu"); }
+    QString fileOf(int index) const { return menu()->itemText(index) + u".pd"_s; }
 
     template <class Action>
     void run(const Action& action)
@@ -83,6 +86,52 @@ TEST_F(PatchMenuTest, BeforeTheFirstChoiceOfAFileItIsSaidWhatAVoiceCanDo)
     openWindow();
     button("loadPatchButton")->click();
     EXPECT_EQ(boxes.take(), QStringList(u"Open Patch"_s));
+}
+
+TEST_F(PatchMenuTest, StepsThatComeTogetherOpenTheVoiceWhereTheyEnd)
+{
+    const auto sendSteps = [this](int up, int down) {
+        for (int i = 0; i < up + down; ++i) {
+            const OrloEvent step(OrloEvent::PatchStep, i < up ? 1.0F : 0.0F);
+            player.queueEventSerial(&step);
+        }
+    };
+    const int count = menu()->count();
+    const std::tuple<int, int, int> rows[] = {
+        // up, down, voices that are opened: the first step at once, and what the others lead to
+        {1, 0, 1}, {0, 1, 1}, {200, 3, 2}, {3, 200, 2}, {count, 1, 2}, {count + 1, 0, 1},
+    };
+    const LogCatcher log;
+    for (const auto& [up, down, opened] : rows) {
+        const int end = ((menu()->currentIndex() + up - down) % count + count) % count;
+        const int before = log.count(QtWarningMsg, u"Loading voice patch"_s);
+        run([&] {
+            sendSteps(up, down);
+            EXPECT_TRUE(waitUntil(
+                [&] { return log.count(QtWarningMsg, u"Loading voice patch"_s) == before + opened; }));
+        });
+        EXPECT_EQ(menu()->currentIndex(), end) << up << ' ' << down;
+        EXPECT_EQ(settings.defaultPatch, fileOf(end)) << up << ' ' << down;
+        EXPECT_EQ(log.count(QtWarningMsg, u"Loading voice patch"_s), before + opened) << up << ' ' << down;
+    }
+    // What the player chooses meanwhile counts.
+    run([&] {
+        button("patchIncButton")->click();
+        button("patchIncButton")->click();
+        window->patch_by_Index(1);
+    });
+    EXPECT_EQ(settings.defaultPatch, fileOf(1));
+    // Steps that come while a box tells of a failure wait for its end.
+    run([&] {
+        QTimer::singleShot(0, menu(), [this] {
+            button("patchIncButton")->click();
+            button("patchIncButton")->click();
+            EXPECT_EQ(settings.defaultPatch, fileOf(1));
+        });
+        window->loadPatch(home.path(u"no.pd"_s));
+        EXPECT_TRUE(waitUntil([this] { return settings.defaultPatch == fileOf(3); }));
+    });
+    EXPECT_EQ(boxes.take().size(), 1);
 }
 
 TEST_F(PatchMenuTest, WhatIsNoVoiceIsNamedAndTheFormerPlaysOn)

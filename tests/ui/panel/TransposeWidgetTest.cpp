@@ -1,4 +1,5 @@
 #include "ui/panel/TransposeWidget.h"
+#include "support/Waiting.h"
 #include "ui/UiFixture.h"
 #include "ui/panel/PrimeToggleButton.h"
 #include "ui/panel/TransposeButton.h"
@@ -6,8 +7,8 @@
 #include <QGraphicsEffect>
 #include <QImage>
 #include <QLabel>
-#include <QTest>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -36,10 +37,12 @@ protected:
     PrimeToggleButton* prime(int row) const { return widget.findChildren<PrimeToggleButton*>().at(row); }
     bool canReset() const { return widget.findChild<QWidget*>(QStringLiteral("resetButton"))->isEnabled(); }
 
-    /// Long enough for an animated click, then through the player and back.
+    /// Until no animated click is under way, then through the player and back.
     std::string settle()
     {
-        QTest::qWait(150);
+        const QList<QAbstractButton*> buttons = widget.findChildren<QAbstractButton*>();
+        EXPECT_TRUE(waitUntil(
+            [&] { return std::ranges::none_of(buttons, [](const auto* each) { return each->isDown(); }); }));
         const std::string commands = said();
         report();
         return commands;

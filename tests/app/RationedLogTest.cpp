@@ -1,0 +1,68 @@
+// What keeps the log readable: how many lines of a kind it gets, and what foreign texts look like in it.
+
+#include "app/RationedLog.h"
+
+#include "app/LogText.h"
+#include "support/LogCatcher.h"
+#include "support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+TEST(RationedLog, WritesTheFirstLinesAndThenCounts)
+{
+    const LogCatcher log;
+    const auto said = [&log] {
+        QStringList lines;
+        for (const LogCatcher::Line& line : log.lines())
+            lines.append(line.text);
+        return lines.join(u'|').toStdString();
+    };
+    RationedLog slow(u"more."_s, 3, std::chrono::hours(1));
+    for (const QString& line : {u"a"_s, u"%1 b"_s, u"c"_s, u"d"_s, u"e"_s})
+        slow.write(line);
+    slow.tellLeftOut(); // not yet
+    EXPECT_EQ(said(), "a|%1 b|c");
+    slow.tellLeftOutNow();
+    slow.tellLeftOutNow();
+    EXPECT_EQ(said(), "a|%1 b|c|2 more.");
+}
+
+TEST(RationedLog, HasOneMoreLineAfterEachWhile)
+{
+    const LogCatcher log;
+    RationedLog quick(u"more."_s, 2, std::chrono::milliseconds(20));
+    int written = 0;
+    // The number stands before the next line, or alone when no other comes.
+    ASSERT_TRUE(waitUntil([&] {
+        quick.write(u"line"_s);
+        ++written;
+        return log.count(QtWarningMsg, u" more."_s) >= 3;
+    }));
+    EXPECT_TRUE(waitUntil([&] {
+        const int before = log.count(QtWarningMsg, u" more."_s);
+        quick.leaveOut(7);
+        quick.tellLeftOut();
+        written += 7;
+        return log.count(QtWarningMsg, u" more."_s) > before;
+    }));
+    int told = 0;
+    for (const LogCatcher::Line& line : log.lines())
+        told += line.text == u"line" ? 1 : line.text.section(u' ', 0, 0).toInt();
+    EXPECT_EQ(told, written);
+}
+
+TEST(LogText, NoForeignTextForgesALine)
+{
+    const std::pair<QString, QString> rows[] = {
+        {u"04a1B2 c3%1\"\\'"_s, u"04a1B2 c3%1\"\\'"_s},
+        {u"Gänge 音 \U0001F3B5"_s, u"Gänge 音 \U0001F3B5"_s},
+        {u"a\nb\r\tc\u001b[31m\u007f\u0085"_s, u"a\\nb\\r\\tc\\x1b[31m\\x7f\\x85"_s},
+        {u"\u2028\u2029\u202e\u2066\ufeff\u200b"_s, u"\\u2028\\u2029\\u202e\\u2066\\ufeff\\u200b"_s},
+        {u"\U000E0041\uE000"_s, u"\\U000e0041\\ue000"_s},
+        {QString(1, QChar(0)) + QChar(0xD800), u"\\x00\uFFFD"_s},
+    };
+    for (const auto& [foreign, shown] : rows)
+        EXPECT_EQ(logText(foreign).toStdString(), shown.toStdString());
+}
