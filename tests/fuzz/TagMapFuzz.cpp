@@ -1,0 +1,25 @@
+#include "external/RfidMap.h"
+#include "fuzz/Fuzz.h"
+#include "sound/OrloNoteEvent.h"
+#include "sound/ThreadCheck.h"
+
+FUZZ_TARGET(tag_map)
+{
+    const ThreadCheck::RoleOfThisThread role(ThreadCheck::Role::Listener);
+    const QJsonObject json = QJsonDocument::fromJson(input).object();
+    RfidMap first;
+    first.read(json);
+    const QJsonObject once = fuzz::written(first);
+    FUZZ_REQUIRE(once.size() <= json.size());
+
+    QJsonObject expected;
+    for (auto entry = once.begin(); entry != once.end(); ++entry) {
+        const OrloEvent* event = first.lookup(entry.key());
+        FUZZ_REQUIRE(!event || dynamic_cast<const OrloNoteEvent*>(event) || event->type() >= -1);
+        // Ten letters can have more than ten in lower case, which are cut when the file is read again.
+        expected.insert(entry.key().left(10).toLower(), entry.value());
+    }
+    RfidMap second;
+    second.read(once);
+    FUZZ_REQUIRE(fuzz::written(second) == expected);
+}
