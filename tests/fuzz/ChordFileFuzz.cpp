@@ -1,9 +1,6 @@
 #include "fuzz/Fuzz.h"
 #include "memory/ChordFileError.h"
 #include "memory/SaveAndLoad.h"
-#include "support/TestHome.h"
-
-#include <QDir>
 
 #include <limits>
 #include <numeric>
@@ -49,16 +46,24 @@ Chords comesBack(const Chords& chords)
     return good ? back : Chords();
 }
 
+bool areSame(const Chords& a, const Chords& b)
+{
+    for (int slot = 0; slot <= SETS; ++slot) {
+        if (a.contains(slot) != b.contains(slot) || a.value(slot) != b.value(slot))
+            return false;
+    }
+    return a.size() == b.size();
+}
+
 } // namespace
 
 FUZZ_TARGET(chord_file)
 {
-    static const TestHome home;
+    const TestHome& home = fuzz::cleanHome();
     const QString path = home.path(QStringLiteral("x.btoc"));
     QDir file(path);
     home.write(path, input);
     Chords chords = readFrom(path);
-    QFile::remove(path);
     qsizetype ratios = 0;
     for (auto chord = chords.begin(); chord != chords.end(); ++chord) {
         FUZZ_REQUIRE(chord.key() >= 1 && chord.key() <= SETS);
@@ -66,11 +71,10 @@ FUZZ_TARGET(chord_file)
         for (const OrloRatio& ratio : *chord)
             FUZZ_REQUIRE(ratio.denominator() > 0 && std::gcd(ratio.numerator(), ratio.denominator()) == 1);
     }
-    FUZZ_REQUIRE(3 * ratios <= input.size());
+    FUZZ_REQUIRE(3 * ratios <= input.size() + 1); // "/6" is one, and the last needs no blank
 
     FUZZ_REQUIRE(SaveAndLoad().saveDataToFile(&file, &chords, SETS));
     bool threw = false;
-    FUZZ_REQUIRE(readFrom(path, &threw) == comesBack(chords));
+    FUZZ_REQUIRE(areSame(readFrom(path, &threw), comesBack(chords)));
     FUZZ_REQUIRE(!threw);
-    QFile::remove(path);
 }

@@ -1,6 +1,7 @@
 #include "fuzz/Fuzz.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QString>
 
 #include <cstdio>
@@ -39,6 +40,15 @@ void fuzz::run(Target target, const std::uint8_t* data, std::size_t size)
     logged = 0;
     target(QByteArray::fromRawData(reinterpret_cast<const char*>(data), length)); // a read beyond it is seen
     FUZZ_REQUIRE(logged <= LOGGED_FOR_NOTHING + LOGGED_FOR_A_BYTE * length);
+}
+
+const TestHome& fuzz::cleanHome()
+{
+    static const TestHome home;
+    const QDir folder = home.configDir();
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden))
+        QFile::remove(folder.filePath(name));
+    return home;
 }
 
 void fuzz::fail(const char* property, const char* file, int line)

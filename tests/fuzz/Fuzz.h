@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TestHome.h"
+
 #include <QByteArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,6 +22,9 @@ void run(Target target, const std::uint8_t* data, std::size_t size);
 
 /// Enters a target in the replay's table.
 bool enter(const char* name, Target target);
+
+/// A data folder without what the former input left in it.
+const TestHome& cleanHome();
 
 [[noreturn]] void fail(const char* property, const char* file, int line);
 

@@ -1,6 +1,7 @@
 #include "fuzz/Fuzz.h"
 #include "sound/MacroList.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -31,5 +32,6 @@ FUZZ_TARGET(macro_list)
         FUZZ_REQUIRE(std::isfinite(value));
 
     const MacroList again = MacroList::parse(textOf(list));
-    FUZZ_REQUIRE(again.names == list.names && again.defaults == list.defaults);
+    FUZZ_REQUIRE(again.names == list.names);
+    FUZZ_REQUIRE(std::ranges::equal(again.defaults, list.defaults)); // by value: the text of -0 is "0"
 }

@@ -1,7 +1,10 @@
 #include "external/RfidMap.h"
 #include "fuzz/Fuzz.h"
-#include "sound/OrloNoteEvent.h"
 #include "sound/ThreadCheck.h"
+
+namespace {
+const QString VALUE = QStringLiteral("value");
+}
 
 FUZZ_TARGET(tag_map)
 {
@@ -14,10 +17,12 @@ FUZZ_TARGET(tag_map)
 
     QJsonObject expected;
     for (auto entry = once.begin(); entry != once.end(); ++entry) {
-        const OrloEvent* event = first.lookup(entry.key());
-        FUZZ_REQUIRE(!event || dynamic_cast<const OrloNoteEvent*>(event) || event->type() >= -1);
+        FUZZ_REQUIRE(first.lookup(entry.key()));
+        QJsonObject event = entry->toObject();
+        if (event[VALUE].isNull()) // infinite, which JSON cannot hold
+            event[VALUE] = 0;
         // Ten letters can have more than ten in lower case, which are cut when the file is read again.
-        expected.insert(entry.key().left(10).toLower(), entry.value());
+        expected.insert(entry.key().left(10).toLower(), event);
     }
     RfidMap second;
     second.read(once);

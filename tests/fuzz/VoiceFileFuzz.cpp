@@ -1,12 +1,11 @@
 #include "fuzz/Fuzz.h"
 #include "sound/PatchOutline.h"
-#include "support/TestHome.h"
 
 namespace {
 
 PatchOutline outlineOf(const QByteArray& text)
 {
-    static const TestHome home;
+    const TestHome& home = fuzz::cleanHome();
     const QString path = home.path(QStringLiteral("voice.pd"));
     home.write(path, text);
     return PatchOutline::read(path);
