@@ -23,7 +23,9 @@ if(ORLO_SANITIZE)
     # Qt compares emptied lists by memcmp on a null pointer of length 0.
     -fno-sanitize=nonnull-attribute
     # The sanitizers' own code sets these warnings off where there is nothing to warn of.
-    -Wno-null-dereference -Wno-maybe-uninitialized)
+    -Wno-null-dereference $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
+    # What libFuzzer sees of the paths that an input takes.
+    $<$<BOOL:${ORLO_FUZZ}>:-fsanitize=fuzzer-no-link>)
   target_link_options(orlo_compiler INTERFACE "-fsanitize=${ORLO_SANITIZE}")
 endif()
 

@@ -2,13 +2,12 @@
 
 #include "app/LogText.h"
 #include "update/Downloader.h"
+#include "update/UpdateFeed.h"
 #include "update/VersionOrder.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDesktopServices>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QUrl>
@@ -141,21 +140,17 @@ bool Updater::followRedirection(const QNetworkReply& reply)
 /// False if it is no JSON. What the feed lacks is empty then, but for the mandatory flag.
 bool Updater::readFeed(const QByteArray& data)
 {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(data, &error);
-    if (document.isNull()) {
-        qWarning().noquote() << "The update feed is no JSON:" << error.errorString();
+    QString error;
+    const std::optional<UpdateFeed> feed = UpdateFeed::parse(data, mPlatformKey, error);
+    if (!feed) {
+        qWarning().noquote() << "The update feed is no JSON:" << error;
         return false;
     }
-    const QJsonObject platform =
-        document.object().value(QStringLiteral("updates")).toObject().value(mPlatformKey).toObject();
-    mOpenUrl = platform.value(QStringLiteral("open-url")).toString();
-    mChangelog = platform.value(QStringLiteral("changelog")).toString();
-    mDownloadUrl = platform.value(QStringLiteral("download-url")).toString();
-    mLatestVersion = platform.value(QStringLiteral("latest-version")).toString();
-    const QJsonValue mandatory = platform.value(QStringLiteral("mandatory-update"));
-    if (!mandatory.isUndefined())
-        mMandatoryUpdate = mandatory.toBool();
+    mOpenUrl = feed->openUrl;
+    mChangelog = feed->changelog;
+    mDownloadUrl = feed->downloadUrl;
+    mLatestVersion = feed->latestVersion;
+    mMandatoryUpdate = feed->mandatory.value_or(mMandatoryUpdate);
     return true;
 }
 

@@ -12,10 +12,7 @@
 class Downloader;
 class QNetworkReply;
 
-/// Fetches one feed, holds its answer and tells the player of it. Graphical thread.
-///
-/// The feed is like { "updates": { "osx": { "open-url": "", "latest-version": "2.1.0",
-/// "download-url": "https://host/file.dmg", "changelog": "", "mandatory-update": false } } }.
+/// Fetches one feed (UpdateFeed.h), holds its answer and tells the player of it. Graphical thread.
 class Updater : public QObject
 {
     Q_OBJECT

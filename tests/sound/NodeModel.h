@@ -5,265 +5,519 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
+#include <deque>
 #include <map>
+#include <numeric>
+#include <optional>
 #include <set>
 #include <vector>
 
-/// The rules of notes, nodes and sliders, told anew and in another way than the engine's: a node
-/// has the values that are heard, selected or not, and a slider adds its movement to those of the
-/// selected ones. In double precision. Voices never run short here.
+/// The rules of commands, voices, nodes and sliders, told anew with plain containers. In single precision
+/// and step by step as the rules have it, so that any value of a slider leads to the same numbers.
 class NodeModel
 {
 public:
-    using Ratio = std::pair<quint64, quint64>; // in lowest terms
-    /// On the sliders' scale: eight macros, then the coarse glissando and the fine one.
-    using Values = std::array<double, 10>;
+    using Ratio = std::pair<quint64, quint64>; // in lowest terms; 0/1 is no pitch
+    /// Eight macros, then the coarse glissando and the fine one.
+    using Values = std::array<float, 10>;
     static constexpr size_t GLISS = 8;
 
-    /// What the patch knows of the note's voice.
-    struct Note
+    struct Command
     {
+        int type;
+        float value = 1.0F;
+        Ratio ratio{0, 1};
+        std::vector<int> path; // of a press, at most six steps
+    };
+
+    /// A slot, and what the patch was told of it last.
+    struct Voice
+    {
+        Ratio ratio;
+        int start = 0; // which of all starts; 0: free
         bool released = false;
-        bool frequencyTold; // false: it started outside of what may sound
-        double frequency;   // Hz
-        Values values;      // macros only
+        float gate = -1.0F;
+        float frequency = 0.0F; // Hz
+        float volume = 0.0F;
+        std::array<float, GLISS> macros{};
+    };
+
+    /// What the engine did, in its order. The rules leave open in which order it takes the notes that sound.
+    struct Heard
+    {
+        std::deque<std::pair<Ratio, size_t>> starts; // with the slot
+        std::deque<Ratio> selections;
     };
 
     /// Options.
     bool softReset = false;
     bool maintainMacros = false;
-    std::array<double, 2> newRanges{1200.0, 100.0}; // cents, in force after the next glissando reset
+    std::array<float, 2> newRanges{1200.0F, 100.0F}; // cents, in force after the next glissando reset
 
-    std::map<Ratio, Note> notes; // sounding or fading
-    int starts = 0;              // of notes, so far
-    std::map<Ratio, Values> altered;
-    std::set<Ratio> selected;
-    std::set<Ratio> held;
+    Heard heard;
+    bool heardAsTold = true; // false after a start or a selection that the rules do not give
+    Ratio lattice{1, 1};     // transposition that the lattice has published
+    std::vector<Voice> voices;
+    std::map<Ratio, Values> altered; // relative to the sliders while selected
+    std::vector<Ratio> selected;
+    Ratio transposition{1, 1};
+    float masterVolume = 0.8F;
 
     /// A default below 0 is none: its slider stays where it is.
-    explicit NodeModel(const Values& defaults)
-        : mDefaults(defaults)
+    NodeModel(size_t slots, const std::array<float, GLISS>& defaults)
+        : voices(slots)
+        , mDefaults(defaults)
     {
         takeDefaults();
+        mPrimes.fill(true);
     }
 
     std::set<Ratio> sounding() const
     {
         std::set<Ratio> ratios;
-        for (const auto& [ratio, note] : notes) {
-            if (!note.released)
+        for (const auto& [ratio, slot] : mNotes) {
+            if (!voices[slot].released)
                 ratios.insert(ratio);
         }
         return ratios;
     }
 
-    /// At the beginning of each block.
-    void beginBlock()
+    /// The device's commands come first, and what was to be toggled later before the screen's.
+    void runBlock(const std::vector<Command>& device, const std::vector<Command>& screen)
     {
-        for (const Ratio& ratio : std::exchange(mLater, {}))
-            toggle(ratio);
+        const std::vector<Ratio> now = std::exchange(mLater, {});
+        for (const Command& command : device)
+            run(command);
+        for (const Ratio& ratio : now)
+            toggle(ratio, false);
+        for (const Command& command : screen)
+            run(command);
     }
 
-    void toggle(Ratio ratio, bool evenIfHeld = false)
+    /// The patch reports that a voice has faded.
+    void end(size_t slot)
     {
-        const auto note = notes.find(ratio);
-        if (note == notes.end() || note->second.released)
+        Voice& voice = voices[slot];
+        if (!voice.released)
+            return;
+        if (const auto note = mNotes.find(voice.ratio); note != mNotes.end() && note->second == slot)
+            mNotes.erase(note);
+        voice.released = false;
+        voice.start = 0;
+    }
+
+    void changePatch()
+    {
+        const std::set<Ratio> all = sounding();
+        const std::vector<Ratio> again = selected;
+        stopAll(true);
+        deselectAll();
+        if (!maintainMacros)
+            takeDefaults();
+        startAll(all);
+        selectEach(again);
+    }
+
+private:
+    void run(const Command& command)
+    {
+        const auto& [type, value, ratio, path] = command;
+        if (!std::isfinite(value))
+            return; // dropped, whatever it means
+        switch (type) {
+        case 0: return press(path);
+        case 1:
+        case 2: return stopAll(type == 2);
+        case 3: return deselectAll();
+        case 4:
+        case 5: return resetSelected(type == 5);
+        case 6:
+        case 7:
+        case 8:
+        case 9: return resetAll(type >= 8, type % 2 == 1);
+        case 10:
+        case 11: return resetGliss(type - 9);
+        case 12: return resetGliss(0);
+        case 13: mLater.insert(mLater.end(), selected.begin(), selected.end()); return;
+        case 14: return selectSounding();
+        case 15: return transpose(value);
+        case 16: return setFinite(mVoiceVolume, mVoiceVolume + value);
+        case 17: return setFinite(mVoiceVolume, value);
+        case 18: return setFinite(masterVolume, masterVolume + value);
+        case 19: return setFinite(masterVolume, value);
+        case 20:
+            mMono = value > 0.5F;
+            mMonoSlot = voices.size();
+            return;
+        case 22: mBase = value; return;
+        case 23:
+            if (value >= 0.0F && value < 32.0F)
+                mPrimes.at(static_cast<size_t>(value)) ^= true;
+            return;
+        case 34: return ratio.first == 0 ? void() : toggle(ratio, value == 2.0F);
+        case 35: return stop(ratio);
+        case 36: transposition = product(transposition, ratio).value_or(transposition); return;
+        case 37:
+            if (const auto absolute = product(lattice, ratio))
+                select(*absolute);
+            return;
+        case 38:
+            if (const auto absolute = product(lattice, ratio))
+                reset(*absolute, value != 0.0F);
+            return;
+        case 40:
+            mHolding = value == 1.0F;
+            mHeld = mHolding ? sounding() : std::set<Ratio>();
+            return;
+        default:
+            if (type >= 24 && type <= 33)
+                slide(static_cast<size_t>(type - 24), value);
+        } // all others signal only, or are none
+    }
+
+    // ---------------------------------------------------------------- pitches
+
+    /// Nothing for 0 and for what does not fit in 64 bits.
+    static std::optional<Ratio> product(Ratio a, Ratio b)
+    {
+        const quint64 across = std::gcd(a.first, b.second);
+        const quint64 back = std::gcd(b.first, a.second);
+        constexpr quint64 most = ~quint64{0};
+        const auto fits = [](quint64 x, quint64 y) { return y == 0 || x <= most / y; };
+        if (b.first == 0 || !fits(a.first / across, b.first / back)
+            || !fits(a.second / back, b.second / across))
+            return std::nullopt;
+        return Ratio{a.first / across * (b.first / back), a.second / back * (b.second / across)};
+    }
+
+    /// Of a prime above the octave: 3/2 for 3, 2/3 for -3. Nothing for what is no prime of the lattice.
+    static std::optional<Ratio> stepRatio(int step)
+    {
+        static const std::set<int> primes{2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31};
+        if (!primes.contains(std::abs(step)))
+            return std::nullopt;
+        quint64 below = 1;
+        while (2 * below < static_cast<quint64>(std::abs(step)))
+            below *= 2;
+        const Ratio up{static_cast<quint64>(std::abs(step)), below};
+        return step > 0 ? up : Ratio{up.second, up.first};
+    }
+
+    void press(const std::vector<int>& path)
+    {
+        Ratio relative{1, 1};
+        for (const int step : path) {
+            if (!stepRatio(step))
+                return;
+            relative = *product(relative, *stepRatio(step));
+        }
+        if (!mPrimes.at(path.empty() ? 1 : static_cast<size_t>(std::abs(path.back()))))
+            return;
+        if (const auto ratio = product(transposition, relative))
+            toggle(*ratio, true);
+    }
+
+    void transpose(float value)
+    {
+        // Rounded, then the nearest that 32 bits hold, then its lowest byte.
+        const float rounded = std::trunc(value + std::copysign(0.5F, value));
+        const auto step =
+            static_cast<qint8>(static_cast<int>(std::clamp(rounded, -0x7fffff80p0F, 0x7fffff80p0F)));
+        const Ratio by = stepRatio(step).value_or(Ratio{1, 1});
+        transposition = step == 0 ? by : product(transposition, by).value_or(transposition);
+    }
+
+    float frequencyOf(Ratio ratio) const
+    {
+        return static_cast<float>(ratio.first) / static_cast<float>(ratio.second) * mBase;
+    }
+
+    float factor(size_t which, float slider) const
+    {
+        const double cents = static_cast<double>(mRanges[which]) * 2.0 * (static_cast<double>(slider) - 0.5);
+        return static_cast<float>(std::exp2(cents / 1200.0));
+    }
+
+    // ---------------------------------------------------------------- voices
+
+    Voice* find(Ratio ratio)
+    {
+        const auto note = mNotes.find(ratio);
+        return note == mNotes.end() ? nullptr : &voices[note->second];
+    }
+
+    void toggle(Ratio ratio, bool evenIfHeld)
+    {
+        const Voice* voice = find(ratio);
+        if (!voice || voice->released)
             start(ratio);
-        else if (!mHolding || evenIfHeld || !held.contains(ratio))
+        else if (!mHolding || evenIfHeld || !mHeld.contains(ratio))
             stop(ratio);
+    }
+
+    void start(Ratio ratio)
+    {
+        ++mStarts;
+        size_t slot = 0;
+        while (slot < voices.size() && voices[slot].start != 0)
+            ++slot;
+        if (slot == voices.size()) {
+            slot = static_cast<size_t>(
+                std::ranges::min_element(voices, {}, [](const Voice& voice) { return voice.start; })
+                - voices.begin());
+            if (!voices[slot].released)
+                stop(voices[slot].ratio);
+            end(slot);
+        }
+        if (mMono) {
+            if (mMonoSlot < voices.size() && voices[mMonoSlot].start != 0 && !voices[mMonoSlot].released)
+                stop(voices[mMonoSlot].ratio);
+            mMonoSlot = slot;
+        }
+        expect(heard.starts, {ratio, slot});
+        Voice& voice = voices[slot];
+        voice.ratio = ratio;
+        voice.start = mStarts;
+        voice.released = false;
+        mNotes[ratio] = slot;
+        const Values values = valuesOf(ratio);
+        std::copy_n(values.begin(), GLISS, voice.macros.begin());
+        float frequency = frequencyOf(ratio);
+        if (altered.contains(ratio))
+            frequency = frequency * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
+        else
+            mStarted[ratio] = centred(mSliders);
+        if (frequency > 20.0F && frequency < 20000.0F) {
+            voice.frequency = frequency;
+            voice.volume = mVoiceVolume;
+            voice.gate = 1.0F;
+        }
     }
 
     void stop(Ratio ratio)
     {
-        const auto note = notes.find(ratio);
-        if (note == notes.end())
+        Voice* voice = find(ratio);
+        if (!voice)
             return;
-        note->second.released = true;
+        voice->released = true;
+        voice->gate = 0.0F;
         mStarted.erase(ratio);
     }
 
     void stopAll(bool evenIfHeld)
     {
-        for (const Ratio& ratio : sounding()) {
-            if (evenIfHeld || !held.contains(ratio))
+        for (const auto& [ratio, slot] : mNotes) {
+            if (evenIfHeld || !mHeld.contains(ratio))
                 stop(ratio);
         }
     }
 
-    void hold(bool on)
+    void startAll(std::set<Ratio> ratios)
     {
-        mHolding = on;
-        held = on ? sounding() : std::set<Ratio>();
+        while (!ratios.empty() && !heard.starts.empty()) {
+            const Ratio next = heard.starts.front().first;
+            heardAsTold = ratios.erase(next) > 0 && heardAsTold;
+            start(next);
+        }
+        heardAsTold = ratios.empty() && heardAsTold;
+    }
+
+    template <class Thing>
+    void expect(std::deque<Thing>& list, const Thing& thing)
+    {
+        heardAsTold = !list.empty() && list.front() == thing && heardAsTold;
+        if (!list.empty())
+            list.pop_front();
+    }
+
+    // ---------------------------------------------------------------- nodes
+
+    bool isSelected(Ratio ratio) const { return std::ranges::count(selected, ratio) > 0; }
+
+    /// Of a start: what the voice is to be told.
+    Values valuesOf(Ratio ratio) const
+    {
+        const auto node = altered.find(ratio);
+        if (node == altered.end())
+            return centred(mSliders);
+        return isSelected(ratio) ? added(node->second, mSliders, 1.0F) : node->second;
+    }
+
+    static Values added(Values values, const Values& others, float sign)
+    {
+        for (size_t i = 0; i < values.size(); ++i)
+            values[i] += sign * others[i];
+        return values;
+    }
+
+    static Values centred(Values values, int which = 0)
+    {
+        if (which != 2)
+            values[GLISS] = 0.5F;
+        if (which != 1)
+            values[GLISS + 1] = 0.5F;
+        return values;
     }
 
     void select(Ratio ratio)
     {
-        if (selected.erase(ratio) > 0)
-            return; // what is heard stays
-        selected.insert(ratio);
-        if (altered.contains(ratio))
+        if (std::erase(selected, ratio) > 0) {
+            altered[ratio] = added(altered[ratio], mSliders, 1.0F);
             return;
-        const auto started = mStarted.find(ratio);
-        altered[ratio] = started != mStarted.end() ? started->second : centred(mSliders);
-    }
-
-    void selectAll(const std::set<Ratio>& ratios)
-    {
-        for (const Ratio& ratio : ratios) {
-            if (!selected.contains(ratio))
-                select(ratio);
         }
+        expect(heard.selections, ratio);
+        selected.push_back(ratio);
+        if (!altered.contains(ratio)) {
+            const auto started = mStarted.find(ratio);
+            altered[ratio] = started != mStarted.end() ? started->second : centred(mSliders);
+        }
+        altered[ratio] = added(altered[ratio], mSliders, -1.0F);
     }
 
-    void toggleSelected() { mLater.insert(mLater.end(), selected.begin(), selected.end()); }
-
-    /// Any of the ten sliders.
-    void slide(size_t which, double value)
+    void selectEach(const std::vector<Ratio>& ratios)
     {
-        const double movement = value - mSliders[which];
+        for (const Ratio& ratio : ratios)
+            select(ratio);
+    }
+
+    void selectSounding()
+    {
+        std::set<Ratio> ratios = sounding();
+        for (const Ratio& ratio : selected)
+            ratios.erase(ratio);
+        while (!ratios.empty() && !heard.selections.empty()) {
+            const Ratio next = heard.selections.front();
+            heardAsTold = ratios.erase(next) > 0 && heardAsTold;
+            select(next);
+        }
+        heardAsTold = ratios.empty() && heardAsTold;
+    }
+
+    void deselectAll() { selectEach(std::vector<Ratio>(selected)); }
+
+    // ---------------------------------------------------------------- sliders and resets
+
+    void slide(size_t which, float value)
+    {
         mSliders[which] = value;
         for (const Ratio& ratio : selected) {
-            double& own = altered[ratio][which];
-            own += movement;
+            Voice* voice = find(ratio);
             if (which >= GLISS) {
-                retune(ratio);
+                const Values values = valuesOf(ratio);
+                if (voice)
+                    voice->frequency =
+                        frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
                 continue;
             }
-            own = std::clamp(own, 0.0, 1.0);
-            if (const auto note = notes.find(ratio); note != notes.end())
-                note->second.values[which] = own;
+            float& own = altered[ratio][which];
+            const float sum = own + value;
+            const float effective = std::clamp(sum, 0.0F, 1.0F);
+            if (sum <= 0.0F || sum >= 1.0F)
+                own = effective - value;
+            if (voice)
+                voice->macros[which] = effective;
         }
     }
 
     void reset(Ratio ratio, bool deselect)
     {
-        const bool hasVoice = notes.contains(ratio);
-        const bool wasAltered = altered.erase(ratio) > 0;
-        const bool wasSelected = selected.erase(ratio) > 0;
-        if (hasVoice && softReset) {
+        Voice* voice = find(ratio);
+        const bool wasSelected = isSelected(ratio);
+        if (softReset && voice)
             stop(ratio);
-        } else if (hasVoice) {
-            if (wasAltered)
-                retune(ratio);
-            restoreInPlace(ratio);
-        }
+        if (wasSelected)
+            select(ratio);
+        if (altered.erase(ratio) > 0 && voice && !softReset)
+            retune(ratio, centred({}));
+        if (voice && !softReset)
+            restoreInPlace(*voice);
         if (wasSelected && !deselect)
             select(ratio);
-        if (hasVoice && softReset)
+        if (softReset && voice)
             start(ratio);
     }
 
     void resetSelected(bool deselect)
     {
-        for (const Ratio& ratio : std::set<Ratio>(selected))
+        for (const Ratio& ratio : std::vector<Ratio>(selected))
             reset(ratio, deselect);
     }
 
     void resetAll(bool controls, bool deselect)
     {
         const std::set<Ratio> all = sounding();
-        const std::set<Ratio> again = std::exchange(selected, {});
+        const std::vector<Ratio> again = selected;
         if (softReset)
             stopAll(true);
-        for (const auto& [ratio, node] : std::exchange(altered, {})) {
+        deselectAll();
+        for (const auto& [ratio, node] : altered) {
             if (!softReset)
-                retune(ratio);
+                retune(ratio, centred({}));
         }
+        altered.clear();
         if (controls) {
             takeDefaults();
             mSliders = centred(mSliders);
         }
         mStarted.clear();
-        for (const Ratio& ratio : all)
-            softReset ? start(ratio) : restoreInPlace(ratio);
+        if (softReset)
+            startAll(all);
+        else
+            for (const Ratio& ratio : all)
+                restoreInPlace(voices[mNotes.at(ratio)]);
         if (!deselect)
-            selectAll(again);
+            selectEach(again);
     }
 
     /// 1, 2, or 0 for both.
     void resetGliss(int which)
     {
+        const std::vector<Ratio> again = selected;
+        deselectAll();
         mSliders = centred(mSliders, which);
         for (auto& [ratio, node] : altered) {
             node = centred(node, which);
-            retune(ratio);
+            retune(ratio, node);
         }
         mRanges = newRanges;
+        selectEach(again);
     }
 
-    void changePatch()
+    void retune(Ratio ratio, const Values& values)
     {
-        const std::set<Ratio> all = sounding();
-        const std::set<Ratio> again = std::exchange(selected, {});
-        stopAll(true);
-        if (!maintainMacros)
-            takeDefaults();
-        for (const Ratio& ratio : all)
-            start(ratio);
-        selectAll(again);
+        if (Voice* voice = find(ratio))
+            voice->frequency = factor(1, values[GLISS + 1]) * factor(0, values[GLISS]) * mBase
+                               * (static_cast<float>(ratio.first) / static_cast<float>(ratio.second));
     }
 
-private:
+    void restoreInPlace(Voice& voice)
+    {
+        std::copy_n(mSliders.begin(), GLISS, voice.macros.begin());
+        if (!voice.released)
+            mStarted[voice.ratio] = centred(mSliders);
+    }
+
     void takeDefaults()
     {
         for (size_t i = 0; i < GLISS; ++i)
-            mSliders[i] = mDefaults[i] < 0.0 ? mSliders[i] : mDefaults[i];
+            mSliders[i] = mDefaults[i] < 0.0F ? mSliders[i] : mDefaults[i];
     }
 
-    static Values centred(Values values, int which = 0)
-    {
-        if (which != 2)
-            values[GLISS] = 0.5;
-        if (which != 1)
-            values[GLISS + 1] = 0.5;
-        return values;
-    }
+    static void setFinite(float& volume, float value) { volume = std::isfinite(value) ? value : volume; }
 
-    Values valuesOf(Ratio ratio) const
-    {
-        const auto node = altered.find(ratio);
-        return node != altered.end() ? node->second : centred(mSliders);
-    }
-
-    double frequencyOf(Ratio ratio) const
-    {
-        const Values values = valuesOf(ratio);
-        const double cents =
-            2.0 * mRanges[0] * (values[GLISS] - 0.5) + 2.0 * mRanges[1] * (values[GLISS + 1] - 0.5);
-        return 440.0 * static_cast<double>(ratio.first) / static_cast<double>(ratio.second)
-               * std::pow(2.0, cents / 1200.0);
-    }
-
-    void start(Ratio ratio)
-    {
-        ++starts;
-        const double frequency = frequencyOf(ratio);
-        notes[ratio] = {false, frequency > 20.0 && frequency < 20000.0, frequency, valuesOf(ratio)};
-        if (!altered.contains(ratio))
-            mStarted[ratio] = centred(mSliders);
-    }
-
-    void retune(Ratio ratio)
-    {
-        const auto note = notes.find(ratio);
-        if (note == notes.end())
-            return;
-        note->second.frequency = frequencyOf(ratio);
-        note->second.frequencyTold = true;
-    }
-
-    void restoreInPlace(Ratio ratio)
-    {
-        Note& note = notes[ratio];
-        note.values = mSliders;
-        if (!note.released)
-            mStarted[ratio] = centred(mSliders);
-    }
-
+    std::map<Ratio, size_t> mNotes; // sounding or fading: the latest slot
+    int mStarts = 0;
     std::vector<Ratio> mLater;
     std::map<Ratio, Values> mStarted; // sounding and not altered: the macros of its start
+    std::set<Ratio> mHeld;
     bool mHolding = false;
-    const Values mDefaults;
-    Values mSliders{0, 0, 0, 0, 0, 0, 0, 0, 0.5, 0.5};
-    std::array<double, 2> mRanges{1200.0, 100.0};
+    bool mMono = false;
+    size_t mMonoSlot = voices.size(); // none
+    std::array<bool, 32> mPrimes;
+    float mVoiceVolume = 1.0F;
+    float mBase = 440.0F; // Hz
+    const std::array<float, GLISS> mDefaults;
+    Values mSliders{0, 0, 0, 0, 0, 0, 0, 0, 0.5F, 0.5F};
+    std::array<float, 2> mRanges{1200.0F, 100.0F};
 };

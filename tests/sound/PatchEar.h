@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <array>
+#include <deque>
 #include <map>
 
 /// Hears what the patch really receives on its input, and which voice each note was given.
@@ -17,6 +18,7 @@ public:
     {
         float gate = -1.0F;     // not told yet
         float frequency = 0.0F; // Hz
+        float volume = 0.0F;
         std::array<float, 8> macros{};
     };
     using Key = std::pair<quint64, quint64>; // numerator, denominator
@@ -27,16 +29,24 @@ public:
         const auto hearStart = [this](const OrloRatio& ratio, bool on) {
             if (!on)
                 return;
-            mVoiceOf[{ratio.numerator(), ratio.denominator()}] = mLastVoice;
-            ++starts;
+            const Key key{ratio.numerator(), ratio.denominator()};
+            mVoiceOf[key] = mLastVoice;
+            starts.emplace_back(key, static_cast<size_t>(mLastVoice - 1));
         };
         connect(&player, &PdPlayer::noteToggled, this, hearStart, Qt::DirectConnection);
+        const auto hearSelection = [this](const OrloRatio& ratio, bool on) {
+            if (on)
+                selections.push_back({ratio.numerator(), ratio.denominator()});
+        };
+        connect(&player, &PdPlayer::nodeSelected, this, hearSelection, Qt::DirectConnection);
     }
 
     int numberOf(Key ratio) const { return mVoiceOf.at(ratio); }
     const Voice& voiceOf(Key ratio) const { return voices.at(static_cast<size_t>(numberOf(ratio))); }
 
-    int starts = 0;                // of notes so far, those that started anew among them
+    std::deque<std::pair<Key, std::size_t>> starts; // of notes, with the slot
+    std::deque<Key> selections;
+    float masterVolume = 0.0F;
     std::array<Voice, 129> voices; // from 1
 
 private:
@@ -48,6 +58,8 @@ private:
             voice.gate = value;
         else if (type == voiceFrequency)
             voice.frequency = value;
+        else if (type == voiceVolume)
+            voice.volume = value;
         else if (type >= voiceMacro1)
             voice.macros.at(static_cast<size_t>(type - voiceMacro1)) = value;
     }
@@ -58,4 +70,5 @@ private:
                                    if (list.size() == 3)
                                        hear(list[0], static_cast<int>(list[1]), static_cast<int>(list[2]));
                                }};
+    const PdReceiver mVolume{"master-vol", [this](const auto& list) { masterVolume = list.at(0); }};
 };

@@ -1,5 +1,8 @@
-// Long random play against a model of the rules. What the patch received of every voice must be
-// what the model says, after every block.
+// Long random play against a model of the rules: every type of command with any value, from the screen and
+// from the device, more than the rings hold, and changes of patch. What the patch received of every voice
+// must be what the model says, after every block.
+//
+// ORLO_STORM_EVENTS and ORLO_STORM_SEED in the environment make it longer, or another one.
 
 #include "sound/NodeModel.h"
 #include "sound/PatchEar.h"
@@ -10,18 +13,23 @@
 #include "sound/OrloNodeResetEvent.h"
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/OrloNoteEvent.h"
+#include "sound/OrloTransposeEvent.h"
+#include "sound/ThreadCheck.h"
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
 
+#include <bit>
 #include <cmath>
+#include <limits>
 #include <random>
 #include <ranges>
 
 namespace {
 
 using Ratio = NodeModel::Ratio;
+using Command = NodeModel::Command;
 
 // Answers the query for its macros and is silent; it does not report a voice's end.
 const QByteArray PATCH = "#N canvas 0 0 200 200 12;\n"
@@ -29,26 +37,40 @@ const QByteArray PATCH = "#N canvas 0 0 200 200 12;\n"
                          "#X msg 20 50 list info A(0.25):B(0.5):C(0.75):D(0.125):E(0.9):F(0.1):G(0):H;\n"
                          "#X obj 20 80 s output-voice-info;\n"
                          "#X connect 0 0 1 0;\n#X connect 1 0 2 0;\n";
-const NodeModel::Values DEFAULTS{0.25, 0.5, 0.75, 0.125, 0.9, 0.1, 0.0, -1.0};
+constexpr std::array DEFAULTS{0.25F, 0.5F, 0.75F, 0.125F, 0.9F, 0.1F, 0.0F, -1.0F};
 
-// With paths, as balls have them, and the ratio of each.
-const std::pair<const char*, Ratio> BALLS[] = {
-    {"/", {1, 1}},     {"/3", {3, 2}},     {"/-3", {2, 3}},   {"/5", {5, 4}},
-    {"/-5", {4, 5}},   {"/7", {7, 4}},     {"/3/3", {9, 4}},  {"/3/5", {15, 8}},
-    {"/2", {2, 1}},    {"/-2", {1, 2}},    {"/3/-5", {6, 5}}, {"/11", {11, 8}},
-    {"/3/7", {21, 8}}, {"/-3/-3", {4, 9}}, {"/13", {13, 8}},  {"/5/7", {35, 16}}};
+constexpr int SLOTS = 12; // few, so that voices are stolen
+constexpr size_t RING_EVENTS = 255;
+constexpr int PRIMES[] = {2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31};
 
 OrloRatio orlo(Ratio ratio)
 {
     return OrloRatio(ratio.first, ratio.second);
 }
 
+Ratio ratioOf(const OrloRatio& ratio)
+{
+    return {ratio.numerator(), ratio.denominator()};
+}
+
 std::set<Ratio> setOf(const QList<OrloRatio>& ratios)
 {
     std::set<Ratio> set;
     for (const OrloRatio& ratio : ratios)
-        set.insert({ratio.numerator(), ratio.denominator()});
+        set.insert(ratioOf(ratio));
     return set;
+}
+
+int fromEnvironment(const char* name, int otherwise)
+{
+    bool isSet = false;
+    const int value = qEnvironmentVariableIntValue(name, &isSet);
+    return isSet ? value : otherwise;
+}
+
+bool isSame(float a, float b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
 }
 
 } // namespace
@@ -65,75 +87,123 @@ protected:
 
     int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); }
     bool chance(int percent) { return below(100) < percent; }
-    Ratio absolute(Ratio relative) const
+
+    // ---------------------------------------------------------------- what is played
+
+    float wildFloat()
     {
-        OrloRatio ratio = orlo(relative);
-        ratio *= orlo(transposition);
-        return {ratio.numerator(), ratio.denominator()};
-    }
-    void queue(int type, double value = 1.0)
-    {
-        rig.queue(OrloEvent(static_cast<OrloEvent::Type>(type), static_cast<float>(value)));
+        using Limits = std::numeric_limits<float>;
+        const float odd[] = {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(),  Limits::max(),
+                             Limits::lowest(),    Limits::min(),      Limits::denorm_min(), -0.0F};
+        return chance(30) ? odd[below(std::size(odd))] : std::bit_cast<float>(static_cast<quint32>(random()));
     }
 
-    void anyNoteEvent()
+    float plainFloat(int type)
     {
-        const auto& [path, relative] = BALLS[below(std::size(BALLS))];
-        const Ratio ratio = absolute(relative);
-        const bool flag = chance(60);
-        switch (below(8)) {
-        case 0:
-        case 1: rig.queue(OrloNoteEvent(QString::fromLatin1(path))); return model.toggle(ratio, true);
-        case 2:
-        case 3: rig.queue(OrloNoteEvent(orlo(ratio))); return model.toggle(ratio);
-        case 4: rig.queue(OrloNoteEvent(orlo(ratio), 2.0F)); return model.toggle(ratio, true);
-        case 5: rig.queue(OrloNodeRemoveEvent(orlo(ratio))); return model.stop(ratio);
-        case 6: queue(OrloEvent::NodesHold, flag ? 1.0 : 0.999); return model.hold(flag);
-        default:
-            if (chance(70))
-                return; // seldom, so that chords grow
-            queue(flag ? OrloEvent::AllNotesOffForced : OrloEvent::AllNotesOff);
-            return model.stopAll(flag);
+        const float slider = static_cast<float>(below(257)) / 256.0F;
+        switch (type) {
+        case OrloEvent::TransposeByPrimeStep:
+            return chance(40) ? 0.0F : static_cast<float>(PRIMES[below(3)] * (chance(50) ? 1 : -1));
+        case OrloEvent::VoiceVolumeAdjust:
+        case OrloEvent::MasterVolumeAdjust: return slider - 0.5F;
+        case OrloEvent::BaseFrequencySet: return 220.0F + 440.0F * slider;
+        case OrloEvent::PrimeEnabledToggle: return static_cast<float>(chance(10) ? 1 : PRIMES[below(11)]);
+        case OrloEvent::NoteToggleByRatio: return chance(50) ? 1.0F : 2.0F;
+        case OrloEvent::NodesHold:
+        case OrloEvent::NodeReset:
+        case OrloEvent::MonophonicSet: return static_cast<float>(below(2));
+        default: return slider;
         }
     }
 
-    void anySelection()
+    std::vector<int> anyPath()
     {
-        const Ratio relative = BALLS[below(std::size(BALLS))].second;
-        switch (below(12)) {
-        case 0: queue(OrloEvent::NodesSelectAllSounding); return model.selectAll(model.sounding());
-        case 1: queue(OrloEvent::NodesDeselectAll); return model.selected.clear();
-        case 2: queue(OrloEvent::NodesToggleAllSelected); return model.toggleSelected();
-        default:
-            rig.queue(OrloNodeSelectToggleEvent(orlo(relative)));
-            return model.select(absolute(relative));
+        std::vector<int> path;
+        for (int i = below(isWild() ? 7 : 3); i > 0; --i)
+            path.push_back(PRIMES[below(isWild() ? 11 : 3)] * (chance(50) ? 1 : -1));
+        if (isWild() && !path.empty())
+            path.back() = below(70) - 35;
+        return path;
+    }
+
+    Ratio anyRatio()
+    {
+        if (isWild())
+            return ratioOf(OrloRatio(random() >> below(64), std::max<quint64>(1, random() >> below(64))));
+        const OrloRatio relative{OrloPath(textOf(anyPath()))};
+        OrloRatio ratio(relative);
+        if (chance(50) && orlo(model.transposition).fitsWhenMultipliedWith(relative))
+            ratio *= orlo(model.transposition);
+        return ratioOf(ratio);
+    }
+
+    static QString textOf(const std::vector<int>& path)
+    {
+        QString text;
+        for (const int step : path)
+            text += u'/' + QString::number(step);
+        return text;
+    }
+
+    /// The event, and in `command` what it says. Now and then a plain one of any type, as a device's.
+    std::unique_ptr<OrloEvent> anyEvent(Command& command)
+    {
+        command.type = mTypes(random) - 1;
+        const float value = isWild() ? wildFloat() : plainFloat(command.type);
+        const auto type = static_cast<OrloEvent::Type>(command.type);
+        const bool hasClass = type == OrloEvent::NoteToggleByPath || type >= OrloEvent::NoteToggleByRatio;
+        if (!hasClass || chance(5)) {
+            command.value = value;
+            return std::make_unique<OrloEvent>(type, value);
+        }
+        command.ratio = anyRatio();
+        const OrloRatio ratio = orlo(command.ratio);
+        switch (type) {
+        case OrloEvent::NoteToggleByPath:
+            command.path = anyPath();
+            return std::make_unique<OrloNoteEvent>(textOf(command.path));
+        case OrloEvent::NoteToggleByRatio:
+            command.value = value;
+            return std::make_unique<OrloNoteEvent>(ratio, value);
+        case OrloEvent::NodeRemove: return std::make_unique<OrloNodeRemoveEvent>(ratio);
+        case OrloEvent::TransposeByRatio: return std::make_unique<OrloTransposeEvent>(ratio);
+        case OrloEvent::NodeSelectToggle: return std::make_unique<OrloNodeSelectToggleEvent>(ratio);
+        case OrloEvent::NodeReset:
+            command.value = value;
+            return std::make_unique<OrloNodeResetEvent>(ratio, value);
+        default: command.value = value; return std::make_unique<OrloEvent>(type, value);
         }
     }
 
-    void anySlide()
+    void queueAnything(int events, bool togglesLater = true)
     {
-        const int slider = chance(50) ? below(8) : 8 + below(2);
-        const double value = below(257) / 256.0; // exact in single precision
-        queue(OrloEvent::Macro1Set + slider, value);
-        model.slide(static_cast<size_t>(slider), value);
+        for (; events > 0; --events) {
+            Command command;
+            const std::unique_ptr<OrloEvent> event = anyEvent(command);
+            if (command.type == OrloEvent::NodesToggleAllSelected && !togglesLater)
+                continue;
+            queue(command, *event);
+        }
     }
 
-    void anyReset()
+    void queue(const Command& command, const OrloEvent& event)
     {
-        const Ratio relative = BALLS[below(std::size(BALLS))].second;
-        const int deselect = below(2);
-        const int which = below(3);
-        const int controls = below(2);
-        switch (below(6)) {
-        case 0:
-            queue(OrloEvent::NodesResetAll + 2 * controls + deselect);
-            return model.resetAll(controls, deselect);
-        case 1: queue(OrloEvent::NodesResetSelected + deselect); return model.resetSelected(deselect);
-        case 2: queue(OrloEvent::GlissOneReset + (which + 2) % 3); return model.resetGliss(which); // 1, 2, 0
-        default:
-            rig.queue(OrloNodeResetEvent(orlo(relative), static_cast<float>(deselect)));
-            return model.reset(absolute(relative), deselect);
+        ++count;
+        const bool isDevice = chance(30);
+        if (isDevice) {
+            const ThreadCheck::RoleOfThisThread role(ThreadCheck::Role::Listener);
+            rig.player.queueEventSerial(&event);
+        } else {
+            rig.queue(event);
         }
+        std::vector<Command>& ring = isDevice ? device : screen;
+        if (ring.size() < RING_EVENTS) // the rest is dropped
+            ring.push_back(command);
+    }
+
+    void queuePlain(int type, float value)
+    {
+        queue({type, value, {0, 1}, {}}, OrloEvent(static_cast<OrloEvent::Type>(type), value));
     }
 
     /// Between blocks: the engine reads options when it runs a command.
@@ -141,100 +211,130 @@ protected:
     {
         rig.settings.softNodeReset = model.softReset = chance(50);
         rig.settings.maintainMacroParameters = model.maintainMacros = chance(50);
-        rig.settings.glissOneRangeCents = 600.0F * static_cast<float>(1 << below(3));
-        rig.settings.glissTwoRangeCents = 50.0F * static_cast<float>(1 << below(3));
-        model.newRanges = {rig.settings.glissOneRangeCents, rig.settings.glissTwoRangeCents};
+        rig.settings.glissOneRangeCents = model.newRanges[0] = 600.0F * static_cast<float>(1 << below(3));
+        rig.settings.glissTwoRangeCents = model.newRanges[1] = 50.0F * static_cast<float>(1 << below(3));
     }
 
-    /// In a block of its own: the lattice must have heard of it before its balls are pressed again.
-    void transposeAnyhow()
+    /// Which types come often differs from phase to phase, and so does how wild they are.
+    void beginPhase()
     {
-        const int step = transposition == Ratio{1, 1} ? (chance(50) ? 3 : -3) : 0;
-        model.beginBlock();
-        queue(OrloEvent::TransposeByPrimeStep, step);
-        transposition = step == 0 ? Ratio{1, 1} : step > 0 ? Ratio{3, 2} : Ratio{2, 3};
-        render();
+        std::array<int, OrloEvent::TYPE_COUNT + 2> weights{}; // from None to a number beyond the last
+        for (int& weight : weights)
+            weight = std::array{0, 1, 1, 8}[static_cast<size_t>(below(4))];
+        for (const int type :
+             {OrloEvent::NoteToggleByPath, OrloEvent::NoteToggleByRatio, OrloEvent::NodeSelectToggle})
+            weights[static_cast<size_t>(type + 1)] = 12;
+        mTypes = std::discrete_distribution<int>(weights.begin(), weights.end());
+        mWildPercent = std::array{0, 1, 20}[static_cast<size_t>(below(3))];
+        // From a plain state, so that what went before does not keep all notes silent.
+        queuePlain(OrloEvent::BaseFrequencySet, 440.0F);
+        queuePlain(OrloEvent::TransposeByPrimeStep, 0.0F);
+        queuePlain(OrloEvent::NodesResetAllAndControlsDeselect, 0.0F);
+        for (int macro = OrloEvent::Macro1Set; macro <= OrloEvent::Macro8Set; ++macro)
+            queuePlain(macro, 0.5F);
     }
 
+    // ---------------------------------------------------------------- what comes of it
+
+    /// Queues a few events, or some, or more than fit.
     void block()
     {
         if (chance(5))
             anyOption();
-        model.beginBlock();
-        for (int i = below(3); i >= 0; --i) {
-            const int kind = below(100);
-            kind < 40 ? anyNoteEvent() : kind < 58 ? anySelection() : kind < 88 ? anySlide() : anyReset();
-        }
-        render();
+        const int size = below(20);
+        queueAnything(size < 15 ? 1 + below(4) : size < 19 ? below(40) : below(700));
+        rig.render();
+        follow();
     }
 
-    void render()
+    void follow()
     {
-        rig.render();
+        model.lattice = ratioOf(rig.orlo.transposition());
+        model.heard = {std::exchange(ear.starts, {}), std::exchange(ear.selections, {})};
+        model.runBlock(std::exchange(device, {}), std::exchange(screen, {}));
         QCoreApplication::processEvents();
+        log.clear();
+    }
+
+    /// With commands that wait: they run in the first of the blocks before the patch is closed.
+    void changePatch()
+    {
+        queueAnything(below(300), false);
+        model.lattice = ratioOf(rig.orlo.transposition());
+        ASSERT_TRUE(rig.loadMainText(PATCH));
+        model.heard = {std::exchange(ear.starts, {}), std::exchange(ear.selections, {})};
+        model.runBlock(std::exchange(device, {}), std::exchange(screen, {}));
+        model.runBlock({}, {});
+        model.changePatch();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(ratioOf(rig.orlo.transposition()), model.transposition);
+        EXPECT_EQ(ear.masterVolume, model.masterVolume);
     }
 
     void letVoicesEnd()
     {
-        for (int number = 1; number <= 128; ++number) {
-            float& gate = ear.voices[static_cast<size_t>(number)].gate;
-            if (gate != 0.0F || !chance(70))
-                continue;
-            gate = -1.0F;
-            SoundRig::reportVoiceStop(static_cast<float>(number));
-            std::erase_if(model.notes, [&](const auto& note) { return ear.numberOf(note.first) == number; });
+        for (size_t slot = 0; slot < SLOTS; ++slot) {
+            if (!chance(20))
+                continue; // a report of a voice that sounds is not heeded
+            SoundRig::reportVoiceStop(static_cast<float>(slot + 1));
+            model.end(slot);
         }
     }
 
     /// False at the first difference.
     bool agrees()
     {
-        const auto altered = std::views::keys(model.altered);
+        EXPECT_TRUE(model.heardAsTold && model.heard.starts.empty() && model.heard.selections.empty());
         EXPECT_EQ(setOf(rig.player.getAllSoundingRatios()), model.sounding());
-        EXPECT_EQ(ear.starts, model.starts);
-        EXPECT_EQ(setOf(rig.player.getAllSelectedRatios()), model.selected);
-        EXPECT_TRUE(std::ranges::equal(setOf(rig.player.getAllRatiosWithAlteredParameters()), altered));
-        for (const auto& [ratio, note] : model.notes) {
-            SCOPED_TRACE(QStringLiteral("%1/%2").arg(ratio.first).arg(ratio.second).toStdString());
-            const PatchEar::Voice& voice = ear.voiceOf(ratio);
-            if (note.frequencyTold) {
-                EXPECT_NEAR(1200.0 * std::log2(static_cast<double>(voice.frequency) / note.frequency), 0.0,
-                            0.1);
-            }
-            for (size_t i = 0; i < voice.macros.size(); ++i)
-                EXPECT_NEAR(static_cast<double>(voice.macros[i]), note.values[i], 1e-4) << i;
-            if (note.released) {
-                EXPECT_EQ(voice.gate, 0.0F);
-            }
+        EXPECT_TRUE(std::ranges::equal(rig.player.getAllSelectedRatios(), model.selected, {}, ratioOf));
+        EXPECT_TRUE(std::ranges::equal(setOf(rig.player.getAllRatiosWithAlteredParameters()),
+                                       std::views::keys(model.altered)));
+        for (size_t slot = 0; slot < SLOTS; ++slot) {
+            const PatchEar::Voice& told = ear.voices.at(slot + 1);
+            const NodeModel::Voice& voice = model.voices[slot];
+            EXPECT_TRUE(isSame(told.frequency, voice.frequency))
+                << slot << ": " << told.frequency << ", " << voice.frequency;
+            EXPECT_EQ(told.gate, voice.gate) << slot;
+            EXPECT_EQ(told.volume, voice.volume) << slot;
+            EXPECT_TRUE(std::ranges::equal(told.macros, voice.macros, isSame)) << slot;
         }
         return !HasFailure();
     }
 
-    std::mt19937 random{1};
-    const LogCatcher quiet;
-    SoundRig rig;
+    const int seed = fromEnvironment("ORLO_STORM_SEED", 1);
+    std::mt19937_64 random{static_cast<quint64>(seed)};
+    LogCatcher log;
+    SoundRig rig{SLOTS};
     PatchEar ear{rig.player};
-    NodeModel model{DEFAULTS};
-    Ratio transposition{1, 1};
+    NodeModel model{SLOTS, DEFAULTS};
+    std::vector<Command> device; // in the rings
+    std::vector<Command> screen;
+    int count = 0; // of events, so far
+
+private:
+    bool isWild() { return mWildPercent > 0 && chance(mWildPercent); }
+
+    std::discrete_distribution<int> mTypes;
+    int mWildPercent = 0;
 };
 
 TEST_F(RandomNodes, ThePatchHearsWhatTheRulesSay)
 {
+    const int events = fromEnvironment("ORLO_STORM_EVENTS", 60000);
+    const int phase = std::clamp(events / 500, 6000, 20000);
     size_t most = 0; // sounding, and half as many selected
-    for (int i = 1; i <= 10000; ++i) {
-        SCOPED_TRACE(i);
-        if (chance(2))
-            transposeAnyhow();
-        block();
-        if (i % 1000 == 0) {
-            ASSERT_TRUE(rig.loadMainText(PATCH));
-            model.beginBlock();
-            model.changePatch();
-        }
-        ASSERT_TRUE(agrees());
-        most = std::max(most, std::min(model.sounding().size(), 2 * model.selected.size()));
-        if (i % 3 == 0)
+    while (count < events) {
+        beginPhase();
+        for (const int end = count + phase; count < end;) {
+            SCOPED_TRACE(count);
+            block();
+            ASSERT_TRUE(agrees());
+            most = std::max(most, std::min(model.sounding().size(), 2 * model.selected.size()));
             letVoicesEnd();
+        }
+        SCOPED_TRACE(count);
+        changePatch();
+        ASSERT_TRUE(agrees());
     }
     EXPECT_GE(most, 10U) << "that was no play";
 }
