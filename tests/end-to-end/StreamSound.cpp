@@ -1,7 +1,7 @@
 // A client of JACK named "soak" that writes what the program sends to standard output, block by block,
-// until it is killed: the server's frame time, how many blocks were late by the server so far, how many
-// microseconds of its cycle a block took before it came here, the frames in the block, then these as
-// 32-bit floats, left and right in turn. Numbers are in the machine's byte order.
+// until it is killed: the server's frame time, how many blocks were late by the server so far, how long a
+// block took to come here as frames of time, the frames in the block, then these as 32-bit floats, left and
+// right in turn. Numbers are in the machine's byte order.
 //
 //     stream_sound <server>
 
@@ -26,7 +26,7 @@ struct Header
 {
     uint32_t frameTime;
     uint32_t lateBlocks;
-    uint32_t microseconds;
+    uint32_t took; // frames of time
     uint32_t frames;
 };
 
@@ -41,7 +41,8 @@ struct Listener
     /// A block that finds no room is missing in the frame times.
     int process(jack_nframes_t frames)
     {
-        const Header header{jack_last_frame_time(client), lateBlocks, microsecondsOfCycle(), frames};
+        const Header header{jack_last_frame_time(client), lateBlocks, jack_frames_since_cycle_start(client),
+                            frames};
         const size_t bytes = 2 * frames * sizeof(float);
         if (2 * frames > block.size() || jack_ringbuffer_write_space(ring) < sizeof header + bytes)
             return 0;
@@ -53,17 +54,6 @@ struct Listener
         jack_ringbuffer_write(ring, reinterpret_cast<const char*>(&header), sizeof header);
         jack_ringbuffer_write(ring, reinterpret_cast<const char*>(block.data()), bytes);
         return 0;
-    }
-
-    uint32_t microsecondsOfCycle() const
-    {
-        jack_nframes_t frame = 0;
-        jack_time_t begin = 0;
-        jack_time_t next = 0;
-        float period = 0.0F;
-        jack_get_cycle_times(client, &frame, &begin, &next, &period);
-        const jack_time_t now = jack_get_time();
-        return now > begin ? static_cast<uint32_t>(now - begin) : 0; // it is an estimate
     }
 
     /// PortAudio numbers the outputs on from stream to stream, and connects those of a stream on the
