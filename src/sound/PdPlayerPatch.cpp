@@ -9,6 +9,7 @@
 #include "sound/AudioLog.h"
 #include "sound/AudioOutput.h"
 #include "sound/MacroList.h"
+#include "sound/NoPdTilde.h"
 #include "sound/NumericLocale.h"
 #include "sound/PatchFolder.h"
 #include "sound/PatchOutline.h"

@@ -1,5 +1,6 @@
 #include "sound/PortAudioLibrary.h"
 
+#include "sound/AlsaConfiguration.h"
 #include "sound/JackEpoch.h"
 
 #include <QByteArray>
@@ -125,6 +126,8 @@ PaError PortAudioLibrary::start()
             reinterpret_cast<PaError (*)(const char*)>(dlsym(mHandle, "PaJack_SetClientName")))
         setName(JACK_CLIENT_NAME);
     jackEpoch = JackEpoch::current();
+    if (AlsaConfiguration::complete())
+        qWarning() << "ALSA names no default device. That of another sound system can be used.";
     const PaError error = initialize();
     isStarted = error == paNoError;
     return error;

@@ -1,5 +1,6 @@
 #include "trial/VoiceTrial.h"
 
+#include "sound/NoPdTilde.h"
 #include "sound/PdBlockSize.h"
 
 #include <z_libpd.h>

@@ -76,3 +76,19 @@ TEST_F(StartAndStop, WithoutAStyleSheetTheProgramEnds)
     EXPECT_EQ(failing.waitForExit(), 1);
     EXPECT_TRUE(log().contains(u"style sheet failed.\n\nThe program will now shut down.\n"_s));
 }
+
+TEST_F(StartAndStop, WithoutAnyConfigurationOfAlsaOnlyAMissingDeviceIsFatal)
+{
+    desk.removeAlsa();
+    {
+        RunningProgram underJack(desk);
+        ASSERT_TRUE(underJack.waitForWindow());
+        EXPECT_TRUE(log().contains(u"PaStream started"_s));
+        EXPECT_EQ(underJack.quit(), 0);
+    }
+    desk.jack().killNow();
+    RunningProgram failing(desk);
+    ASSERT_TRUE(failing.waitForBox() && failing.confirmBox());
+    EXPECT_EQ(failing.waitForExit(), 1);
+    EXPECT_TRUE(log().contains(u"Initialisation of audio device failed."_s));
+}

@@ -67,14 +67,19 @@ bool VirtualDesk::startJack()
     return waitUntil(settled) && answered && !mJackServer.waitForFinished(200);
 }
 
-/// A card of the machine's own would be the default device, before JACK's. PortAudio wants at least
-/// one name to look at, so there is one of a card that is not there.
+/// A card of the machine's own would be the default device, before JACK's. So there is only the name of
+/// a card that is not there.
 void VirtualDesk::hideSoundCards()
 {
     QFile file(mFiles.filePath(u"alsa.conf"_s));
     if (file.open(QIODevice::WriteOnly))
         file.write("pcm.none { type hw card 99 }\n");
     mEnvironment.insert(u"ALSA_CONFIG_PATH"_s, file.fileName());
+}
+
+void VirtualDesk::removeAlsa()
+{
+    mEnvironment.insert(u"ALSA_CONFIG_PATH"_s, mFiles.filePath(u"missing.conf"_s));
 }
 
 std::optional<VirtualDesk::Window> VirtualDesk::window(const QString& title) const

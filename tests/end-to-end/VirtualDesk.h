@@ -44,6 +44,9 @@ public:
     bool addPulse();
     PulseServer& pulse() { return *mPulse; }
 
+    /// For the programs that start from now on ALSA has no configuration at all.
+    void removeAlsa();
+
     TestProcess& jack() { return mJackServer; }
     /// Again too, under its name, after it was killed.
     bool startJack();
