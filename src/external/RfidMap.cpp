@@ -34,7 +34,7 @@ float valueFrom(double number)
     return static_cast<float>(number);
 }
 
-QString text(float value)
+QString numberText(float value)
 {
     return QString::number(static_cast<double>(value));
 }
@@ -64,7 +64,8 @@ QSharedPointer<OrloEvent> eventFrom(const QString& key, const QJsonObject& entry
         return event;
     qWarning().noquote()
         << QStringLiteral("RFID %1 was assigned base frequency %2, which is not from %3 to %4 Hz. Ignoring.")
-               .arg(logText(key), text(event->value()), text(pitchrange::LOWEST), text(pitchrange::HIGHEST));
+               .arg(logText(key), numberText(event->value()), numberText(pitchrange::LOWEST),
+                    numberText(pitchrange::HIGHEST));
     return nullptr;
 }
 
@@ -92,7 +93,7 @@ void RfidMap::read(const QJsonObject& json)
         const auto* note = dynamic_cast<const OrloNoteEvent*>(event.get());
         qWarning().noquote() << QStringLiteral("RFID %1 mapped to: event %2, value %3")
                                     .arg(logText(key), QString::number(event->type()),
-                                         note ? note->path().toString() : text(event->value()));
+                                         note ? note->path().toString() : numberText(event->value()));
     }
 }
 
