@@ -8,7 +8,7 @@
 #include <QPoint>
 #include <QSize>
 
-/// All options as plain fields, stored in "options.json" at each autosave and at exit.
+/// All options as plain fields, stored in "options.json" soon after a change, at each autosave and at exit.
 ///
 /// Written on the graphical thread only. What the sound engine reads directly, on the audio thread,
 /// is a `SharedOption`. Values are not checked for range here: each class that reads one guards itself.
