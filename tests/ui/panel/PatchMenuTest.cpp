@@ -89,6 +89,7 @@ TEST_F(PatchMenuTest, StepsThatComeTogetherOpenTheVoiceWhereTheyEnd)
     const LogCatcher log;
     const auto loads = [&log] { return log.count(QtWarningMsg, u"Loading voice patch"_s); };
     for (const auto& [up, down, opened] : rows) {
+        SCOPED_TRACE(up - down);
         const int end = ((menu()->currentIndex() + up - down) % count + count) % count;
         const int before = loads();
         run([&, up = up, down = down, opened = opened] {
@@ -98,9 +99,9 @@ TEST_F(PatchMenuTest, StepsThatComeTogetherOpenTheVoiceWhereTheyEnd)
             }
             EXPECT_TRUE(waitUntil([&] { return loads() == before + opened; }));
         });
-        EXPECT_EQ(settings.defaultPatch, fileOf(end)) << up << ' ' << down;
-        EXPECT_EQ(menu()->currentIndex(), end) << up << ' ' << down;
-        EXPECT_EQ(loads(), before + opened) << up << ' ' << down;
+        EXPECT_EQ(settings.defaultPatch, fileOf(end));
+        EXPECT_EQ(menu()->currentIndex(), end);
+        EXPECT_EQ(loads(), before + opened);
     }
     const auto stepTwice = [this] {
         button("patchIncButton")->click();
