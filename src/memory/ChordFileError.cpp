@@ -1,5 +1,7 @@
 #include "memory/ChordFileError.h"
 
+#include "app/LogText.h"
+
 #include <QDebug>
 
 ChordFileError::ChordFileError(const QList<Part>& parts)
@@ -16,5 +18,5 @@ void ChordFileError::log(const QString& path) const
             << QStringLiteral("The chord file %1 has no ratio in slot %2: \"%3\". The chord ends before it.")
                    .arg(path)
                    .arg(part.slot)
-                   .arg(part.text);
+                   .arg(logText(part.text.left(200)));
 }

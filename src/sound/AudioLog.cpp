@@ -181,6 +181,12 @@ void critical(const char* text, std::initializer_list<Argument> arguments, std::
     write(QtCriticalMsg, text, arguments, place);
 }
 
+void renewRations()
+{
+    ThreadCheck::gui();
+    rations().clear();
+}
+
 bool isPending()
 {
     return ring().readable() > 0 || dropped.load(std::memory_order_relaxed) > 0;

@@ -59,6 +59,8 @@ void rationed(const char* text, std::initializer_list<Argument> arguments = {},
 void critical(const char* text, std::initializer_list<Argument> arguments = {},
               std::source_location place = std::source_location::current());
 
+/// [gui] Nothing has been left out of the rationed lines so far.
+void renewRations();
 /// [any] Whether there is something to log.
 bool isPending();
 /// [gui] Logs what has come.

@@ -27,6 +27,7 @@ EngineRelay::EngineRelay(PdPlayer& player)
     if (!mRing.init(RECORDS * sizeof(Record) + 1))
         qCritical() << "There is no memory for the engine's reports.";
     mPlayer.copyState(mTold);
+    AudioLog::renewRations(); // a process can have one player after another
     connect(&mWaker, &ThreadWaker::woken, this, &EngineRelay::drain);
 
     // Direct: the record is written where the signal is emitted.

@@ -22,11 +22,13 @@ const QStringList ENDINGS =
                    "html htm xhtml svg")
         .split(u' ');
 
+// Of content, for names without an ending that is known.
 const QString KINDS[] = {QStringLiteral("application/x-executable"),
                          QStringLiteral("application/x-sharedlib"),
                          QStringLiteral("application/x-desktop"),
                          QStringLiteral("application/x-ms-dos-executable"),
                          QStringLiteral("application/x-msdownload"),
+                         QStringLiteral("application/vnd.microsoft.portable-executable"),
                          QStringLiteral("application/javascript"),
                          QStringLiteral("text/html"),
                          QStringLiteral("image/svg+xml")};

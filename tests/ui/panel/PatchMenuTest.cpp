@@ -90,45 +90,44 @@ TEST_F(PatchMenuTest, BeforeTheFirstChoiceOfAFileItIsSaidWhatAVoiceCanDo)
 
 TEST_F(PatchMenuTest, StepsThatComeTogetherOpenTheVoiceWhereTheyEnd)
 {
-    const auto sendSteps = [this](int up, int down) {
-        for (int i = 0; i < up + down; ++i) {
-            const OrloEvent step(OrloEvent::PatchStep, i < up ? 1.0F : 0.0F);
-            player.queueEventSerial(&step);
-        }
-    };
     const int count = menu()->count();
     const std::tuple<int, int, int> rows[] = {
-        // up, down, voices that are opened: the first step at once, and what the others lead to
-        {1, 0, 1}, {0, 1, 1}, {200, 3, 2}, {3, 200, 2}, {count, 1, 2}, {count + 1, 0, 1},
+        // up, down, voices that are opened: by the first step at once, and where the others lead
+        {1, 0, 1},
+        {200, 3, 2},
+        {3, 200, 2},
+        {count + 1, 0, 1},
     };
     const LogCatcher log;
+    const auto loads = [&log] { return log.count(QtWarningMsg, u"Loading voice patch"_s); };
     for (const auto& [up, down, opened] : rows) {
+        SCOPED_TRACE(up - down);
         const int end = ((menu()->currentIndex() + up - down) % count + count) % count;
-        const int before = log.count(QtWarningMsg, u"Loading voice patch"_s);
-        run([&] {
-            sendSteps(up, down);
-            EXPECT_TRUE(waitUntil(
-                [&] { return log.count(QtWarningMsg, u"Loading voice patch"_s) == before + opened; }));
+        const int before = loads();
+        run([&, up = up, down = down, opened = opened] {
+            for (int i = 0; i < up + down; ++i) {
+                const OrloEvent step(OrloEvent::PatchStep, i < up ? 1.0F : 0.0F);
+                player.queueEventSerial(&step);
+            }
+            EXPECT_TRUE(waitUntil([&] { return loads() == before + opened; }));
         });
-        EXPECT_EQ(menu()->currentIndex(), end) << up << ' ' << down;
-        EXPECT_EQ(settings.defaultPatch, fileOf(end)) << up << ' ' << down;
-        EXPECT_EQ(log.count(QtWarningMsg, u"Loading voice patch"_s), before + opened) << up << ' ' << down;
+        EXPECT_EQ(settings.defaultPatch, fileOf(end));
+        EXPECT_EQ(menu()->currentIndex(), end);
+        EXPECT_EQ(loads(), before + opened);
     }
-    // What the player chooses meanwhile counts.
-    run([&] {
+    const auto stepTwice = [this] {
         button("patchIncButton")->click();
         button("patchIncButton")->click();
+    };
+    run([&] { // what the player chooses meanwhile counts
+        stepTwice();
         window->patch_by_Index(1);
     });
     EXPECT_EQ(settings.defaultPatch, fileOf(1));
-    // Steps that come while a box tells of a failure wait for its end.
-    run([&] {
-        QTimer::singleShot(0, menu(), [this] {
-            button("patchIncButton")->click();
-            button("patchIncButton")->click();
-            EXPECT_EQ(settings.defaultPatch, fileOf(1));
-        });
+    run([&] { // while a box tells of a failure, steps wait
+        QTimer::singleShot(0, menu(), stepTwice);
         window->loadPatch(home.path(u"no.pd"_s));
+        EXPECT_EQ(settings.defaultPatch, fileOf(1));
         EXPECT_TRUE(waitUntil([this] { return settings.defaultPatch == fileOf(3); }));
     });
     EXPECT_EQ(boxes.take().size(), 1);
