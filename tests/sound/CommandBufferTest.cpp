@@ -52,18 +52,6 @@ TEST(CommandBuffer, Holds255ChunksInOrderAndDropsTheNext)
     EXPECT_LT(log.lines().size(), RationedLog::AT_ONCE * 2);
 }
 
-TEST(Commands, OfTheDeviceRunBeforeThoseOfTheScreen)
-{
-    SoundRig rig;
-    EngineLog log(rig.player);
-    const OrloEvent later = event(22, 442.0F);
-    const OrloEvent sooner = event(22, 441.0F);
-    rig.player.queueEventGui(&later);
-    rig.player.queueEventSerial(&sooner);
-    rig.render();
-    EXPECT_EQ(log.said(), "baseFrequencyChanged 441; baseFrequencyChanged 442");
-}
-
 // Each row runs after those above it, on one engine.
 TEST(Commands, DoWhatTheirNumberSays)
 {

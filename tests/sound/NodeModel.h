@@ -44,10 +44,11 @@ public:
     };
 
     /// What the engine did, in its order. The rules leave open in which order it takes the notes that sound.
+    using Order = std::deque<std::pair<Ratio, size_t>>;
     struct Heard
     {
-        std::deque<std::pair<Ratio, size_t>> starts; // with the slot
-        std::deque<Ratio> selections;
+        Order starts; // with the slot
+        Order selections;
     };
 
     /// Options.
@@ -275,7 +276,7 @@ private:
                 stop(voices[mMonoSlot].ratio);
             mMonoSlot = slot;
         }
-        expect(heard.starts, {ratio, slot});
+        expect(heard.starts, ratio, slot);
         Voice& voice = voices[slot];
         voice.ratio = ratio;
         voice.start = mStarts;
@@ -313,22 +314,26 @@ private:
         }
     }
 
-    void startAll(std::set<Ratio> ratios)
+    void startAll(const std::set<Ratio>& ratios)
     {
-        while (!ratios.empty() && !heard.starts.empty()) {
-            const Ratio next = heard.starts.front().first;
-            heardAsTold = ratios.erase(next) > 0 && heardAsTold;
-            start(next);
-        }
-        heardAsTold = ratios.empty() && heardAsTold;
+        for (const Ratio& ratio : inHeardOrder(ratios, heard.starts))
+            start(ratio);
     }
 
-    template <class Thing>
-    void expect(std::deque<Thing>& list, const Thing& thing)
+    std::vector<Ratio> inHeardOrder(const std::set<Ratio>& ratios, const Order& order)
     {
-        heardAsTold = !list.empty() && list.front() == thing && heardAsTold;
-        if (!list.empty())
-            list.pop_front();
+        std::vector<Ratio> list;
+        for (size_t i = 0; i < ratios.size() && i < order.size(); ++i)
+            list.push_back(order[i].first);
+        heardAsTold = std::set<Ratio>(list.begin(), list.end()) == ratios && heardAsTold;
+        return list;
+    }
+
+    void expect(Order& order, Ratio ratio, size_t slot = 0)
+    {
+        heardAsTold = !order.empty() && order.front() == std::pair(ratio, slot) && heardAsTold;
+        if (!order.empty())
+            order.pop_front();
     }
 
     // ---------------------------------------------------------------- nodes
@@ -386,12 +391,7 @@ private:
         std::set<Ratio> ratios = sounding();
         for (const Ratio& ratio : selected)
             ratios.erase(ratio);
-        while (!ratios.empty() && !heard.selections.empty()) {
-            const Ratio next = heard.selections.front();
-            heardAsTold = ratios.erase(next) > 0 && heardAsTold;
-            select(next);
-        }
-        heardAsTold = ratios.empty() && heardAsTold;
+        selectEach(inHeardOrder(ratios, heard.selections));
     }
 
     void deselectAll() { selectEach(std::vector<Ratio>(selected)); }

@@ -36,7 +36,7 @@ public:
         connect(&player, &PdPlayer::noteToggled, this, hearStart, Qt::DirectConnection);
         const auto hearSelection = [this](const OrloRatio& ratio, bool on) {
             if (on)
-                selections.push_back({ratio.numerator(), ratio.denominator()});
+                selections.push_back({{ratio.numerator(), ratio.denominator()}, 0});
         };
         connect(&player, &PdPlayer::nodeSelected, this, hearSelection, Qt::DirectConnection);
     }
@@ -45,7 +45,7 @@ public:
     const Voice& voiceOf(Key ratio) const { return voices.at(static_cast<size_t>(numberOf(ratio))); }
 
     std::deque<std::pair<Key, std::size_t>> starts; // of notes, with the slot
-    std::deque<Key> selections;
+    std::deque<std::pair<Key, std::size_t>> selections;
     float masterVolume = 0.0F;
     std::array<Voice, 129> voices; // from 1
 

@@ -175,14 +175,13 @@ protected:
         }
     }
 
-    void queueAnything(int events, bool togglesLater = true)
+    void queueAnything(int events, const std::set<int>& exceptions = {})
     {
         for (; events > 0; --events) {
             Command command;
             const std::unique_ptr<OrloEvent> event = anyEvent(command);
-            if (command.type == OrloEvent::NodesToggleAllSelected && !togglesLater)
-                continue;
-            queue(command, *event);
+            if (!exceptions.contains(command.type))
+                queue(command, *event);
         }
     }
 
@@ -256,10 +255,12 @@ protected:
         log.clear();
     }
 
-    /// With commands that wait: they run in the first of the blocks before the patch is closed.
+    /// With commands that wait: they run before the patch is closed, in one block or another. A closing among
+    /// them could come when one is awaited.
     void changePatch()
     {
-        queueAnything(below(300), false);
+        queueAnything(below(300),
+                      {OrloEvent::NodesToggleAllSelected, OrloEvent::PatchOpen, OrloEvent::PatchClose});
         model.lattice = ratioOf(rig.orlo.transposition());
         ASSERT_TRUE(rig.loadMainText(PATCH));
         model.heard = {std::exchange(ear.starts, {}), std::exchange(ear.selections, {})};

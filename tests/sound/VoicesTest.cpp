@@ -125,24 +125,6 @@ TEST_F(Voices, FrequenciesAtTheBoundsAreMarkedButNotGated)
     }
 }
 
-TEST_F(Voices, OnlyTheLastStepOfAPathMeetsThePrimeGate)
-{
-    rig.player.setMaxVoices(128);
-    send(OrloEvent::PrimeEnabledToggle, 5.0F);
-    log.take();
-    const std::pair<const char*, const char*> rows[] = {
-        {"/3/5", ""}, {"/-5", ""}, {"/5/3", "noteToggled 15/8 on"}, {"/", "noteToggled 1/1 on"},
-        {"/4", ""}, // no prime
-    };
-    for (const auto& [path, said] : rows) {
-        press(path);
-        EXPECT_EQ(log.said(QStringLiteral("note")), said) << path;
-    }
-    send(OrloEvent::PrimeEnabledToggle, 5.0F);
-    press("/-5"); // 4/5
-    EXPECT_EQ(log.said(QStringLiteral("note")), "noteToggled 4/5 on");
-}
-
 TEST_F(Voices, WhatNoLongerFitsIn64BitsIsRefused)
 {
     LogCatcher messages;
@@ -187,12 +169,4 @@ TEST_F(Voices, MonophonicStartsEachNoteBesideTheReleaseOfTheOneBefore)
     send(OrloEvent::MonophonicSet, 1.0F); // forgets the voice from before
     rig.reportVoiceStop(2);
     EXPECT_EQ(after(B), started(2, "660", "3/2"));
-}
-
-TEST_F(Voices, MonophonicWithNoVoiceFreeStealsTheOneItWouldStop)
-{
-    send(OrloEvent::MonophonicSet, 1.0F);
-    toggle(A);
-    toggle(B);                                                                // voice 1 releases
-    EXPECT_EQ(after(C), stopped(2, "3/2") + "; " + started(1, "880", "2/1")); // steals voice 1, stops voice 2
 }
