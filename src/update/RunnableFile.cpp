@@ -13,13 +13,13 @@ const QStringList ENDINGS =
     // Linux: starters, programs in one file
     QStringLiteral("desktop appimage run bin out elf "
                    // scripts
-                   "sh bash csh ksh zsh fish py pyw pyz pl rb php tcl lua js jar jnlp "
+                   "sh bash csh ksh zsh fish py pyc pyw pyz pl rb php tcl lua js jar class jnlp "
                    // programs of Windows, which Wine starts too, and what stands for one
                    "exe msi com scr pif bat cmd ps1 vbs wsf hta lnk url reg "
                    // macOS: run in a terminal or by the system's automation
-                   "command tool terminal action workflow scpt applescript webloc "
+                   "command tool terminal action workflow scpt applescript webloc fileloc inetloc "
                    // pages whose scripts run as those of a file of this machine
-                   "html htm xhtml svg")
+                   "html htm xhtml xht svg")
         .split(u' ');
 
 // Of content, for names without an ending that is known.
@@ -29,7 +29,12 @@ const QString KINDS[] = {QStringLiteral("application/x-executable"),
                          QStringLiteral("application/x-ms-dos-executable"),
                          QStringLiteral("application/x-msdownload"),
                          QStringLiteral("application/vnd.microsoft.portable-executable"),
+                         QStringLiteral("application/x-mswinurl"),
+                         QStringLiteral("application/x-java"),
+                         QStringLiteral("application/x-java-jnlp-file"),
+                         QStringLiteral("application/x-php"),
                          QStringLiteral("application/javascript"),
+                         QStringLiteral("application/xhtml+xml"),
                          QStringLiteral("text/html"),
                          QStringLiteral("image/svg+xml")};
 

@@ -201,6 +201,7 @@ TEST_F(DownloaderTest, WhatTheDesktopWouldRunIsKeptButNotOpened)
         {u"a.dmg"_s, "x", true},      {u"a.sh.zip"_s, "PK", true},      {u"a-2.1.0"_s, "a text", true},
         {u"a.desktop"_s, "x", false}, {u"a.tar.SH"_s, "x", false},      {u"a.AppImage"_s, "x", false},
         {u"a.exe. "_s, "x", false},   {u"a-2"_s, "#!/bin/sh\n", false}, {u"a"_s, "\177ELF\2\1\1", false},
+        {u"a.xht"_s, "x", false},     {u"a.inetloc"_s, "x", false},     {u"a-3"_s, "<?php x", false},
     };
     for (const auto& [name, bytes, isOpened] : rows) {
         downloader->setFileName(name);
