@@ -53,8 +53,8 @@ bool SerializableRoot::save() const
 {
     const WholeFile::Outcome outcome = WholeFile::write(mPath, text());
     if (outcome.step == WholeFile::Outcome::NotWritten)
-        qCritical().noquote() << QStringLiteral("Couldn't write file %1: %2. The old one is kept.")
-                                     .arg(mPath, outcome.reason);
+        qCritical().noquote()
+            << QStringLiteral("Couldn't write file %1: %2. The old one is kept.").arg(mPath, outcome.reason);
     else if (!outcome)
         qCritical().noquote() << QStringLiteral("Couldn't open file %1 for saving.").arg(mPath);
     return static_cast<bool>(outcome);

@@ -1,6 +1,7 @@
 #include "external/MidiOutRtMidi.h"
 
 #include "app/LogFilter.h"
+#include "external/JackServer.h"
 #include "sound/AudioLog.h"
 #include "sound/ThreadCheck.h"
 
@@ -35,7 +36,13 @@ MidiOutRtMidi::~MidiOutRtMidi()
 
 MidiPort::Factory MidiOutRtMidi::outputFactory() const
 {
-    return [](RtMidi::Api api) { return std::make_unique<RtMidiOut>(api, CLIENT_NAME); };
+    return [](RtMidi::Api api) {
+        auto output = std::make_unique<RtMidiOut>(api, CLIENT_NAME);
+        // Each time it does not find JACK's server it leaks 16 KiB, so it is not even asked then.
+        if (output->getCurrentApi() == RtMidi::UNIX_JACK && !JackServer::isThere())
+            output.reset();
+        return output;
+    };
 }
 
 bool MidiOutRtMidi::init()

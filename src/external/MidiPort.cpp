@@ -46,8 +46,8 @@ bool MidiPort::isJack() const
     return mOutput && mOutput->getCurrentApi() == RtMidi::UNIX_JACK;
 }
 
-/// Of this API, or of any.
-RtMidiOut& MidiPort::output(RtMidi::Api api)
+/// Of this API, or of any. Null for JACK's without a server.
+RtMidiOut* MidiPort::output(RtMidi::Api api)
 {
     ThreadCheck::sender();
     if (mOutput && api != RtMidi::UNSPECIFIED && mOutput->getCurrentApi() != api)
@@ -56,7 +56,7 @@ RtMidiOut& MidiPort::output(RtMidi::Api api)
         mJackEpoch = JackEpoch::current();
         mOutput = api == RtMidi::UNSPECIFIED ? makeAnyOutput() : mFactory(api);
     }
-    return *mOutput;
+    return mOutput.get();
 }
 
 /// Throws the first error when no API comes up.
@@ -85,15 +85,18 @@ unsigned int MidiPort::countPorts()
 {
     if (mOpen)
         checkServer();
-    RtMidiOut& made = output();
-    if (mOpen || !isJack())
-        return made.getPortCount();
-    bool hasServer = true;
-    made.setErrorCallback(
-        [](RtMidiError::Type, const std::string&, void* has) { *static_cast<bool*>(has) = false; },
-        &hasServer);
-    const unsigned int count = made.getPortCount();
-    made.setErrorCallback(nullptr);
+    RtMidiOut* made = output();
+    if (made && (mOpen || !isJack()))
+        return made->getPortCount();
+    bool hasServer = made != nullptr;
+    unsigned int count = 0;
+    if (made) {
+        made->setErrorCallback(
+            [](RtMidiError::Type, const std::string&, void* has) { *static_cast<bool*>(has) = false; },
+            &hasServer);
+        count = made->getPortCount();
+        made->setErrorCallback(nullptr);
+    }
     if (std::exchange(mHadServer, hasServer) && !hasServer)
         JackEpoch::end(mJackEpoch);
     return count;
@@ -123,7 +126,7 @@ std::vector<std::string> MidiPort::list()
     std::vector<std::string> found;
     const unsigned int count = countPorts();
     for (unsigned int i = 0; i < count; ++i)
-        found.push_back(output().getPortName(i));
+        found.push_back(output()->getPortName(i));
     return found;
 }
 
@@ -144,14 +147,14 @@ std::optional<MidiPort::Opened> MidiPort::open(std::size_t index)
         releaseIdle();
         return std::nullopt;
     }
-    output().openPort(number, PORT_NAME);
+    output()->openPort(number, PORT_NAME);
     mOpen = true;
     mIndex = index;
-    mName = output().getPortName(number);
+    mName = output()->getPortName(number);
     mSinceAnswer = 0;
     // Where it does not show now that the server answers, it would not later.
     mAsksServer = isJack() && serverAnswers();
-    return Opened{mName, output().getCurrentApi()};
+    return Opened{mName, output()->getCurrentApi()};
 }
 
 std::optional<MidiPort::Opened> MidiPort::open(const std::string& name, RtMidi::Api api)

@@ -20,7 +20,8 @@
 class MidiPort
 {
 public:
-    /// Makes an output of one API, and throws RtMidiError when that does not come up.
+    /// Makes an output of one API, and throws RtMidiError when that does not come up. May give none where the
+    /// API is JACK's and there is no server.
     using Factory = std::function<std::unique_ptr<RtMidiOut>(RtMidi::Api)>;
 
     struct Opened
@@ -61,7 +62,7 @@ public:
     bool isStillThere();
 
 private:
-    RtMidiOut& output(RtMidi::Api api = RtMidi::UNSPECIFIED);
+    RtMidiOut* output(RtMidi::Api api = RtMidi::UNSPECIFIED);
     std::unique_ptr<RtMidiOut> makeAnyOutput() const;
     std::vector<std::string> list();
     unsigned int countPorts();

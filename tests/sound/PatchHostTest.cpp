@@ -320,9 +320,8 @@ TEST_F(PatchHostLocale, ChangesNoNumberOfAPatch)
     EXPECT_EQ(std::localeconv()->decimal_point, point) << "the program's own locale was changed";
 }
 
-TEST_F(PatchHost, MakesPureDatasExtraObjectsButTheOneThatStartsAProcess)
+TEST_F(PatchHost, KnowsPureDatasExtraObjectsButTheOneThatStartsAProcess)
 {
-    for (const char* name : {"bob~", "bonk~", "fiddle~", "loop~", "lrshift~", "pique", "sigmund~"})
-        EXPECT_TRUE(zgetfn(&pd_objectmaker, gensym(name))) << name;
-    EXPECT_FALSE(zgetfn(&pd_objectmaker, gensym("pd~")));
+    for (const char* name : {"bob~", "bonk~", "fiddle~", "loop~", "lrshift~", "pique", "sigmund~", "pd~"})
+        EXPECT_EQ(zgetfn(&pd_objectmaker, gensym(name)) != nullptr, std::string(name) != "pd~") << name;
 }

@@ -1,3 +1,4 @@
+#include "files/SetAside.h"
 #include "fuzz/Fuzz.h"
 #include "memory/ChordFileError.h"
 #include "memory/SaveAndLoad.h"
@@ -73,8 +74,14 @@ FUZZ_TARGET(chord_file)
     }
     FUZZ_REQUIRE(3 * ratios <= input.size() + 1); // "/6" is one, and the last needs no blank
 
+    const bool isKept = SetAside::isMarked(path);
+    SetAside::copyMarked(path);
     FUZZ_REQUIRE(SaveAndLoad().saveDataToFile(&file, &chords, SETS));
     bool threw = false;
     FUZZ_REQUIRE(areSame(readFrom(path, &threw), comesBack(chords)));
     FUZZ_REQUIRE(!threw);
+    const Chords again = readFrom(path);
+    for (int slot = 1; slot <= SETS; ++slot)
+        FUZZ_REQUIRE(isKept || again.value(slot) == chords.value(slot)); // nothing is lost without a copy
+    SetAside::copyMarked(path);
 }

@@ -1,7 +1,6 @@
 #include "fuzz/Fuzz.h"
 #include "update/SafeFileName.h"
 #include "update/UpdateFeed.h"
-#include "update/WebAddress.h"
 
 #include <QDir>
 #include <QUrl>
@@ -46,9 +45,4 @@ FUZZ_TARGET(feed)
         FUZZ_REQUIRE(liesInFolder(name));
         FUZZ_REQUIRE(liesInFolder(QUrl::fromPercentEncoding(name.toUtf8())));
     }
-    const QUrl from(feed->openUrl);
-    const QUrl to(feed->downloadUrl);
-    const bool wasSafe = from.scheme() == QStringLiteral("https");
-    if (web::objection(from, to).isEmpty())
-        FUZZ_REQUIRE(web::isWebAddress(to) && (!wasSafe || to.scheme() == from.scheme()));
 }
