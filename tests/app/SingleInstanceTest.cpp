@@ -51,6 +51,6 @@ TEST_F(OneCopy, WhatADeadOneLeftLocksNobodyOut)
     for (const QByteArray& left : {lock, "1" + lock.mid(lock.indexOf('\n')), QByteArray()}) {
         home.write(u".lock"_s, left);
         const auto isFirst = [&] { return SingleInstance(folder).enter() == Entry::First; };
-        EXPECT_TRUE(home.whenNothingCanBeWritten(isFirst) && isFirst()) << left.toStdString();
+        EXPECT_TRUE(home.whenNoFileCanBeMade(isFirst) && isFirst()) << left.toStdString();
     }
 }
