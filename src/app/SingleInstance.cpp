@@ -56,7 +56,7 @@ SingleInstance::Entry SingleInstance::enter(std::chrono::milliseconds longest)
         if (isAnswered(deadline))
             return Entry::Answered;
         if (!whyNotWritable(mFolder).isEmpty())
-            return Entry::First; // a lock that a dead one left stays here, and there is nothing to overwrite
+            return Entry::First; // the lock of a dead one would stay for ever
         if (deadline.hasExpired())
             return Entry::Unheard;
         QThread::msleep(PAUSE_MS); // the first one may be about to listen, or to end
