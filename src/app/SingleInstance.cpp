@@ -1,5 +1,7 @@
 #include "app/SingleInstance.h"
 
+#include "files/WriteAccess.h"
+
 #include <QApplication>
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
@@ -53,6 +55,8 @@ SingleInstance::Entry SingleInstance::enter(std::chrono::milliseconds longest)
             return Entry::First;
         if (isAnswered(deadline))
             return Entry::Answered;
+        if (!whyNotWritable(mFolder).isEmpty())
+            return Entry::First; // the lock of a dead one would stay for ever
         if (deadline.hasExpired())
             return Entry::Unheard;
         QThread::msleep(PAUSE_MS); // the first one may be about to listen, or to end

@@ -49,7 +49,7 @@ QList<OrloRatio> read(const QString& line, int slot, Reading& reading)
         int numbers[2]{};
         for (qsizetype i = 0; pieces.size() == 2 && i < 2; ++i) {
             numbers[i] = pieces[i].toInt(&reading.ok); // both into one flag: the second decides
-            reading.lost = reading.lost || !reading.ok || numbers[i] < 0;
+            reading.lost = reading.lost || !reading.ok || numbers[i] <= 0; // a zero is no pitch
         }
         if (pieces.size() != 2 || !reading.ok) {
             reading.ok = false;

@@ -8,5 +8,6 @@ void showNonModalBox(QWidget* parent, QMessageBox::Icon icon, const QString& tex
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText); // a device may have any name
     box->setModal(false);
+    box->setAttribute(Qt::WA_ShowWithoutActivating); // the keys go on playing
     box->show();
 }
