@@ -37,8 +37,8 @@ protected:
     }
 
     void toggle(const OrloRatio& ratio) { rig.send(OrloNoteEvent(ratio)); }
-    void press(const char* path) { rig.send(OrloNoteEvent(QString::fromLatin1(path))); }
     void send(OrloEvent::Type type, float value = 0.0F) { rig.send(OrloEvent(type, value)); }
+
     SoundRig rig;
     EngineLog log{rig.player};
 };
@@ -60,21 +60,16 @@ TEST_F(Voices, ANoteSendsMacrosThenFrequencyVolumeAndGate)
     EXPECT_EQ(log.said(), "orlo-in 0 1 1; noteToggled 3/2 off");
 }
 
-TEST_F(Voices, WhatNoLongerFitsIn64BitsIsRefused)
+TEST_F(Voices, WhatNoLongerFitsIn64BitsIsLogged)
 {
-    LogCatcher messages;
+    const LogCatcher messages;
     rig.send(OrloTransposeEvent(OrloRatio(1ULL << 63, 1)));
-    rig.send(OrloTransposeEvent(OrloRatio(2, 1)));
     send(OrloEvent::TransposeByPrimeStep, 2.0F);
+    rig.send(OrloNoteEvent(QStringLiteral("/2")));
     EXPECT_EQ(log.said(), "transposed 9223372036854775808/1 1000");
-    press("/2");
-    press("/3"); // cancels to 2^62 times 3
-    EXPECT_EQ(log.said(QStringLiteral("noteToggled")), "noteToggled 13835058055282163712/1 on");
     QCoreApplication::processEvents(); // logs what the engine said
-    EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("does not fit")), 3);
+    EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("does not fit")), 2);
     EXPECT_TRUE(messages.has(QtWarningMsg, QStringLiteral("the pitch of \"/2\" does not fit")));
-    send(OrloEvent::TransposeByPrimeStep, 0.0F);
-    EXPECT_EQ(log.said(), "transposed 1/1 0");
 }
 
 TEST_F(Voices, AllNotesEndThoughThePatchReportsThemAtOnce)
