@@ -80,7 +80,11 @@ TEST(Commands, DoWhatTheirNumberSays)
         {23, -7.0F, ""},
         {24, 0.25F, "macroValueChanged 1 0.25"},
         {31, 1.0F, "macroValueChanged 8 1"},
-        {3, 1.0F, "removeNodeInStack 0/1"},  // no ratio was given
+        {3, 1.0F, "removeNodeInStack 0/1"}, // no ratio was given
+        {8, 1.0F, "resetGlissSliders 0"},   // and no patch whose macros have defaults
+        {10, 1.0F, "resetGlissSliders 1"},
+        {11, 1.0F, "resetGlissSliders 2"},
+        {12, 1.0F, "resetGlissSliders 0"},
         {35, 1.0F, "removeNodeInStack 0/1"}, // deselecting runs on into removing
         {36, 1.0F, ""},                      // no transposition by 0/1
         {39, 1.0F, "nodesRecalled"},

@@ -44,10 +44,10 @@ public:
     };
 
     /// What the engine did, in its order. The rules leave open in which order it takes the notes that sound.
-    using Order = std::deque<std::pair<Ratio, size_t>>;
+    using Order = std::deque<std::pair<Ratio, size_t>>; // with the slot, of starts
     struct Heard
     {
-        Order starts; // with the slot
+        Order starts;
         Order selections;
     };
 
@@ -62,6 +62,7 @@ public:
     std::vector<Voice> voices;
     std::map<Ratio, Values> altered; // relative to the sliders while selected
     std::vector<Ratio> selected;
+    std::set<Ratio> held;
     Ratio transposition{1, 1};
     float masterVolume = 0.8F;
 
@@ -108,16 +109,27 @@ public:
         voice.start = 0;
     }
 
-    void changePatch()
+    void closePatch()
     {
-        const std::set<Ratio> all = sounding();
-        const std::vector<Ratio> again = selected;
+        mAgain = sounding();
+        mSelectedAgain = selected;
         stopAll(true);
+        deselectAll();
+    }
+
+    /// What was pressed and selected without a patch comes beside what was before.
+    void openPatch()
+    {
+        const std::vector<Ratio> between = selected;
         deselectAll();
         if (!maintainMacros)
             takeDefaults();
-        startAll(all);
-        selectEach(again);
+        selectEach(between);
+        mAgain.merge(sounding());
+        stopAll(true);
+        startAll(mAgain);
+        std::erase_if(mSelectedAgain, [this](Ratio ratio) { return isSelected(ratio); });
+        selectEach(mSelectedAgain);
     }
 
 private:
@@ -169,7 +181,7 @@ private:
             return;
         case 40:
             mHolding = value == 1.0F;
-            mHeld = mHolding ? sounding() : std::set<Ratio>();
+            held = mHolding ? sounding() : std::set<Ratio>();
             return;
         default:
             if (type >= 24 && type <= 33)
@@ -253,7 +265,7 @@ private:
         const Voice* voice = find(ratio);
         if (!voice || voice->released)
             start(ratio);
-        else if (!mHolding || evenIfHeld || !mHeld.contains(ratio))
+        else if (!mHolding || evenIfHeld || !held.contains(ratio))
             stop(ratio);
     }
 
@@ -309,7 +321,7 @@ private:
     void stopAll(bool evenIfHeld)
     {
         for (const auto& [ratio, slot] : mNotes) {
-            if (evenIfHeld || !mHeld.contains(ratio))
+            if (evenIfHeld || !held.contains(ratio))
                 stop(ratio);
         }
     }
@@ -329,9 +341,10 @@ private:
         return list;
     }
 
-    void expect(Order& order, Ratio ratio, size_t slot = 0)
+    void expect(Order& order, Ratio ratio, std::optional<size_t> slot = {})
     {
-        heardAsTold = !order.empty() && order.front() == std::pair(ratio, slot) && heardAsTold;
+        const auto [first, given] = order.empty() ? Order::value_type{} : order.front();
+        heardAsTold = first == ratio && given == slot.value_or(given) && heardAsTold;
         if (!order.empty())
             order.pop_front();
     }
@@ -510,7 +523,8 @@ private:
     int mStarts = 0;
     std::vector<Ratio> mLater;
     std::map<Ratio, Values> mStarted; // sounding and not altered: the macros of its start
-    std::set<Ratio> mHeld;
+    std::set<Ratio> mAgain;           // in the next patch
+    std::vector<Ratio> mSelectedAgain;
     bool mHolding = false;
     bool mMono = false;
     size_t mMonoSlot = voices.size(); // none

@@ -7,9 +7,9 @@
 
 #include <array>
 #include <deque>
-#include <map>
+#include <set>
 
-/// Hears what the patch really receives on its input, and which voice each note was given.
+/// Hears what the patch really receives on its input, which voice each note was given, and what is marked.
 class PatchEar : public QObject
 {
 public:
@@ -21,35 +21,45 @@ public:
         float volume = 0.0F;
         std::array<float, 8> macros{};
     };
-    using Key = std::pair<quint64, quint64>; // numerator, denominator
+    using Key = std::pair<quint64, quint64>;               // numerator, denominator
+    using Order = std::deque<std::pair<Key, std::size_t>>; // with the slot that was told last
+    /// As was signalled.
+    struct Marks
+    {
+        std::set<Key> now;
+        Order given;
+    };
 
     explicit PatchEar(PdPlayer& player)
     {
         // A starting note is told its macros, frequency, volume and gate, and then it is signalled.
-        const auto hearStart = [this](const OrloRatio& ratio, bool on) {
-            if (!on)
-                return;
-            const Key key{ratio.numerator(), ratio.denominator()};
-            mVoiceOf[key] = mLastVoice;
-            starts.emplace_back(key, static_cast<size_t>(mLastVoice - 1));
-        };
-        connect(&player, &PdPlayer::noteToggled, this, hearStart, Qt::DirectConnection);
-        const auto hearSelection = [this](const OrloRatio& ratio, bool on) {
-            if (on)
-                selections.push_back({{ratio.numerator(), ratio.denominator()}, 0});
-        };
-        connect(&player, &PdPlayer::nodeSelected, this, hearSelection, Qt::DirectConnection);
+        hear(player, &PdPlayer::noteToggled, sounding);
+        hear(player, &PdPlayer::nodeSelected, selected);
+        hear(player, &PdPlayer::nodeAltered, altered);
+        hear(player, &PdPlayer::nodeHold, held);
     }
 
-    int numberOf(Key ratio) const { return mVoiceOf.at(ratio); }
-    const Voice& voiceOf(Key ratio) const { return voices.at(static_cast<size_t>(numberOf(ratio))); }
-
-    std::deque<std::pair<Key, std::size_t>> starts; // of notes, with the slot
-    std::deque<std::pair<Key, std::size_t>> selections;
+    Marks sounding;
+    Marks selected;
+    Marks altered;
+    Marks held;
     float masterVolume = 0.0F;
     std::array<Voice, 129> voices; // from 1
 
 private:
+    void hear(PdPlayer& player, void (PdPlayer::*signal)(OrloRatio, bool), Marks& marks)
+    {
+        const auto write = [this, &marks](const OrloRatio& ratio, bool on) {
+            const Key key{ratio.numerator(), ratio.denominator()};
+            if (on) {
+                marks.now.insert(key);
+                marks.given.emplace_back(key, static_cast<std::size_t>(mLastVoice - 1));
+            } else {
+                marks.now.erase(key);
+            }
+        };
+        connect(&player, signal, this, write, Qt::DirectConnection);
+    }
     void hear(float value, int type, int number)
     {
         mLastVoice = number;
@@ -65,7 +75,6 @@ private:
     }
 
     int mLastVoice = 0;
-    std::map<Key, int> mVoiceOf;
     const PdReceiver mReceiver{"orlo-in", [this](const auto& list) {
                                    if (list.size() == 3)
                                        hear(list[0], static_cast<int>(list[1]), static_cast<int>(list[2]));

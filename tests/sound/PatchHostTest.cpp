@@ -72,6 +72,8 @@ TEST_F(PatchHost, TellsTheMacrosOfThePatchAndTheVolumeToIt)
     log.take();
     ASSERT_TRUE(rig.loadVoiceText(plainVoice("1", "A(0.25)")));
     EXPECT_NE(log.said().find("orlo-in 0.75 4 "), std::string::npos);
+    ASSERT_TRUE(rig.load());
+    EXPECT_EQ(log.said(QStringLiteral("setMacroSliders")), "setMacroSliders 0.75|0.5|0.5|0|0.5|0.5|0.5|0.5");
 }
 
 TEST_F(PatchHost, HearsOnlyWhatItAskedFor)

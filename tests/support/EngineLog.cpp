@@ -9,31 +9,10 @@ EngineLog::EngineLog(PdPlayer& player)
     : mVoiceMessages("orlo-in", [this](const auto& list) { add(QStringLiteral("orlo-in"), list); })
     , mVolumes("master-vol", [this](const auto& list) { add(QStringLiteral("master-vol"), list); })
 {
-    // Direct connections, so that the lines stand in the order of the engine's doings.
-    const auto hear = [this, &player]<class... Values>(void (PdPlayer::*signal)(Values...),
-                                                       const char* name) {
-        const auto write = [this, name](const Values&... values) {
-            add(QStringList{QLatin1StringView(name), signalText(values)...}.join(u' '));
-        };
-        connect(&player, signal, this, write, Qt::DirectConnection);
-    };
-    hear(&PdPlayer::noteToggled, "noteToggled");
-    hear(&PdPlayer::nodeHold, "nodeHold");
-    hear(&PdPlayer::removeNodeInStack, "removeNodeInStack");
-    hear(&PdPlayer::nodesRecalled, "nodesRecalled");
-    hear(&PdPlayer::transposed, "transposed");
-    hear(&PdPlayer::volumeChanged, "volumeChanged");
-    hear(&PdPlayer::voiceVolumeChanged, "voiceVolumeChanged");
-    hear(&PdPlayer::baseFrequencyChanged, "baseFrequencyChanged");
-    hear(&PdPlayer::monophonicChanged, "monophonicChanged");
-    hear(&PdPlayer::primeEnabledToggled, "primeEnabledToggled");
-    hear(&PdPlayer::macroNamesReceived, "macroNamesReceived");
-    hear(&PdPlayer::macroDefaultsReceived, "macroDefaultsReceived");
-    hear(qOverload<int, float>(&PdPlayer::macroValueChanged), "macroValueChanged");
-    hear(&PdPlayer::instructionsToInterface, "instruction");
-    hear(&PdPlayer::patchLoaded, "patchLoaded");
-    hear(&PdPlayer::patchDecRequested, "patchDecRequested");
-    hear(&PdPlayer::patchIncRequested, "patchIncRequested");
+    const auto write = [this](const QString& line) { add(line); };
+    hearSignals(player, this, write);
+    hearSignal(player, &PdPlayer::instructionsToInterface, "instruction", this, write);
+    hearSignal(player, &PdPlayer::patchLoaded, "patchLoaded", this, write);
 }
 
 void EngineLog::add(QString line, const std::vector<float>& numbers)
