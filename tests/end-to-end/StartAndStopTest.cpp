@@ -3,7 +3,6 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QUdpSocket>
 
 using namespace Qt::StringLiterals;
 
@@ -63,25 +62,6 @@ TEST_F(StartAndStop, ASecondCopyOnOneFolderEnds)
     RunningProgram next(desk);
     ASSERT_TRUE(next.waitForWindow());
     EXPECT_EQ(RunningProgram(desk).waitForExit(), 0);
-}
-
-TEST_F(StartAndStop, ADeviceThatRepeatsAStepDoesNotKeepTheProgram)
-{
-    const QString loading = u"Loading voice patch"_s;
-    QUdpSocket device;
-    ASSERT_TRUE(device.bind());
-    const quint16 port = device.localPort() ^ 1;
-    writeOptions({{u"udpPort"_s, port}, {u"updateCheckInterval"_s, 4}});
-    home.write(u"rfid_map.json"_s, R"({"ssssssssss": {"event": 21, "value": 1}})");
-    RunningProgram flooded(desk);
-    ASSERT_TRUE(flooded.waitForWindow() && logs(u"UDP socket opened on port"_s));
-    const QByteArray step(72, 's');
-    for (int i = 0; i < 1000; ++i)
-        device.writeDatagram(step, QHostAddress::LocalHost, port);
-    ASSERT_TRUE(logs(loading, 2));
-    flooded.send(SIGTERM);
-    EXPECT_EQ(flooded.waitForExit(5000), 0);
-    EXPECT_LE(log().count(loading), 5);
 }
 
 TEST_F(StartAndStop, WithoutAStyleSheetTheProgramEnds)
