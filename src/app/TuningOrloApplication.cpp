@@ -239,7 +239,7 @@ void TuningOrloApplication::syncToSettings()
 
 void TuningOrloApplication::autoSafe()
 {
-    mSoonSaver->wait();
+    mSoonSaver->letOthersWrite();
     Autosave::save(*mMainWindow, configDirectory());
 }
 

@@ -22,6 +22,14 @@ void SoonSaver::wait()
     mWriter.waitForDone();
 }
 
+void SoonSaver::letOthersWrite()
+{
+    wait();
+    ++mOthersWrote; // the last write may not have been reported yet
+    for (File& file : mFiles)
+        file.saved.clear();
+}
+
 void SoonSaver::check()
 {
     if (mUnderWay)
@@ -34,7 +42,7 @@ void SoonSaver::check()
             continue;
         file.tried = content;
         file.sinceTry.start();
-        jobs.push_back({i, file.source.path, content, {}});
+        jobs.push_back({i, file.source.path, content, mOthersWrote, {}});
     }
     if (jobs.empty())
         return;
@@ -60,9 +68,9 @@ void SoonSaver::finish(const std::vector<Job>& jobs)
     mUnderWay = false;
     for (const Job& job : jobs) {
         File& file = mFiles[job.file];
-        if (job.outcome)
+        if (job.outcome && job.othersWrote == mOthersWrote)
             file.saved = job.content;
-        else if (!file.fails) // the next tries say nothing
+        else if (!job.outcome && !file.fails) // the next tries say nothing
             qCritical().noquote() << QStringLiteral("Couldn't write file %1: %2. The old one is kept.")
                                          .arg(job.path, job.outcome.reason);
         file.fails = !job.outcome;

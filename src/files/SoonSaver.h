@@ -36,8 +36,11 @@ public:
     /// Waits like wait().
     ~SoonSaver() override;
 
-    /// Until no write is under way, so that the caller may write the files.
+    /// Until no write is under way.
     void wait();
+    /// The same, so that the caller may write the files. What it writes is not known here, so the next check
+    /// writes them too.
+    void letOthersWrite();
     void check();
 
 private:
@@ -54,6 +57,7 @@ private:
         size_t file;
         QString path;
         QByteArray content;
+        int othersWrote;
         WholeFile::Outcome outcome;
     };
 
@@ -63,5 +67,6 @@ private:
     std::vector<File> mFiles;
     QTimer mTimer;
     bool mUnderWay = false;
-    QThreadPool mWriter; // of one thread; the first to go
+    int mOthersWrote = 0; // times
+    QThreadPool mWriter;  // of one thread; the first to go
 };

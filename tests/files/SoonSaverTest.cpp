@@ -57,6 +57,14 @@ TEST_F(SoonSaverTest, WhatChangesIsWrittenByItselfAndNothingElse)
     settle(saver);
     EXPECT_EQ(home.read(u"chords"_s), "10000");
     EXPECT_EQ(writes, 3);
+    // What others have written since is not what is in memory.
+    chords = "2";
+    saver.check();
+    saver.letOthersWrite();
+    home.write(u"chords"_s, "3");
+    QCoreApplication::processEvents();
+    settle(saver);
+    EXPECT_EQ(home.read(u"chords"_s), "2");
 }
 
 TEST_F(SoonSaverTest, WhatCannotBeWrittenIsTriedAgainWhenItChanges)
