@@ -87,7 +87,7 @@ void Downloader::fetch(const QUrl& url)
 /// What forbids this download; empty when its file has been made.
 QString Downloader::obstacle(const QUrl& url)
 {
-    if (const QString objection = web::objection(mFeed, url); !objection.isEmpty())
+    if (QString objection = web::objection(mFeed, url); !objection.isEmpty())
         return objection;
     if (!isSafeFileName(mFileName))
         return QStringLiteral("The address that the server gave has no usable file name.");
