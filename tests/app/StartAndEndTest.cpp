@@ -29,6 +29,7 @@ protected:
     QString failure()
     {
         EXPECT_FALSE(start());
+        sound.stop();
         EXPECT_EQ(application.mainWindow(), nullptr);
         EXPECT_EQ(boxes.size(), 1);
         const QString text = std::exchange(boxes, {}).value(0);

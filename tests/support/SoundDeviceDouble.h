@@ -26,9 +26,11 @@ public:
     void term() override
     {
         patchWasOpenAtTheEnd = player()->isPatchOpen();
-        mClock.reset();
+        stop();
         setSelectedDevice(-1);
     }
+    /// A program whose start has failed takes its engine's clock with it.
+    void stop() { mClock.reset(); }
     QStringList devices() const override
     {
         return {QStringLiteral("JACK: system"), QStringLiteral("JACK: studio"), QStringLiteral("ALSA: gone")};
