@@ -4,6 +4,7 @@
 #include "app/Settings.h"
 #include "ui/dialogs/OptionsPageRows.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -12,6 +13,7 @@
 #include <QDoubleSpinBox>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QShortcut>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -52,12 +54,25 @@ OptionsDialog::OptionsDialog(QWidget* parent)
     connect(closing, &QShortcut::activated, this, &QWidget::close);
     // Before the options are stored for the last time: it ends what is being edited.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QWidget::hide);
+    letStyleForget();
 }
 
 OptionsDialog::~OptionsDialog()
 {
     // Hiding ends an edit under way while all members still exist.
     hide();
+}
+
+/// Qt 6.4's style sheets remember every widget that they were asked about, but notice the end of those
+/// only that a sheet may style: some kilobytes stay for each dialog. A blank sheet makes the inner
+/// parts of menus and number boxes such widgets.
+void OptionsDialog::letStyleForget()
+{
+    const QString blank = QStringLiteral(" ");
+    for (const QComboBox* menu : findChildren<QComboBox*>())
+        menu->view()->parentWidget()->setStyleSheet(blank);
+    for (const QAbstractSpinBox* number : findChildren<QAbstractSpinBox*>())
+        number->findChild<QLineEdit*>()->setStyleSheet(blank);
 }
 
 QWidget* OptionsDialog::buildOptionsPage()

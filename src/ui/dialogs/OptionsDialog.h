@@ -89,6 +89,7 @@ private:
     void addGlissandoRows(QVBoxLayout* layout);
     void addSwitches(QVBoxLayout* layout);
 
+    void letStyleForget();
     void loadData();
     void listAudioDevices();
     void showAudioDevice();
