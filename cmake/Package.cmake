@@ -2,7 +2,6 @@
 set(CPACK_PACKAGE_NAME brevick-tuning-orlo)
 set(CPACK_PACKAGE_VENDOR "Brevick")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "desktop instrument for just intonation")
-set(CPACK_PACKAGE_CHECKSUM "")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)
 if(ORLO_APP_BUNDLE)
