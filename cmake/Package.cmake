@@ -1,13 +1,13 @@
-# What `cpack` makes of the install tree: a Debian package, or on a Mac a disk image. scripts/package runs it.
+# What `cpack` makes of the install tree: a Debian package. scripts/package runs it.
+if(ORLO_APP_BUNDLE)
+  return() # macdeployqt puts Qt into the bundle, and makes the disk image
+endif()
+
 set(CPACK_PACKAGE_NAME brevick-tuning-orlo)
 set(CPACK_PACKAGE_VENDOR "Brevick")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "desktop instrument for just intonation")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)
-if(ORLO_APP_BUNDLE)
-  set(CPACK_GENERATOR DragNDrop)
-endif()
-
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Brevick <orlo@brevick.example>" CACHE STRING "Of the Debian package, with an address")
