@@ -22,7 +22,7 @@ TuningOrloApplication::TuningOrloApplication(int& argc, char** argv)
     : QApplication((setNames(), argc), argv) // before the members, some of which need the name
 {
     setApplicationVersion(version());
-    setDesktopFileName(QStringLiteral("brevick-tuning-orlo"));
+    setDesktopFileName(QStringLiteral(ORLO_APP_ID));
     wireParts();
     connect(&mLicensing, &Licensing::restrictionsReported, this, &TuningOrloApplication::applyRestrictions);
     mLogFilter.setWords(argc, argv);

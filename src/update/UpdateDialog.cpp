@@ -33,6 +33,7 @@ void tellNoAddress(QWidget* parent)
 } // namespace
 
 const QString UpdateDialog::FEED_URL = QStringLiteral(ORLO_UPDATE_FEED_URL);
+const bool UpdateDialog::CHECKS_AT_START = ORLO_UPDATE_CHECK;
 
 UpdateDialog::UpdateDialog(QWidget* parent, const QString& feedUrl)
     : QMainWindow(parent, Qt::Tool)

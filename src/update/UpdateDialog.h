@@ -20,6 +20,8 @@ class UpdateDialog : public QMainWindow
 public:
     /// The address of updates.json. Empty in a build that was given none.
     static const QString FEED_URL;
+    /// False in a build for a package: the system brings newer versions.
+    static const bool CHECKS_AT_START;
 
     explicit UpdateDialog(QWidget* parent = nullptr, const QString& feedUrl = FEED_URL);
     ~UpdateDialog() override;

@@ -8,7 +8,8 @@ using namespace Qt::StringLiterals;
 
 QString RunningProgram::executable()
 {
-    return QCoreApplication::applicationDirPath() + u"/brevick-tuning-orlo"_s;
+    return qEnvironmentVariable("ORLO_PROGRAM",
+                                QCoreApplication::applicationDirPath() + u"/brevick-tuning-orlo"_s);
 }
 
 RunningProgram::RunningProgram(VirtualDesk& desk, const QString& executable)

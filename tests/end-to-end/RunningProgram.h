@@ -13,7 +13,7 @@
 class RunningProgram : public TestProcess
 {
 public:
-    /// Beside the test's own executable.
+    /// Beside the test's own executable, or another copy that ORLO_PROGRAM names, such as an installed one.
     static QString executable();
 
     explicit RunningProgram(VirtualDesk& desk, const QString& executable = RunningProgram::executable());

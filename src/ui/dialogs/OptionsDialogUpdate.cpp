@@ -38,6 +38,14 @@ QWidget* OptionsDialog::buildUpdatePage()
     caption->setWordWrap(true);
     caption->setMinimumWidth(INTERVAL_LABEL_WIDTH);
     layout->addLayout(row({caption, interval}));
+    if (!UpdateDialog::CHECKS_AT_START) {
+        auto* packaged =
+            label(QStringLiteral("This copy was installed as a package, so it makes no check at its start: "
+                                 "newer versions come with those of your system."));
+        packaged->setWordWrap(true);
+        layout->addWidget(packaged);
+        interval->setEnabled(false);
+    }
     layout->addStretch(1);
 
     auto* button = new QPushButton(QStringLiteral("Search for updates now ..."));

@@ -142,8 +142,9 @@ void MainWindow::makeStatusLine()
 void MainWindow::applicationUpdateCheck()
 {
     const Settings* settings = app::settings();
-    if (UpdateDialog::isCheckDue(settings->updateCheckInterval, settings->tSysLastUpdateCheck,
-                                 QDateTime::currentDateTime()))
+    if (UpdateDialog::CHECKS_AT_START
+        && UpdateDialog::isCheckDue(settings->updateCheckInterval, settings->tSysLastUpdateCheck,
+                                    QDateTime::currentDateTime()))
         UpdateDialog::startCheck(this, false);
 }
 
