@@ -91,9 +91,9 @@ OrloLeavesWidget::View OrloView::view() const
 
 void OrloView::updateOrloBalls()
 {
-    mBallScene->hideToolTip();
     if (mOrloWidget)
         mOrloWidget->updateBalls();
+    mBallScene->updateToolTip();
 }
 
 void OrloView::detectBallMouseOver(QPoint point) const

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QGraphicsSceneHelpEvent>
 #include <QGraphicsView>
+#include <QHelpEvent>
 #include <QToolTip>
 #include <QWindow>
 
@@ -52,6 +53,7 @@ void BallScene::helpEvent(QGraphicsSceneHelpEvent* event)
         if (!contents || !view)
             continue;
         mShown = textOf(*contents);
+        mAskedAt = event->screenPos();
         const QRect ball = view->mapFromScene(item->sceneBoundingRect()).boundingRect();
         QToolTip::showText(event->screenPos(), mShown, event->widget(), ball);
         letPressesThroughToolTip();
@@ -61,8 +63,13 @@ void BallScene::helpEvent(QGraphicsSceneHelpEvent* event)
     QGraphicsScene::helpEvent(event);
 }
 
-void BallScene::hideToolTip() const
+void BallScene::updateToolTip()
 {
-    if (QToolTip::isVisible() && QToolTip::text() == mShown)
-        QToolTip::hideText();
+    if (mShown.isEmpty() || !QToolTip::isVisible() || QToolTip::text() != mShown)
+        return;
+    const QList<QGraphicsView*> shownIn = views();
+    for (QGraphicsView* view : shownIn) {
+        QHelpEvent again(QEvent::ToolTip, view->viewport()->mapFromGlobal(mAskedAt), mAskedAt);
+        QCoreApplication::sendEvent(view->viewport(), &again);
+    }
 }

@@ -11,12 +11,13 @@ class BallScene : public QGraphicsScene
 public:
     using QGraphicsScene::QGraphicsScene;
 
-    /// For a change of what the balls mean: takes away the text that is shown.
-    void hideToolTip() const;
+    /// For a change of what the balls mean: writes the text that is shown anew, or takes it away.
+    void updateToolTip();
 
 protected:
     void helpEvent(QGraphicsSceneHelpEvent* event) override;
 
 private:
     QString mShown;
+    QPoint mAskedAt; // on the screen
 };

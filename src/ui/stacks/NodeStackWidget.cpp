@@ -113,7 +113,6 @@ void NodeStackWidget::reset()
 
 void NodeStackWidget::updateNodes()
 {
-    mBallScene->hideToolTip();
     struct Node
     {
         OrloRatio ratio;
@@ -137,6 +136,7 @@ void NodeStackWidget::updateNodes()
         setAlteredNodeForRatio(node.ratio, node.altered);
     }
     updatePositions();
+    mBallScene->updateToolTip();
 }
 
 // ---------------------------------------------------------------- their flags
