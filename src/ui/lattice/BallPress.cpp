@@ -1,5 +1,7 @@
 #include "ui/lattice/BallPress.h"
 
+#include <QGraphicsSceneMouseEvent>
+
 BallPress ballPressFor(Qt::KeyboardModifiers modifiers)
 {
     constexpr Qt::KeyboardModifiers altAndControl = Qt::AltModifier | Qt::ControlModifier;
@@ -20,4 +22,12 @@ BallPress ballPressFor(Qt::KeyboardModifiers modifiers)
             return row.press;
     }
     return BallPress::None;
+}
+
+bool isSelectingPress(const QEvent& event)
+{
+    if (event.type() != QEvent::GraphicsSceneMousePress)
+        return false;
+    const auto& press = static_cast<const QGraphicsSceneMouseEvent&>(event);
+    return press.button() == Qt::MiddleButton && press.modifiers() == Qt::NoModifier;
 }

@@ -161,6 +161,14 @@ const OrloEvent* OrloBallWidget::eventFor(Qt::KeyboardModifiers modifiers) const
     return nullptr;
 }
 
+bool OrloBallWidget::sceneEvent(QEvent* event)
+{
+    if (!isSelectingPress(*event))
+        return QGraphicsItemGroup::sceneEvent(event);
+    app::player()->queueEventGui(&mSelectEvent);
+    return true;
+}
+
 void OrloBallWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton) {

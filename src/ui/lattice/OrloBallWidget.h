@@ -63,6 +63,8 @@ public slots:
     void onAlteredChanged(bool altered);
 
 protected:
+    /// The middle button goes its own way; mousePressEvent knows the others.
+    bool sceneEvent(QEvent* event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
     /// Empty: the second press of a quick double click must not toggle the note back.
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;

@@ -1,17 +1,19 @@
 #include "ui/lattice/OrloView.h"
 
 #include "model/OrloBall.h"
+#include "ui/lattice/LatticeEdge.h"
 #include "ui/lattice/OrloBallWidget.h"
 #include "ui/lattice/OrloWidget.h"
 #include "ui/lattice/StackPolicy.h"
+#include "ui/stacks/BallScene.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/CardStackWidget.h"
 #include "ui/stacks/NodeStackWidget.h"
 
 #include <QDebug>
-#include <QGraphicsScene>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTouchEvent>
 #include <QWheelEvent>
@@ -33,11 +35,11 @@ bool isTouch(const QEvent* event)
 
 OrloView::OrloView(QWidget* parent)
     : QGraphicsView(parent)
+    , mBallScene(new BallScene(this))
 {
-    auto* orloScene = new QGraphicsScene(this);
     // All items share one parent, so an index by place would hold that one alone.
-    orloScene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    setScene(orloScene);
+    mBallScene->setItemIndexMethod(QGraphicsScene::NoIndex);
+    setScene(mBallScene);
     setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -91,6 +93,7 @@ void OrloView::updateOrloBalls()
 {
     if (mOrloWidget)
         mOrloWidget->updateBalls();
+    mBallScene->updateToolTip();
 }
 
 void OrloView::detectBallMouseOver(QPoint point) const
@@ -146,6 +149,17 @@ void OrloView::setTestingVariables(int value)
         mZoom.setTouchStepThreshold(qAbs(qMax(value, -std::numeric_limits<int>::max())));
     else if (value > 0)
         mStackUpdatePolicy = value;
+}
+
+void OrloView::paintEvent(QPaintEvent* event)
+{
+    QGraphicsView::paintEvent(event);
+    const QRect area = viewport()->rect();
+    const Qt::Edges cut = latticeedge::cutEdges(viewportTransform().mapRect(sceneRect()), area);
+    if (!cut || !mOrloWidget)
+        return;
+    QPainter painter(viewport());
+    latticeedge::draw(painter, area, cut);
 }
 
 // ---------------------------------------------------------------- mouse

@@ -6,6 +6,7 @@
 #include <QGraphicsView>
 #include <QPointer>
 
+class BallScene;
 class CardStackTwoWidget;
 class CardStackWidget;
 class NodeStackWidget;
@@ -54,6 +55,7 @@ signals:
     void resized();
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -68,6 +70,7 @@ private:
     void applyCurrentScale();
     void storeSceneCentre();
 
+    BallScene* const mBallScene; // owned
     LatticeZoom mZoom;
     QPointF mSceneCentre{1.0, 1.0};
     bool mZoomAllowed = true;

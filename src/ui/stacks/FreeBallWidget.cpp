@@ -109,6 +109,14 @@ void FreeBallWidget::removeThyself()
     app::player()->queueEventGui(&mRemoveEvent);
 }
 
+bool FreeBallWidget::sceneEvent(QEvent* event)
+{
+    if (!isSelectingPress(*event))
+        return QGraphicsItemGroup::sceneEvent(event);
+    app::player()->queueEventGui(&mSelectEvent);
+    return true;
+}
+
 void FreeBallWidget::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton)

@@ -59,6 +59,8 @@ public:
     int type() const override { return Type; }
 
 protected:
+    /// The middle button goes its own way; mousePressEvent knows the others.
+    bool sceneEvent(QEvent* event) override;
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
     /// Empty: the second press of a quick double click must not toggle the note back.
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;

@@ -3,12 +3,12 @@
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/lattice/PitchAxis.h"
+#include "ui/stacks/BallScene.h"
 #include "ui/stacks/CardStackTwoWidget.h"
 #include "ui/stacks/FreeBallWidget.h"
 #include "ui/stacks/FreeConnectorOverlay.h"
 
 #include <QDebug>
-#include <QGraphicsScene>
 #include <QMultiMap>
 #include <QtMath>
 
@@ -25,11 +25,12 @@ double sortKey(const OrloRatio& ratio)
 
 NodeStackWidget::NodeStackWidget(QWidget* parent)
     : QGraphicsView(parent)
+    , mBallScene(new BallScene(this))
 {
-    auto* stackScene = new QGraphicsScene(0, 0, 1, 1, this);
+    mBallScene->setSceneRect(0, 0, 1, 1);
     // An index by place would be one over a single pixel, since the balls lie outside the rectangle.
-    stackScene->setItemIndexMethod(QGraphicsScene::NoIndex);
-    setScene(stackScene);
+    mBallScene->setItemIndexMethod(QGraphicsScene::NoIndex);
+    setScene(mBallScene);
     setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     setFrameShape(QFrame::NoFrame);
@@ -135,6 +136,7 @@ void NodeStackWidget::updateNodes()
         setAlteredNodeForRatio(node.ratio, node.altered);
     }
     updatePositions();
+    mBallScene->updateToolTip();
 }
 
 // ---------------------------------------------------------------- their flags

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QPointer>
 
+class BallScene;
 class CardStackTwoWidget;
 class FreeBallWidget;
 class FreeConnectorOverlay;
@@ -73,6 +74,7 @@ private:
     void renewConnector(FreeBallWidget* ball);
     void retire(FreeBallWidget* ball);
 
+    BallScene* const mBallScene;              // owned
     QHash<OrloRatio, FreeBallWidget*> mBalls; // owned by the scene
     int mBottomSpace = 0;
     QPointer<FreeConnectorOverlay> mOverlay; // a page may delete it first

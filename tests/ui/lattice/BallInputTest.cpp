@@ -2,6 +2,9 @@
 
 #include "ui/PageFixture.h"
 
+#include <QHelpEvent>
+#include <QToolTip>
+
 namespace {
 
 using BallInput = MeasuredPage;
@@ -22,7 +25,8 @@ TEST_F(BallInput, ModifiersAndButtonsChooseTheCommand)
         {Qt::LeftButton, shift | alt, "", ""},
         {Qt::LeftButton, Qt::MetaModifier, "", ""},
         {Qt::RightButton, alt | control, "", "35 1 25/16"},
-        {Qt::MiddleButton, Qt::NoModifier, "", ""},
+        {Qt::MiddleButton, Qt::NoModifier, "37 1 3/4", "37 1 25/24"},
+        {Qt::MiddleButton, alt, "", ""},
     };
     const OrloRatio small(25, 16);
     transposeBy({3});
@@ -52,6 +56,37 @@ TEST_F(BallInput, AQuickDoubleClickPlaysOneToggle)
         scene::click(*where, point);
         EXPECT_EQ(drain().size(), 1) << "the third press plays again";
     }
+}
+
+TEST_F(BallInput, AToolTipTellsThePitchOfEachKindOfBallAsItIsNow)
+{
+    settings.absRelView = 0;
+    settings.centsShowDecimals = 0;
+    settings.soundGrapeNotation = 0;
+    view->buildScene(OrloLeavesWidget::Circles); // where no ball covers the centre of another
+    const OrloRatio small(25, 16);
+    add({small});
+    stack->showNodes();
+    const auto told = [](QGraphicsView& where, QPoint point) {
+        QHelpEvent event(QEvent::ToolTip, point, where.viewport()->mapToGlobal(point));
+        QCoreApplication::sendEvent(where.viewport(), &event);
+        return QToolTip::text().toStdString();
+    };
+    const auto tellsOf = [&](const char* path) { return told(*view, scene::centreOf(*view, path)); };
+
+    EXPECT_EQ(tellsOf("/"), "1/1\nA4 +0 cents\n440.000 Hz");
+    EXPECT_EQ(tellsOf("/3"), "3/2\nE5 +2 cents\n660.000 Hz");
+    EXPECT_EQ(tellsOf("/5"), "5/4\nC#5 -14 cents\n550.000 Hz");
+    EXPECT_EQ(told(*stack, pointOf(small)), "25/16\nE#5 -27 cents\n687.500 Hz");
+    EXPECT_EQ(tellsOf("/"), "1/1\nA4 +0 cents\n440.000 Hz");
+    transposeBy({3});
+    updatePage();
+    EXPECT_EQ(QToolTip::text().toStdString(), "1/1\nE5 +2 cents\n660.000 Hz")
+        << "what is shown is written anew";
+    updatePage(&Settings::absRelView, 1);
+    EXPECT_EQ(QToolTip::text().toStdString(), "3/2\nE5 +2 cents\n660.000 Hz");
+    told(*view, QPoint(1, 1));
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); })) << "no ball, no text";
 }
 
 TEST_F(BallInput, EveryBallIsHitThroughItsMarksAndOnlyWithinItsCircle)

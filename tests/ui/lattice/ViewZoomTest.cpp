@@ -1,4 +1,5 @@
 #include "ui/UiFixture.h"
+#include "ui/lattice/LatticeEdge.h"
 #include "ui/lattice/LatticeZoom.h"
 
 #include <QNativeGestureEvent>
@@ -121,6 +122,20 @@ TEST_F(ViewZoom, OnlyTwoFingersThatMoveApartZoomAsTheOptionAllows)
     view.setTestingVariables(std::numeric_limits<int>::min());
     pinch(100, 200);
     EXPECT_DOUBLE_EQ(shown(), 2 * fit) << "the end of a gesture is a step with any threshold";
+}
+
+TEST(LatticeEdgeTest, ASideIsCutWhereTheLatticeGoesOnBehindIt)
+{
+    constexpr QRect viewport(0, 0, 400, 300);
+    const std::pair<QRectF, Qt::Edges> rows[] = {
+        {{0, 0, 400, 300}, {}},
+        {{-1.5, 20, 403, 260}, {}}, // the fit, rounded
+        {{-100, 0, 500, 300}, Qt::LeftEdge},
+        {{0, -50, 450, 350}, Qt::TopEdge | Qt::RightEdge},
+        {{-9, -9, 418, 318}, Qt::LeftEdge | Qt::TopEdge | Qt::RightEdge | Qt::BottomEdge},
+    };
+    for (const auto& [lattice, cut] : rows)
+        EXPECT_EQ(latticeedge::cutEdges(lattice, viewport), cut) << lattice.x() << ' ' << lattice.y();
 }
 
 TEST_F(ViewZoom, ADragMovesTheCentreThatAResizeKeeps)
