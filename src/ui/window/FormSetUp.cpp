@@ -1,5 +1,6 @@
 #include "ui/window/FormSetUp.h"
 
+#include "ui/panel/PanelScroll.h"
 #include "ui_MainWindow.h"
 
 #include <QIcon>
@@ -69,4 +70,6 @@ void setUpForm(const Ui::MainWindow& form, QMainWindow* window)
     setUpIcons(form, window);
     alignControls(form);
     hideUnusedControls(form);
+    new PanelScroll(form.leftFrame, Qt::Vertical);
+    new PanelScroll(form.lowerFrame, Qt::Horizontal);
 }
