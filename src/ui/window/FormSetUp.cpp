@@ -1,5 +1,6 @@
 #include "ui/window/FormSetUp.h"
 
+#include "ui/panel/PanelScroll.h"
 #include "ui_MainWindow.h"
 
 #include <QIcon>
@@ -37,6 +38,7 @@ void setUpIcons(const Ui::MainWindow& form, QMainWindow* window)
         {form.chordStorageUpButton, "arrowup"},
         {form.chordStorageDownButton, "arrowdown"},
         {form.optionsButton, "cog"},
+        {form.menuButton, "menu"},
     };
     for (const auto& [button, name] : icons)
         button->setIcon(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1StringView(name))));
@@ -68,4 +70,6 @@ void setUpForm(const Ui::MainWindow& form, QMainWindow* window)
     setUpIcons(form, window);
     alignControls(form);
     hideUnusedControls(form);
+    new PanelScroll(form.leftFrame, Qt::Vertical);
+    new PanelScroll(form.lowerFrame, Qt::Horizontal);
 }

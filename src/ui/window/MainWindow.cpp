@@ -3,22 +3,26 @@
 #include "app/Accessors.h"
 #include "app/ApplicationServices.h"
 #include "app/Settings.h"
+#include "app/StatusNotes.h"
 #include "model/Orlo.h"
 #include "sound/AudioOutput.h"
 #include "sound/EngineRelay.h"
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
+#include "ui/dialogs/HelpDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
+#include "ui/panel/MenuButton.h"
+#include "ui/panel/StatusLine.h"
 #include "ui/stacks/OrloLayer.h"
 #include "ui/window/FormSetUp.h"
 #include "ui/window/KeyMap.h"
 #include "ui/window/PanelParts.h"
+#include "ui/window/PressHelp.h"
 #include "ui/window/Readout.h"
-#include "ui/window/StatusLine.h"
 #include "ui_MainWindow.h"
 #include "update/UpdateDialog.h"
 
@@ -60,6 +64,7 @@ MainWindow::MainWindow(Orlo* orlo)
     mPanel->patches.loadDefaultPatch();
     onTransposeChanged();
     makeDevelopmentDialogs();
+    fillMenu();
     makeOptionsDialog();
     ui->transposeWidget->highlight(ui->transposeWidget->highlightedRow(), true);
     applicationUpdateCheck();
@@ -137,6 +142,44 @@ void MainWindow::makeStatusLine()
     line->follow(app::audioOutput());
     line->follow(app::midiOutput());
     connect(line, &StatusLine::tryAgainRequested, app::audioOutput(), &AudioOutput::tryAgain);
+    connect(app::parts().statusNotes, &StatusNotes::said, line, &StatusLine::say);
+}
+
+void MainWindow::fillMenu()
+{
+    MenuButton* menu = ui->menuButton;
+    menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
+    menu->add(
+        QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
+    menu->add(
+        QStringLiteral("Quit"), Qt::CTRL | Qt::Key_Q, [this] { close(); }, MenuButton::Window);
+}
+
+MenuButton* MainWindow::menuButton() const
+{
+    return ui->menuButton;
+}
+
+void MainWindow::showHelp()
+{
+    auto* help = findChild<HelpDialog*>();
+    if (!help) {
+        QList<HelpSection> sections = pressHelp() + mKeyMap->help();
+        for (const QAction* entry : actions()) { // those of the menu
+            if (!entry->shortcut().isEmpty())
+                sections.last().add(entry->shortcut()[0], entry->text());
+        }
+        help = new HelpDialog(sections, this);
+    }
+    help->show();
+    help->raise();
+    help->activateWindow();
+}
+
+/// A maximised window is maximised again afterwards.
+void MainWindow::toggleFullScreen()
+{
+    setWindowState(windowState() ^ Qt::WindowFullScreen);
 }
 
 void MainWindow::applicationUpdateCheck()
@@ -239,6 +282,22 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     mReadout->update();
 }
 
+/// A frame is known only when the window system has drawn it around the window; with it a window of the
+/// screen's size would hide its lower rows.
+void MainWindow::fitFrame()
+{
+    mFrameFits = true;
+    if (isMaximized() || isFullScreen())
+        return;
+    const QRect room = screen()->availableGeometry();
+    const QSize over = (frameGeometry().size() - room.size()).expandedTo(QSize(0, 0));
+    if (over.isNull())
+        return;
+    resize(size() - over);
+    move(qMax(room.left(), qMin(x(), room.right() + 1 - frameGeometry().width() + over.width())),
+         qMax(room.top(), qMin(y(), room.bottom() + 1 - frameGeometry().height() + over.height())));
+}
+
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (!mKeyMap->press(event->key(), event->modifiers()))
@@ -253,6 +312,8 @@ void MainWindow::keyReleaseEvent(QKeyEvent* event)
 
 void MainWindow::changeEvent(QEvent* event)
 {
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && !mFrameFits)
+        fitFrame();
     // When Alt leads to another window, its release does not come here.
     if (event->type() == QEvent::ActivationChange && !isActiveWindow())
         mPanel->snapBack.setAltDown(false);

@@ -8,6 +8,7 @@
 
 class DiagnosticsDialog;
 class KeyMap;
+class MenuButton;
 class OptionsDialog;
 class Orlo;
 class OrloLayer;
@@ -57,6 +58,9 @@ public:
     // What PatchMenu does under these names.
     void loadPatch(const QString& path);
     void patch_by_Index(int index);
+
+    /// Further entries may be added.
+    MenuButton* menuButton() const;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -149,6 +153,10 @@ private:
     void connectPlayer();
     void connectPanel();
     void makeStatusLine();
+    void fillMenu();
+    void showHelp();
+    void toggleFullScreen();
+    void fitFrame();
     void makeDevelopmentDialogs();
     void makeOptionsDialog();
     /// Asks for a newer version, as often as the options want it.
@@ -161,6 +169,7 @@ private:
     std::unique_ptr<Readout> mReadout;
     std::unique_ptr<KeyMap> mKeyMap;
     bool mRestricted = false;
+    bool mFrameFits = false;                 // looked at once
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): the window system places it
     // Child dialogs that only a developer shows.

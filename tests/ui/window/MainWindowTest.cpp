@@ -1,8 +1,16 @@
 #include "ui/WindowFixture.h"
+#include "ui/dialogs/HelpDialog.h"
 #include "ui/lattice/OrloView.h"
+#include "ui/panel/MenuButton.h"
+#include "ui/panel/PanelScroll.h"
 
 #include <QLabel>
+#include <QMenu>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTest>
+#include <QTextBrowser>
+#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -10,7 +18,7 @@ using MainWindowTest = WindowFixture;
 
 TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
 {
-    EXPECT_EQ(window->minimumSizeHint().boundedTo(QSize(1280, 800)), window->minimumSizeHint());
+    EXPECT_EQ(window->minimumSizeHint().boundedTo(QSize(1018, 670)), window->minimumSizeHint());
     const QStringList withFocus{u"grapesViewButton"_s, u"circlesViewButton"_s, u"expandOrloButton"_s};
     for (const QPushButton* each : window->centralWidget()->findChildren<QPushButton*>()) {
         const QString name = each->objectName();
@@ -20,6 +28,39 @@ TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
         click(qPrintable(name));
         EXPECT_EQ(window->focusWidget(), window.get()) << name.toStdString();
     }
+}
+
+TEST_F(MainWindowTest, PanelsScrollWhereTheRoomEnds)
+{
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry()));
+    auto* lower = find<QWidget>("lowerFrame")->findChild<PanelScroll*>();
+    auto* left = find<QWidget>("leftFrame")->findChild<PanelScroll*>();
+    const int leftWidth = left->sizeHint().width();
+    const std::tuple<QSize, bool, bool> rows[] = {
+        // of the window, does the lower frame scroll, does the left one
+        {{1270, 730}, false, false}, {{1018, 670}, true, false},  {{900, 530}, true, true},
+        {{1018, 670}, true, false},  {{1270, 730}, false, false},
+    };
+    for (const auto& [size, lowerScrolls, leftScrolls] : rows) {
+        window->resize(size);
+        QTest::qWait(20);
+        EXPECT_EQ(window->size(), size);
+        EXPECT_EQ(lower->horizontalScrollBar()->isVisible(), lowerScrolls) << size.width();
+        EXPECT_EQ(left->verticalScrollBar()->isVisible(), leftScrolls) << size.height();
+        EXPECT_LE(find<QWidget>("lowerFrame")->height(), 72);
+        EXPECT_EQ(left->width(), leftWidth);
+        // Nothing is cut off across the direction.
+        EXPECT_LE(lower->widget()->height(), lower->viewport()->height());
+        EXPECT_LE(left->widget()->width(), left->viewport()->width());
+    }
+    window->resize(900, 530);
+    QTest::qWait(20);
+    QWheelEvent turn({5, 5}, lower->mapToGlobal(QPointF(5, 5)), {}, {0, -2400}, Qt::NoButton, Qt::NoModifier,
+                     Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(lower->viewport(), &turn);
+    EXPECT_EQ(lower->horizontalScrollBar()->value(), lower->horizontalScrollBar()->maximum());
 }
 
 TEST_F(MainWindowTest, SlidersQueueTheirFractionAndFollowThePlayerWithoutEcho)
@@ -197,4 +238,39 @@ TEST_F(MainWindowTest, ReadoutShowsStepsAndFrequencies)
     transposeBy({3, 5}); // 440 x 15/8
     EXPECT_TRUE(line("infoLabel1").endsWith(u" /3/5"_s));
     EXPECT_TRUE(line("infoLabel2").contains(u": 825.000 Hz  "_s));
+}
+
+TEST_F(MainWindowTest, MenuEntriesAndTheirKeysWorkWhateverIsShown)
+{
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    int done = 0;
+    auto* menu = find<MenuButton>("menuButton");
+    menu->add(u"Something"_s, Qt::Key_F7, [&done] { ++done; });
+    QStringList texts;
+    for (const QAction* entry : menu->findChild<QMenu*>()->actions())
+        texts.append(entry->text());
+    EXPECT_EQ(texts,
+              QStringList({u"Help and keys"_s, u"Something"_s, QString(), u"Full screen"_s, u"Quit"_s}));
+
+    click("expandOrloButton"); // the panel with the button goes
+    QTest::keyClick(window.get(), Qt::Key_F7);
+    EXPECT_EQ(done, 1);
+    QTest::keyClick(window.get(), Qt::Key_F11);
+    EXPECT_TRUE(window->isFullScreen());
+    press(Qt::Key_Escape); // means what it always does
+    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::AllNotesOff, 1.0F}}));
+    EXPECT_TRUE(window->isFullScreen());
+    QTest::keyClick(window.get(), Qt::Key_F11);
+    EXPECT_FALSE(window->isFullScreen());
+
+    QTest::keyClick(window.get(), Qt::Key_F1);
+    auto* help = window->findChild<HelpDialog*>();
+    ASSERT_TRUE(help);
+    const QString text = help->findChild<QTextBrowser*>()->toPlainText();
+    for (const char* press : {"Ctrl+Alt+press", "1 ... 0", "Alt+1 ... Alt+0", "Alt+X, Ctrl+Alt+Z",
+                              "=, Backspace", "Up, Down", "Ctrl+Esc", "Ctrl+,", "F7"})
+        EXPECT_TRUE(text.contains(QLatin1StringView(press))) << press;
+    QTest::keyClick(help, Qt::Key_Q, Qt::ControlModifier); // from any window of the program
+    EXPECT_FALSE(window->isVisible());
 }
