@@ -1,5 +1,6 @@
 #include "ui/window/FormSetUp.h"
 
+#include "ui/hints/ControlHints.h"
 #include "ui_MainWindow.h"
 
 #include <QIcon>
@@ -68,4 +69,5 @@ void setUpForm(const Ui::MainWindow& form, QMainWindow* window)
     setUpIcons(form, window);
     alignControls(form);
     hideUnusedControls(form);
+    hints::giveAll(window);
 }

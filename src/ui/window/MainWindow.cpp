@@ -10,6 +10,7 @@
 #include "ui/dialogs/DiagnosticsDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
+#include "ui/firststeps/FirstSteps.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
@@ -188,6 +189,12 @@ void MainWindow::on_expandOrloButton_clicked()
     ui->circleLayer->showStacks(show);
     ui->grapeLayer->showStacks(show);
     ui->expandOrloButton->setText(show ? QStringLiteral("< >") : QStringLiteral("> <"));
+}
+
+void MainWindow::showFirstSteps()
+{
+    delete mFirstSteps;
+    mFirstSteps = new FirstSteps(ui->centralStack, {ui->glissSliderBig, ui->glissFineSliderBig});
 }
 
 void MainWindow::applyRestrictions(bool restricted)
