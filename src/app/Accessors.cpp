@@ -1,5 +1,7 @@
 #include "app/Accessors.h"
 
+#include "app/StatusNotes.h"
+
 namespace app {
 
 namespace {
@@ -14,6 +16,12 @@ void setParts(const Parts& parts)
 const Parts& parts()
 {
     return theParts;
+}
+
+void say(const QString& text)
+{
+    if (theParts.statusNotes)
+        theParts.statusNotes->say(text);
 }
 
 } // namespace app

@@ -5,8 +5,10 @@ class AudioOutput;
 class MidiOutput;
 class Orlo;
 class PdPlayer;
+class QString;
 class SaveAndLoad;
 class Settings;
+class StatusNotes;
 class StoreAndRecall;
 
 /// How any class reaches the application's parts. Include it in .cpp files only, so that headers do
@@ -26,6 +28,7 @@ struct Parts
     StoreAndRecall* storeAndRecall = nullptr;
     SaveAndLoad* saveAndLoad = nullptr;
     MidiOutput* midiOutput = nullptr;
+    StatusNotes* statusNotes = nullptr;
 
     /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so the
     /// owner of both provides the connection.
@@ -46,5 +49,9 @@ inline StoreAndRecall* storeAndRecall() { return parts().storeAndRecall; }
 inline SaveAndLoad* saveAndLoad() { return parts().saveAndLoad; }
 inline MidiOutput* midiOutput() { return parts().midiOutput; }
 // clang-format on
+
+/// [gui] Tells the player something in the status line, where it goes away by itself: what a press that did
+/// nothing wanted, or that something was done. Without a window it is dropped.
+void say(const QString& text);
 
 } // namespace app

@@ -56,6 +56,7 @@ void TuningOrloApplication::wireParts()
                    .storeAndRecall = &mStoreAndRecall,
                    .saveAndLoad = &mSaveAndLoad,
                    .midiOutput = midi,
+                   .statusNotes = &mStatusNotes,
                    .connectLattice = &PdPlayer::connectLattice});
     mPlayer.setPortOpenFlag(&midi->portOpen);
     midi->setEngineRunner(

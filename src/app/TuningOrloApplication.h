@@ -5,6 +5,7 @@
 #include "app/LogFile.h"
 #include "app/LogFilter.h"
 #include "app/Settings.h"
+#include "app/StatusNotes.h"
 #include "app/TerminationSignals.h"
 #include "external/Interface.h"
 #include "external/UdpListener.h"
@@ -103,6 +104,7 @@ private:
     PaAudioOutput mAudioOutput;
     AudioOutput* mSoundDevice = &mAudioOutput;
     Settings mSettings;
+    StatusNotes mStatusNotes;
     LogFilter mLogFilter;
     LogFile mLogFile;
     StoreAndRecall mStoreAndRecall{&mPlayer};

@@ -37,7 +37,7 @@ void restore(QWidget& window, const Settings& settings)
 void remember(const QWidget& window, Settings& settings)
 {
     settings.windowMaximized = window.isMaximized();
-    if (settings.windowMaximized)
+    if (settings.windowMaximized || window.isFullScreen())
         return;
     settings.windowSize = window.size();
     settings.windowPos = window.pos();

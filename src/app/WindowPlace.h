@@ -9,7 +9,7 @@ namespace WindowPlace {
 /// As the options remember it. A size is cut to the screens, and a place on a screen that was taken away
 /// since is ignored.
 void restore(QWidget& window, const Settings& settings);
-/// A maximised window leaves the remembered size and place as they were.
+/// A maximised or full screen window leaves the remembered size and place as they were.
 void remember(const QWidget& window, Settings& settings);
 
 } // namespace WindowPlace

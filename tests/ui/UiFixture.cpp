@@ -14,6 +14,7 @@ UiFixture::UiFixture()
     parts.orlo = &orlo;
     parts.player = &player;
     parts.settings = &settings;
+    parts.statusNotes = &notes;
     app::setParts(parts);
     const LogCatcher quiet;
     orlo.initWithDefaults();

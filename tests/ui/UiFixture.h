@@ -2,6 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/Settings.h"
+#include "app/StatusNotes.h"
 #include "model/Orlo.h"
 #include "model/OrloBall.h"
 #include "sound/PdMessageBuffer.h"
@@ -38,6 +39,7 @@ protected:
     void transposeBy(const QList<int>& steps);
 
     Settings settings;
+    StatusNotes notes;
     Orlo orlo;
     PdPlayer player;
 

@@ -38,6 +38,7 @@ void setUpIcons(const Ui::MainWindow& form, QMainWindow* window)
         {form.chordStorageUpButton, "arrowup"},
         {form.chordStorageDownButton, "arrowdown"},
         {form.optionsButton, "cog"},
+        {form.menuButton, "menu"},
     };
     for (const auto& [button, name] : icons)
         button->setIcon(QIcon(QStringLiteral(":/icons/%1.png").arg(QLatin1StringView(name))));

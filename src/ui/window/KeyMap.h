@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sound/OrloEvent.h"
+#include "ui/dialogs/HelpSection.h"
 
 #include <QHash>
 #include <QList>
@@ -15,7 +16,7 @@ namespace Ui {
 class MainWindow;
 }
 
-/// What each key of the window does, by what is held with it.
+/// What each key of the window does, by what is held with it, and how the help says it.
 class KeyMap
 {
 public:
@@ -27,6 +28,9 @@ public:
     /// False when the key has no action with these modifiers.
     bool press(int key, Qt::KeyboardModifiers held) const;
     bool release(int key) const;
+
+    /// All keys, by subject.
+    QList<HelpSection> help() const;
 
 private:
     enum Rule {
@@ -43,8 +47,15 @@ private:
         bool matches(Qt::KeyboardModifiers held) const;
     };
 
+    enum Group { Sound, Chords, View, Transposing, Nodes, Program };
+    struct Help
+    {
+        Group group;
+        const char* text; // keys of one group with the same text stand in one line of the help
+    };
+
     /// The rows of one key are tried in the order of their adding.
-    void add(int key, Rule rule, Qt::KeyboardModifiers modifiers, const Action& action);
+    void add(int key, Rule rule, Qt::KeyboardModifiers modifiers, Help help, const Action& action);
     void addDigits();
     void addLettersToL();
     void addLettersFromM();
@@ -61,4 +72,5 @@ private:
     PdPlayer* mPlayer;
     const Action mToggleOptions;
     QHash<int, QList<Row>> mRows;
+    QList<std::pair<QKeyCombination, Help>> mHelp; // in the order of the table
 };

@@ -3,23 +3,27 @@
 #include "app/Accessors.h"
 #include "app/ApplicationServices.h"
 #include "app/Settings.h"
+#include "app/StatusNotes.h"
 #include "model/Orlo.h"
 #include "sound/AudioOutput.h"
 #include "sound/EngineRelay.h"
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/DiagnosticsDialog.h"
+#include "ui/dialogs/HelpDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
 #include "ui/firststeps/FirstSteps.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
+#include "ui/panel/MenuButton.h"
+#include "ui/panel/StatusLine.h"
 #include "ui/stacks/OrloLayer.h"
 #include "ui/window/FormSetUp.h"
 #include "ui/window/KeyMap.h"
 #include "ui/window/PanelParts.h"
+#include "ui/window/PressHelp.h"
 #include "ui/window/Readout.h"
-#include "ui/window/StatusLine.h"
 #include "ui_MainWindow.h"
 #include "update/UpdateDialog.h"
 
@@ -61,6 +65,7 @@ MainWindow::MainWindow(Orlo* orlo)
     mPanel->patches.loadDefaultPatch();
     onTransposeChanged();
     makeDevelopmentDialogs();
+    fillMenu();
     makeOptionsDialog();
     ui->transposeWidget->highlight(ui->transposeWidget->highlightedRow(), true);
     applicationUpdateCheck();
@@ -138,6 +143,44 @@ void MainWindow::makeStatusLine()
     line->follow(app::audioOutput());
     line->follow(app::midiOutput());
     connect(line, &StatusLine::tryAgainRequested, app::audioOutput(), &AudioOutput::tryAgain);
+    connect(app::parts().statusNotes, &StatusNotes::said, line, &StatusLine::say);
+}
+
+void MainWindow::fillMenu()
+{
+    MenuButton* menu = ui->menuButton;
+    menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
+    menu->add(
+        QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
+    menu->add(
+        QStringLiteral("Quit"), Qt::CTRL | Qt::Key_Q, [this] { close(); }, MenuButton::Window);
+}
+
+MenuButton* MainWindow::menuButton() const
+{
+    return ui->menuButton;
+}
+
+void MainWindow::showHelp()
+{
+    auto* help = findChild<HelpDialog*>();
+    if (!help) {
+        QList<HelpSection> sections = pressHelp() + mKeyMap->help();
+        for (const QAction* entry : actions()) { // those of the menu
+            if (!entry->shortcut().isEmpty())
+                sections.last().add(entry->shortcut()[0], entry->text());
+        }
+        help = new HelpDialog(sections, this);
+    }
+    help->show();
+    help->raise();
+    help->activateWindow();
+}
+
+/// A maximised window is maximised again afterwards.
+void MainWindow::toggleFullScreen()
+{
+    setWindowState(windowState() ^ Qt::WindowFullScreen);
 }
 
 void MainWindow::applicationUpdateCheck()

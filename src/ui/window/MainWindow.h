@@ -10,6 +10,7 @@
 class DiagnosticsDialog;
 class FirstSteps;
 class KeyMap;
+class MenuButton;
 class OptionsDialog;
 class Orlo;
 class OrloLayer;
@@ -62,6 +63,9 @@ public:
     // What PatchMenu does under these names.
     void loadPatch(const QString& path);
     void patch_by_Index(int index);
+
+    /// Further entries may be added.
+    MenuButton* menuButton() const;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -154,6 +158,9 @@ private:
     void connectPlayer();
     void connectPanel();
     void makeStatusLine();
+    void fillMenu();
+    void showHelp();
+    void toggleFullScreen();
     void makeDevelopmentDialogs();
     void makeOptionsDialog();
     /// Asks for a newer version, as often as the options want it.

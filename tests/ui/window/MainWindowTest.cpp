@@ -1,8 +1,12 @@
 #include "ui/WindowFixture.h"
+#include "ui/dialogs/HelpDialog.h"
 #include "ui/lattice/OrloView.h"
+#include "ui/panel/MenuButton.h"
 
 #include <QLabel>
+#include <QMenu>
 #include <QTest>
+#include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
 
@@ -197,4 +201,39 @@ TEST_F(MainWindowTest, ReadoutShowsStepsAndFrequencies)
     transposeBy({3, 5}); // 440 x 15/8
     EXPECT_TRUE(line("infoLabel1").endsWith(u" /3/5"_s));
     EXPECT_TRUE(line("infoLabel2").contains(u": 825.000 Hz  "_s));
+}
+
+TEST_F(MainWindowTest, MenuEntriesAndTheirKeysWorkWhateverIsShown)
+{
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    int done = 0;
+    auto* menu = find<MenuButton>("menuButton");
+    menu->add(u"Something"_s, Qt::Key_F7, [&done] { ++done; });
+    QStringList texts;
+    for (const QAction* entry : menu->findChild<QMenu*>()->actions())
+        texts.append(entry->text());
+    EXPECT_EQ(texts,
+              QStringList({u"Help and keys"_s, u"Something"_s, QString(), u"Full screen"_s, u"Quit"_s}));
+
+    click("expandOrloButton"); // the panel with the button goes
+    QTest::keyClick(window.get(), Qt::Key_F7);
+    EXPECT_EQ(done, 1);
+    QTest::keyClick(window.get(), Qt::Key_F11);
+    EXPECT_TRUE(window->isFullScreen());
+    press(Qt::Key_Escape); // means what it always does
+    EXPECT_EQ(commands(), QList<Command>({{OrloEvent::AllNotesOff, 1.0F}}));
+    EXPECT_TRUE(window->isFullScreen());
+    QTest::keyClick(window.get(), Qt::Key_F11);
+    EXPECT_FALSE(window->isFullScreen());
+
+    QTest::keyClick(window.get(), Qt::Key_F1);
+    auto* help = window->findChild<HelpDialog*>();
+    ASSERT_TRUE(help);
+    const QString text = help->findChild<QTextBrowser*>()->toPlainText();
+    for (const char* press : {"Ctrl+Alt+press", "1 ... 0", "Alt+1 ... Alt+0", "Alt+X, Ctrl+Alt+Z",
+                              "=, Backspace", "Up, Down", "Ctrl+Esc", "Ctrl+,", "F7"})
+        EXPECT_TRUE(text.contains(QLatin1StringView(press))) << press;
+    QTest::keyClick(help, Qt::Key_Q, Qt::ControlModifier); // from any window of the program
+    EXPECT_FALSE(window->isVisible());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMap>
+#include <QTimer>
 #include <QWidget>
 
 class AudioOutput;
@@ -9,17 +10,21 @@ class QLabel;
 class QPushButton;
 
 /// A short line over the lower left corner of the lattice: which device plays and how many blocks came
-/// late, or what has gone wrong. Clicks go through it to the lattice, except while the device is lost.
+/// late, the MIDI port, or what has gone wrong; for a few seconds, a note. Clicks go through it to the
+/// lattice, except while the device is lost. Its text is cut to the lattice's width, and then is its tooltip.
 class StatusLine : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Several warnings are shown in this order.
-    enum Source { Sound, Midi, Action };
+    /// Several messages are shown in this order.
+    enum Source { Sound, Midi };
 
     /// Follows the corner of `over`. Both have the same parent.
     explicit StatusLine(QWidget* over);
+
+    /// A note that goes away after a few seconds. It takes the place of what is not a warning.
+    void say(const QString& text);
 
     // Each source has one message. While there are warnings, other messages are hidden.
     void tell(Source source, const QString& text);
@@ -44,6 +49,8 @@ private:
     };
 
     void showDevice();
+    void lookAtPort(const MidiOutput* output);
+    bool isWarning(Source source) const;
     void refresh();
     void place();
 
@@ -51,6 +58,11 @@ private:
     QLabel* mLabel;
     QPushButton* mTryAgain;
     QMap<Source, Message> mMessages;
+    QString mNote;
+    QTimer mNoteTimer; // runs while there is a note
+    QString mText;     // in full
     QString mDevice;
     unsigned mLateBlocks = 0;
+    QString mPort; // what was last said of it
+    QTimer mPortTimer;
 };

@@ -1,18 +1,22 @@
-#include "ui/window/StatusLine.h"
+#include "ui/panel/StatusLine.h"
 
 #include "external/MidiOutput.h"
 #include "sound/AudioOutput.h"
 
-#include <QEvent>
+#include <QApplication>
 #include <QHBoxLayout>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
+#include <QToolTip>
 
 namespace {
 
 constexpr QPoint DISTANCE(6, 6); // from the corner
 constexpr int SPACING = 8;
+constexpr int NOTE_MS = 6000;
+constexpr int LOOK_AT_PORT_MS = 1000;
 
 } // namespace
 
@@ -23,6 +27,7 @@ StatusLine::StatusLine(QWidget* over)
     , mTryAgain(new QPushButton(QStringLiteral("Try again"), this))
 {
     setObjectName(QStringLiteral("statusLine"));
+    setAccessibleName(QStringLiteral("Status"));
     setAttribute(Qt::WA_StyledBackground);
     mLabel->setObjectName(QStringLiteral("statusLabel"));
     mLabel->setTextFormat(Qt::PlainText);
@@ -36,7 +41,17 @@ StatusLine::StatusLine(QWidget* over)
     row->addWidget(mLabel);
     row->addWidget(mTryAgain);
     connect(mTryAgain, &QPushButton::clicked, this, &StatusLine::tryAgainRequested);
+    mNoteTimer.setSingleShot(true);
+    connect(&mNoteTimer, &QTimer::timeout, this, [this] { say(QString()); });
     mOver->installEventFilter(this);
+    refresh();
+}
+
+void StatusLine::say(const QString& text)
+{
+    mNote = text;
+    if (!text.isEmpty())
+        mNoteTimer.start(NOTE_MS);
     refresh();
 }
 
@@ -58,19 +73,26 @@ void StatusLine::clear(Source source)
     refresh();
 }
 
+bool StatusLine::isWarning(Source source) const
+{
+    const auto message = mMessages.constFind(source);
+    return message != mMessages.cend() && message->isWarning;
+}
+
 void StatusLine::refresh()
 {
     QStringList warnings;
     QStringList quiet;
     for (const Message& message : std::as_const(mMessages))
         (message.isWarning ? warnings : quiet).append(message.text);
-    const QString text = (warnings.isEmpty() ? quiet : warnings).join(QStringLiteral("    "));
-    mLabel->setText(text);
-    const auto sound = mMessages.constFind(Sound);
-    const bool soundGone = sound != mMessages.cend() && sound->isWarning;
+    QStringList shown = warnings;
+    if (!mNote.isEmpty())
+        shown.append(mNote);
+    mText = (shown.isEmpty() ? quiet : shown).join(QStringLiteral("    "));
+    const bool soundGone = isWarning(Sound);
     mTryAgain->setVisible(soundGone);
     setAttribute(Qt::WA_TransparentForMouseEvents, !soundGone);
-    setVisible(!text.isEmpty());
+    setVisible(!mText.isEmpty());
     if (property("warning").toBool() == warnings.isEmpty()) {
         setProperty("warning", !warnings.isEmpty());
         style()->unpolish(this); // the style sheet's rule for it has changed
@@ -81,8 +103,21 @@ void StatusLine::refresh()
 
 void StatusLine::place()
 {
-    // A long device name is cut off at the lattice's edge.
-    const QSize size = sizeHint().boundedTo(mOver->size() - QSize(2 * DISTANCE.x(), 0));
+    const int most = mOver->width() - 2 * DISTANCE.x();
+    const int button = mTryAgain->isHidden() ? 0 : mTryAgain->sizeHint().width() + SPACING;
+    mLabel->ensurePolished();
+    const QString shown =
+        mLabel->fontMetrics().elidedText(mText, Qt::ElideRight, most - 2 * SPACING - button);
+    const bool wasCut = !toolTip().isEmpty();
+    const bool isCut = shown != mText;
+    mLabel->setText(shown);
+    setToolTip(isCut ? mText : QString());
+    // Tooltips are for the widget that takes the mouse, and this one lets it through.
+    if (isCut && !wasCut)
+        qApp->installEventFilter(this);
+    else if (wasCut && !isCut)
+        qApp->removeEventFilter(this);
+    const QSize size = sizeHint().boundedTo(QSize(most, mOver->height()));
     const QPoint corner = mOver->mapTo(parentWidget(), QPoint(0, mOver->height()));
     setGeometry(QRect(corner + QPoint(DISTANCE.x(), -DISTANCE.y() - size.height()), size));
     raise();
@@ -90,8 +125,15 @@ void StatusLine::place()
 
 bool StatusLine::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::Move)
+    if (watched == mOver && (event->type() == QEvent::Resize || event->type() == QEvent::Move))
         QMetaObject::invokeMethod(this, &StatusLine::place, Qt::QueuedConnection); // after the layout
+    if (event->type() == QEvent::ToolTip && isVisible() && !toolTip().isEmpty()) {
+        const QPoint pointer = static_cast<QHelpEvent*>(event)->globalPos();
+        if (rect().contains(mapFromGlobal(pointer))) {
+            QToolTip::showText(pointer, toolTip(), this);
+            return true;
+        }
+    }
     return QWidget::eventFilter(watched, event);
 }
 
@@ -113,6 +155,10 @@ void StatusLine::follow(const AudioOutput* output)
     connect(output, &AudioOutput::deviceLost, this, [this](const QString& name) {
         warn(Sound, QStringLiteral("%1 is gone. Trying again ...").arg(name));
     });
+    connect(output, &AudioOutput::selectedDeviceChanged, this, [this](int index) {
+        if (index == -1 && !isWarning(Sound))
+            tell(Sound, QStringLiteral("No sound device is open"));
+    });
     connect(output, &AudioOutput::lateBlocksCounted, this, [this, output](unsigned count) {
         mLateBlocks = count;
         if (output->selectedDevice() != -1)
@@ -123,8 +169,32 @@ void StatusLine::follow(const AudioOutput* output)
 
 void StatusLine::follow(const MidiOutput* output)
 {
-    connect(output, &MidiOutput::portLost, this,
-            [this](const QString& name) { warn(Midi, QStringLiteral("MIDI port %1 is gone.").arg(name)); });
-    connect(output, &MidiOutput::portBack, this, [this] { clear(Midi); });
-    connect(output, &MidiOutput::portReleased, this, [this] { clear(Midi); });
+    connect(output, &MidiOutput::portLost, this, [this, output](const QString& name) {
+        lookAtPort(output);
+        warn(Midi, QStringLiteral("MIDI port %1 is gone.").arg(name));
+    });
+    const auto settled = [this, output] {
+        clear(Midi);
+        mPort.clear();
+        lookAtPort(output);
+    };
+    connect(output, &MidiOutput::portBack, this, settled);
+    connect(output, &MidiOutput::portReleased, this, settled);
+    // A port that was chosen is told by no signal.
+    connect(&mPortTimer, &QTimer::timeout, this, [this, output] { lookAtPort(output); });
+    mPortTimer.start(LOOK_AT_PORT_MS);
+    lookAtPort(output);
+}
+
+void StatusLine::lookAtPort(const MidiOutput* output)
+{
+    QString port;
+    if (output->portOpen)
+        port = QStringLiteral("MIDI: %1").arg(output->portName);
+    else if (const QString missing = output->missingPort(); !missing.isEmpty())
+        port = QStringLiteral("MIDI: %1 is not there").arg(missing);
+    if (port == mPort)
+        return;
+    mPort = port;
+    port.isEmpty() ? clear(Midi) : tell(Midi, port);
 }

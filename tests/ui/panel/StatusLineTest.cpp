@@ -1,9 +1,11 @@
-#include "ui/window/StatusLine.h"
+#include "ui/panel/StatusLine.h"
 #include "ui/WindowFixture.h"
 
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
 
 TEST(StatusLine, NamesTheLostDeviceAndOffersToTryAgainUntilItIsBack)
 {
@@ -45,4 +47,32 @@ TEST(StatusLine, NamesTheLostDeviceAndOffersToTryAgainUntilItIsBack)
     emit midi.portLost(QStringLiteral("Synth:in"));
     midi.selectPort(-1); // it is wanted no more
     shows("JACK: studio, late blocks: 3", false);
+}
+
+TEST(StatusLine, ShowsANoteForAWhileAndIsCutToItsRoom)
+{
+    QWidget window;
+    auto* page = new QWidget(&window);
+    page->setGeometry(0, 0, 300, 300);
+    SoundDeviceDouble device(0);
+    MidiOutOverDouble midi;
+    StatusLine line(page);
+    line.follow(&device);
+    line.follow(&midi);
+    const auto* label = line.findChild<QLabel*>(QStringLiteral("statusLabel"));
+    ASSERT_TRUE(midi.selectPort(0));
+    const QString standing = QStringLiteral("JACK: system    MIDI: %1").arg(midi.portName);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return label->text() == standing; }));
+
+    line.say(QStringLiteral("Select a ball first"));
+    EXPECT_EQ(label->text(), QStringLiteral("Select a ball first"));
+    line.warn(StatusLine::Midi, QStringLiteral("Gone."));
+    EXPECT_EQ(label->text(), QStringLiteral("Gone.    Select a ball first"));
+    line.clear(StatusLine::Midi);
+
+    const QString longText(200, u'x');
+    line.say(longText);
+    EXPECT_TRUE(page->geometry().contains(line.geometry()));
+    EXPECT_LT(label->text().size(), longText.size());
+    EXPECT_EQ(line.toolTip(), longText);
 }
