@@ -6,7 +6,7 @@
 #include "model/Orlo.h"
 #include "sound/EngineRelay.h"
 #include "sound/PdPlayer.h"
-#include "ui/firststeps/FirstStepsCorner.h"
+#include "ui/firststeps/FirstStepsPlace.h"
 #include "ui/firststeps/FirstStepsTexts.h"
 #include "ui/lattice/OrloView.h"
 
@@ -164,9 +164,9 @@ void FirstSteps::placeSoon()
 
 void FirstSteps::place()
 {
-    const auto* view = mPages->currentWidget()->findChild<OrloView*>();
+    const QWidget* page = mPages->currentWidget();
     const QSize size(WIDTH, heightForWidth(WIDTH));
-    const QRect corner = cornerWithFewestBalls(*view, size);
-    setGeometry(QRect(view->mapTo(parentWidget(), corner.topLeft()), size));
+    const QPoint corner = placeWithFewestBalls(*page, *page->findChild<OrloView*>(), size);
+    setGeometry(QRect(page->mapTo(parentWidget(), corner), size));
     raise();
 }

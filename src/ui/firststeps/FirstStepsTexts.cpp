@@ -36,13 +36,12 @@ QString text(FirstSteps::Step step, const Progress& progress)
         return QStringLiteral("Press an arrow beside a prime number, at the left: the whole lattice moves. "
                               "\"=\" takes it back.");
     case FirstSteps::Glide:
-        return progress.hasSelection
-                   ? QStringLiteral(
-                       "Selected. Press \"G\", at the left, and move the slider below it: what is selected "
-                       "glides.")
-                   : QStringLiteral(
-                       "Hold Alt and press a ball that sounds, or press it with the middle button: this "
-                       "selects it.");
+        return progress.hasSelection ? QStringLiteral(
+                   "Selected, as the ring shows. \"G\", at the left, brings a slider: move it, and what is "
+                   "selected glides.")
+                                     : QStringLiteral("Hold Alt and press a ball that sounds, or press it "
+                                                      "with the middle button: this "
+                                                      "selects it.");
     case FirstSteps::COUNT: break;
     }
     return {};

@@ -19,6 +19,7 @@ struct Row
 // clang-format off
 constexpr Row ROWS[] = {
     // The upper panel.
+    {"logoLabel", "", "Brevick Tuning Orlo"},
     {"macroSlider", "Shapes the notes that start from now on, and what is selected. (Let go with Alt: back to its default. Alt+M: all of them)", "Patch parameter %1"},
     {"unusedMacroSlider", "This patch has no such parameter."},
     {"patchDecButton", "Goes to the previous patch. A patch is a kind of sound.", "Previous patch"},
@@ -26,6 +27,7 @@ constexpr Row ROWS[] = {
     {"patchIncButton", "Goes to the next patch. A patch is a kind of sound.", "Next patch"},
     {"loadPatchButton", "Opens a patch from a file: a voice made with Pure Data."},
     {"optionsButton", "Options: sound device, MIDI, the pitch of 1/1 and more. (Ctrl+,)", "Options"},
+    {"menuButton", "Menu: help and keys (F1), first steps, full screen (F11), quit (Ctrl+Q).", "Menu"},
 
     // How lattice and cards are shown.
     {"circlesViewButton", "Shows the small balls around the large ones, as flowers. (F)"},
@@ -140,7 +142,8 @@ QString inLines(const QString& text)
     QString lines;
     qsizetype length = 0;
     for (const QString& word : text.split(u' ')) {
-        const bool breaks = word.startsWith(u'(') || length + 1 + word.size() > LINE_LENGTH;
+        const bool beginsKeys = word.startsWith(u'(') && lines.endsWith(u'.');
+        const bool breaks = beginsKeys || length + 1 + word.size() > LINE_LENGTH;
         if (!lines.isEmpty())
             lines += breaks ? u'\n' : u' ';
         length = (breaks ? 0 : length + 1) + word.size();

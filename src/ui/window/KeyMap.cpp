@@ -127,7 +127,8 @@ void KeyMap::addLettersToL()
         [this] { mPanel->chords.chooseRow(1); });
     add(Qt::Key_K, With, CONTROL, {Sound, "volume off"}, [this] { mPanel->volume.setToMinimum(); });
     add(Qt::Key_K, Any, NONE, {Sound, "volume down"}, [this] { mPanel->volume.lower(); });
-    add(Qt::Key_L, Exactly, CONTROL, {Chords, "load the preset"}, click(mForm.saveChordSetLoadButton));
+    add(Qt::Key_L, Exactly, CONTROL, {Chords, "load the preset"},
+        [this] { mPanel->chordPresets.pressLoad(); });
 }
 
 void KeyMap::addLettersFromM()
@@ -151,7 +152,8 @@ void KeyMap::addLettersFromM()
         queue(OrloEvent::NodesResetAllAndControls));
     add(Qt::Key_R, Any, NONE, {View, "relative: colours and cards as the central ball sees them"},
         [this] { mPanel->display.chooseAbsRel(QStringLiteral("relative")); });
-    add(Qt::Key_S, Exactly, CONTROL, {Chords, "save the preset"}, click(mForm.saveChordSetSaveButton));
+    add(Qt::Key_S, Exactly, CONTROL, {Chords, "save the preset"},
+        [this] { mPanel->chordPresets.pressSave(); });
     add(Qt::Key_S, Exactly, ALT, macros, [this] { mPanel->macros.queueDefaults(); });
     add(Qt::Key_T, Exactly, CONTROL, {Chords, "Store to: the next numbers take what sounds"},
         click(mForm.chordStoreToButton));

@@ -150,6 +150,7 @@ void MainWindow::fillMenu()
 {
     MenuButton* menu = ui->menuButton;
     menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
+    menu->add(QStringLiteral("First steps"), QKeySequence(), [this] { showFirstSteps(); });
     menu->add(
         QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
     menu->add(
