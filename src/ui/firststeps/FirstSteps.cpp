@@ -36,6 +36,8 @@ FirstSteps::FirstSteps(QStackedWidget* pages, const QList<QSlider*>& glides)
     build();
     listen(glides);
     pages->installEventFilter(this);
+    for (OrloView* view : pages->findChildren<OrloView*>())
+        view->installEventFilter(this); // a page is laid out when it is first shown
     connect(pages, &QStackedWidget::currentChanged, this, &FirstSteps::placeSoon);
     show(Press);
     QFrame::show();
