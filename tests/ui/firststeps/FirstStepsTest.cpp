@@ -82,7 +82,8 @@ TEST_F(FirstStepsTest, TheCardLeavesBallsAndKeysAlone)
         settle();
         const OrloView* page = window->orloView();
         const QRect place(card()->mapTo(window.get(), QPoint()), card()->size());
-        EXPECT_TRUE(QRect(page->mapTo(window.get(), QPoint()), page->parentWidget()->size()).contains(place));
+        const auto* pages = find<QWidget>("centralStack");
+        EXPECT_TRUE(QRect(pages->mapTo(window.get(), QPoint()), pages->size()).contains(place));
         for (const OrloBallWidget* ball : page->orloWidget()->balls()) {
             const QPoint centre = page->viewport()->mapTo(window.get(), page->mapFromScene(ball->scenePos()));
             EXPECT_FALSE(place.contains(centre)) << ball->ball()->path().parseToString().toStdString();
