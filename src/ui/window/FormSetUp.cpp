@@ -1,6 +1,7 @@
 #include "ui/window/FormSetUp.h"
 
 #include "ui/hints/ControlHints.h"
+#include "ui/panel/PanelScroll.h"
 #include "ui_MainWindow.h"
 
 #include <QIcon>
@@ -71,4 +72,6 @@ void setUpForm(const Ui::MainWindow& form, QMainWindow* window)
     alignControls(form);
     hideUnusedControls(form);
     hints::giveAll(window);
+    new PanelScroll(form.leftFrame, Qt::Vertical);
+    new PanelScroll(form.lowerFrame, Qt::Horizontal);
 }

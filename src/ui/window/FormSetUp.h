@@ -10,6 +10,6 @@ class MainWindow;
 /// is made, since it names some.
 void initIcons();
 
-/// What the form itself cannot say: icons, the alignment of single controls, and which controls are hidden
-/// for good.
+/// What the form itself cannot say: icons, the alignment of single controls, which controls are hidden for
+/// good, and which frames scroll where the room ends.
 void setUpForm(const Ui::MainWindow& form, QMainWindow* window);

@@ -289,6 +289,22 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     mReadout->update();
 }
 
+/// A frame is known only when the window system has drawn it around the window; with it a window of the
+/// screen's size would hide its lower rows.
+void MainWindow::fitFrame()
+{
+    mFrameFits = true;
+    if (isMaximized() || isFullScreen())
+        return;
+    const QRect room = screen()->availableGeometry();
+    const QSize over = (frameGeometry().size() - room.size()).expandedTo(QSize(0, 0));
+    if (over.isNull())
+        return;
+    resize(size() - over);
+    move(qMax(room.left(), qMin(x(), room.right() + 1 - frameGeometry().width() + over.width())),
+         qMax(room.top(), qMin(y(), room.bottom() + 1 - frameGeometry().height() + over.height())));
+}
+
 void MainWindow::keyPressEvent(QKeyEvent* event)
 {
     if (!mKeyMap->press(event->key(), event->modifiers()))
@@ -303,6 +319,8 @@ void MainWindow::keyReleaseEvent(QKeyEvent* event)
 
 void MainWindow::changeEvent(QEvent* event)
 {
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && !mFrameFits)
+        fitFrame();
     // When Alt leads to another window, its release does not come here.
     if (event->type() == QEvent::ActivationChange && !isActiveWindow())
         mPanel->snapBack.setAltDown(false);

@@ -161,6 +161,7 @@ private:
     void fillMenu();
     void showHelp();
     void toggleFullScreen();
+    void fitFrame();
     void makeDevelopmentDialogs();
     void makeOptionsDialog();
     /// Asks for a newer version, as often as the options want it.
@@ -173,6 +174,7 @@ private:
     std::unique_ptr<Readout> mReadout;
     std::unique_ptr<KeyMap> mKeyMap;
     bool mRestricted = false;
+    bool mFrameFits = false;                 // looked at once
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): the window system places it
     QPointer<FirstSteps> mFirstSteps;        // deletes itself

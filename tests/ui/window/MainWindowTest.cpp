@@ -2,11 +2,14 @@
 #include "ui/dialogs/HelpDialog.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/panel/MenuButton.h"
+#include "ui/panel/PanelScroll.h"
 
 #include <QLabel>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
+#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +17,7 @@ using MainWindowTest = WindowFixture;
 
 TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
 {
-    EXPECT_EQ(window->minimumSizeHint().boundedTo(QSize(1280, 800)), window->minimumSizeHint());
+    EXPECT_EQ(window->minimumSizeHint().boundedTo(QSize(1018, 670)), window->minimumSizeHint());
     const QStringList withFocus{u"grapesViewButton"_s, u"circlesViewButton"_s, u"expandOrloButton"_s};
     for (const QPushButton* each : window->centralWidget()->findChildren<QPushButton*>()) {
         const QString name = each->objectName();
@@ -24,6 +27,37 @@ TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
         click(qPrintable(name));
         EXPECT_EQ(window->focusWidget(), window.get()) << name.toStdString();
     }
+}
+
+TEST_F(MainWindowTest, PanelsScrollWhereTheRoomEnds)
+{
+    window->show();
+    auto* lower = find<QWidget>("lowerFrame")->findChild<PanelScroll*>();
+    auto* left = find<QWidget>("leftFrame")->findChild<PanelScroll*>();
+    const int leftWidth = left->sizeHint().width();
+    const std::tuple<QSize, bool, bool> rows[] = {
+        // of the window, does the lower frame scroll, does the left one
+        {{1270, 730}, false, false}, {{1018, 670}, true, false},  {{900, 530}, true, true},
+        {{1018, 670}, true, false},  {{1270, 730}, false, false},
+    };
+    for (const auto& [size, lowerScrolls, leftScrolls] : rows) {
+        window->resize(size);
+        QTest::qWait(20);
+        EXPECT_EQ(window->size(), size);
+        EXPECT_EQ(lower->horizontalScrollBar()->isVisible(), lowerScrolls) << size.width();
+        EXPECT_EQ(left->verticalScrollBar()->isVisible(), leftScrolls) << size.height();
+        EXPECT_LE(find<QWidget>("lowerFrame")->height(), 72);
+        EXPECT_EQ(left->width(), leftWidth);
+        // Nothing is cut off across the direction.
+        EXPECT_LE(lower->widget()->height(), lower->viewport()->height());
+        EXPECT_LE(left->widget()->width(), left->viewport()->width());
+    }
+    window->resize(900, 530);
+    QTest::qWait(20);
+    QWheelEvent turn({5, 5}, lower->mapToGlobal(QPointF(5, 5)), {}, {0, -2400}, Qt::NoButton, Qt::NoModifier,
+                     Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(lower->viewport(), &turn);
+    EXPECT_EQ(lower->horizontalScrollBar()->value(), lower->horizontalScrollBar()->maximum());
 }
 
 TEST_F(MainWindowTest, SlidersQueueTheirFractionAndFollowThePlayerWithoutEcho)
