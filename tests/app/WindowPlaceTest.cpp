@@ -56,6 +56,9 @@ TEST(WindowPlaceTest, IsRestoredWithinTheScreensAndRemembered)
         settings.windowMaximized = false;
         WindowPlace::remember(window, settings);
         EXPECT_TRUE(settings.windowMaximized);
+        window.showFullScreen();
+        QCoreApplication::processEvents();
+        WindowPlace::remember(window, settings);
         EXPECT_EQ(settings.windowSize, expectedSize) << "as it was before";
         EXPECT_EQ(settings.windowPos, expectedPos);
     }

@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QMenu>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
@@ -32,6 +33,8 @@ TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
 TEST_F(MainWindowTest, PanelsScrollWhereTheRoomEnds)
 {
     window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry()));
     auto* lower = find<QWidget>("lowerFrame")->findChild<PanelScroll*>();
     auto* left = find<QWidget>("leftFrame")->findChild<PanelScroll*>();
     const int leftWidth = left->sizeHint().width();
