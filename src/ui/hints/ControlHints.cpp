@@ -45,8 +45,8 @@ constexpr Row ROWS[] = {
     {"glissButton", "Shows the G slider, for wide glides of what is selected. (Ctrl+G: both sliders)", "First glissando slider"},
     {"glissFineButton", "Shows the g slider, for small glides of what is selected. (Ctrl+G: both sliders)", "Second glissando slider"},
     {"glissResetButton", "Moves both glissando sliders back to the middle.", "Centre both glissando sliders"},
-    {"glissSliderBig", "Moves what is selected up and down in pitch. Hold Alt and press a ball to select it. (Let go with Alt: back to the middle)", "First glissando slider"},
-    {"glissFineSliderBig", "Moves what is selected up and down in pitch, by small amounts. Hold Alt and press a ball to select it. (Alt+G, or let go with Alt: back to the middle)", "Second glissando slider"},
+    {"glissSliderBig", "Moves what is selected up and down in pitch. A press with Alt or the middle button selects a ball. (Let go with Alt: back to the middle)", "First glissando slider"},
+    {"glissFineSliderBig", "Moves what is selected up and down in pitch, by small amounts. A press with Alt or the middle button selects a ball. (Alt+G, or let go with Alt: back to the middle)", "Second glissando slider"},
     {"volumeSlider", "The volume of everything. (O louder, K softer, Ctrl+K silent, Ctrl+O or let go with Alt: three quarters)", "Master volume"},
 
     // The column of the primes. %1 is the prime or its step's ratio, %2 the step in cents.

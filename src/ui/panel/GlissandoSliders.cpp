@@ -77,8 +77,8 @@ QString GlissandoSliders::valueText(const QSlider* slider, float range)
 void GlissandoSliders::tellWhenIdle()
 {
     if (app::orlo()->selectedRatios().isEmpty())
-        app::say(QStringLiteral(
-            "Nothing is selected, so nothing glides. Hold Alt and press a ball to select it."));
+        app::say(QStringLiteral("Nothing is selected, so nothing glides. Press a ball with Alt or the middle "
+                                "button to select it."));
 }
 
 void GlissandoSliders::centreFine()

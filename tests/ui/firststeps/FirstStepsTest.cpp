@@ -26,6 +26,19 @@ protected:
     FirstSteps* card() const { return window->findChild<FirstSteps*>(); }
     /// -1: no card.
     int step() const { return card() ? card()->step() : -1; }
+    bool liesOnThePageBesideTheBalls() const
+    {
+        const auto placeOf = [this](const QWidget* widget) {
+            return QRect(widget->mapTo(window.get(), QPoint()), widget->size());
+        };
+        const QRect place = placeOf(card());
+        const OrloView* view = window->orloView();
+        return placeOf(find<QWidget>("centralStack")).contains(place)
+               && std::ranges::none_of(view->orloWidget()->balls(), [&](const OrloBallWidget* ball) {
+                      const QPoint centre = view->mapFromScene(ball->scenePos());
+                      return place.contains(view->viewport()->mapTo(window.get(), centre));
+                  });
+    }
     void toggle(unsigned numerator, unsigned denominator)
     {
         const OrloNoteEvent event(OrloRatio(numerator, denominator));
@@ -80,14 +93,7 @@ TEST_F(FirstStepsTest, TheCardLeavesBallsAndKeysAlone)
         press(view);
         EXPECT_EQ(settings.circlesView, view == Qt::Key_F);
         settle();
-        const OrloView* page = window->orloView();
-        const QRect place(card()->mapTo(window.get(), QPoint()), card()->size());
-        const auto* pages = find<QWidget>("centralStack");
-        EXPECT_TRUE(QRect(pages->mapTo(window.get(), QPoint()), pages->size()).contains(place));
-        for (const OrloBallWidget* ball : page->orloWidget()->balls()) {
-            const QPoint centre = page->viewport()->mapTo(window.get(), page->mapFromScene(ball->scenePos()));
-            EXPECT_FALSE(place.contains(centre)) << ball->ball()->path().parseToString().toStdString();
-        }
+        EXPECT_TRUE(waitUntil([this] { return liesOnThePageBesideTheBalls(); }));
     }
 }
 

@@ -125,6 +125,8 @@ TEST_F(ControlHintsTest, APressThatDoesNothingSaysWhatItWanted)
     const std::pair<const char*, std::function<void()>> rows[] = {
         {"an empty chord", [this] { press(Qt::Key_5); }},
         {"no chord to clear", [this] { press(Qt::Key_C, Qt::AltModifier); }},
+        {"nothing to select", [this] { press(Qt::Key_A, Qt::AltModifier); }},
+        {"nothing selected", [this] { press(Qt::Key_T, Qt::AltModifier); }},
         {"nothing to hold", [this] { press(Qt::Key_H); }},
         {"no preset to save", [this] { press(Qt::Key_S, Qt::ControlModifier); }},
         {"no preset to load", [this] { press(Qt::Key_L, Qt::ControlModifier); }},
