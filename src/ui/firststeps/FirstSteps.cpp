@@ -126,7 +126,7 @@ void FirstSteps::end()
 {
     mStep = COUNT; // nothing more is noticed
     hide();
-    app::say(QStringLiteral("The menu, beside the options, has the first steps again."));
+    app::say(QStringLiteral("The menu, below the options, has the first steps again."));
     deleteLater();
 }
 
