@@ -181,7 +181,7 @@ void StatusLine::follow(const MidiOutput* output)
     connect(output, &MidiOutput::portBack, this, settled);
     connect(output, &MidiOutput::portReleased, this, settled);
     // A port that was chosen is told by no signal.
-    connect(&mPortTimer, &QTimer::timeout, this, [this, output] { lookAtPort(output); });
+    connect(&mPortTimer, &QTimer::timeout, output, [this, output] { lookAtPort(output); });
     mPortTimer.start(LOOK_AT_PORT_MS);
     lookAtPort(output);
 }
