@@ -3,6 +3,7 @@
 #include "app/Accessors.h"
 #include "app/Autosave.h"
 #include "app/FileTrouble.h"
+#include "app/FirstStart.h"
 #include "app/OptionsSync.h"
 #include "app/StyleSheets.h"
 #include "files/SoonSaver.h"
@@ -101,6 +102,7 @@ bool TuningOrloApplication::init()
     if (!loadStyleSheet())
         return startFailed(
             QStringLiteral("Initialisation of style sheet failed.\n\nThe program will now shut down."));
+    const bool isFirstStart = FirstStart::isNow(configDirectory());
     if (!mSettings.init()) {
         const QString text =
             QStringLiteral("Failed to read saved options. All options will be reset to defaults.");
@@ -122,6 +124,8 @@ bool TuningOrloApplication::init()
     connect(&mPlayer, &PdPlayer::instructionsToInterface, &mInterface, &Interface::receiveInstructions,
             Qt::DirectConnection);
     loadRunningChords();
+    if (isFirstStart)
+        mMainWindow->showFirstSteps();
     Autosave::start(this, [this] { autoSafe(); });
     mSoonSaver = Autosave::afterChanges(*mMainWindow, configDirectory());
     mLicensing.check();

@@ -77,7 +77,9 @@ bool SaveAndLoad::saveDataToFile(QDir* file, Chords* chords, int sets)
                 qDebug() << "Writing empty set in line " << slot;
         }
     }
-    if (!outcome)
+    if (outcome)
+        emit written(file->path());
+    else
         qCritical().noquote() << QStringLiteral("Couldn't write file %1: %2. The old one is kept.")
                                      .arg(file->path(), outcome.reason);
     return static_cast<bool>(outcome);

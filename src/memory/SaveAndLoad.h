@@ -45,6 +45,10 @@ public:
     /// What it writes.
     static QByteArray text(const Chords& chords, int sets);
 
+signals:
+    /// The whole file is on the disk.
+    void written(const QString& path);
+
 private:
     static void readLines(QTextStream& stream, Chords& chords, int maxSets, chordline::Reading& reading);
 };

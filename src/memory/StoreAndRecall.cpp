@@ -26,6 +26,7 @@ bool StoreAndRecall::storeRatios(int slot)
     if (slot > LAST_SLOT || sounding.isEmpty())
         return false;
     mChords.insert(slot, sounding);
+    emit stored(slot);
     return true;
 }
 
@@ -45,6 +46,7 @@ bool StoreAndRecall::recallRatios(int slot, int mode)
     }
     if (mode == Standard)
         qDebug() << "Recall (standard) has been processed ...";
+    emit recalled(slot);
     return true;
 }
 

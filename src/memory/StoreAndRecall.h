@@ -54,6 +54,12 @@ public:
 
     /// The table, for the files.
     Chords* storedChords() { return &mChords; }
+    const Chords& chords() const { return mChords; }
+
+signals:
+    void stored(int slot);
+    /// What has to change is queued.
+    void recalled(int slot);
 
 private:
     QList<OrloRatio> togglesOf(const QList<OrloRatio>& chord, int mode) const;

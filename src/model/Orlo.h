@@ -75,6 +75,7 @@ public:
     float baseFrequency() const { return mBaseFrequency; }
     const QHash<OrloRatio, OrloBall*>& ballMap() const { return mBallMap; }
     const QSet<OrloRatio>& playingRatios() const { return mPlayingRatios; }
+    const QSet<OrloRatio>& selectedRatios() const { return mSelectedRatios; }
 
     /// The transposition for any thread, without a lock.
     PublishedRatio::Value publishedTransposition() const { return mPublishedTransposition.read(); }

@@ -48,8 +48,9 @@ protected:
     bool start(const QByteArray& options)
     {
         home.write(QStringLiteral("options.json"), options);
-        return mRuns = application.init();
+        return startAsItIs();
     }
+    bool startAsItIs() { return mRuns = application.init(); }
     void end()
     {
         if (std::exchange(mRuns, false))

@@ -2,6 +2,7 @@
 
 #include "app/Accessors.h"
 #include "app/EndRequest.h"
+#include "app/FirstStart.h"
 #include "app/StyleSheets.h"
 #include "support/LogCatcher.h"
 #include "ui/lattice/OrloView.h"
@@ -64,6 +65,19 @@ class Terminated : AsNohupStarts, public ProgramFixture
 };
 
 } // namespace
+
+TEST_F(StartAndEnd, OnlyAFirstStartShowsTheFirstSteps)
+{
+    const QString folder = home.configDir().path();
+    ASSERT_TRUE(startAsItIs());
+    EXPECT_TRUE(find<QWidget>("firstSteps")->isVisible());
+    EXPECT_FALSE(FirstStart::isNow(folder)) << "there are options now";
+    EXPECT_TRUE(QFile::remove(home.path(u"options.json"_s)));
+    EXPECT_TRUE(FirstStart::isNow(folder));
+    qputenv("ORLO_FIRST_STEPS", "0");
+    EXPECT_FALSE(FirstStart::isNow(folder));
+    qunsetenv("ORLO_FIRST_STEPS");
+}
 
 TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)
 {

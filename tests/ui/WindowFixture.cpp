@@ -34,6 +34,7 @@ WindowFixture::WindowFixture()
     app::Parts parts = app::parts();
     parts.application = &services;
     parts.storeAndRecall = &chords;
+    parts.saveAndLoad = &files;
     parts.audioOutput = &soundDevice;
     parts.midiOutput = &midi;
     app::setParts(parts);

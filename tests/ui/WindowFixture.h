@@ -2,6 +2,7 @@
 
 #include "app/ApplicationServices.h"
 #include "external/MidiDouble.h"
+#include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
 #include "support/SoundDeviceDouble.h"
 #include "support/TestHome.h"
@@ -96,6 +97,7 @@ protected:
     TestHome home; // before the window, whose options name its folders
     StoreAndRecall chords{&player};
     Services services;
+    SaveAndLoad files;
     SoundDeviceDouble soundDevice{0};
     MidiOutOverDouble midi;
     std::unique_ptr<MainWindow> window;

@@ -3,6 +3,7 @@
 #include "app/Accessors.h"
 #include "app/Settings.h"
 #include "ui/dialogs/OptionsPageRows.h"
+#include "ui/hints/ControlHints.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -47,6 +48,7 @@ OptionsDialog::OptionsDialog(QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
     layout->addWidget(buttons);
+    hints::giveAll(this);
 
     // A shortcut, since a combo box with the focus searches its entries for the key instead of passing it
     // on.

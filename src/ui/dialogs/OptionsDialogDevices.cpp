@@ -7,6 +7,7 @@
 #include "sound/AudioOutput.h"
 #include "ui/dialogs/NonModalBox.h"
 #include "ui/dialogs/OptionsPageRows.h"
+#include "ui/hints/ControlHints.h"
 
 #include <QComboBox>
 #include <QDebug>
@@ -48,11 +49,16 @@ void OptionsDialog::addDeviceRows(QGridLayout* grid)
     mMidiDeviceMenu->setObjectName(QStringLiteral("midiOutputDeviceMenu"));
     mMidiChannelMenu = new QComboBox;
     mMidiChannelMenu->setObjectName(QStringLiteral("midiOutputChannelMenu"));
-    mMidiChannelMenu->setAccessibleName(QStringLiteral("MIDI mode and channel"));
     for (QComboBox* menu : {mAudioDeviceMenu, mMidiDeviceMenu, mMidiChannelMenu})
         setUpMenu(menu);
-    for (QComboBox* menu : {mAudioDeviceMenu, mMidiDeviceMenu}) // names longer than the menu
-        connect(menu, &QComboBox::currentTextChanged, menu, &QWidget::setToolTip);
+    for (const auto& [menu, row] :
+         {std::pair{mAudioDeviceMenu, "audioDevice"}, {mMidiDeviceMenu, "midiDevice"}}) {
+        hints::give(menu, row);
+        connect(menu, &QComboBox::currentTextChanged, menu, [menu, row](const QString& name) {
+            menu->setToolTip(hints::inLines(hints::text(row)) + u'\n'
+                             + name); // which may be longer than the menu
+        });
+    }
     listAudioDevices();
     mMidiDeviceMenu->addItem(MidiOutput::deactivatedName());
     mMidiDeviceMenu->addItems(app::midiOutput()->availablePorts());

@@ -7,6 +7,7 @@
 #include "external/MpeBend.h"
 #include "sound/PdPlayer.h"
 #include "ui/dialogs/OptionsPageRows.h"
+#include "ui/hints/ControlHints.h"
 
 #include <QDoubleSpinBox>
 #include <QGridLayout>
@@ -36,22 +37,24 @@ void OptionsDialog::addGlissandoRows(QVBoxLayout* layout)
     struct Row
     {
         QString caption;
+        const char* hint;
         double highest;
         double value;
         void (OptionsDialog::*slot)(double);
     };
     const Row rows[] = {
-        {QStringLiteral("G-slider "), HIGHEST_RANGE, static_cast<double>(settings->glissOneRangeCents),
-         &OptionsDialog::onGlissOneRangeChanged},
-        {QStringLiteral("g-slider "), HIGHEST_RANGE, static_cast<double>(settings->glissTwoRangeCents),
-         &OptionsDialog::onGlissTwoRangeChanged},
-        {QStringLiteral("MIDI MPE limit "), HIGHEST_MPE_RANGE,
+        {QStringLiteral("G-slider "), "glissOneRangeEdit", HIGHEST_RANGE,
+         static_cast<double>(settings->glissOneRangeCents), &OptionsDialog::onGlissOneRangeChanged},
+        {QStringLiteral("g-slider "), "glissTwoRangeEdit", HIGHEST_RANGE,
+         static_cast<double>(settings->glissTwoRangeCents), &OptionsDialog::onGlissTwoRangeChanged},
+        {QStringLiteral("MIDI MPE limit "), "glissRangeMPEEdit", HIGHEST_MPE_RANGE,
          static_cast<double>(settings->glissRangeMPECents), &OptionsDialog::onGlissRangeMPEChanged},
     };
-    for (const auto& [caption, highest, value, slot] : rows) {
+    for (const auto& [caption, hint, highest, value, slot] : rows) {
         auto* box = new QDoubleSpinBox;
         setUpNumber(box, 0.0, highest, 0);
         box->setKeyboardTracking(false);
+        hints::give(box, hint);
         box->setValue(value);
         connect(box, &QDoubleSpinBox::valueChanged, this, slot);
         QHBoxLayout* controls = row({box, label(QStringLiteral("cents"))});

@@ -8,6 +8,7 @@
 #include "ui/dialogs/FrequencySpinBox.h"
 #include "ui/dialogs/OneOneNotes.h"
 #include "ui/dialogs/OptionsPageRows.h"
+#include "ui/hints/ControlHints.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -40,6 +41,7 @@ void OptionsDialog::addPitchRows(QGridLayout* grid)
     auto* calibration = new QDoubleSpinBox;
     setUpNumber(calibration, LOWEST_CALIBRATION, HIGHEST_CALIBRATION, CALIBRATION_DECIMALS);
     calibration->setKeyboardTracking(false);
+    hints::give(calibration, "calibrationEdit");
     calibration->setValue(mOneOne.calibration());
     connect(calibration, &QDoubleSpinBox::valueChanged, this,
             &OptionsDialog::onCalibrationFreqEditValueChanged);
@@ -58,10 +60,8 @@ void OptionsDialog::addPitchRows(QGridLayout* grid)
     mOneOneNoteEdit->setObjectName(QStringLiteral("oneOneNoteEdit"));
     mOneOneNoteInOctaveEdit = new QComboBox;
     mOneOneNoteInOctaveEdit->setObjectName(QStringLiteral("oneOneNoteInOctaveEdit"));
-    mOneOneNoteInOctaveEdit->setAccessibleName(QStringLiteral("1/1 note within its octave"));
     mOneOneOctaveEdit = new QComboBox;
     mOneOneOctaveEdit->setObjectName(QStringLiteral("oneOneOctaveEdit"));
-    mOneOneOctaveEdit->setAccessibleName(QStringLiteral("Octave of the 1/1 note"));
     for (QComboBox* menu : {mOneOneNoteEdit, mOneOneNoteInOctaveEdit, mOneOneOctaveEdit}) {
         setUpMenu(menu);
         menu->setFixedWidth(menu == mOneOneNoteEdit ? NUMBER_WIDTH : SHORT_MENU_WIDTH);
@@ -70,6 +70,7 @@ void OptionsDialog::addPitchRows(QGridLayout* grid)
     mOneOneNoteEdit->addItems(OneOneNotes::table().names());
     mOneOneNoteEdit->setCurrentIndex(mOneOne.noteIndex());
     mCentsLabel = label(QStringLiteral("-"));
+    hints::give(mCentsLabel, "oneOneCentsLabel");
     QHBoxLayout* noteRow = row({mOneOneNoteEdit, mOneOneNoteInOctaveEdit, mOneOneOctaveEdit, mCentsLabel,
                                 label(QStringLiteral("cents"))});
     noteRow->addStretch(1);
@@ -77,6 +78,7 @@ void OptionsDialog::addPitchRows(QGridLayout* grid)
     addGridRow(grid, mOneOneNoteLabel, noteRow);
 
     mOneOneFreqEdit = new FrequencySpinBox;
+    hints::give(mOneOneFreqEdit, "oneOneFrequencyEdit");
     const float frequency = static_cast<float>(mOneOne.frequency());
     setUpNumber(mOneOneFreqEdit, 0.0, HIGHEST_FREQUENCY, getFloatDecimalPrecision(frequency));
     mOneOneFreqEdit->setValue(mOneOne.frequency());

@@ -1,5 +1,6 @@
 #include "ui/panel/ChordPanel.h"
 
+#include "app/Accessors.h"
 #include "app/Settings.h"
 #include "memory/StoreAndRecall.h"
 #include "sound/PdPlayer.h"
@@ -26,6 +27,7 @@ ChordPanel::ChordPanel(const Widgets& widgets, StoreAndRecall* memory, PdPlayer*
     , mMemory(memory)
     , mPlayer(player)
     , mSettings(settings)
+    , mSigns(widgets.chords, memory, player->relay())
 {
 }
 
@@ -34,6 +36,8 @@ ChordPanel::ChordPanel(const Widgets& widgets, StoreAndRecall* memory, PdPlayer*
 void ChordPanel::chordButtonClicked(int number)
 {
     if (mWidgets.clear->isChecked()) {
+        if (mMemory->isChordEmpty(number))
+            app::say(QStringLiteral("Chord %1 is empty already.").arg(number));
         mMemory->clearRatios(number);
         setChordButton(number, false);
     } else if (mWidgets.storeTo->isChecked()) {
@@ -49,13 +53,22 @@ void ChordPanel::storeChord(int number)
     if (!mMemory->isAnythingPlaying())
         showWarning(window, QStringLiteral("Nothing to be stored!"));
     else if (mMemory->isChordEmpty(number) || askYesOrNo(window, QString(), QStringLiteral("Replace?")))
-        mMemory->storeRatios(number);
+        storeAndTell(number);
     setChordButton(number, !mMemory->isChordEmpty(number));
+}
+
+void ChordPanel::storeAndTell(int number)
+{
+    app::say((mMemory->storeRatios(number) ? QStringLiteral("What sounds is stored as chord %1.")
+                                           : QStringLiteral("Nothing sounds: chord %1 is empty."))
+                 .arg(number));
 }
 
 void ChordPanel::recallChord(int number)
 {
     if (mMemory->isChordEmpty(number)) {
+        app::say(QStringLiteral("Chord %1 is empty. Press \"Store to ...\" before it to store what sounds.")
+                     .arg(number));
         setChordButton(number, false);
         return;
     }
@@ -80,7 +93,7 @@ int ChordPanel::recallMode() const
 void ChordPanel::overrideChordButtonStorage(int number)
 {
     mMemory->clearRatios(number);
-    mMemory->storeRatios(number);
+    storeAndTell(number);
     setChordButton(number, !mMemory->isChordEmpty(number));
 }
 
@@ -97,6 +110,7 @@ void ChordPanel::reloadAllSoundingRatios()
 void ChordPanel::setChordButton(int number, bool on)
 {
     mWidgets.chords[number - 1]->setChecked(on);
+    mSigns.refreshSoon();
 }
 
 void ChordPanel::refreshChordButtons()
@@ -144,8 +158,11 @@ void ChordPanel::cycleRecallMode()
 
 void ChordPanel::clearAllClicked()
 {
-    if (mMemory->isStorageEmpty()
-        || !askBeforeLoss(mWidgets.chordFrame->window(), QString(), QStringLiteral("Clear all memory?")))
+    if (mMemory->isStorageEmpty()) {
+        app::say(QStringLiteral("There is no chord to clear."));
+        return;
+    }
+    if (!askBeforeLoss(mWidgets.chordFrame->window(), QString(), QStringLiteral("Clear all memory?")))
         return;
     clearAllChordButtons();
 }
@@ -153,8 +170,11 @@ void ChordPanel::clearAllClicked()
 void ChordPanel::holdClicked()
 {
     mPlayer->queueGui(OrloEvent::NodesHold, mWidgets.hold->isChecked() ? 1.0F : 0.0F);
-    if (!mMemory->isAnythingPlaying())
-        mWidgets.hold->setChecked(false); // there is nothing that it could hold
+    if (mMemory->isAnythingPlaying())
+        return;
+    if (mWidgets.hold->isChecked())
+        app::say(QStringLiteral("Nothing sounds that could be held."));
+    mWidgets.hold->setChecked(false);
 }
 
 void ChordPanel::holdAnew()

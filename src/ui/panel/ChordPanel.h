@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/panel/ChordButtonSigns.h"
+
 #include <QList>
 #include <QObject>
 
@@ -70,6 +72,7 @@ signals:
 
 private:
     void storeChord(int number);
+    void storeAndTell(int number);
     void recallChord(int number);
     int recallMode() const;
 
@@ -77,6 +80,7 @@ private:
     StoreAndRecall* mMemory;
     PdPlayer* mPlayer;
     const Settings* mSettings;
+    ChordButtonSigns mSigns;
     int mRow = 0;
     bool mRestricted = false;
 };

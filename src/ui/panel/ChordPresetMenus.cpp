@@ -1,8 +1,10 @@
 #include "ui/panel/ChordPresetMenus.h"
 
+#include "app/Accessors.h"
 #include "app/ApplicationServices.h"
 #include "app/Settings.h"
 #include "memory/ChordPresets.h"
+#include "memory/SaveAndLoad.h"
 #include "ui/panel/MessageBoxes.h"
 
 #include <QComboBox>
@@ -17,6 +19,7 @@
 namespace {
 
 const QString PLACEHOLDER = QStringLiteral("*"); // the first item of both menus, for no choice
+const QString NO_PRESET = QStringLiteral("Choose a bank and a preset first.");
 
 // The two actions at the end are recognised by their place: a bank or preset may have the same name.
 bool isCreate(const QComboBox* menu)
@@ -63,13 +66,15 @@ QString whatStays(const QString& bank, const ChordPresets::Remains& remains)
 } // namespace
 
 ChordPresetMenus::ChordPresetMenus(const Widgets& widgets, Settings* settings,
-                                   ApplicationServices* application)
+                                   ApplicationServices* application, const SaveAndLoad* files)
     : mWidgets(widgets)
     , mSettings(settings)
     , mApplication(application)
     , mLastBank(PLACEHOLDER)
     , mLastPreset(PLACEHOLDER)
 {
+    if (files)
+        connect(files, &SaveAndLoad::written, this, &ChordPresetMenus::onFileWritten);
 }
 
 ChordPresets ChordPresetMenus::chordPresets() const
@@ -161,6 +166,8 @@ void ChordPresetMenus::removeLastBank()
 {
     const QString question = QStringLiteral("Are you sure you want to remove bank '") + mLastBank
                              + QStringLiteral("' and all containing presets? This cannot be undone!");
+    if (mLastBank == PLACEHOLDER)
+        app::say(QStringLiteral("No bank was chosen that could be removed."));
     if (mLastBank == PLACEHOLDER || !askBeforeLoss(window(), QStringLiteral("Remove bank"), question)) {
         restore(mWidgets.banks, mLastBank);
         return;
@@ -178,6 +185,8 @@ void ChordPresetMenus::presetActivated()
 {
     QComboBox* menu = mWidgets.presets;
     if (hasNoChoice(mWidgets.banks) || hasNoChoice(menu)) {
+        if (!hasNoChoice(menu))
+            app::say(QStringLiteral("Choose a bank first, or create one."));
         restore(menu, PLACEHOLDER);
         mLastPreset = PLACEHOLDER;
     } else if (isCreate(menu)) {
@@ -218,6 +227,8 @@ void ChordPresetMenus::removeLastPreset()
 {
     const QString question = QStringLiteral("Are you sure you want to remove preset '") + mLastPreset
                              + QStringLiteral("'? This cannot be undone!");
+    if (mLastPreset == PLACEHOLDER)
+        app::say(QStringLiteral("No preset was chosen that could be removed."));
     if (mLastPreset == PLACEHOLDER || !askBeforeLoss(window(), QStringLiteral("Remove preset"), question)) {
         restore(mWidgets.presets, mLastPreset);
         return;
@@ -254,8 +265,10 @@ QString ChordPresetMenus::chosenPresetFile() const
 void ChordPresetMenus::loadClicked()
 {
     const QString path = chosenPresetFile();
-    if (path.isEmpty())
+    if (path.isEmpty()) {
+        app::say(NO_PRESET);
         return;
+    }
     QDir file(path);
     if (mApplication->loadChordsFromDiskToStorage(&file))
         emit chordsLoaded();
@@ -266,9 +279,35 @@ void ChordPresetMenus::loadClicked()
 void ChordPresetMenus::saveClicked()
 {
     const QString path = chosenPresetFile();
-    if (path.isEmpty())
+    if (path.isEmpty()) {
+        app::say(NO_PRESET);
         return;
+    }
     QDir file(path);
     if (!mApplication->saveStoredChordsToDisk(&file))
         showWarning(window(), QStringLiteral("Error: Could not safe preset to disk!"));
+}
+
+void ChordPresetMenus::onFileWritten(const QString& path)
+{
+    const QString chosen = chosenPresetFile();
+    if (!chosen.isEmpty() && QDir(chosen).path() == path) // not the chords of the running program
+        app::say(QStringLiteral("The chords are saved as preset '%1'.").arg(mWidgets.presets->currentText()));
+}
+
+void ChordPresetMenus::press(QPushButton* button)
+{
+    button->animateClick();
+    if (!button->isEnabled())
+        app::say(NO_PRESET);
+}
+
+void ChordPresetMenus::pressLoad()
+{
+    press(mWidgets.load);
+}
+
+void ChordPresetMenus::pressSave()
+{
+    press(mWidgets.save);
 }

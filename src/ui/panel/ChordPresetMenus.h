@@ -7,6 +7,7 @@ class ChordPresets;
 class QComboBox;
 class QPushButton;
 class QWidget;
+class SaveAndLoad;
 class Settings;
 
 /// The menus of chord banks and presets on disk, with their buttons. The presets directory is the
@@ -25,7 +26,8 @@ public:
         QPushButton* load;
         QPushButton* save;
     };
-    ChordPresetMenus(const Widgets& widgets, Settings* settings, ApplicationServices* application);
+    ChordPresetMenus(const Widgets& widgets, Settings* settings, ApplicationServices* application,
+                     const SaveAndLoad* files);
 
     /// Lists the banks anew, and no bank is chosen.
     void repopulateChordBankMenu();
@@ -35,6 +37,9 @@ public:
     void presetActivated();
     void directoryClicked();
     void loadClicked();
+    // What the keys do: a press of the button, or what it wants.
+    void pressLoad();
+    void pressSave();
     void saveClicked();
 
     void setRestricted(bool restricted);
@@ -52,6 +57,8 @@ private:
     void removeLastPreset();
     void updateButtons();
     QString chosenPresetFile() const;
+    void press(QPushButton* button);
+    void onFileWritten(const QString& path);
     QWidget* window() const;
 
     Widgets mWidgets;

@@ -1,5 +1,8 @@
 #include "ui/panel/GlissandoSliders.h"
 
+#include "app/Accessors.h"
+#include "model/Orlo.h"
+#include "sound/GlissandoMapping.h"
 #include "sound/PdPlayer.h"
 #include "ui/panel/SliderFraction.h"
 
@@ -7,6 +10,8 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
+
+#include <cmath>
 
 GlissandoSliders::GlissandoSliders(const Widgets& widgets, PdPlayer* player)
     : mWidgets(widgets)
@@ -58,6 +63,22 @@ void GlissandoSliders::centreBoth()
 {
     for (QSlider* slider : {mWidgets.coarse, mWidgets.fine})
         slider->setValue(centreOf(slider));
+}
+
+QString GlissandoSliders::valueText(const QSlider* slider, float range)
+{
+    const double cents = glissando::cents(range, sliderFraction(slider));
+    // To a tenth; + 0.0: no negative zero.
+    return QStringLiteral("%1%2 cents")
+        .arg(cents > 0.0 ? QStringLiteral("+") : QString())
+        .arg(std::round(cents * 10.0) / 10.0 + 0.0);
+}
+
+void GlissandoSliders::tellWhenIdle()
+{
+    if (app::orlo()->selectedRatios().isEmpty())
+        app::say(QStringLiteral("Nothing is selected, so nothing glides. Press a ball with Alt or the middle "
+                                "button to select it."));
 }
 
 void GlissandoSliders::centreFine()

@@ -3,6 +3,7 @@
 class PdPlayer;
 class QPushButton;
 class QSlider;
+class QString;
 class QWidget;
 
 /// The two sliders of the glissando and the buttons that show and hide them. The sliders send
@@ -33,6 +34,10 @@ public:
     static int centreOf(const QSlider* slider);
     /// Centres both, and tells the engine.
     void centreBoth();
+    /// How far a slider stands from its centre, as "+12.5 cents". `range`: cents from there to either end.
+    static QString valueText(const QSlider* slider, float range);
+    /// While a slider is dragged: says that it moves nothing when nothing is selected.
+    static void tellWhenIdle();
     /// Nothing under restrictions.
     void centreFine();
     /// The engine has reset them: 0 both, 1 the coarse one, 2 the fine one.

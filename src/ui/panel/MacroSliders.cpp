@@ -2,6 +2,7 @@
 
 #include "sound/MacroList.h"
 #include "sound/PdPlayer.h"
+#include "ui/hints/ControlHints.h"
 #include "ui/panel/SliderFraction.h"
 
 #include <QLabel>
@@ -71,6 +72,7 @@ void MacroSliders::showNames(const QStringList& names)
         mLabels[macro]->setEnabled(used);
         mSliders[macro]->setEnabled(used);
         mSliders[macro]->setAccessibleName(name);
+        mSliders[macro]->setToolTip(hints::inLines(hints::text(used ? "macroSlider" : "unusedMacroSlider")));
     }
 }
 
@@ -78,6 +80,11 @@ void MacroSliders::takeDefaults(const QList<float>& defaults)
 {
     queueValues(defaults);
     mDefaults = defaults;
+}
+
+QString MacroSliders::valueText(int macro) const
+{
+    return QStringLiteral("%1 %2").arg(mLabels[macro]->text(), percentText(mSliders[macro]));
 }
 
 int MacroSliders::defaultPosition(int macro) const

@@ -34,6 +34,8 @@ public:
     void takeDefaults(const QList<float>& defaults);
     /// Sends the kept defaults again.
     void queueDefaults() const { queueValues(mDefaults); }
+    /// What the slider stands at, as "Attack 40%".
+    QString valueText(int macro) const;
     /// Where the macro's default lies; where the slider is when the patch gave none.
     int defaultPosition(int macro) const;
 

@@ -1,5 +1,6 @@
 #include "ui/panel/PatchMenu.h"
 
+#include "app/Accessors.h"
 #include "app/EndRequest.h"
 #include "app/LogText.h"
 #include "app/Settings.h"
@@ -206,6 +207,8 @@ void PatchMenu::loadNextVoice()
 
 void PatchMenu::patch_by_Index(int index)
 {
+    if (index >= mMenu->count())
+        app::say(QStringLiteral("There is no patch %1 in the menu.").arg(index + 1));
     loadPatch(mMenu->itemData(index).toString());
 }
 

@@ -3,7 +3,9 @@
 #include "app/Accessors.h"
 #include "model/Orlo.h"
 #include "sound/PdPlayer.h"
+#include "ui/hints/ControlHints.h"
 #include "ui/lattice/GeometryConstants.h"
+#include "ui/panel/PrimeStepText.h"
 
 #include <QGraphicsDropShadowEffect>
 
@@ -43,6 +45,14 @@ QString styleFor(const QColor& on, const QColor& off)
     return style;
 }
 
+QString tooltip(int prime, bool canBeSwitched)
+{
+    if (prime == 1)
+        return hints::inLines(hints::text("primeOne"));
+    return hints::inLines(
+        hints::text(canBeSwitched ? "primeToggle" : "primeFixed").arg(prime).arg(primeStepText(prime)));
+}
+
 } // namespace
 
 PrimeToggleButton::PrimeToggleButton(int prime, QWidget* parent)
@@ -59,6 +69,8 @@ PrimeToggleButton::PrimeToggleButton(int prime, QWidget* parent)
         setCheckable(true);
         setChecked(true);
     }
+    setToolTip(tooltip(prime, isEnabled()));
+    setAccessibleName(QStringLiteral("Prime %1").arg(prime));
     mHalo->setOffset(0.0, 0.0);
     mHalo->setBlurRadius(HALO_RADIUS);
     mHalo->setColor(Qt::white);

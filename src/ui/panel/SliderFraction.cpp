@@ -11,6 +11,11 @@ float sliderFraction(const QSlider* slider)
            / static_cast<float>(slider->maximum() - slider->minimum());
 }
 
+QString percentText(const QSlider* slider)
+{
+    return QStringLiteral("%1%").arg(std::lround(100.0F * sliderFraction(slider)));
+}
+
 void setSliderFraction(QSlider* slider, float fraction)
 {
     const QSignalBlocker blocker(slider);

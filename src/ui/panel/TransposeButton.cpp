@@ -4,6 +4,8 @@
 #include "model/Orlo.h"
 #include "model/OrloPath.h"
 #include "sound/PdPlayer.h"
+#include "ui/hints/ControlHints.h"
+#include "ui/panel/PrimeStepText.h"
 #include "ui/panel/PrimeToggleButton.h"
 
 #include <QLabel>
@@ -42,6 +44,16 @@ TransposeButton::TransposeButton(int step, QLabel* label, QWidget* parent)
     connect(this, &QAbstractButton::clicked, this, &TransposeButton::onTransposeClicked);
     connect(app::orlo(), &Orlo::transposeOrBaseFrequencyChanged, this, &TransposeButton::onTransposeChanged);
     onTransposeChanged();
+    showHint();
+}
+
+void TransposeButton::showHint()
+{
+    QString text = hints::text(isEnabled() ? "transposeArrow" : "transposeArrowGone");
+    if (isEnabled())
+        text = text.arg(mStep > 0 ? QStringLiteral("up") : QStringLiteral("down"), primeStepText(qAbs(mStep)),
+                        mStep > 0 ? QStringLiteral("Right") : QStringLiteral("Left"));
+    setToolTip(hints::inLines(text));
 }
 
 void TransposeButton::onTransposeClicked()
@@ -53,7 +65,10 @@ void TransposeButton::onTransposeClicked()
 void TransposeButton::onTransposeChanged()
 {
     const Orlo* orlo = app::orlo();
+    const bool wasEnabled = isEnabled();
     setDisabled(!orlo->canTransposeTo(ratioOfStep(mStep)));
+    if (isEnabled() != wasEnabled)
+        showHint();
 
     int sum = 0;
     for (const int step : orlo->transposeSteps()) {

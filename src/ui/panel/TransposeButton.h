@@ -32,6 +32,7 @@ private:
         bool rectangle = false;
     };
     Look currentLook() const;
+    void showHint();
 
     const int mStep;
     int mCount = 0; // net steps of the prime, with their sign

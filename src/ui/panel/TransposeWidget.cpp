@@ -3,6 +3,7 @@
 #include "app/Accessors.h"
 #include "model/Orlo.h"
 #include "sound/PdPlayer.h"
+#include "ui/hints/ControlHints.h"
 #include "ui/panel/PrimeToggleButton.h"
 #include "ui/panel/TransposeButton.h"
 
@@ -15,13 +16,21 @@ constexpr int ROW_SPACING = 6;
 constexpr int BUTTON_SPACING = 1;
 constexpr int RESET_SPACING = 2;
 
-template <class Button>
-void press(const std::array<Button*, TransposeWidget::ROWS>& buttons, int row)
+/// As a click with the mouse; of a button that is disabled it is said why.
+void press(QAbstractButton* button, const QString& whyNot)
 {
-    if (row < 0 || row >= TransposeWidget::ROWS)
+    if (!button)
         return;
-    if (Button* button = buttons[static_cast<size_t>(row)])
-        button->animateClick();
+    button->animateClick();
+    if (!button->isEnabled())
+        app::say(whyNot);
+}
+
+template <class Button>
+void press(const std::array<Button*, TransposeWidget::ROWS>& buttons, int row, const QString& whyNot)
+{
+    if (row >= 0 && row < TransposeWidget::ROWS)
+        press(buttons[static_cast<size_t>(row)], whyNot);
 }
 
 } // namespace
@@ -113,22 +122,22 @@ void TransposeWidget::moveHighlight(int by)
 
 void TransposeWidget::transposeUp(int row)
 {
-    press(mUpButtons, row);
+    press(mUpButtons, row, hints::text("transposeArrowGone"));
 }
 
 void TransposeWidget::transposeDown(int row)
 {
-    press(mDownButtons, row);
+    press(mDownButtons, row, hints::text("transposeArrowGone"));
 }
 
 void TransposeWidget::toggle(int row)
 {
-    press(mPrimeButtons, row);
+    press(mPrimeButtons, row, QStringLiteral("The primes 1, 2 and 3 are always on."));
 }
 
 void TransposeWidget::resetTranspose()
 {
-    mResetButton->animateClick();
+    press(mResetButton, QStringLiteral("The lattice has not moved."));
 }
 
 void TransposeWidget::onResetClicked()

@@ -50,6 +50,11 @@ void VolumeControl::raise()
         mSlider->setValue(mSlider->value() + KEY_STEP);
 }
 
+QString VolumeControl::valueText() const
+{
+    return percentText(mSlider);
+}
+
 int VolumeControl::defaultPosition() const
 {
     return static_cast<int>(mSlider->maximum() * Settings::DEFAULT_VOLUME);

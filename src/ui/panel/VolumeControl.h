@@ -2,6 +2,7 @@
 
 class PdPlayer;
 class QSlider;
+class QString;
 
 /// The slider of the master volume.
 class VolumeControl
@@ -22,6 +23,8 @@ public:
     void raise();
 
     int defaultPosition() const;
+    /// As "75%".
+    QString valueText() const;
 
 private:
     QSlider* mSlider;

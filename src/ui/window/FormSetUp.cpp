@@ -1,5 +1,6 @@
 #include "ui/window/FormSetUp.h"
 
+#include "ui/hints/ControlHints.h"
 #include "ui/panel/PanelScroll.h"
 #include "ui_MainWindow.h"
 
@@ -70,6 +71,7 @@ void setUpForm(const Ui::MainWindow& form, QMainWindow* window)
     setUpIcons(form, window);
     alignControls(form);
     hideUnusedControls(form);
+    hints::giveAll(window);
     new PanelScroll(form.leftFrame, Qt::Vertical);
     new PanelScroll(form.lowerFrame, Qt::Horizontal);
 }

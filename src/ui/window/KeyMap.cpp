@@ -1,5 +1,7 @@
 #include "ui/window/KeyMap.h"
 
+#include "app/Accessors.h"
+#include "model/Orlo.h"
 #include "sound/PdPlayer.h"
 #include "ui/panel/TransposeWidget.h"
 #include "ui/window/PanelParts.h"
@@ -77,6 +79,22 @@ KeyMap::Action KeyMap::queue(OrloEvent::Type type) const
     return [this, type] { mPlayer->queueGui(type, 1.0F); };
 }
 
+KeyMap::Action KeyMap::queueForSelected(OrloEvent::Type type) const
+{
+    return [this, type] {
+        if (app::orlo()->selectedRatios().isEmpty())
+            app::say(QStringLiteral("Nothing is selected."));
+        mPlayer->queueGui(type, 1.0F);
+    };
+}
+
+void KeyMap::selectAllSounding() const
+{
+    if (app::orlo()->playingRatios().isEmpty())
+        app::say(QStringLiteral("Nothing sounds that could be selected."));
+    mPlayer->queueGui(OrloEvent::NodesSelectAllSounding, 1.0F);
+}
+
 KeyMap::Action KeyMap::queue(const OrloEvent& event) const
 {
     return [this, &event] { mPlayer->queueEventGui(&event); };
@@ -103,7 +121,7 @@ void KeyMap::addLettersToL()
         [this] { mPanel->display.chooseAbsRel(QStringLiteral("absolute")); });
     add(Qt::Key_A, Exactly, CONTROL, {Chords, "recalling: replace, add and take away, alternate"},
         [this] { mPanel->chords.cycleRecallMode(); });
-    add(Qt::Key_A, Exactly, ALT, {Nodes, "select all that sounds"}, queue(OrloEvent::NodesSelectAllSounding));
+    add(Qt::Key_A, Exactly, ALT, {Nodes, "select all that sounds"}, [this] { selectAllSounding(); });
     add(Qt::Key_B, Any, NONE, {View, "soundgrape on the cards, black and white"},
         click(mForm.soundgrapeBWButton));
     add(Qt::Key_C, Exactly, NONE, {View, "soundgrape on the cards, coloured"},
@@ -127,7 +145,8 @@ void KeyMap::addLettersToL()
         [this] { mPanel->chords.chooseRow(1); });
     add(Qt::Key_K, With, CONTROL, {Sound, "volume off"}, [this] { mPanel->volume.setToMinimum(); });
     add(Qt::Key_K, Any, NONE, {Sound, "volume down"}, [this] { mPanel->volume.lower(); });
-    add(Qt::Key_L, Exactly, CONTROL, {Chords, "load the preset"}, click(mForm.saveChordSetLoadButton));
+    add(Qt::Key_L, Exactly, CONTROL, {Chords, "load the preset"},
+        [this] { mPanel->chordPresets.pressLoad(); });
 }
 
 void KeyMap::addLettersFromM()
@@ -151,20 +170,23 @@ void KeyMap::addLettersFromM()
         queue(OrloEvent::NodesResetAllAndControls));
     add(Qt::Key_R, Any, NONE, {View, "relative: colours and cards as the central ball sees them"},
         [this] { mPanel->display.chooseAbsRel(QStringLiteral("relative")); });
-    add(Qt::Key_S, Exactly, CONTROL, {Chords, "save the preset"}, click(mForm.saveChordSetSaveButton));
+    add(Qt::Key_S, Exactly, CONTROL, {Chords, "save the preset"},
+        [this] { mPanel->chordPresets.pressSave(); });
     add(Qt::Key_S, Exactly, ALT, macros, [this] { mPanel->macros.queueDefaults(); });
     add(Qt::Key_T, Exactly, CONTROL, {Chords, "Store to: the next numbers take what sounds"},
         click(mForm.chordStoreToButton));
     add(Qt::Key_T, Exactly, ALT, {Nodes, "end or start the notes that are selected"},
-        queue(OrloEvent::NodesToggleAllSelected));
+        queueForSelected(OrloEvent::NodesToggleAllSelected));
     add(Qt::Key_U, Any, NONE, {Chords, "first row, for the number keys"},
         [this] { mPanel->chords.chooseRow(0); });
-    add(Qt::Key_X, Exactly, ALT, resetSelected, queue(OrloEvent::NodesResetSelectedDeselect));
+    add(Qt::Key_X, Exactly, ALT, resetSelected, queueForSelected(OrloEvent::NodesResetSelectedDeselect));
     TransposeWidget* transpose = mForm.transposeWidget;
     add(Qt::Key_X, Any, NONE, {Transposing, "switch the chosen prime off or on"},
         [transpose] { transpose->toggle(transpose->highlightedRow()); });
-    add(Qt::Key_Z, With, ALT | CONTROL, resetSelected, queue(OrloEvent::NodesResetSelectedDeselect));
-    add(Qt::Key_Z, Exactly, ALT, {Nodes, "reset what is selected"}, queue(OrloEvent::NodesResetSelected));
+    add(Qt::Key_Z, With, ALT | CONTROL, resetSelected,
+        queueForSelected(OrloEvent::NodesResetSelectedDeselect));
+    add(Qt::Key_Z, Exactly, ALT, {Nodes, "reset what is selected"},
+        queueForSelected(OrloEvent::NodesResetSelected));
 }
 
 void KeyMap::addOtherKeys()

@@ -64,6 +64,9 @@ private:
     /// The button flashes, and its slot runs at the flash's end.
     static Action click(QPushButton* button);
     Action queue(OrloEvent::Type type) const;
+    /// The same for what acts on the selection; without one it is said.
+    Action queueForSelected(OrloEvent::Type type) const;
+    void selectAllSounding() const;
     /// The event is the panel's.
     Action queue(const OrloEvent& event) const;
 

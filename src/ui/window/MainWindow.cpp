@@ -12,6 +12,7 @@
 #include "ui/dialogs/HelpDialog.h"
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
+#include "ui/firststeps/FirstSteps.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
@@ -149,6 +150,7 @@ void MainWindow::fillMenu()
 {
     MenuButton* menu = ui->menuButton;
     menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
+    menu->add(QStringLiteral("First steps"), QKeySequence(), [this] { showFirstSteps(); });
     menu->add(
         QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
     menu->add(
@@ -232,6 +234,12 @@ void MainWindow::on_expandOrloButton_clicked()
     ui->circleLayer->showStacks(show);
     ui->grapeLayer->showStacks(show);
     ui->expandOrloButton->setText(show ? QStringLiteral("< >") : QStringLiteral("> <"));
+}
+
+void MainWindow::showFirstSteps()
+{
+    delete mFirstSteps;
+    mFirstSteps = new FirstSteps(ui->centralStack, {ui->glissSliderBig, ui->glissFineSliderBig});
 }
 
 void MainWindow::applyRestrictions(bool restricted)

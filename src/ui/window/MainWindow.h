@@ -3,10 +3,12 @@
 #include <QList>
 #include <QMainWindow>
 #include <QPoint>
+#include <QPointer>
 
 #include <memory>
 
 class DiagnosticsDialog;
+class FirstSteps;
 class KeyMap;
 class MenuButton;
 class OptionsDialog;
@@ -45,6 +47,9 @@ public:
     void setMacroSlidersToDefault();
     /// Makes the chord panel and the two big glissando sliders unavailable, or available again.
     void applyRestrictions(bool restricted);
+
+    /// Begins the first steps, from the first card on.
+    void showFirstSteps();
 
     /// Where the options dialog opens the next time.
     void setOptionsDialogPosition(QPoint position);
@@ -172,6 +177,7 @@ private:
     bool mFrameFits = false;                 // looked at once
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): the window system places it
+    QPointer<FirstSteps> mFirstSteps;        // deletes itself
     // Child dialogs that only a developer shows.
     DiagnosticsDialog* mDiagnosticsDialog = nullptr;
     TweakDialog* mTweakDialog = nullptr;

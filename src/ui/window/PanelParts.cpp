@@ -1,6 +1,8 @@
 #include "ui/window/PanelParts.h"
 
 #include "app/Accessors.h"
+#include "app/Settings.h"
+#include "ui/hints/SliderValueTip.h"
 #include "ui_MainWindow.h"
 
 namespace {
@@ -77,7 +79,7 @@ PanelParts::PanelParts(const Ui::MainWindow& form)
           {form.toggleModeButton, form.shiftModeButton, form.removeModeButton, form.selectApplyModeButton},
           app::application())
     , chords(chordWidgets(form), app::storeAndRecall(), app::player(), app::settings())
-    , chordPresets(chordPresetWidgets(form), app::settings(), app::application())
+    , chordPresets(chordPresetWidgets(form), app::settings(), app::application(), app::saveAndLoad())
     , patches(form.patchMenu, app::player(), app::settings())
 {
     QObject::connect(&chords, &ChordPanel::polyphonicWanted, &chords, [this] { monoPoly.choosePoly(); });
@@ -93,6 +95,21 @@ PanelParts::PanelParts(const Ui::MainWindow& form)
     for (QSlider* slider : {form.glissSliderBig, form.glissFineSliderBig})
         snapBack.add(slider, [slider] { return GlissandoSliders::centreOf(slider); });
     snapBack.add(form.volumeSlider, [this] { return volume.defaultPosition(); });
+    showValuesOfSliders(form);
+}
+
+void PanelParts::showValuesOfSliders(const Ui::MainWindow& form)
+{
+    for (int macro = 0; macro < macros.sliders().size(); ++macro)
+        new SliderValueTip(macros.sliders()[macro], [this, macro] { return macros.valueText(macro); });
+    new SliderValueTip(form.volumeSlider, [this] { return volume.valueText(); });
+
+    const Settings* settings = app::settings();
+    for (const auto& [slider, range] : {std::pair{form.glissSliderBig, &settings->glissOneRangeCents},
+                                        {form.glissFineSliderBig, &settings->glissTwoRangeCents}}) {
+        new SliderValueTip(slider, [slider, range] { return GlissandoSliders::valueText(slider, *range); });
+        QObject::connect(slider, &QSlider::sliderMoved, &chords, &GlissandoSliders::tellWhenIdle);
+    }
 }
 
 void PanelParts::setRestricted(bool restricted)

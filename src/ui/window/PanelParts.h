@@ -40,4 +40,8 @@ struct PanelParts
     ChordPanel chords;
     ChordPresetMenus chordPresets;
     PatchMenu patches;
+
+private:
+    /// While they are moved.
+    void showValuesOfSliders(const Ui::MainWindow& form);
 };

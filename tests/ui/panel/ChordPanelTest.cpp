@@ -1,7 +1,9 @@
 #include "sound/OrloNoteEvent.h"
 #include "support/LogCatcher.h"
+#include "support/Waiting.h"
 #include "ui/WindowFixture.h"
 
+#include <QHelpEvent>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -164,6 +166,26 @@ TEST_F(ChordPanelTest, AChordInMonoAsksAndIsRecalledEitherWay)
         EXPECT_EQ(queued.contains({OrloEvent::MonophonicSet, 0.0F}), poly);
         EXPECT_EQ(queued.count({OrloEvent::NoteToggleByRatio, 1.0F}), 2);
     }
+}
+
+TEST_F(ChordPanelTest, AButtonShowsWhetherItsChordSoundsAndListsIt)
+{
+    store(3, {B, C, A});
+    const QWidget* bar = chord(3)->findChild<QWidget*>(u"chordBar"_s);
+    for (const auto& [sounding, all] :
+         {std::pair<QList<OrloRatio>, bool>{{A, B, C}, true}, {{A, B}, false}, {{A, B, C, {7, 4}}, true}}) {
+        play(sounding);
+        EXPECT_TRUE(waitUntil([&] { return bar->isHidden() != all; }));
+    }
+    QHelpEvent asked(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+    QCoreApplication::sendEvent(chord(3), &asked);
+    // 5/4 lies 13.7 cents below the tempered third, 3/2 2.0 cents above the fifth.
+    EXPECT_TRUE(chord(3)->toolTip().startsWith(
+        u"Chord 3\n1/1   A4 +0 cents\n5/4   C#5 -14 cents\n3/2   E5 +2 cents\n"_s))
+        << chord(3)->toolTip().toStdString();
+    chords.clearRatios(3);
+    window->refreshChordButtons();
+    EXPECT_TRUE(waitUntil([&] { return bar->isHidden(); }));
 }
 
 TEST_F(ChordPanelTest, DigitsAddressTheChosenRow)

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
 
@@ -47,6 +48,11 @@ TEST_F(ChordPresetMenusTest, ABankAndAPresetAreMadeSavedLoadedAndRemoved)
     boxes.take();
 
     press(Qt::Key_S, Qt::ControlModifier);
+    const QSignalSpy said(&notes, &StatusNotes::said);
+    emit files.written(home.path(u".temp.btoc"_s)); // by itself
+    emit files.written(preset("Mine/First.btoc"));
+    EXPECT_EQ(said.count(), 1);
+    EXPECT_TRUE(said.value(0).value(0).toString().contains(u"saved as preset 'First'"));
     window->setChordButton(2, true);
     chords.storedChords()->insert(5, {OrloRatio(7, 4)});
     press(Qt::Key_L, Qt::ControlModifier);
