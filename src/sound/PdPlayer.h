@@ -20,6 +20,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class EngineRelay;
@@ -153,6 +154,9 @@ public:
     /// [any] What sounded, and was not released, after the last block; in the order in which
     /// the notes came. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
+    /// [any] Hz in which the note of an absolute ratio sounded after the last block, with its glissando.
+    /// Empty when it does not sound, or is silent because it lies outside the range of pitches.
+    std::optional<float> heardFrequency(const OrloRatio& ratio) const;
     /// [audio] In the order of selection. Allocates the list.
     QList<OrloRatio> getAllSelectedRatios() const;
     /// [audio] In the order of alteration. Allocates the list.
@@ -173,7 +177,7 @@ public:
     bool applyAllCurrentMacroValues(float voice);
     /// [audio] Macro from 1 to 8.
     bool applyMacroValue(int macro, float value, float voice);
-    /// [audio] Hz, of a running voice.
+    /// [audio] Hz, of a running voice. The patch takes none below 1 Hz or above 20 kHz.
     bool alterFrequency(float frequency, float voice);
     /// [audio] Pure Data's own switch of sound.
     bool setDsp(bool on) const;

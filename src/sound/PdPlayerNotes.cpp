@@ -45,6 +45,7 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
     // A note exactly on a bound is silent; Orlo::canTransposeTo allows 1/1 there.
     if (frequency > pitchrange::LOWEST && frequency < pitchrange::HIGHEST) {
         const auto voice = static_cast<float>(slot);
+        mVoices.slot(slot)->frequency = frequency;
         sendPdVoiceMessage(voiceFrequency, frequency, voice);
         sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);
         sendPdVoiceMessage(voiceGate, 1.0F, voice);
@@ -160,6 +161,15 @@ QList<OrloRatio> PdPlayer::getAllSoundingRatios() const
     }
     ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios, number of which are " << sounding.size();
     return sounding;
+}
+
+std::optional<float> PdPlayer::heardFrequency(const OrloRatio& ratio) const
+{
+    for (const VoiceSnapshot::Entry& entry : mSnapshot.read()) {
+        if (entry.ratio == ratio && !entry.released && entry.frequency > 0.0F)
+            return entry.frequency;
+    }
+    return std::nullopt;
 }
 
 PdPlayer::SoundingRatios PdPlayer::soundingNow() const

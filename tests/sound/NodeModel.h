@@ -39,6 +39,7 @@ public:
         bool released = false;
         float gate = -1.0F;
         float frequency = 0.0F; // Hz
+        float heard = 0.0F;     // Hz, what the patch made of it; 0: silent
         float volume = 0.0F;
         std::array<float, GLISS> macros{};
     };
@@ -293,6 +294,7 @@ private:
         voice.ratio = ratio;
         voice.start = mStarts;
         voice.released = false;
+        voice.heard = 0.0F;
         mNotes[ratio] = slot;
         const Values values = valuesOf(ratio);
         std::copy_n(values.begin(), GLISS, voice.macros.begin());
@@ -302,7 +304,7 @@ private:
         else
             mStarted[ratio] = centred(mSliders);
         if (frequency > 20.0F && frequency < 20000.0F) {
-            voice.frequency = frequency;
+            voice.frequency = voice.heard = frequency;
             voice.volume = mVoiceVolume;
             voice.gate = 1.0F;
         }
@@ -419,8 +421,8 @@ private:
             if (which >= GLISS) {
                 const Values values = valuesOf(ratio);
                 if (voice)
-                    voice->frequency =
-                        frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
+                    glide(*voice,
+                          frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]));
                 continue;
             }
             float& own = altered[ratio][which];
@@ -500,8 +502,16 @@ private:
     void retune(Ratio ratio, const Values& values)
     {
         if (Voice* voice = find(ratio))
-            voice->frequency = factor(1, values[GLISS + 1]) * factor(0, values[GLISS]) * mBase
-                               * (static_cast<float>(ratio.first) / static_cast<float>(ratio.second));
+            glide(*voice, factor(1, values[GLISS + 1]) * factor(0, values[GLISS]) * mBase
+                              * (static_cast<float>(ratio.first) / static_cast<float>(ratio.second)));
+    }
+
+    /// The patch stays where it is beyond its bounds.
+    static void glide(Voice& voice, float frequency)
+    {
+        voice.frequency = frequency;
+        if (voice.heard > 0.0F && frequency >= 1.0F && frequency < 20001.0F)
+            voice.heard = frequency;
     }
 
     void restoreInPlace(Voice& voice)

@@ -328,6 +328,10 @@ protected:
             EXPECT_TRUE(isSame(told.frequency, voice.frequency))
                 << slot << ": " << told.frequency << ", " << voice.frequency;
             EXPECT_EQ(told.gate, voice.gate) << slot;
+            const bool sounds = voice.start != 0 && !voice.released;
+            EXPECT_EQ(sounds ? rig.player.heardFrequency(orlo(voice.ratio)).value_or(0.0F) : voice.heard,
+                      voice.heard)
+                << slot;
             EXPECT_EQ(told.volume, voice.volume) << slot;
             EXPECT_TRUE(std::ranges::equal(told.macros, voice.macros, isSame)) << slot;
         }
