@@ -120,6 +120,8 @@ bool TuningOrloApplication::init()
     startDeviceListener();
     connect(&mPlayer, &PdPlayer::instructionsToInterface, &mInterface, &Interface::receiveInstructions,
             Qt::DirectConnection);
+    connect(&mPlayer, &PdPlayer::notesRetuned, &mInterface, &Interface::receiveRetuning,
+            Qt::DirectConnection);
     loadRunningChords();
     Autosave::start(this, [this] { autoSafe(); });
     mSoonSaver = Autosave::afterChanges(*mMainWindow, configDirectory());

@@ -7,4 +7,9 @@ namespace pitchrange {
 inline constexpr float LOWEST = 20.0F; // Hz
 inline constexpr float HIGHEST = 20000.0F;
 
+constexpr bool sounds(float frequency)
+{
+    return frequency > LOWEST && frequency < HIGHEST;
+}
+
 } // namespace pitchrange

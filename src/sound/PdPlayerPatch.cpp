@@ -333,6 +333,7 @@ bool PdPlayer::alterFrequency(float frequency, float voice)
     Voice* changed = mVoices.slot(static_cast<int>(voice));
     if (changed && changed->frequency > 0.0F && frequency >= LOWEST_GLIDE && frequency < HIGHEST_GLIDE) {
         changed->frequency = frequency;
+        changed->baseFrequency = mBaseFrequency;
         mVoicesChanged = true;
     }
     return sendPdVoiceMessage(voiceFrequency, frequency, voice);

@@ -40,6 +40,7 @@ public:
         float gate = -1.0F;
         float frequency = 0.0F; // Hz
         float heard = 0.0F;     // Hz, what the patch made of it; 0: silent
+        float base = 0.0F;      // Hz of 1/1 that belongs to it
         float volume = 0.0F;
         std::array<float, GLISS> macros{};
     };
@@ -96,6 +97,26 @@ public:
             toggle(ratio, false);
         for (const Command& command : screen)
             run(command);
+    }
+
+    /// After a change of 1/1 each note goes where one that is struck now would be.
+    void retuneToBase()
+    {
+        for (const auto& [ratio, slot] : mNotes) {
+            Voice& voice = voices[slot];
+            const float frequency = glided(ratio);
+            const bool isPitch = frequency > 20.0F && frequency < 20000.0F;
+            if (voice.base == mBase)
+                continue;
+            if (voice.heard > 0.0F && (isPitch || voice.released)) {
+                glide(voice, frequency);
+            } else if (!voice.released && voice.heard > 0.0F) {
+                voice.gate = voice.heard = 0.0F;
+                voice.base = mBase;
+            } else if (!voice.released) {
+                strike(voice);
+            }
+        }
     }
 
     /// The patch reports that a voice has faded.
@@ -247,6 +268,12 @@ private:
         return static_cast<float>(ratio.first) / static_cast<float>(ratio.second) * mBase;
     }
 
+    float glided(Ratio ratio) const
+    {
+        const Values values = valuesOf(ratio);
+        return frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
+    }
+
     float factor(size_t which, float slider) const
     {
         const double cents = static_cast<double>(mRanges[which]) * 2.0 * (static_cast<double>(slider) - 0.5);
@@ -296,12 +323,17 @@ private:
         voice.released = false;
         voice.heard = 0.0F;
         mNotes[ratio] = slot;
+        strike(voice);
+    }
+
+    void strike(Voice& voice)
+    {
+        const Ratio ratio = voice.ratio;
+        voice.base = mBase;
         const Values values = valuesOf(ratio);
         std::copy_n(values.begin(), GLISS, voice.macros.begin());
-        float frequency = frequencyOf(ratio);
-        if (altered.contains(ratio))
-            frequency = frequency * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
-        else
+        const float frequency = glided(ratio);
+        if (!altered.contains(ratio))
             mStarted[ratio] = centred(mSliders);
         if (frequency > 20.0F && frequency < 20000.0F) {
             voice.frequency = voice.heard = frequency;
@@ -419,10 +451,8 @@ private:
         for (const Ratio& ratio : selected) {
             Voice* voice = find(ratio);
             if (which >= GLISS) {
-                const Values values = valuesOf(ratio);
                 if (voice)
-                    glide(*voice,
-                          frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]));
+                    glide(*voice, glided(ratio));
                 continue;
             }
             float& own = altered[ratio][which];
@@ -507,11 +537,13 @@ private:
     }
 
     /// The patch stays where it is beyond its bounds.
-    static void glide(Voice& voice, float frequency)
+    void glide(Voice& voice, float frequency)
     {
         voice.frequency = frequency;
-        if (voice.heard > 0.0F && frequency >= 1.0F && frequency < 20001.0F)
+        if (voice.heard > 0.0F && frequency >= 1.0F && frequency < 20001.0F) {
             voice.heard = frequency;
+            voice.base = mBase;
+        }
     }
 
     void restoreInPlace(Voice& voice)

@@ -241,8 +241,13 @@ protected:
             anyOption();
         const int size = below(20);
         queueAnything(size < 15 ? 1 + below(4) : size < 19 ? below(40) : below(700));
+        const bool retunes = chance(5);
+        if (retunes)
+            rig.player.retuneNotes();
         rig.render();
         follow(ratioOf(rig.orlo.transposition()));
+        if (retunes)
+            model.retuneToBase();
         QCoreApplication::processEvents();
         log.clear();
     }
