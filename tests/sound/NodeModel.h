@@ -105,17 +105,14 @@ public:
         for (const auto& [ratio, slot] : mNotes) {
             Voice& voice = voices[slot];
             const float frequency = glided(ratio);
-            const bool isPitch = frequency > 20.0F && frequency < 20000.0F;
             if (voice.base == mBase)
                 continue;
-            if (voice.heard > 0.0F && (isPitch || voice.released)) {
+            if (voice.heard > 0.0F && (voice.released || isPitch(frequency)))
                 glide(voice, frequency);
-            } else if (!voice.released && voice.heard > 0.0F) {
-                voice.gate = voice.heard = 0.0F;
-                voice.base = mBase;
-            } else if (!voice.released) {
+            else if (!voice.released && voice.heard == 0.0F)
                 strike(voice);
-            }
+            else if (!voice.released)
+                voice.gate = voice.heard = 0.0F, voice.base = mBase;
         }
     }
 
@@ -268,6 +265,8 @@ private:
         return static_cast<float>(ratio.first) / static_cast<float>(ratio.second) * mBase;
     }
 
+    static bool isPitch(float frequency) { return frequency > 20.0F && frequency < 20000.0F; }
+
     float glided(Ratio ratio) const
     {
         const Values values = valuesOf(ratio);
@@ -335,7 +334,7 @@ private:
         const float frequency = glided(ratio);
         if (!altered.contains(ratio))
             mStarted[ratio] = centred(mSliders);
-        if (frequency > 20.0F && frequency < 20000.0F) {
+        if (isPitch(frequency)) {
             voice.frequency = voice.heard = frequency;
             voice.volume = mVoiceVolume;
             voice.gate = 1.0F;
