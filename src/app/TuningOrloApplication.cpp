@@ -123,6 +123,8 @@ bool TuningOrloApplication::init()
     startDeviceListener();
     connect(&mPlayer, &PdPlayer::instructionsToInterface, &mInterface, &Interface::receiveInstructions,
             Qt::DirectConnection);
+    connect(&mPlayer, &PdPlayer::notesRetuned, &mInterface, &Interface::receiveRetuning,
+            Qt::DirectConnection);
     loadRunningChords();
     if (isFirstStart)
         mMainWindow->showFirstSteps();

@@ -1,25 +1,10 @@
 #include "external/Interface.h"
 
 #include "app/LogFilter.h"
+#include "external/MidiBytes.h"
 #include "external/MidiOutRtMidi.h"
 #include "sound/PdPlayer.h"
 #include "sound/ThreadCheck.h"
-
-#include <limits>
-
-namespace {
-
-constexpr double FULL_VELOCITY = 127.0;
-
-/// Cuts off the fraction; any value of a macro fits.
-int velocityOf(float value)
-{
-    const double velocity = static_cast<double>(value) * FULL_VELOCITY;
-    constexpr double max = std::numeric_limits<int>::max();
-    return static_cast<int>(qBound(-max, velocity, max));
-}
-
-} // namespace
 
 Interface::Interface(QObject* parent)
     : QObject(parent)
@@ -52,19 +37,29 @@ void Interface::receiveInstructions(int parameter, QList<int> voices, QList<floa
     ThreadCheck::audio();
     ORLO_AUDIO_DEBUG << "Interface: Received: parameter, voices, value1, value2 " << parameter << voices
                      << value1 << value2;
-    if (restricted) {
-        ORLO_AUDIO_DEBUG << "External Protocol Interface: Output restricted and off.";
-        return;
-    }
-    if (!midiOutput->portOpen || voices.isEmpty())
+    if (isOff() || voices.isEmpty())
         return;
     switch (parameter) {
     case PdPlayer::instructionNoteOff: midiOutput->voiceOff(voices.at(0)); break;
     case PdPlayer::instructionNoteOn:
         midiOutput->setKeyFrequency(voices, value1);
-        midiOutput->voiceOn(voices.at(0), velocityOf(value2.value(0)));
+        midiOutput->voiceOn(voices.at(0), midi::velocityOf(value2.value(0)));
         break;
     case PdPlayer::instructionBend: midiOutput->bendVoices(voices, value1); break;
     default: break;
     }
+}
+
+void Interface::receiveRetuning(QList<int> voices, QList<float> frequencies, QList<float> velocities)
+{
+    ThreadCheck::audio();
+    if (!isOff())
+        midiOutput->retuneVoices(voices, frequencies, velocities);
+}
+
+bool Interface::isOff() const
+{
+    if (restricted)
+        ORLO_AUDIO_DEBUG << "External Protocol Interface: Output restricted and off.";
+    return restricted || !midiOutput->portOpen;
 }

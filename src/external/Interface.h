@@ -50,6 +50,8 @@ public:
 public slots:
     /// [audio] One of PdPlayer::Instruction; anything else is ignored. A note is tuned before it starts.
     void receiveInstructions(int parameter, QList<int> voices, QList<float> value1, QList<float> value2);
+    /// [audio] PdPlayer::notesRetuned.
+    void receiveRetuning(QList<int> voices, QList<float> frequencies, QList<float> velocities);
 
 signals:
     /// Never emitted as yet.
@@ -58,5 +60,7 @@ signals:
     void inputAssigned();
 
 private:
+    bool isOff() const;
+
     OrloEvent mEvent;
 };

@@ -1,6 +1,9 @@
 #include "external/MidiBytes.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
+#include <limits>
 
 namespace midi {
 
@@ -41,6 +44,13 @@ Byte velocityByte(int velocity)
     if (cut < NOTE_OFF)
         return cut;
     return velocity < 0 ? 0 : byte(LAST_DATA);
+}
+
+int velocityOf(float value)
+{
+    constexpr double full = 127.0;
+    constexpr double max = std::numeric_limits<int>::max();
+    return static_cast<int>(qBound(-max, static_cast<double>(value) * full, max));
 }
 
 ShortMessage noteOff(int channel, int key)

@@ -23,6 +23,8 @@ constexpr Byte SYSEX_END = 0xF7;
 ShortMessage noteOn(int channel, int key, int velocity);
 /// [any] Cut to a byte; where that would be no data byte, the end of the range that the velocity lies beyond.
 Byte velocityByte(int velocity);
+/// [any] Of a macro's value, 1.0 being full; the fraction is cut off, and any value fits.
+int velocityOf(float value);
 /// [any] With the release velocity 64.
 ShortMessage noteOff(int channel, int key);
 /// [any]

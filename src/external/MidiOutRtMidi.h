@@ -91,6 +91,8 @@ public:
     void setChannel(int channel) override;
     /// [audio]
     void bendVoices(QList<int> voices, QList<float> frequencies) override;
+    /// [audio]
+    void retuneVoices(QList<int> voices, QList<float> frequencies, QList<float> velocities) override;
     /// [gui]
     void endNotes() override;
 
@@ -124,6 +126,7 @@ private:
     void sendTuning(const char* what, std::span<const midi::Byte> message);
     int takeChannel(int voice, float frequency, int& start, const QList<int>& voices);
     void sendBend(int channel, float frequency);
+    bool bendReaches(int voice, double note) const;
 
     // [gui] The former one was given up; the engine may still be writing to it.
     mutable std::unique_ptr<MidiSender> mSender;

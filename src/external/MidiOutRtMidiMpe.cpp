@@ -56,6 +56,43 @@ void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
                      << bend.fine;
 }
 
+bool MidiOutRtMidi::bendReaches(int voice, double note) const
+{
+    for (int i = 0; i < CHANNELS; ++i) {
+        if (mpeChannels.holds(i, voice)
+            && std::abs(note - mpeChannels.channelKey[static_cast<size_t>(i)]) * 100.0 > pitchBendRangeCents)
+            return false;
+    }
+    return true;
+}
+
+void MidiOutRtMidi::retuneVoices(QList<int> voices, QList<float> frequencies, QList<float> velocities)
+{
+    ThreadCheck::audio();
+    if (!mpeMode) {
+        setKeyFrequency(voices, frequencies);
+        return;
+    }
+    const qsizetype count = qMin(voices.size(), qMin(frequencies.size(), velocities.size()));
+    for (qsizetype i = 0; i < count; ++i) {
+        const int voice = voices.at(i);
+        const double note = mNoteRange.noteOf(voice, frequencies.at(i));
+        if (!bendReaches(voice, note)) {
+            mpeVoiceOff(voice);
+            int start = 0;
+            sendBend(takeChannel(voice, frequencies.at(i), start, voices), frequencies.at(i));
+            mpeVoiceOn(voice, midi::velocityOf(velocities.at(i)));
+            continue;
+        }
+        for (int held = 0; held < CHANNELS; ++held) {
+            if (!mpeChannels.holds(held, voice))
+                continue;
+            mpeChannels.startFrom(held, note);
+            sendBend(held, frequencies.at(i));
+        }
+    }
+}
+
 void MidiOutRtMidi::mpeVoiceOn(int voice, int velocity)
 {
     for (int i = 0; i < CHANNELS; ++i) {

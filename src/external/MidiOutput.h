@@ -111,6 +111,11 @@ public:
     /// has ended or was silenced, is left alone.
     virtual void bendVoices(QList<int> voices, QList<float> frequencies) = 0;
 
+    /// [audio] Tunes voices that sound already to a new start of their glissandi, by a change of 1/1. In MPE
+    /// mode a voice that the bend does not reach is struck anew with the nearest key. Velocities are values
+    /// of a macro.
+    virtual void retuneVoices(QList<int> voices, QList<float> frequencies, QList<float> velocities) = 0;
+
     /// [gui] Silences the device. The notes stay silent until they are struck again.
     virtual void endNotes() = 0;
 

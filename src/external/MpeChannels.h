@@ -19,6 +19,8 @@ public:
     int find(int voice, int& start) const;
     /// [audio] The free channel becomes the voice's, with the key next to the note.
     void take(int channel, int voice, double note);
+    /// [audio] The channel's voice starts anew from this note, with the key that it has.
+    void startFrom(int channel, double note) { channelExactNote[at(channel)] = note; }
     /// [audio]
     bool isFree(int channel) const { return !channelActive[at(channel)]; }
     /// [audio]

@@ -7,4 +7,10 @@ namespace pitchrange {
 inline constexpr float LOWEST = 20.0F; // Hz
 inline constexpr float HIGHEST = 20000.0F;
 
+/// A note exactly on a bound is silent, though Orlo::canTransposeTo allows 1/1 there.
+constexpr bool sounds(float frequency)
+{
+    return frequency > LOWEST && frequency < HIGHEST;
+}
+
 } // namespace pitchrange

@@ -20,6 +20,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class EngineRelay;
@@ -45,8 +46,8 @@ enum PdVoiceMessageType {
 ///
 /// Commands allocate nothing, but for nodes beyond NodeBook::MANY_NODES and for a change of patch. Its
 /// .cpp files: PdPlayerCommands (from the rings to the functions here), PdPlayerNotes (voices),
-/// PdPlayerHold, PdPlayerSelection (and the sliders), PdPlayerResets, PdPlayerPatch (libpd),
-/// PdPlayerTransposition.
+/// PdPlayerHold, PdPlayerSelection (and the sliders), PdPlayerResets, PdPlayerRetuning, PdPlayerPatch
+/// (libpd), PdPlayerTransposition.
 class PdPlayer : public QObject
 {
     Q_OBJECT
@@ -79,6 +80,9 @@ public:
 
     /// [gui] Queues a command that is a type and a value.
     void queueGui(OrloEvent::Type type, float value);
+    /// [gui] Effect: after all that was queued before, notes that began before a change of 1/1 move to the
+    /// pitch that they have by it now. No command, since a physical device can name those by number.
+    void retuneNotes() { mRetuneAsked.store(true, std::memory_order_release); }
 
     /// [audio] Drains both command buffers, the device's first.
     void processEvents();
@@ -153,6 +157,9 @@ public:
     /// [any] What sounded, and was not released, after the last block; in the order in which
     /// the notes came. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
+    /// [any] Hz in which the note of an absolute ratio sounded after the last block, with its glissando.
+    /// Empty when it does not sound, or is silent because it lies outside the range of pitches.
+    std::optional<float> heardFrequency(const OrloRatio& ratio) const;
     /// [audio] In the order of selection. Allocates the list.
     QList<OrloRatio> getAllSelectedRatios() const;
     /// [audio] In the order of alteration. Allocates the list.
@@ -173,7 +180,7 @@ public:
     bool applyAllCurrentMacroValues(float voice);
     /// [audio] Macro from 1 to 8.
     bool applyMacroValue(int macro, float value, float voice);
-    /// [audio] Hz, of a running voice.
+    /// [audio] Hz, of a running voice. The patch takes none below 1 Hz or above 20 kHz.
     bool alterFrequency(float frequency, float voice);
     /// [audio] Pure Data's own switch of sound.
     bool setDsp(bool on) const;
@@ -222,6 +229,8 @@ signals:
     /// Voices are slot indices from 0.
     void instructionsToInterface(int instruction, QList<int> voices, QList<float> values1,
                                  QList<float> values2);
+    /// Notes that sound have been moved by a change of 1/1. Velocities are those of a note that starts now.
+    void notesRetuned(QList<int> voices, QList<float> frequencies, QList<float> velocities);
     void patchLoaded(QString path);
     void patchDecRequested();
     void patchIncRequested();
@@ -239,7 +248,11 @@ private:
 
     int findSlot(bool& stolen);
     void stopPreviousMonoVoice(int slot);
-    float sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency);
+    void strike(Voice& voice);
+    float glidedFrequency(const OrloRatio& ratio) const;
+    float velocityOf(const OrloRatio& ratio) const;
+    void silence(Voice& voice);
+    void retuneToBase();
     bool multiplyTransposition(const OrloRatio& by);
     void toggleLater();
     using SoundingRatios = boost::container::static_vector<OrloRatio, VoiceTable::SLOTS>;
@@ -286,6 +299,7 @@ private:
     VoiceTable mVoices;
     VoiceSnapshot mSnapshot;
     bool mVoicesChanged = false; // since the snapshot
+    std::atomic<bool> mRetuneAsked{false};
     bool mHoldActive = false;
     RatioList heldNodes;
     NodeBook mNodes;

@@ -183,12 +183,17 @@ void PdPlayer::processEvents()
 {
     ThreadCheck::audio();
     mRelay->beginBlock();
+    // Asked for behind commands that are in the ring by now, so it follows when they have run.
+    const bool retunes = mRetuneAsked.load(std::memory_order_relaxed)
+                         && mRetuneAsked.exchange(false, std::memory_order_acquire);
     // What the engine toggles by itself runs in the block after the command, whichever ring brought
     // that; it does not go through the rings, since each has one writer.
     mToggleNow.swap(mToggleLater);
     drain(serialBuffer);
     toggleLater();
     drain(guiBuffer);
+    if (retunes)
+        retuneToBase();
     if (mVoicesChanged)
         mSnapshot.publish(mVoices.noteMap);
     mVoicesChanged = false;

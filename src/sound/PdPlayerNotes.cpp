@@ -26,7 +26,6 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
     ORLO_AUDIO_DEBUG << "Thread @ PdPlayer::noteOn: Thread, ID, priority " << QThread::currentThread()
                      << QThread::currentThreadId() << QThread::currentThread()->priority();
     ++mSequence;
-    float frequency = ratioToFrequency(ratio);
     bool stolen = false;
     // The slot is chosen before the previous mono voice stops, so that the new voice starts beside its
     // release.
@@ -38,21 +37,30 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
 
     mVoices.take(*mVoices.slot(slot), ratio, mSequence);
     mVoicesChanged = true;
-    ORLO_AUDIO_DEBUG << "noteOn for ratio" << ratio.toString() << "freq" << frequency << "voice" << slot
-                     << "seqId" << mSequence << "stolen" << (stolen ? "true" : "false");
+    ORLO_AUDIO_DEBUG << "noteOn for ratio" << ratio.toString() << "freq" << ratioToFrequency(ratio) << "voice"
+                     << slot << "seqId" << mSequence << "stolen" << (stolen ? "true" : "false");
 
-    const float velocity = sendNodeParameters(ratio, slot, frequency);
-    // A note exactly on a bound is silent; Orlo::canTransposeTo allows 1/1 there.
-    if (frequency > pitchrange::LOWEST && frequency < pitchrange::HIGHEST) {
-        const auto voice = static_cast<float>(slot);
-        sendPdVoiceMessage(voiceFrequency, frequency, voice);
-        sendPdVoiceMessage(voiceVolume, mVoiceVolume, voice);
-        sendPdVoiceMessage(voiceGate, 1.0F, voice);
-        if (portOpen())
-            sendInstruction(instructionNoteOn, slot, frequency, velocity);
-    }
+    strike(*mVoices.slot(slot));
     emit noteToggled(ratio, true);
+}
 
+/// Sends macros, frequency, volume and gate, in this order; outside the range of pitches only the macros.
+void PdPlayer::strike(Voice& voice)
+{
+    const OrloRatio ratio = voice.ratio;
+    const auto number = static_cast<float>(voice.voice);
+    applyMacros(mNodes.heard(ratio), number);
+    const float frequency = glidedFrequency(ratio);
+    voice.baseFrequency = mBaseFrequency;
+    if (pitchrange::sounds(frequency)) {
+        voice.frequency = frequency;
+        mVoicesChanged = true;
+        sendPdVoiceMessage(voiceFrequency, frequency, number);
+        sendPdVoiceMessage(voiceVolume, mVoiceVolume, number);
+        sendPdVoiceMessage(voiceGate, 1.0F, number);
+        if (portOpen())
+            sendInstruction(instructionNoteOn, voice.voice, frequency, velocityOf(ratio));
+    }
     if (!mNodes.altered().contains(ratio))
         mNodes.setSounding(ratio);
 }
@@ -82,18 +90,22 @@ void PdPlayer::stopPreviousMonoVoice(int slot)
     mMonoVoice = slot;
 }
 
-/// Sends the eight macros of a starting note and bends its frequency as its node asks. Returns the
-/// value that goes out as velocity.
-float PdPlayer::sendNodeParameters(const OrloRatio& ratio, int voice, float& frequency)
+/// In Hz, of a note of this ratio, with what its node asks.
+float PdPlayer::glidedFrequency(const OrloRatio& ratio) const
 {
-    const NodeParameters heard = mNodes.heard(ratio);
+    float frequency = ratioToFrequency(ratio);
     if (mNodes.altered().contains(ratio)) {
+        const NodeParameters heard = mNodes.heard(ratio);
         frequency *= glissandoOneMapping(heard.glissOne);
         frequency *= glissandoTwoMapping(heard.glissTwo);
     }
-    applyMacros(heard, static_cast<float>(voice));
-    // The velocity of a selected node is the slider's value, even if its own first macro differs.
-    return mNodes.selected().contains(ratio) ? mNodes.current().macros[0] : heard.macros[0];
+    return frequency;
+}
+
+/// That of a selected node is the slider's value, even if its own first macro differs.
+float PdPlayer::velocityOf(const OrloRatio& ratio) const
+{
+    return mNodes.selected().contains(ratio) ? mNodes.current().macros[0] : mNodes.heard(ratio).macros[0];
 }
 
 void PdPlayer::noteOff(const OrloRatio& ratio)
@@ -160,6 +172,15 @@ QList<OrloRatio> PdPlayer::getAllSoundingRatios() const
     }
     ORLO_AUDIO_DEBUG << "PdPlayer:getAllSoundingRatios, number of which are " << sounding.size();
     return sounding;
+}
+
+std::optional<float> PdPlayer::heardFrequency(const OrloRatio& ratio) const
+{
+    for (const VoiceSnapshot::Entry& entry : mSnapshot.read()) {
+        if (entry.ratio == ratio && !entry.released && entry.frequency > 0.0F)
+            return entry.frequency;
+    }
+    return std::nullopt;
 }
 
 PdPlayer::SoundingRatios PdPlayer::soundingNow() const

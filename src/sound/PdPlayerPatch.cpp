@@ -29,6 +29,10 @@ namespace {
 /// opens: five in all, half a second.
 constexpr unsigned long PAUSE_MS = 100;
 
+// What the main patch takes, in Hz. A note starts within the narrower range of pitches.
+constexpr float LOWEST_GLIDE = 1.0F;
+constexpr float HIGHEST_GLIDE = 20001.0F;
+
 constexpr const char* VOICE_INPUT = "orlo-in";
 constexpr const char* MASTER_VOLUME = "master-vol";
 constexpr const char* QUERY_MACROS = "query-macros";
@@ -325,6 +329,13 @@ bool PdPlayer::applyMacroValue(int macro, float value, float voice)
 bool PdPlayer::alterFrequency(float frequency, float voice)
 {
     ThreadCheck::audio();
+    // Within the bounds that the main patch has; beyond them the voice stays where it is.
+    Voice* changed = mVoices.slot(static_cast<int>(voice));
+    if (changed && changed->frequency > 0.0F && frequency >= LOWEST_GLIDE && frequency < HIGHEST_GLIDE) {
+        changed->frequency = frequency;
+        changed->baseFrequency = mBaseFrequency;
+        mVoicesChanged = true;
+    }
     return sendPdVoiceMessage(voiceFrequency, frequency, voice);
 }
 

@@ -98,10 +98,7 @@ void PdPlayer::glissandoToNodes()
         const Voice* voice = mVoices.find(ratio);
         if (!voice)
             continue;
-        const NodeParameters heard = mNodes.heard(ratio);
-        float frequency = ratioToFrequency(ratio);
-        frequency *= glissandoOneMapping(heard.glissOne);
-        frequency *= glissandoTwoMapping(heard.glissTwo);
+        const float frequency = glidedFrequency(ratio);
         alterFrequency(frequency, static_cast<float>(voice->voice));
         if (open)
             addToInstruction(voice->voice, frequency, -1.0F);

@@ -21,7 +21,8 @@ void VoiceSnapshot::publish(const RatioTable<Voice*>& noteMap)
     for (const Voice* voice : noteMap) {
         if (now.count == VoiceTable::SLOTS)
             break;
-        now.notes[now.count++] = {voice->ratio.numerator(), voice->ratio.denominator(), packed(*voice)};
+        now.notes[now.count++] = {voice->ratio.numerator(), voice->ratio.denominator(), packed(*voice),
+                                  voice->frequency, 0.0F};
     }
     mPublished.publish(now, offsetof(Notes, notes) + now.count * sizeof(Note));
 }
@@ -34,9 +35,9 @@ QList<VoiceSnapshot::Entry> VoiceSnapshot::read() const
         return entries;
     entries.reserve(static_cast<qsizetype>(last.count));
     for (std::size_t i = 0; i < last.count; ++i) {
-        const auto& [numerator, denominator, state] = last.notes[i];
-        entries.append({OrloRatio(numerator, denominator), static_cast<int>(state >> 1 & 0xFF),
-                        static_cast<std::uint32_t>(state >> 32), (state & 1) != 0});
+        const Note& note = last.notes[i];
+        entries.append({OrloRatio(note.numerator, note.denominator), static_cast<int>(note.state >> 1 & 0xFF),
+                        static_cast<std::uint32_t>(note.state >> 32), (note.state & 1) != 0, note.frequency});
     }
     return entries;
 }

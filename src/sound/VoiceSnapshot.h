@@ -17,6 +17,7 @@ public:
         int voice = 0;
         std::uint32_t seqId = 0;
         bool released = false;
+        float frequency = 0.0F; // Hz; 0 when the note is silent
     };
 
     /// [audio] Effect: what the map holds now is what read() gives from now on. In its order.
@@ -30,6 +31,8 @@ private:
         unsigned long long numerator;
         unsigned long long denominator;
         std::uint64_t state; // seqId, voice and whether it is released
+        float frequency;
+        float unused;
     };
     struct Notes
     {

@@ -27,6 +27,7 @@ void VoiceTable::take(Voice& voice, const OrloRatio& ratio, std::uint32_t seqId)
     voice.ratio = ratio;
     voice.seqId = seqId;
     voice.released = false;
+    voice.frequency = 0.0F;
     noteMap[ratio] = &voice;
 }
 

@@ -11,6 +11,8 @@ struct Voice
     int voice = -1;          // its own index, set when the slot is taken
     std::uint32_t seqId = 0; // count of note-ons at its start; the oldest voice has the smallest
     bool released = false;
+    float frequency = 0.0F;     // Hz, with its glissando, as the patch has it; 0 while the note is silent
+    float baseFrequency = 0.0F; // Hz of 1/1 by which that was formed
 };
 
 /// The voice slots and the map from a sounding or fading ratio to its latest slot. Slots never move, so
@@ -32,7 +34,7 @@ public:
     Voice* find(const OrloRatio& ratio) const { return noteMap.value(ratio, nullptr); }
 
     /// [audio] Marks the slot taken and points the map to it; an older slot of the same ratio goes on
-    /// fading without an entry.
+    /// fading without an entry. The patch has been told no frequency yet.
     void take(Voice& voice, const OrloRatio& ratio, std::uint32_t seqId);
     /// [audio] Frees the slot. True when the map pointed to it and the entry was removed.
     bool release(Voice& voice);

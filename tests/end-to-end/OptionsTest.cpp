@@ -1,5 +1,6 @@
 #include "end-to-end/PlayingFixture.h"
 #include "support/ClickLevel.h"
+#include "support/Waiting.h"
 
 #include <QElapsedTimer>
 
@@ -55,4 +56,17 @@ TEST_F(RunningOptions, ANoteOutlivesEveryChangeOfTheSoundDevice)
 
     EXPECT_EQ(program->quit(), 0);
     EXPECT_EQ(options()[u"audioDevice"_s].toInt(), 0);
+}
+
+TEST_F(RunningOptions, ANoteGoesToTheNewOneToOneWhenTheOptionsClose)
+{
+    start();
+    ASSERT_TRUE(press("/3"));
+    ASSERT_TRUE(soundsAt(FIFTH) && openOptions());
+    ASSERT_TRUE(program->type(u"Tab Tab Tab Tab Tab Tab 4 3 2 Tab"_s)); // from the sound device to 1/1
+    ASSERT_TRUE(waitUntil([this] { return options()[u"baseFrequency"_s].toDouble() == 432.0; }));
+    EXPECT_TRUE(soundsAt(FIFTH));
+    ASSERT_TRUE(program->type(u"Escape"_s));
+    ASSERT_TRUE(waitUntil([this] { return !desk.window(u"Options"_s); }));
+    EXPECT_TRUE(soundsAt(432.0 * 1.5));
 }

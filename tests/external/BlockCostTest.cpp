@@ -62,6 +62,7 @@ struct Row
     bool soft = false;
     int wakes = 1;
     int channel = 0;
+    bool retunes = false;
 };
 
 std::vector<Row> rows()
@@ -94,6 +95,7 @@ std::vector<Row> rows()
         {"notes toggled in the block after",
          {chord, selectAll, plain(OrloEvent::NodesToggleAllSelected)},
          {}},
+        {"1/1 changes in MPE", selected, plain(OrloEvent::BaseFrequencySet, 99.0F), false, 1, -1, true},
         {"a value that is no number", {}, plain(OrloEvent::GlissOneSet, NAN)},
         {"a pitch that does not fit",
          {one<OrloTransposeEvent>(OrloRatio(1ULL << 63, 1))},
@@ -135,6 +137,8 @@ TEST(BlockCost, IsNoAllocationNoLockAndOneWake)
     player.setPortOpenFlag(&out.portOpen);
     QObject::connect(&player, &PdPlayer::instructionsToInterface, &router, &Interface::receiveInstructions,
                      Qt::DirectConnection);
+    QObject::connect(&player, &PdPlayer::notesRetuned, &router, &Interface::receiveRetuning,
+                     Qt::DirectConnection);
     ASSERT_TRUE(rig.loadVoice(QStringLiteral("Sine.pd")));
     ASSERT_TRUE(out.selectPort(0));
 
@@ -153,6 +157,8 @@ TEST(BlockCost, IsNoAllocationNoLockAndOneWake)
             player.relay().drain();
         }
         queue(row.block);
+        if (row.retunes)
+            player.retuneNotes();
     };
     // libpd makes a symbol or a list the first time that it needs one, and keeps it.
     for (const float gate : {1.0F, 0.0F}) {

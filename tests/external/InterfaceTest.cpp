@@ -22,6 +22,8 @@ protected:
         rig.player.setPortOpenFlag(&out.portOpen);
         QObject::connect(&rig.player, &PdPlayer::instructionsToInterface, &router,
                          &Interface::receiveInstructions, Qt::DirectConnection);
+        QObject::connect(&rig.player, &PdPlayer::notesRetuned, &router, &Interface::receiveRetuning,
+                         Qt::DirectConnection);
         ASSERT_TRUE(out.selectPort(0));
         out.system->take();
     }
@@ -88,4 +90,26 @@ TEST_F(Router, EachVoiceOfThePlayerHasAKeyOfItsOwn)
     press(3, 2);
     press(5, 4);
     EXPECT_EQ(out.system->take(), "");
+}
+
+TEST_F(Router, SoundingNotesFollowAChangeOfOneToOneWhenAsked)
+{
+    press(1, 1);
+    press(3, 2);
+    press(3, 2); // fades
+    out.system->take();
+    const std::pair<float, std::string> rows[] = {
+        {441.0F, "F0 7F 7F 08 02 00 01 20 45 05 04 F7"},
+        {441.0F, ""},
+        {20.0F, "80 20 40"}, // out of range
+        {440.0F, TUNE_440 + ", 90 20 00"},
+    };
+    for (const auto& [base, sent] : rows) {
+        rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, base));
+        rig.player.processEvents();
+        EXPECT_EQ(out.system->take(), "");
+        rig.player.retuneNotes();
+        rig.player.processEvents();
+        EXPECT_EQ(out.system->take(), sent) << base;
+    }
 }

@@ -130,8 +130,11 @@ private:
             voices.append(voice);
             frequencies.append(anyFrequency());
         }
-        router.receiveInstructions(PdPlayer::instructionBend, voices, frequencies,
-                                   QList<float>(voices.size(), -1.0F));
+        if (any(2) == 0)
+            router.receiveRetuning(voices, frequencies, QList<float>(voices.size(), 0.8F));
+        else
+            router.receiveInstructions(PdPlayer::instructionBend, voices, frequencies,
+                                       QList<float>(voices.size(), -1.0F));
     }
     void selectPort(int port)
     {

@@ -124,6 +124,18 @@ TEST_F(MpeOut, OnlyAVoiceThatHoldsAChannelIsBent)
     EXPECT_EQ(tune({5}, {440.0F}), "E0 00 40"); // with a key of its own, not the former one
 }
 
+TEST_F(MpeOut, AVoiceIsRetunedByItsBendOrByANewKey)
+{
+    tune({0}, {440.0F});
+    const auto retune = [this](float frequency) {
+        out.retuneVoices({0, 1}, {frequency, 550.0F}, {0.8F, 0.8F}); // the second has no channel
+        return take();
+    };
+    EXPECT_EQ(retune(441.0F), "E0 01 41");       // 3.9302 of 250 cents: 65.0061
+    EXPECT_EQ(tune({0}, {2000.0F}), "E0 1A 74"); // held at 200 cents from there: 116.206
+    EXPECT_EQ(retune(660.0F), "80 45 40, E0 40 40, 90 4C 65");
+}
+
 TEST_F(MpeOut, TheRangeGoesToChannelZeroAlone)
 {
     out.mpeSetPitchBendRange(1250);

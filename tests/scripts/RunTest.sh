@@ -22,4 +22,8 @@ kill -TERM "$run"
 wait "$run" || fail "run ends with $?"
 grep -q masterVolume "$files/options.json" || fail "the options are not saved"
 grep -q "a virtual one" "$home/output" || fail "no screen was started"
+grep -q "is up" "$home/output" || fail "nothing says that it is up"
+if grep -q "^ALSA lib" "$home/output"; then fail "ALSA's lines reach the eye"; fi
+grep -q "Resource dir" build/run.log || fail "the log of the run is not kept"
+grep -q "Resource dir" "$home/output" || fail "what the program says does not reach the eye"
 for pid in $(left); do fail "left behind: $(tr '\0' ' ' <"/proc/$pid/cmdline")"; done

@@ -2,6 +2,7 @@
 
 #include "support/LogCatcher.h"
 #include "support/SoundRig.h"
+#include "support/Tone.h"
 
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/OrloNoteEvent.h"
@@ -38,4 +39,28 @@ TEST(Glide, ASelectedNoteGlidesWithoutAClick)
     const std::vector<float> down = rig.render(40);
     jump.insert(jump.end(), down.begin(), down.end());
     EXPECT_LT(clickLevel(jump), -85.0);
+}
+
+TEST(Glide, ANoteGoesToANewOneToOneWithoutAClick)
+{
+    const LogCatcher quiet;
+    SoundRig rig(4);
+    for (const char* voice : {"Sine.pd", "Organ.pd", "Saw.pd"}) {
+        SCOPED_TRACE(voice);
+        ASSERT_TRUE(rig.loadVoice(QString::fromLatin1(voice)));
+        rig.send(OrloEvent(OrloEvent::BaseFrequencySet, 440.0F));
+        rig.send(OrloNoteEvent(OrloRatio(3, 2)));
+        rig.render(300);
+        rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, 415.3F));
+        const std::vector<float> before = rig.render(200);
+        rig.player.retuneNotes();
+        const std::vector<float> turn = rig.render(40);
+        const std::vector<float> after = rig.render(200);
+        for (const auto& [sound, pitch] : {std::pair(before, 660.0), {after, 622.95}}) {
+            const double heard = tone::pitchNear(sound, pitch, SoundRig::RATE).value_or(1.0);
+            EXPECT_NEAR(tone::centsBetween(heard, pitch), 0.0, 0.01);
+        }
+        EXPECT_LT(clickLevel(turn), std::max(clickLevel(before), clickLevel(after)) + 2.0);
+        rig.send(OrloNoteEvent(OrloRatio(3, 2)));
+    }
 }

@@ -39,6 +39,8 @@ public:
         bool released = false;
         float gate = -1.0F;
         float frequency = 0.0F; // Hz
+        float heard = 0.0F;     // Hz, what the patch made of it; 0: silent
+        float base = 0.0F;      // Hz of 1/1 that belongs to it
         float volume = 0.0F;
         std::array<float, GLISS> macros{};
     };
@@ -95,6 +97,23 @@ public:
             toggle(ratio, false);
         for (const Command& command : screen)
             run(command);
+    }
+
+    /// After a change of 1/1 each note goes where one that is struck now would be.
+    void retuneToBase()
+    {
+        for (const auto& [ratio, slot] : mNotes) {
+            Voice& voice = voices[slot];
+            const float frequency = glided(ratio);
+            if (voice.base == mBase)
+                continue;
+            if (voice.heard > 0.0F && (voice.released || isPitch(frequency)))
+                glide(voice, frequency);
+            else if (!voice.released && voice.heard == 0.0F)
+                strike(voice);
+            else if (!voice.released)
+                voice.gate = voice.heard = 0.0F, voice.base = mBase;
+        }
     }
 
     /// The patch reports that a voice has faded.
@@ -246,6 +265,14 @@ private:
         return static_cast<float>(ratio.first) / static_cast<float>(ratio.second) * mBase;
     }
 
+    static bool isPitch(float frequency) { return frequency > 20.0F && frequency < 20000.0F; }
+
+    float glided(Ratio ratio) const
+    {
+        const Values values = valuesOf(ratio);
+        return frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
+    }
+
     float factor(size_t which, float slider) const
     {
         const double cents = static_cast<double>(mRanges[which]) * 2.0 * (static_cast<double>(slider) - 0.5);
@@ -293,16 +320,22 @@ private:
         voice.ratio = ratio;
         voice.start = mStarts;
         voice.released = false;
+        voice.heard = 0.0F;
         mNotes[ratio] = slot;
+        strike(voice);
+    }
+
+    void strike(Voice& voice)
+    {
+        const Ratio ratio = voice.ratio;
+        voice.base = mBase;
         const Values values = valuesOf(ratio);
         std::copy_n(values.begin(), GLISS, voice.macros.begin());
-        float frequency = frequencyOf(ratio);
-        if (altered.contains(ratio))
-            frequency = frequency * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
-        else
+        const float frequency = glided(ratio);
+        if (!altered.contains(ratio))
             mStarted[ratio] = centred(mSliders);
-        if (frequency > 20.0F && frequency < 20000.0F) {
-            voice.frequency = frequency;
+        if (isPitch(frequency)) {
+            voice.frequency = voice.heard = frequency;
             voice.volume = mVoiceVolume;
             voice.gate = 1.0F;
         }
@@ -417,10 +450,8 @@ private:
         for (const Ratio& ratio : selected) {
             Voice* voice = find(ratio);
             if (which >= GLISS) {
-                const Values values = valuesOf(ratio);
                 if (voice)
-                    voice->frequency =
-                        frequencyOf(ratio) * factor(0, values[GLISS]) * factor(1, values[GLISS + 1]);
+                    glide(*voice, glided(ratio));
                 continue;
             }
             float& own = altered[ratio][which];
@@ -500,8 +531,18 @@ private:
     void retune(Ratio ratio, const Values& values)
     {
         if (Voice* voice = find(ratio))
-            voice->frequency = factor(1, values[GLISS + 1]) * factor(0, values[GLISS]) * mBase
-                               * (static_cast<float>(ratio.first) / static_cast<float>(ratio.second));
+            glide(*voice, factor(1, values[GLISS + 1]) * factor(0, values[GLISS]) * mBase
+                              * (static_cast<float>(ratio.first) / static_cast<float>(ratio.second)));
+    }
+
+    /// The patch stays where it is beyond its bounds.
+    void glide(Voice& voice, float frequency)
+    {
+        voice.frequency = frequency;
+        if (voice.heard > 0.0F && frequency >= 1.0F && frequency < 20001.0F) {
+            voice.heard = frequency;
+            voice.base = mBase;
+        }
     }
 
     void restoreInPlace(Voice& voice)

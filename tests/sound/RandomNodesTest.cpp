@@ -241,8 +241,13 @@ protected:
             anyOption();
         const int size = below(20);
         queueAnything(size < 15 ? 1 + below(4) : size < 19 ? below(40) : below(700));
+        const bool retunes = chance(5);
+        if (retunes)
+            rig.player.retuneNotes();
         rig.render();
         follow(ratioOf(rig.orlo.transposition()));
+        if (retunes)
+            model.retuneToBase();
         QCoreApplication::processEvents();
         log.clear();
     }
@@ -328,6 +333,10 @@ protected:
             EXPECT_TRUE(isSame(told.frequency, voice.frequency))
                 << slot << ": " << told.frequency << ", " << voice.frequency;
             EXPECT_EQ(told.gate, voice.gate) << slot;
+            const bool sounds = voice.start != 0 && !voice.released;
+            EXPECT_EQ(sounds ? rig.player.heardFrequency(orlo(voice.ratio)).value_or(0.0F) : voice.heard,
+                      voice.heard)
+                << slot;
             EXPECT_EQ(told.volume, voice.volume) << slot;
             EXPECT_TRUE(std::ranges::equal(told.macros, voice.macros, isSame)) << slot;
         }

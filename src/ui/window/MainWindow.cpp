@@ -258,6 +258,7 @@ void MainWindow::makeOptionsDialog()
     connect(mOptionsDialog, &OptionsDialog::zoomModeChanged, this, &MainWindow::updateZoomMode);
     connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::setOptionsDialogPosition);
     connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::reloadAllSoundingRatios);
+    connect(mOptionsDialog, &OptionsDialog::closedAt, app::player(), &PdPlayer::retuneNotes);
     mOptionsDialog->updateCentsDisplay(); // may change the option that decides how notes are named
 }
 
