@@ -1,17 +1,19 @@
 #include "ui/cards/CardLabel.h"
 
+#include "ui/cards/CardPictures.h"
+
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
 #include <QtMath>
 
-CardLabel::CardLabel(QWidget* parent)
+CardLabel::CardLabel(CardPictures* pictures, QWidget* parent)
     : QLabel(parent)
+    , mPictures(pictures)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents); // the card takes the presses
     setMask(QRegion(-1, -1, 1, 1));                 // and draws the text
     setTextFormat(Qt::PlainText);
-    mLaidOut.setPerformanceHint(QStaticText::AggressiveCaching);
 }
 
 void CardLabel::layOutText()
@@ -20,9 +22,7 @@ void CardLabel::layOutText()
         return;
     mLaidOutText = text();
     mLaidOutFont = font();
-    mLaidOut.setTextFormat(textFormat());
-    mLaidOut.setText(mLaidOutText);
-    mLaidOut.prepare(QTransform(), mLaidOutFont);
+    mLaidOut = mPictures->text(mLaidOutText, mLaidOutFont, textFormat());
 }
 
 void CardLabel::fit()

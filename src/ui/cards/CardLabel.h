@@ -3,6 +3,8 @@
 #include <QLabel>
 #include <QStaticText>
 
+class CardPictures;
+
 /// A text on a card, which draws it: Qt never visits the label, and one painter does for all parts of a
 /// card. The style sheet gives the font, the colour and perhaps a greatest height by the object name.
 class CardLabel : public QLabel
@@ -10,7 +12,7 @@ class CardLabel : public QLabel
     Q_OBJECT
 
 public:
-    explicit CardLabel(QWidget* parent);
+    CardLabel(CardPictures* pictures, QWidget* parent);
 
     /// Takes the size of its text, within the style sheet's greatest height.
     void fit();
@@ -27,6 +29,7 @@ private:
     void layOutText();
     void drawText(QPainter& painter, QPointF topLeft) const;
 
+    CardPictures* const mPictures;
     QStaticText mLaidOut;
     QString mLaidOutText;
     QFont mLaidOutFont;

@@ -48,9 +48,10 @@ constexpr int GRAPE_RATIO_RISE = 3;
 
 // The line of a card that is covered: of its rows, where its columns begin, and what the ratio has.
 constexpr int SHORT_LINE_LEAST_HEIGHT = 9; // a digit
-constexpr int SHORT_NAME_X = 8;
-constexpr int SHORT_CENTS_RIGHT = 86;
-constexpr int SHORT_RATIO_X = 94;
+constexpr int SHORT_NOTE_X = 6;
+constexpr int SHORT_NAME_X = 20;
+constexpr int SHORT_CENTS_RIGHT = 92;
+constexpr int SHORT_RATIO_X = 99;
 constexpr int SHORT_ACCIDENTAL_HEIGHT = 13;
 constexpr int HIDDEN_MARGIN = 6; // drawn under the next card, whose corners are round
 
@@ -116,7 +117,7 @@ CardContents CardWidget::readContents() const
 
 CardLabel* CardWidget::addLabel(const char* name)
 {
-    auto* label = new CardLabel(this);
+    auto* label = new CardLabel(&mLoader->pictures(), this);
     label->setObjectName(QLatin1StringView(name));
     mLabels.append(label);
     return label;
@@ -329,14 +330,12 @@ void CardWidget::layOutRatio(const QRect& area)
     } else if (mRatioLabel->width() > room) {
         mRatioLabel->setText(parts->inTwoLines());
         twoLines = true;
-        mRatioLabel->fit();
-        if (mRatioLabel->width() > room)
-            mRatioLabel->useSmallPrint(true);
     }
     int y = mNoteLabel->y() + mNoteLabel->height() + RATIO_GAP;
     if (mContents.hasGrape())
         y -= GRAPE_RATIO_RISE;
     if (twoLines) {
+        mRatioLabel->useSmallPrint(true); // in the height of one line
         mRatioLabel->fit();
         y += TWO_LINE_RISE - roundedHalf(mRatioLabel->height());
     }
@@ -439,19 +438,23 @@ bool CardWidget::event(QEvent* event)
     const bool handled = QFrame::event(event);
     if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
         setAttribute(Qt::WA_StyledBackground, false); // paper() draws it
-        if (event->type() == QEvent::StyleChange) {
-            mLoader->paper(mAtStackTwo ? 1 : 0) = {};
-            // Queued, so that the labels have their new fonts before the layout.
-            QMetaObject::invokeMethod(this, &CardWidget::layOut, Qt::QueuedConnection);
-        }
+        // Queued, so that the labels have their new fonts before the layout.
+        if (event->type() == QEvent::StyleChange)
+            QMetaObject::invokeMethod(this, &CardWidget::followStyle, Qt::QueuedConnection);
     }
     return handled;
+}
+
+void CardWidget::followStyle()
+{
+    mLoader->pictures().clear();
+    layOut();
 }
 
 /// The frame as the style draws it. A rounded one takes longer than all else on the card together.
 QPixmap CardWidget::paper()
 {
-    QPixmap& paper = mLoader->paper(mAtStackTwo ? 1 : 0);
+    QPixmap& paper = mLoader->pictures().paper(mAtStackTwo);
     const qreal ratio = devicePixelRatioF();
     const QSize pixels = (QSizeF(size()) * ratio).toSize();
     if (paper.size() == pixels && paper.devicePixelRatio() == ratio)
@@ -466,6 +469,22 @@ QPixmap CardWidget::paper()
     drawFrame(&painter);
     painter.end();
     return paper;
+}
+
+QPixmap CardWidget::wholePicture()
+{
+    CardPictures& kept = mLoader->pictures();
+    const CardPictures::Look look{mContents, mAtStackTwo, size(), devicePixelRatioF()};
+    if (const QPixmap* known = kept.card(look))
+        return *known;
+    QPixmap picture = paper();
+    QPainter painter(&picture);
+    drawLines(painter);
+    drawSoundGrapeBW(painter);
+    drawParts(painter);
+    painter.end();
+    kept.keepCard(look, picture);
+    return picture;
 }
 
 void CardWidget::setUncoveredRows(int top, int bottom)
@@ -487,20 +506,18 @@ bool CardWidget::isShortened() const
 
 void CardWidget::paintEvent(QPaintEvent*)
 {
-    const QPixmap ground = paper();
+    if (mLayoutIsOld)
+        layOut();
     QPainter painter(this);
-    if (isShortened()) {
-        const int top = mUncoveredTop > 0 ? mUncoveredTop - HIDDEN_MARGIN : 0;
-        const int bottom = mUncoveredBottom < height() ? mUncoveredBottom + HIDDEN_MARGIN : height();
-        painter.setClipRect(0, top, width(), bottom - top);
-        painter.drawPixmap(0, 0, ground);
-        drawShortLine(painter);
+    if (!isShortened()) {
+        painter.drawPixmap(0, 0, wholePicture());
         return;
     }
-    painter.drawPixmap(0, 0, ground);
-    drawLines(painter);
-    drawSoundGrapeBW(painter);
-    drawParts(painter);
+    const int top = mUncoveredTop > 0 ? mUncoveredTop - HIDDEN_MARGIN : 0;
+    const int bottom = mUncoveredBottom < height() ? mUncoveredBottom + HIDDEN_MARGIN : height();
+    painter.setClipRect(0, top, width(), bottom - top);
+    painter.drawPixmap(0, 0, paper());
+    drawShortLine(painter);
 }
 
 void CardWidget::drawParts(QPainter& painter) const
@@ -519,6 +536,8 @@ void CardWidget::drawShortLine(QPainter& painter) const
 {
     const int middle = (mUncoveredTop + qMin(mUncoveredBottom, height())) / 2;
     const int baseline = middle + (QFontMetrics(mNoteLabel->font()).capHeight() + 1) / 2;
+    const QSize noteSize = mNote->size();
+    mNote->drawAt(painter, QRect(QPoint(SHORT_NOTE_X, middle - noteSize.height() / 2), noteSize));
     int x = SHORT_NAME_X;
     x += mNoteLabel->drawAt(painter, x, baseline);
     if (hasAccidental()) {

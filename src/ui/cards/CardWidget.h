@@ -108,7 +108,9 @@ private:
     void addArrows(const QList<int>& primes, SoundGrape::Direction direction);
     QLine layOutPrimes(const QList<int>& primes, SoundGrape::Direction direction, bool show);
 
+    void followStyle();
     QPixmap paper();
+    QPixmap wholePicture();
     void drawLines(QPainter& painter) const;
     void drawSoundGrapeBW(QPainter& painter) const;
     void drawParts(QPainter& painter) const;
