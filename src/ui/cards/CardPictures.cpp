@@ -16,7 +16,7 @@ QStaticText CardPictures::text(const QString& text, const QFont& font, Qt::TextF
     QStaticText laidOut;
     laidOut.setPerformanceHint(QStaticText::AggressiveCaching);
     laidOut.setTextFormat(format);
-    laidOut.setText(text);
+    laidOut.setText(QString(text).replace(u'\n', QChar::LineSeparator)); // which breaks a line here
     laidOut.prepare(QTransform(), font);
     mTexts.insert(key, new QStaticText(laidOut));
     return laidOut;

@@ -113,10 +113,10 @@ TEST_F(Card, ARefilledCardIsPaintedAnewAndFollowsAnotherStyleSheet)
     EXPECT_TRUE(isPaintedAnew(cardFor({3, 2}), [this] { updatePage(&Settings::soundGrapeNotation, 1); }));
     CardWidget* card = cardFor({17, 16});
     const QLabel* name = label(card, "noteLabel");
-    const int height = name->height();
+    const int width = name->width();
     page.setStyleSheet(QStringLiteral("#noteLabel { font-size: 40px; } CardWidget { background: #123456; }"));
     report();
-    EXPECT_GT(name->height(), height + 10);
+    EXPECT_GT(name->width(), width + 10);
     EXPECT_EQ(label(card, "octaveLabel")->x(), name->x() + name->width() + 1 + 5 + 2);
     EXPECT_EQ(card->grab().toImage().pixelColor(INNER.topRight()), QColor(0x123456));
 }

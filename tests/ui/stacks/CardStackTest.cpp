@@ -162,7 +162,7 @@ TEST_F(CardStack, EachCardOfAChordShowsAtLeastALine)
             EXPECT_GT(darkPixels(page.grab(left.adjusted(16, 3, -8, -3).translated(origin))), 60) << i;
         }
     }
-    page.resize(2000, 2400); // where they stand apart
+    page.resize(4000, 3600); // where they stand apart
     report();
     for (const CardWidget* card : chord)
         EXPECT_FALSE(card->isShortened());
