@@ -9,14 +9,7 @@ CardGraphic::CardGraphic(SvgLoader* loader, QWidget* parent)
     , mLoader(loader)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents); // the card takes the presses
-}
-
-void CardGraphic::setSvg(const QByteArray& svg)
-{
-    if (svg == mSvg)
-        return;
-    mSvg = svg;
-    update();
+    setMask(QRegion(-1, -1, 1, 1));                 // and draws the picture
 }
 
 QSize CardGraphic::sizeForHeight(int height) const
@@ -27,8 +20,7 @@ QSize CardGraphic::sizeForHeight(int height) const
     return {qRound(static_cast<double>(height) * whole.width() / whole.height()), height};
 }
 
-void CardGraphic::paintEvent(QPaintEvent*)
+void CardGraphic::drawAt(QPainter& painter, const QRect& place) const
 {
-    QPainter painter(this);
-    painter.drawPixmap(0, 0, mLoader->pixmap(mSvg, size(), devicePixelRatioF()));
+    painter.drawPixmap(place.topLeft(), mLoader->pixmap(mSvg, place.size(), devicePixelRatioF()));
 }

@@ -1,22 +1,19 @@
 #include "ui/cards/CardLabel.h"
 
-#include <QEvent>
+#include "ui/cards/CardPictures.h"
+
+#include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
 #include <QtMath>
 
-CardLabel::CardLabel(QWidget* parent)
+CardLabel::CardLabel(CardPictures* pictures, QWidget* parent)
     : QLabel(parent)
+    , mPictures(pictures)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents); // the card takes the presses
+    setMask(QRegion(-1, -1, 1, 1));                 // and draws the text
     setTextFormat(Qt::PlainText);
-    mLaidOut.setTextFormat(Qt::PlainText);
-    mLaidOut.setPerformanceHint(QStaticText::AggressiveCaching);
-}
-
-bool CardLabel::isPlainLine() const
-{
-    return textFormat() == Qt::PlainText && !text().contains(u'\n');
 }
 
 void CardLabel::layOutText()
@@ -25,17 +22,12 @@ void CardLabel::layOutText()
         return;
     mLaidOutText = text();
     mLaidOutFont = font();
-    mLaidOut.setText(mLaidOutText);
-    mLaidOut.prepare(QTransform(), mLaidOutFont);
+    mLaidOut = mPictures->text(mLaidOutText, mLaidOutFont, textFormat());
 }
 
 void CardLabel::fit()
 {
     ensurePolished(); // the style sheet has the font
-    if (!isPlainLine()) {
-        adjustSize();
-        return;
-    }
     layOutText();
     resize(qCeil(mLaidOut.size().width()), qCeil(mLaidOut.size().height()));
 }
@@ -48,26 +40,23 @@ void CardLabel::useSmallPrint(bool on)
     setProperty(property, on);
     style()->unpolish(this);
     style()->polish(this);
-    setAttribute(Qt::WA_StyledBackground, false);
     fit();
 }
 
-bool CardLabel::event(QEvent* event)
+void CardLabel::draw(QPainter& painter) const
 {
-    const bool handled = QLabel::event(event);
-    if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange)
-        setAttribute(Qt::WA_StyledBackground, false);
-    return handled;
+    drawText(painter, QPointF(x(), y() + (height() - mLaidOut.size().height()) / 2));
 }
 
-void CardLabel::paintEvent(QPaintEvent* event)
+int CardLabel::drawAt(QPainter& painter, int x, int baseline) const
 {
-    if (!isPlainLine()) {
-        QLabel::paintEvent(event);
-        return;
-    }
-    layOutText();
-    QPainter painter(this);
+    drawText(painter, QPointF(x, baseline - QFontMetrics(mLaidOutFont).ascent()));
+    return qCeil(mLaidOut.size().width());
+}
+
+void CardLabel::drawText(QPainter& painter, QPointF topLeft) const
+{
+    painter.setFont(mLaidOutFont);
     painter.setPen(palette().color(foregroundRole()));
-    painter.drawStaticText(0, 0, mLaidOut);
+    painter.drawStaticText(topLeft, mLaidOut);
 }

@@ -3,29 +3,33 @@
 #include <QLabel>
 #include <QStaticText>
 
-/// A text on a card. The style sheet gives it font and colour by its object name, and nothing else: a
-/// label without box and background paints in a tenth of the time.
+class CardPictures;
+
+/// A text on a card, which draws it: Qt never visits the label, and one painter does for all parts of a
+/// card. The style sheet gives the font, the colour and perhaps a greatest height by the object name.
 class CardLabel : public QLabel
 {
     Q_OBJECT
 
 public:
-    explicit CardLabel(QWidget* parent);
+    CardLabel(CardPictures* pictures, QWidget* parent);
 
-    /// Takes the size of its text, as adjustSize() does, but keeps the measured text for painting.
+    /// Takes the size of its text, within the style sheet's greatest height.
     void fit();
     /// For a text that would be cut off or run into another: the property "long", by which the
     /// style sheet has a smaller font.
     void useSmallPrint(bool on);
 
-protected:
-    bool event(QEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
+    /// At its place on the card, with the middle of the text in its own middle.
+    void draw(QPainter& painter) const;
+    /// Somewhere else on the card; gives the width.
+    int drawAt(QPainter& painter, int x, int baseline) const;
 
 private:
-    bool isPlainLine() const;
     void layOutText();
+    void drawText(QPainter& painter, QPointF topLeft) const;
 
+    CardPictures* const mPictures;
     QStaticText mLaidOut;
     QString mLaidOutText;
     QFont mLaidOutFont;

@@ -7,6 +7,7 @@
 #include "sound/PdPlayer.h"
 #include "ui/cards/CardGraphic.h"
 #include "ui/cards/CardLabel.h"
+#include "ui/cards/CardTip.h"
 #include "ui/cards/HighestPrimeColor.h"
 #include "ui/cards/RatioParts.h"
 #include "ui/cards/StaffLines.h"
@@ -16,14 +17,16 @@
 #include "ui/stacks/CardStackWidget.h"
 
 #include <QDebug>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOption>
+#include <QToolTip>
 
 namespace {
 
 // Used without a style sheet, which otherwise sets the size.
-constexpr QSize CARD_SIZE(174, 90);
+constexpr QSize CARD_SIZE(174, 72);
 
 constexpr int STAFF_WIDTH = 64;
 constexpr int NOTE_AREA_WIDTH = 60; // clef, accidental and note
@@ -42,6 +45,15 @@ constexpr int GRAPE_NAME_X = 3;
 constexpr int GRAPE_NAME_Y = 3;
 constexpr int GRAPE_ENHARMONIC_Y = -5;
 constexpr int GRAPE_RATIO_RISE = 3;
+
+// The line of a card that is covered: of its rows, where its columns begin, and what the ratio has.
+constexpr int SHORT_LINE_LEAST_HEIGHT = 9; // a digit
+constexpr int SHORT_NOTE_X = 6;
+constexpr int SHORT_NAME_X = 20;
+constexpr int SHORT_CENTS_RIGHT = 92;
+constexpr int SHORT_RATIO_X = 99;
+constexpr int SHORT_ACCIDENTAL_HEIGHT = 13;
+constexpr int HIDDEN_MARGIN = 6; // drawn under the next card, whose corners are round
 
 constexpr QRgb STAFF_COLOR = 0xffaaaaaa;
 constexpr QRgb STAFF_COLOR_AT_STACK_TWO = 0xff7c7c7c;
@@ -105,14 +117,17 @@ CardContents CardWidget::readContents() const
 
 CardLabel* CardWidget::addLabel(const char* name)
 {
-    auto* label = new CardLabel(this);
+    auto* label = new CardLabel(&mLoader->pictures(), this);
     label->setObjectName(QLatin1StringView(name));
+    mLabels.append(label);
     return label;
 }
 
 CardGraphic* CardWidget::addGraphic()
 {
-    return new CardGraphic(mLoader, this);
+    auto* graphic = new CardGraphic(mLoader, this);
+    mGraphics.append(graphic);
+    return graphic;
 }
 
 QByteArray CardWidget::recoloured(QByteArray svg) const
@@ -181,8 +196,10 @@ void CardWidget::refill()
         return;
     mContents = std::move(present);
     fill();
-    layOut();
-    update(); // the lines
+    if (isVisible())
+        layOut();
+    else
+        mLayoutIsOld = true;
 }
 
 void CardWidget::refillFor(const OrloBall* ball)
@@ -212,8 +229,16 @@ void CardWidget::resizeEvent(QResizeEvent* event)
     layOut();
 }
 
+void CardWidget::showEvent(QShowEvent* event)
+{
+    QFrame::showEvent(event);
+    if (mLayoutIsOld)
+        layOut();
+}
+
 void CardWidget::layOut()
 {
+    mLayoutIsOld = false;
     const QRect area = contentsRect();
     layOutStaff(area);
     layOutCents(area);
@@ -221,6 +246,7 @@ void CardWidget::layOut()
     layOutRatio(area);
     layOutOctaveShift();
     layOutGrape();
+    update(); // as the parts do not paint themselves
 }
 
 void CardWidget::layOutStaff(const QRect& area)
@@ -304,14 +330,12 @@ void CardWidget::layOutRatio(const QRect& area)
     } else if (mRatioLabel->width() > room) {
         mRatioLabel->setText(parts->inTwoLines());
         twoLines = true;
-        mRatioLabel->fit();
-        if (mRatioLabel->width() > room)
-            mRatioLabel->useSmallPrint(true);
     }
     int y = mNoteLabel->y() + mNoteLabel->height() + RATIO_GAP;
     if (mContents.hasGrape())
         y -= GRAPE_RATIO_RISE;
     if (twoLines) {
+        mRatioLabel->useSmallPrint(true); // in the height of one line
         mRatioLabel->fit();
         y += TWO_LINE_RISE - roundedHalf(mRatioLabel->height());
     }
@@ -343,7 +367,6 @@ void CardWidget::layOutGrape()
     if (mContents.notation == CardContents::Coloured) {
         addArrows(mContents.grape.down, SoundGrape::Direction::Down);
         addArrows(mContents.grape.up, SoundGrape::Direction::Up);
-        mCentsLabel->raise(); // arrows may run through them
     }
     for (qsizetype i = mArrowsShown; i < mArrows.size(); ++i)
         mArrows[i]->hide();
@@ -408,22 +431,30 @@ QLine CardWidget::layOutPrimes(const QList<int>& primes, SoundGrape::Direction d
 
 bool CardWidget::event(QEvent* event)
 {
+    if (event->type() == QEvent::ToolTip) {
+        showTip(static_cast<QHelpEvent*>(event)->globalPos());
+        return true;
+    }
     const bool handled = QFrame::event(event);
     if (event->type() == QEvent::Polish || event->type() == QEvent::StyleChange) {
         setAttribute(Qt::WA_StyledBackground, false); // paper() draws it
-        if (event->type() == QEvent::StyleChange) {
-            mLoader->paper(mAtStackTwo ? 1 : 0) = {};
-            // Queued, so that the labels have their new fonts before the layout.
-            QMetaObject::invokeMethod(this, &CardWidget::layOut, Qt::QueuedConnection);
-        }
+        // Queued, so that the labels have their new fonts before the layout.
+        if (event->type() == QEvent::StyleChange)
+            QMetaObject::invokeMethod(this, &CardWidget::followStyle, Qt::QueuedConnection);
     }
     return handled;
+}
+
+void CardWidget::followStyle()
+{
+    mLoader->pictures().clear();
+    layOut();
 }
 
 /// The frame as the style draws it. A rounded one takes longer than all else on the card together.
 QPixmap CardWidget::paper()
 {
-    QPixmap& paper = mLoader->paper(mAtStackTwo ? 1 : 0);
+    QPixmap& paper = mLoader->pictures().paper(mAtStackTwo);
     const qreal ratio = devicePixelRatioF();
     const QSize pixels = (QSizeF(size()) * ratio).toSize();
     if (paper.size() == pixels && paper.devicePixelRatio() == ratio)
@@ -440,13 +471,98 @@ QPixmap CardWidget::paper()
     return paper;
 }
 
-void CardWidget::paintEvent(QPaintEvent*)
+QPixmap CardWidget::wholePicture()
 {
-    const QPixmap ground = paper();
-    QPainter painter(this);
-    painter.drawPixmap(0, 0, ground);
+    CardPictures& kept = mLoader->pictures();
+    const CardPictures::Look look{mContents, mAtStackTwo, size(), devicePixelRatioF()};
+    if (const QPixmap* known = kept.card(look))
+        return *known;
+    QPixmap picture = paper();
+    QPainter painter(&picture);
     drawLines(painter);
     drawSoundGrapeBW(painter);
+    drawParts(painter);
+    painter.end();
+    kept.keepCard(look, picture);
+    return picture;
+}
+
+void CardWidget::setUncoveredRows(int top, int bottom)
+{
+    if (top == mUncoveredTop && bottom == mUncoveredBottom)
+        return;
+    mUncoveredTop = top;
+    mUncoveredBottom = bottom;
+    update();
+}
+
+bool CardWidget::isShortened() const
+{
+    if (mUncoveredBottom - mUncoveredTop < SHORT_LINE_LEAST_HEIGHT)
+        return false;
+    const QRect told = mNoteLabel->geometry() | mCentsLabel->geometry() | mRatioLabel->geometry();
+    return told.top() < mUncoveredTop || told.bottom() >= mUncoveredBottom;
+}
+
+void CardWidget::paintEvent(QPaintEvent*)
+{
+    if (mLayoutIsOld)
+        layOut();
+    QPainter painter(this);
+    if (!isShortened()) {
+        painter.drawPixmap(0, 0, wholePicture());
+        return;
+    }
+    const int top = mUncoveredTop > 0 ? mUncoveredTop - HIDDEN_MARGIN : 0;
+    const int bottom = mUncoveredBottom < height() ? mUncoveredBottom + HIDDEN_MARGIN : height();
+    painter.setClipRect(0, top, width(), bottom - top);
+    painter.drawPixmap(0, 0, paper());
+    drawShortLine(painter);
+}
+
+void CardWidget::drawParts(QPainter& painter) const
+{
+    for (const CardGraphic* graphic : mGraphics) {
+        if (!graphic->isHidden())
+            graphic->draw(painter);
+    }
+    for (const CardLabel* label : mLabels) {
+        if (!label->isHidden())
+            label->draw(painter);
+    }
+}
+
+void CardWidget::drawShortLine(QPainter& painter) const
+{
+    const int middle = (mUncoveredTop + qMin(mUncoveredBottom, height())) / 2;
+    const int baseline = middle + (QFontMetrics(mNoteLabel->font()).capHeight() + 1) / 2;
+    const QSize noteSize = mNote->size();
+    mNote->drawAt(painter, QRect(QPoint(SHORT_NOTE_X, middle - noteSize.height() / 2), noteSize));
+    int x = SHORT_NAME_X;
+    x += mNoteLabel->drawAt(painter, x, baseline);
+    if (hasAccidental()) {
+        const QSize size = mPlainAccidental->sizeForHeight(SHORT_ACCIDENTAL_HEIGHT);
+        mPlainAccidental->drawAt(painter, QRect(QPoint(x + 1, middle - size.height() / 2 - 1), size));
+        x += size.width() + 2;
+    }
+    mOctaveLabel->drawAt(painter, x, baseline);
+    mCentsLabel->drawAt(painter, SHORT_CENTS_RIGHT - mCentsLabel->width(), baseline);
+    drawShortRatio(painter, SHORT_RATIO_X, baseline);
+}
+
+/// A ratio that has two lines on the whole card has one here, without its middle when it is too long.
+void CardWidget::drawShortRatio(QPainter& painter, int x, int baseline) const
+{
+    if (mRatioLabel->text() == mContents.ratio) {
+        mRatioLabel->drawAt(painter, x, baseline);
+        return;
+    }
+    QFont small = mRatioLabel->font();
+    small.setPixelSize(SHORT_LINE_LEAST_HEIGHT);
+    painter.setFont(small);
+    painter.setPen(mRatioLabel->palette().color(mRatioLabel->foregroundRole()));
+    const int room = contentsRect().right() - x;
+    painter.drawText(x, baseline, QFontMetrics(small).elidedText(mContents.ratio, Qt::ElideMiddle, room));
 }
 
 void CardWidget::drawLines(QPainter& painter) const
@@ -494,4 +610,10 @@ void CardWidget::mousePressEvent(QMouseEvent* event)
 void CardWidget::mouseDoubleClickEvent(QMouseEvent*)
 {
     toggleRatioForCard();
+}
+
+void CardWidget::showTip(QPoint globalPosition)
+{
+    QToolTip::showText(globalPosition,
+                       texts::cardTip(mContents, app::player()->heardFrequency(mContents.absolute)), this);
 }

@@ -24,7 +24,9 @@ class SvgLoader;
 /// A card shows the state at the time when it was filled; its stack fills it again when the transposition
 /// or an option changes. Building the parts costs ten times as much as filling them, so a chord that
 /// moves takes its cards along. The layout is made in layOut() and nowhere else: when the card gets
-/// its size, its contents or another style.
+/// its size, its contents or another style, and while it is not shown, not before it is.
+///
+/// Draws its child widgets itself: Qt would take longer to visit them than they take to draw.
 class CardWidget : public QFrame
 {
     Q_OBJECT
@@ -69,6 +71,12 @@ public:
     float frequency() const { return mContents.frequency; }
     bool isAtStackTwo() const { return mAtStackTwo; }
 
+    /// The rows of the card that no other card of the stack covers, from `top` up to `bottom`. When name,
+    /// cents or ratio are not within them, these three stand there in one line instead of what is left
+    /// of the whole.
+    void setUncoveredRows(int top, int bottom);
+    bool isShortened() const;
+
     QSize sizeHint() const override;
 
 protected:
@@ -77,6 +85,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -99,9 +108,15 @@ private:
     void addArrows(const QList<int>& primes, SoundGrape::Direction direction);
     QLine layOutPrimes(const QList<int>& primes, SoundGrape::Direction direction, bool show);
 
+    void followStyle();
     QPixmap paper();
+    QPixmap wholePicture();
     void drawLines(QPainter& painter) const;
     void drawSoundGrapeBW(QPainter& painter) const;
+    void drawParts(QPainter& painter) const;
+    void drawShortLine(QPainter& painter) const;
+    void drawShortRatio(QPainter& painter, int x, int baseline) const;
+    void showTip(QPoint globalPosition);
 
     const bool mAtStackTwo;
     const OrloBall* mBall = nullptr; // null: at the second stack
@@ -109,8 +124,12 @@ private:
     SvgLoader* const mLoader;
     CardContents mContents;
     int mHierarchy = 0;
+    bool mLayoutIsOld = false;
+    int mUncoveredTop = 0;
+    int mUncoveredBottom = QWIDGETSIZE_MAX;
 
-    // Child widgets.
+    QList<CardGraphic*> mGraphics; // child widgets, in the order of drawing, and the texts above them
+    QList<CardLabel*> mLabels;
     CardGraphic* mClef = nullptr;
     CardGraphic* mNote = nullptr;
     CardGraphic* mAccidental = nullptr;      // on the staff

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "ui/cards/CardPictures.h"
+
 #include <QByteArray>
 #include <QCache>
 #include <QHashFunctions>
 #include <QPixmap>
 #include <QSize>
-
-#include <array>
 
 class QSvgRenderer;
 
@@ -31,9 +31,8 @@ public:
     /// Drawn to fill `size` pixels of a screen with this pixel ratio.
     QPixmap pixmap(const QByteArray& svg, QSize size, qreal pixelRatio);
 
-    /// The empty paper that all cards of a kind (0 or 1) share. A caller that finds it null or of the
-    /// wrong size redraws it.
-    QPixmap& paper(int kind) { return mPapers[static_cast<size_t>(kind)]; }
+    /// What is kept of the cards that these graphics stand on.
+    CardPictures& pictures() { return mPictures; }
 
     QByteArray trebleClef;
     QByteArray bassClef;
@@ -67,5 +66,5 @@ private:
 
     QCache<QByteArray, QSvgRenderer> mRenderers;
     QCache<PixmapKey, QPixmap> mPixmaps;
-    std::array<QPixmap, 2> mPapers;
+    CardPictures mPictures;
 };

@@ -39,6 +39,7 @@ CardWidget* CardStackTwoWidget::openCard(const OrloRatio& ratio)
         card = new CardWidget(&ratio, this);
         card->setObjectName(QStringLiteral("CardAtStack2"));
         card->adjustSize();
+        mFan->watch(card);
     }
     updatePosition(ratio, card);
     card->show();

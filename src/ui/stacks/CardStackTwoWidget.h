@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/OrloRatio.h"
+#include "ui/stacks/CardFan.h"
 #include "ui/stacks/SpareCards.h"
 
 #include <QHash>
@@ -54,6 +55,7 @@ private:
 
     QHash<OrloRatio, CardWidget*> mCards; // child widgets
     SpareCards mSpareCards;
+    CardFan* const mFan = new CardFan(this);
     int mBottomSpace = 0;
     const OrloView* mView = nullptr;
     SvgLoader* mLoader = nullptr;

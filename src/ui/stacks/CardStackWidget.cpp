@@ -35,6 +35,7 @@ CardWidget* CardStackWidget::showCardForBall(const OrloBallWidget* ball)
     } else {
         card = new CardWidget(ball->ball(), this);
         card->adjustSize();
+        mFan->watch(card);
     }
     updatePosition(ball, card);
     card->show();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/stacks/CardFan.h"
 #include "ui/stacks/SpareCards.h"
 
 #include <QHash>
@@ -51,6 +52,7 @@ public slots:
 private:
     QHash<const OrloBallWidget*, CardWidget*> mCards; // child widgets
     SpareCards mSpareCards;
+    CardFan* const mFan = new CardFan(this);
     int mBottomSpace = 0;
     QPointer<CardConnectorOverlay> mOverlay; // the page may delete it first
     const OrloView* mView = nullptr;

@@ -1,14 +1,18 @@
 #include "ui/PageFixture.h"
+#include "ui/cards/CardTip.h"
 #include "ui/cards/CentsText.h"
+
+#include <QHelpEvent>
+#include <QToolTip>
 
 namespace {
 
 using Card = PageFixture;
 
-// The inner rectangle of a card in the program's look, and what follows from its height of 64: the
-// staff space is 8, the clef 24 wide, the note 11 by 9.
-constexpr QRect INNER(6, 13, 164, 64);
-constexpr int SPACE = 8;
+// The inner rectangle of a card in the program's look, and what follows height of 48: the staff
+// space is 6, the clef 18 wide, the note 9 by 7.
+constexpr QRect INNER(6, 11, 164, 48);
+constexpr int SPACE = 6;
 
 TEST_F(Card, NotesStandByTheirClefAndFarOnesMoveByOctavesIntoTheStaff)
 {
@@ -27,7 +31,7 @@ TEST_F(Card, NotesStandByTheirClefAndFarOnesMoveByOctavesIntoTheStaff)
         const QLabel* shown = label(card, "octaveShiftLabel");
         EXPECT_EQ(shown->text(), QLatin1StringView(shift));
         if (*shift) {
-            EXPECT_EQ(shown->pos(), QPoint(INNER.x() + (24 - shown->width()) / 2, 0) + place);
+            EXPECT_EQ(shown->pos(), QPoint(INNER.x() + (18 - shown->width()) / 2, 0) + place);
         }
     }
 }
@@ -68,25 +72,25 @@ TEST_F(Card, TheModesChooseTheRatioAndTheColour)
 
 TEST_F(Card, PartsStandByTheNote)
 {
-    // Without an accidental: 60 - 24 - 11 leaves 25, and half of it is 13. Height 4.5 spaces.
+    // Without an accidental: 60 - 18 - 9 leaves 33, and half of it is 17. Height 4.5 spaces.
     const CardWidget* a = cardFor({1, 1});
     ASSERT_EQ(graphics(a).size(), 2);
-    EXPECT_EQ(graphics(a)[0]->geometry(), QRect(6, 13, 24, 64));
-    EXPECT_EQ(graphics(a)[1]->geometry(), QRect(6 + 24 + 4 + 13, 45, 11, 9));
-    EXPECT_EQ(label(a, "noteLabel")->pos(), QPoint(76, 16));
+    EXPECT_EQ(graphics(a)[0]->geometry(), QRect(6, 11, 18, 48));
+    EXPECT_EQ(graphics(a)[1]->geometry(), QRect(6 + 18 + 4 + 17, 35, 9, 7));
+    EXPECT_EQ(label(a, "noteLabel")->pos(), QPoint(76, 14));
 
-    // Bb4 at 2.0: the flat is 7 by 24, so the group of 21 leaves 15, half of it 8.
+    // Bb4 at 2.0: the flat is 5 by 18, so the group of 17 leaves 25, half of it 13.
     const CardWidget* flat = cardFor({17, 16});
     for (const int moved : {0, 3}) { // 3: of an unknown form, but still takes its room
         updatePage(&Settings::soundGrapeNotation, moved);
         ASSERT_EQ(graphics(flat).size(), 4);
-        EXPECT_EQ(graphics(flat)[3]->geometry(), QRect(42 - moved, 41 - SPACE, 7, 24));
-        EXPECT_EQ(graphics(flat)[1]->geometry(), QRect(52 - moved, 41, 11, 9));
+        EXPECT_EQ(graphics(flat)[3]->geometry(), QRect(41 - moved, 32 - SPACE, 5, 18));
+        EXPECT_EQ(graphics(flat)[1]->geometry(), QRect(49 - moved, 32, 9, 7));
         const QLabel* name = label(flat, "noteLabel");
-        EXPECT_EQ(graphics(flat)[2]->geometry(), QRect(name->x() + name->width() + 1, 13, 7, 24));
-        EXPECT_EQ(label(flat, "octaveLabel")->x(), name->x() + name->width() + 1 + 7 + 2);
+        EXPECT_EQ(graphics(flat)[2]->geometry(), QRect(name->x() + name->width() + 1, 11, 5, 18));
+        EXPECT_EQ(label(flat, "octaveLabel")->x(), name->x() + name->width() + 1 + 5 + 2);
     }
-    EXPECT_EQ(label(flat, "noteLabel")->pos(), QPoint(76 + 33, 19));
+    EXPECT_EQ(label(flat, "noteLabel")->pos(), QPoint(76 + 33, 17));
 }
 
 TEST_F(Card, CentsMoveOutOfTheNotesWay)
@@ -99,7 +103,7 @@ TEST_F(Card, CentsMoveOutOfTheNotesWay)
         const int note = graphics(card)[1]->y();
         const QRect cents = label(card, "centsLabel")->geometry();
         const int up = inTheWay ? note - cents.height() - 3 : INNER.y() - 3;
-        const int down = inTheWay ? note + 9 + 3 : INNER.y() + 64 - cents.height() + 3;
+        const int down = inTheWay ? note + 7 + 3 : INNER.y() + 48 - cents.height() + 3;
         EXPECT_EQ(cents.y(), above ? up : down);
     }
 }
@@ -109,11 +113,11 @@ TEST_F(Card, ARefilledCardIsPaintedAnewAndFollowsAnotherStyleSheet)
     EXPECT_TRUE(isPaintedAnew(cardFor({3, 2}), [this] { updatePage(&Settings::soundGrapeNotation, 1); }));
     CardWidget* card = cardFor({17, 16});
     const QLabel* name = label(card, "noteLabel");
-    const int height = name->height();
+    const int width = name->width();
     page.setStyleSheet(QStringLiteral("#noteLabel { font-size: 40px; } CardWidget { background: #123456; }"));
     report();
-    EXPECT_GT(name->height(), height + 10);
-    EXPECT_EQ(label(card, "octaveLabel")->x(), name->x() + name->width() + 1 + 7 + 2);
+    EXPECT_GT(name->width(), width + 10);
+    EXPECT_EQ(label(card, "octaveLabel")->x(), name->x() + name->width() + 1 + 5 + 2);
     EXPECT_EQ(card->grab().toImage().pixelColor(INNER.topRight()), QColor(0x123456));
 }
 
@@ -135,6 +139,22 @@ TEST_F(Card, RatiosTakeTwoLinesOrNoneOfTheirNumbers)
     updatePage(&Settings::soundGrapeNotation, 1);
     const QLabel* large = label(cardFor({1220703125, 1073741824}), "ratioLabel");
     EXPECT_LE(large->geometry().right(), INNER.right() + 1) << "no digit is cut off";
+}
+
+TEST_F(Card, TheTipNamesThePitchAndWhereAGlidedOneIsHeard)
+{
+    CardWidget* card = cardFor({5, 4});
+    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), card->mapToGlobal(QPoint(5, 5)));
+    QCoreApplication::sendEvent(card, &help);
+    const QString resting = QStringLiteral("C#5 -13.69 cents\n5/4\n550.000 Hz");
+    EXPECT_EQ(QToolTip::text(), resting);
+
+    const CardContents contents = CardContents::ofBall(*orlo.ballFromRatio(OrloRatio(5, 4)));
+    const QString glided = resting + QStringLiteral("\nsounds at 560.000 Hz, +31.19 cents");
+    const std::pair<std::optional<float>, QString> rows[] = {
+        {std::nullopt, resting}, {550.001F, resting}, {0.0F, resting}, {560.0F, glided}};
+    for (const auto& [heard, tip] : rows)
+        EXPECT_EQ(texts::cardTip(contents, heard), tip);
 }
 
 TEST_F(Card, StaffAndLedgerLinesAreDrawnAtTheirHeights)
@@ -215,7 +235,7 @@ TEST_F(Card, TheSoundgrapeFollowsTheOption)
         }
     }
     const QRect note = graphics(down)[1]->geometry();
-    EXPECT_EQ(down->grab().toImage().pixelColor(note.x() + 11 + 4, note.y() + 4 + 3), QColor(Qt::black));
+    EXPECT_EQ(down->grab().toImage().pixelColor(note.x() + 9 + 4, note.y() + 3 + 3), QColor(Qt::black));
 
     // In the absolute modes the way of the transposition belongs to it.
     transposeBy({11});

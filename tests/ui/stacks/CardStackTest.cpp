@@ -4,6 +4,7 @@
 #include <QGraphicsSceneHoverEvent>
 #include <QPointer>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -21,6 +22,15 @@ protected:
     {
         const QObjectList& children = upper->parentWidget()->children();
         return children.indexOf(upper) > children.indexOf(lower);
+    }
+    static int darkPixels(const QPixmap& picture)
+    {
+        const QImage image = picture.toImage().convertToFormat(QImage::Format_Grayscale8);
+        int dark = 0;
+        for (int y = 0; y < image.height(); ++y)
+            dark += static_cast<int>(std::count_if(image.scanLine(y), image.scanLine(y) + image.width(),
+                                                   [](uchar gray) { return gray < 96; }));
+        return dark;
     }
     void hover(const char* path, QEvent::Type type = QEvent::GraphicsSceneHoverEnter) const
     {
@@ -129,6 +139,33 @@ TEST_F(CardStack, ThePointerRaisesCards)
     waited.restart();
     hover("/");
     EXPECT_LT(waited.elapsed(), 90) << "a silent ball does not hold the thread up";
+}
+
+TEST_F(CardStack, EachCardOfAChordShowsAtLeastALine)
+{
+    page.resize(1000, 620);
+    CardWidget* chord[] = {cardFor({1, 1}), cardFor({5, 4}), cardFor({3, 2}), cardFor({7, 4})};
+    for (const qsizetype front : {1, 0, 3, 2}) {
+        SCOPED_TRACE(front);
+        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), chord[front]->mapToGlobal(QPointF(5, 5)));
+        QCoreApplication::sendEvent(chord[front], &enter);
+        report();
+        for (qsizetype i = 0; i < 4; ++i) {
+            EXPECT_EQ(chord[i]->isShortened(), i != front) << i;
+            if (i == front)
+                continue;
+            const CardWidget* nearer = chord[i + (i < front ? 1 : -1)];
+            EXPECT_TRUE(liesOver(nearer, chord[i])) << i;
+            // What is left of it holds print.
+            const QRect left = (QRegion(chord[i]->geometry()) - nearer->geometry()).boundingRect();
+            const QPoint origin = page.cardStack()->mapTo(&page, QPoint(0, 0));
+            EXPECT_GT(darkPixels(page.grab(left.adjusted(16, 3, -8, -3).translated(origin))), 60) << i;
+        }
+    }
+    page.resize(4000, 3600); // where they stand apart
+    report();
+    for (const CardWidget* card : chord)
+        EXPECT_FALSE(card->isShortened());
 }
 
 TEST_F(CardStack, PitchesWithoutABallStandLevelWithTheirSmallBall)
