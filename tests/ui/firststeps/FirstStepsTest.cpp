@@ -18,8 +18,9 @@ class FirstStepsTest : public WindowFixture
 protected:
     FirstStepsTest()
     {
-        window->resize(1280, 745);
         window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get())); // fitted to the screen, which is too small
+        window->resize(1280, 745);
         window->showFirstSteps();
         settle();
     }
@@ -32,11 +33,12 @@ protected:
             return QRect(widget->mapTo(window.get(), QPoint()), widget->size());
         };
         const QRect place = placeOf(card());
+        const QRect covered = place.adjusted(-12, -12, 12, 12); // about the radius of a ball
         const OrloView* view = window->orloView();
         return placeOf(find<QWidget>("centralStack")).contains(place)
                && std::ranges::none_of(view->orloWidget()->balls(), [&](const OrloBallWidget* ball) {
                       const QPoint centre = view->mapFromScene(ball->scenePos());
-                      return place.contains(view->viewport()->mapTo(window.get(), centre));
+                      return covered.contains(view->viewport()->mapTo(window.get(), centre));
                   });
     }
     void toggle(unsigned numerator, unsigned denominator)
