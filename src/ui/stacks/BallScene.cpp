@@ -46,11 +46,12 @@ void letPressesThroughToolTip()
 
 void BallScene::helpEvent(QGraphicsSceneHelpEvent* event)
 {
-    const auto* view = qobject_cast<QGraphicsView*>(event->widget()->parentWidget());
-    const QList<QGraphicsItem*> under = items(event->scenePos());
+    const QWidget* viewport = event->widget();
+    const auto* view = viewport ? qobject_cast<QGraphicsView*>(viewport->parentWidget()) : nullptr;
+    const QList<QGraphicsItem*> under = view ? items(event->scenePos()) : QList<QGraphicsItem*>();
     for (const QGraphicsItem* item : under) {
         const std::optional<CardContents> contents = contentsOf(item);
-        if (!contents || !view)
+        if (!contents)
             continue;
         mShown = textOf(*contents);
         mAskedAt = event->screenPos();
