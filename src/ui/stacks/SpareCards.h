@@ -3,6 +3,7 @@
 #include "ui/cards/CardWidget.h"
 
 #include <QList>
+#include <QTimer>
 
 /// The cards of a stack whose pitches have stopped, hidden, to be filled again for others. Building
 /// a card costs ten times as much as filling one, and a transposition takes every sounding pitch off
@@ -10,9 +11,18 @@
 ///
 /// A card is hidden only once the present change is through, and before the next repaint: hiding and
 /// showing a card that is needed at once takes as long as filling it.
+///
+/// Each card takes two tenths of a megabyte. Those that nobody needed for a while are given up but for
+/// a few, so that one great chord does not stay in memory for ever.
 class SpareCards
 {
 public:
+    SpareCards()
+    {
+        mTrim.setInterval(UNUSED_MS);
+        mTrim.callOnTimeout([this] { trim(); });
+    }
+
     void put(CardWidget* card)
     {
         if (mCards.size() >= LIMIT) {
@@ -21,6 +31,10 @@ public:
             return;
         }
         mCards.append(card);
+        if (!mTrim.isActive()) {
+            mLeast = 0;
+            mTrim.start();
+        }
         if (!mHidePending) {
             mHidePending = true;
             QMetaObject::invokeMethod(
@@ -29,11 +43,28 @@ public:
     }
 
     /// Null: there is none.
-    CardWidget* take() { return mCards.isEmpty() ? nullptr : mCards.takeLast(); }
+    CardWidget* take()
+    {
+        CardWidget* const card = mCards.isEmpty() ? nullptr : mCards.takeLast();
+        mLeast = qMin(mLeast, mCards.size());
+        return card;
+    }
 
     qsizetype size() const { return mCards.size(); }
 
+    /// By the clock: those go that were spare ever since the last time.
+    void trim()
+    {
+        for (qsizetype unused = qMin(mLeast, mCards.size() - KEPT); unused > 0; --unused)
+            delete mCards.takeFirst();
+        mLeast = mCards.size();
+        if (mLeast <= KEPT)
+            mTrim.stop();
+    }
+
     static constexpr qsizetype LIMIT = 48;
+    static constexpr qsizetype KEPT = 8; // for the next notes
+    static constexpr int UNUSED_MS = 60'000;
 
 private:
     void hideAll()
@@ -45,4 +76,6 @@ private:
 
     QList<CardWidget*> mCards;
     bool mHidePending = false;
+    QTimer mTrim;
+    qsizetype mLeast = 0; // spare ones at any time since the last trim
 };

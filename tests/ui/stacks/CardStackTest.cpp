@@ -326,4 +326,22 @@ TEST_F(CardStack, ManyChordsLeaveNothingBehind)
     EXPECT_EQ(page.cardStack()->findChildren<CardWidget*>().size(), SpareCards::LIMIT);
 }
 
+TEST_F(CardStack, SpareCardsThatNobodyNeededAreGivenUp)
+{
+    SpareCards spare;
+    const OrloBall* const first = view->orloWidget()->balls().first()->ball();
+    const auto count = [&] { return page.cardStack()->findChildren<CardWidget*>().size(); };
+    for (int i = 0; i < 30; ++i)
+        spare.put(new CardWidget(first, page.cardStack()));
+    spare.trim(); // all came since
+    CardWidget* const sounding = spare.take();
+    spare.put(spare.take());
+    EXPECT_EQ(count(), 30);
+    spare.trim(); // 28 were spare all the time
+    EXPECT_EQ(spare.size(), SpareCards::KEPT);
+    EXPECT_EQ(count(), SpareCards::KEPT + 1);
+    spare.put(sounding);
+    QCoreApplication::processEvents(); // they are hidden while the pool lives
+}
+
 } // namespace
