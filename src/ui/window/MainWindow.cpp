@@ -20,6 +20,7 @@
 #include "ui/panel/StatusLine.h"
 #include "ui/stacks/OrloLayer.h"
 #include "ui/window/FormSetUp.h"
+#include "ui/window/FrameFit.h"
 #include "ui/window/KeyMap.h"
 #include "ui/window/PanelParts.h"
 #include "ui/window/PressHelp.h"
@@ -29,6 +30,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScreen>
@@ -291,20 +293,15 @@ void MainWindow::resizeEvent(QResizeEvent* event)
     mReadout->update();
 }
 
-/// A frame is known only when the window system has drawn it around the window; with it a window of the
-/// screen's size would hide its lower rows.
 void MainWindow::fitFrame()
 {
     mFrameFits = true;
-    if (isMaximized() || isFullScreen())
+    // Nobody sees a window without a window system: its size is the caller's.
+    if (isMaximized() || isFullScreen() || QGuiApplication::platformName() == u"offscreen")
         return;
-    const QRect room = screen()->availableGeometry();
-    const QSize over = (frameGeometry().size() - room.size()).expandedTo(QSize(0, 0));
-    if (over.isNull())
-        return;
-    resize(size() - over);
-    move(qMax(room.left(), qMin(x(), room.right() + 1 - frameGeometry().width() + over.width())),
-         qMax(room.top(), qMin(y(), room.bottom() + 1 - frameGeometry().height() + over.height())));
+    const auto [pos, size] = framefit::inside(screen()->availableGeometry(), frameGeometry(), this->size());
+    resize(size);
+    move(pos);
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event)

