@@ -9,9 +9,6 @@
 /// a card costs ten times as much as filling one, and a transposition takes every sounding pitch off
 /// its card before it finds the new ones. They are child widgets of the stack, which owns them.
 ///
-/// A card is hidden only once the present change is through, and before the next repaint: hiding and
-/// showing a card that is needed at once takes as long as filling it.
-///
 /// Each card takes two tenths of a megabyte. Those that nobody needed for a while are given up but for
 /// a few, so that one great chord does not stay in memory for ever.
 class SpareCards
@@ -25,8 +22,8 @@ public:
 
     void put(CardWidget* card)
     {
+        card->hide();
         if (mCards.size() >= LIMIT) {
-            card->hide();
             card->deleteLater(); // it may be handling a press
             return;
         }
@@ -34,11 +31,6 @@ public:
         if (!mTrim.isActive()) {
             mLeast = 0;
             mTrim.start();
-        }
-        if (!mHidePending) {
-            mHidePending = true;
-            QMetaObject::invokeMethod(
-                card->parentWidget(), [this] { hideAll(); }, Qt::QueuedConnection);
         }
     }
 
@@ -67,15 +59,7 @@ public:
     static constexpr int UNUSED_MS = 60'000;
 
 private:
-    void hideAll()
-    {
-        mHidePending = false;
-        for (CardWidget* card : std::as_const(mCards))
-            card->hide();
-    }
-
     QList<CardWidget*> mCards;
-    bool mHidePending = false;
     QTimer mTrim;
     qsizetype mLeast = 0; // spare ones at any time since the last trim
 };

@@ -341,7 +341,6 @@ TEST_F(CardStack, SpareCardsThatNobodyNeededAreGivenUp)
     EXPECT_EQ(spare.size(), SpareCards::KEPT);
     EXPECT_EQ(count(), SpareCards::KEPT + 1);
     spare.put(sounding);
-    QCoreApplication::processEvents(); // they are hidden while the pool lives
 }
 
 } // namespace
