@@ -333,7 +333,8 @@ bool PdPlayer::alterFrequency(float frequency, float voice)
     Voice* changed = mVoices.slot(static_cast<int>(voice));
     if (changed && changed->frequency > 0.0F && frequency >= LOWEST_GLIDE && frequency < HIGHEST_GLIDE) {
         changed->frequency = frequency;
-        changed->baseFrequency = mBaseFrequency;
+        if (changed->baseFrequency != mBaseFrequency)
+            changed->baseFrequency = 0.0F; // where the external output bends from is still the former one's
         mVoicesChanged = true;
     }
     return sendPdVoiceMessage(voiceFrequency, frequency, voice);

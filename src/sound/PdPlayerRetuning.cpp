@@ -12,12 +12,13 @@ void PdPlayer::retuneToBase()
     clearInstruction();
     // A note that leaves the range of pitches or enters it sends an instruction of its own, so those come
     // after the list has gone out.
-    for (const Voice* voice : mVoices.noteMap) {
+    for (Voice* voice : mVoices.noteMap) {
         const float frequency = glidedFrequency(voice->ratio);
         const bool stays = voice->frequency > 0.0F && (voice->released || pitchrange::sounds(frequency));
         if (voice->baseFrequency == mBaseFrequency || !stays)
             continue;
         alterFrequency(frequency, static_cast<float>(voice->voice));
+        voice->baseFrequency = mBaseFrequency;
         if (!voice->released && portOpen())
             addToInstruction(voice->voice, frequency, velocityOf(voice->ratio));
     }

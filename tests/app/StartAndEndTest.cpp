@@ -74,9 +74,6 @@ TEST_F(StartAndEnd, OnlyAFirstStartShowsTheFirstSteps)
     EXPECT_FALSE(FirstStart::isNow(folder)) << "there are options now";
     EXPECT_TRUE(QFile::remove(home.path(u"options.json"_s)));
     EXPECT_TRUE(FirstStart::isNow(folder));
-    qputenv("ORLO_FIRST_STEPS", "0");
-    EXPECT_FALSE(FirstStart::isNow(folder));
-    qunsetenv("ORLO_FIRST_STEPS");
 }
 
 TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)

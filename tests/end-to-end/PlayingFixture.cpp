@@ -32,6 +32,7 @@ void PlayingFixture::SetUp()
     screen = QJsonDocument::fromJson(printed.mid(printed.indexOf("\n{") + 1).split('\n').first()).object();
     ASSERT_FALSE(screen.isEmpty()) << "print_screen_map gave no map.";
     recorder = std::make_unique<Recorder>(desk.soundServer());
+    writeOptions({}); // so that no first steps lie over the lattice
 }
 
 QPoint PlayingFixture::place(const char* group, const char* name) const

@@ -18,7 +18,6 @@ VirtualDesk::VirtualDesk()
           "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI", "QT_LOGGING_RULES", "JACK_DEFAULT_SERVER"})
         mEnvironment.remove(QLatin1StringView(name));
     mEnvironment.insert(u"JACK_NO_START_SERVER"_s, u"1"_s);
-    mEnvironment.insert(u"ORLO_FIRST_STEPS"_s, u"0"_s); // they lie over the lattice
     hideSoundCards();
     // libjack writes on standard error otherwise, whenever it looks for a server.
     jack_set_error_function([](const char*) {});

@@ -112,4 +112,13 @@ TEST_F(Router, SoundingNotesFollowAChangeOfOneToOneWhenAsked)
         rig.player.processEvents();
         EXPECT_EQ(out.system->take(), sent) << base;
     }
+    // A slider that is moved before does not hide the change.
+    rig.queue(OrloEvent(OrloEvent::NodesSelectAllSounding, 1.0F));
+    rig.queue(OrloEvent(OrloEvent::BaseFrequencySet, 441.0F));
+    rig.queue(OrloEvent(OrloEvent::GlissOneSet, 0.75F));
+    rig.player.processEvents();
+    EXPECT_NE(out.system->take(), "");
+    rig.player.retuneNotes();
+    rig.player.processEvents();
+    EXPECT_NE(out.system->take(), "");
 }

@@ -108,7 +108,7 @@ public:
             if (voice.base == mBase)
                 continue;
             if (voice.heard > 0.0F && (voice.released || isPitch(frequency)))
-                glide(voice, frequency);
+                glide(voice, frequency), voice.base = mBase;
             else if (!voice.released && voice.heard == 0.0F)
                 strike(voice);
             else if (!voice.released)
@@ -541,7 +541,8 @@ private:
         voice.frequency = frequency;
         if (voice.heard > 0.0F && frequency >= 1.0F && frequency < 20001.0F) {
             voice.heard = frequency;
-            voice.base = mBase;
+            if (voice.base != mBase)
+                voice.base = 0.0F;
         }
     }
 
