@@ -54,7 +54,7 @@ void OptionsDialog::addDeviceRows(QGridLayout* grid)
     for (const auto& [menu, row] :
          {std::pair{mAudioDeviceMenu, "audioDevice"}, {mMidiDeviceMenu, "midiDevice"}}) {
         hints::give(menu, row);
-        connect(menu, &QComboBox::currentTextChanged, menu, [menu, row](const QString& name) {
+        connect(menu, &QComboBox::currentTextChanged, menu, [menu = menu, row = row](const QString& name) {
             menu->setToolTip(hints::inLines(hints::text(row)) + u'\n'
                              + name); // which may be longer than the menu
         });

@@ -107,7 +107,8 @@ void PanelParts::showValuesOfSliders(const Ui::MainWindow& form)
     const Settings* settings = app::settings();
     for (const auto& [slider, range] : {std::pair{form.glissSliderBig, &settings->glissOneRangeCents},
                                         {form.glissFineSliderBig, &settings->glissTwoRangeCents}}) {
-        new SliderValueTip(slider, [slider, range] { return GlissandoSliders::valueText(slider, *range); });
+        new SliderValueTip(
+            slider, [slider = slider, range = range] { return GlissandoSliders::valueText(slider, *range); });
         QObject::connect(slider, &QSlider::sliderMoved, &chords, &GlissandoSliders::tellWhenIdle);
     }
 }
