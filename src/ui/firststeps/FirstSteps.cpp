@@ -76,10 +76,8 @@ void FirstSteps::listen(const QList<QSlider*>& glides)
 {
     const EngineRelay* relay = &app::player()->relay();
     connect(relay, &EngineRelay::noteToggled, this, [this](const OrloRatio&, bool on) {
-        if (on)
-            done(Press);
-        if (on && app::orlo()->playingRatios().size() >= CHORD_NOTES)
-            done(Chord);
+        if (on && (mStep == Press || app::orlo()->playingRatios().size() >= CHORD_NOTES))
+            done(mStep == Press ? Press : Chord);
     });
     connect(relay, &EngineRelay::monophonicChanged, this, &FirstSteps::refresh);
     connect(relay, &EngineRelay::nodeSelected, this, &FirstSteps::refresh);

@@ -1,6 +1,6 @@
 #include "ui/hints/SliderValueTip.h"
 
-#include <QEvent>
+#include <QMouseEvent>
 #include <QSlider>
 #include <QStyle>
 
@@ -32,6 +32,8 @@ bool SliderValueTip::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::MouseButtonPress:
+        if (!mSlider->isEnabled() || static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
+            break;
         mIsHeld = true;
         reveal();
         break;

@@ -37,8 +37,9 @@ void letPressesThroughToolTip()
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (const QWidget* window : windows) {
-        if (window->inherits("QTipLabel") && window->windowHandle())
-            window->windowHandle()->setFlag(Qt::WindowTransparentForInput);
+        QWindow* const handle = window->inherits("QTipLabel") ? window->windowHandle() : nullptr;
+        if (handle && !handle->flags().testFlag(Qt::WindowTransparentForInput))
+            handle->setFlag(Qt::WindowTransparentForInput);
     }
 }
 

@@ -300,6 +300,8 @@ void MainWindow::fitFrame()
     if (isMaximized() || isFullScreen() || QGuiApplication::platformName() == u"offscreen")
         return;
     const auto [pos, size] = framefit::inside(screen()->availableGeometry(), frameGeometry(), this->size());
+    if (size == this->size())
+        return;
     resize(size);
     move(pos);
 }
