@@ -55,7 +55,7 @@ private:
         friend size_t qHash(const TextKey& key, size_t seed) { return qHashMulti(seed, key.text, key.font); }
     };
 
-    static constexpr qsizetype BYTES_KEPT = 6 << 20; // of cards; a hundred at a pixel ratio of 1
+    static constexpr qsizetype BYTES_KEPT = 2 << 20; // of cards; forty at a pixel ratio of 1
     static constexpr qsizetype TEXTS_KEPT = 1024;
 
     QCache<Look, QPixmap> mCards{BYTES_KEPT};
