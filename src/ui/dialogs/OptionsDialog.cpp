@@ -151,8 +151,6 @@ void OptionsDialog::closeEvent(QCloseEvent* event)
 {
     qDebug() << "Options: position before" << mSavedPosition;
     mSavedPosition = pos();
-    if (QWidget* edited = focusWidget())
-        edited->clearFocus(); // ends the edit, so that its value goes before what closing asks for
     emit closedAt(mSavedPosition);
     qDebug() << "Options: position after" << mSavedPosition;
     event->accept();

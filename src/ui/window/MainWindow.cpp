@@ -260,7 +260,9 @@ void MainWindow::makeOptionsDialog()
     connect(mOptionsDialog, &OptionsDialog::zoomModeChanged, this, &MainWindow::updateZoomMode);
     connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::setOptionsDialogPosition);
     connect(mOptionsDialog, &OptionsDialog::closedAt, this, &MainWindow::reloadAllSoundingRatios);
-    connect(mOptionsDialog, &OptionsDialog::closedAt, app::player(), &PdPlayer::retuneNotes);
+    // Later, since only the hiding ends an edit under way, whose frequency counts too.
+    connect(mOptionsDialog, &OptionsDialog::closedAt, app::player(), &PdPlayer::retuneNotes,
+            Qt::QueuedConnection);
     mOptionsDialog->updateCentsDisplay(); // may change the option that decides how notes are named
 }
 
