@@ -164,8 +164,10 @@ TEST_F(CardStack, EachCardOfAChordShowsAtLeastALine)
     }
     page.resize(4000, 3600); // where they stand apart
     report();
-    for (const CardWidget* card : chord)
+    for (const CardWidget* card : chord) {
+        ASSERT_TRUE(card);
         EXPECT_FALSE(card->isShortened());
+    }
 }
 
 TEST_F(CardStack, PitchesWithoutABallStandLevelWithTheirSmallBall)
@@ -184,7 +186,7 @@ TEST_F(CardStack, PitchesWithoutABallStandLevelWithTheirSmallBall)
             const CardWidget* card = cards->getCardForRatio(ratio);
             const FreeBallWidget* ball = stack->ballForRatio(ratio);
             EXPECT_TRUE(card->isVisible() && ball->isVisible()) << step;
-            EXPECT_NEAR(card->y() + card->height() / 2, ball->y(), 1) << step;
+            EXPECT_NEAR(card->y() + card->height() / 2.0, ball->y(), 1) << step;
         }
     }
     // Far pitches end at the edges.
