@@ -214,8 +214,9 @@ TEST_F(Device, HoldsMorePacketsThanAPlainSocket)
 {
     Socket plain;
     ASSERT_TRUE(plain.bind(QHostAddress::LocalHost, 0));
-    std::atomic<bool> busy{true};
-    const auto standStill = [&] {
+    static std::atomic<bool> busy; // packets that come after the test ask for it too
+    busy = true;
+    const auto standStill = [] {
         while (busy)
             QThread::msleep(1);
     };
