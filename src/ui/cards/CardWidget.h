@@ -114,6 +114,7 @@ private:
     void drawLines(QPainter& painter) const;
     void drawSoundGrapeBW(QPainter& painter) const;
     void drawParts(QPainter& painter) const;
+    void drawShortened(QPainter& painter);
     void drawShortLine(QPainter& painter) const;
     void drawShortRatio(QPainter& painter, int x, int baseline) const;
     void showTip(QPoint globalPosition);
