@@ -9,14 +9,20 @@ trap 'rm -rf "$home"' EXIT
 files="$home/Brevick Tuning Orlo"
 mkdir "$files"
 echo '{"updateCheckInterval": 4}' >"$files/options.json" # never
-env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM XDG_DATA_HOME="$home" ./run >"$home/output" 2>&1 &
+# JACK remembers eight servers, killed ones too, until the next of their name. So this one has the name of
+# the other tests' servers: in a list that is full its place is free.
+env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM XDG_DATA_HOME="$home" JACK_DEFAULT_SERVER=orlo-test-1 \
+  ./run >"$home/output" 2>&1 &
 run=$!
 
 # The processes that have this home; a sound server is in no session or group of the others.
 left() { grep -lsz "^XDG_DATA_HOME=$home\$" /proc/[0-9]*/environ | cut -d/ -f3 || true; }
 fail() { cat "$home/output"; printf '%s\n' "$*"; left | xargs -r kill -KILL; exit 1; }
 
-for _ in $(seq 600); do [ -s "$files/orlo_v2.json" ] && break; sleep 0.1; done
+for _ in $(seq 600); do
+  if [ -s "$files/orlo_v2.json" ] || ! kill -0 "$run" 2>/dev/null; then break; fi
+  sleep 0.1
+done
 [ -s "$files/orlo_v2.json" ] || fail "the program does not start"
 kill -TERM "$run"
 wait "$run" || fail "run ends with $?"
