@@ -260,7 +260,7 @@ TEST_F(KeyPlaying, AZoneBendsItsMembersEachAndAllByTheManager)
     play.setSettings({.mpe = false});
     block();
     send(lowerOfThree);
-    send({{0x91, 60, 1}, {0xE0, 0, 0}, {0xE1, 0, 0x50}});
+    send({{0x8E, 60, 0}, {0x91, 60, 1}, {0xE0, 0, 0}, {0xE1, 0, 0x50}});
     EXPECT_NEAR(semitonesAbove(A * 1.5), 0.5, 1e-4);
 }
 
