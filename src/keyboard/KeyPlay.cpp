@@ -1,6 +1,7 @@
 #include "keyboard/KeyPlay.h"
 
 #include "external/MidiInRing.h"
+#include "external/MidiInputs.h"
 #include "keyboard/KeyTable.h"
 #include "sound/AudioLog.h"
 #include "sound/NodeParameters.h"
@@ -11,6 +12,8 @@
 
 #include <algorithm>
 #include <utility>
+
+static_assert(KeyPlay::SLOTS == MidiInputs::SLOTS);
 
 namespace {
 

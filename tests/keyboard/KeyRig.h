@@ -22,13 +22,13 @@ public:
 
     KeyRig()
     {
-        // Open, and it reports no voice's end: reportEnds() does.
-        EXPECT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n"));
         for (int slot = 0; slot < 2; ++slot)
             play.setRing(slot, &rings.at(static_cast<std::size_t>(slot)));
-        EXPECT_TRUE(rig.player.setKeySource(&play));
+        EXPECT_TRUE(rig.player.setKeySource(&play)); // no block has come that it would wait for
+        // Open, and silent, so that the test speaks for it.
+        EXPECT_TRUE(rig.loadMainText("#N canvas 0 0 200 200 12;\n"));
     }
-    ~KeyRig() { rig.player.setKeySource(nullptr); }
+    ~KeyRig() = default;
     KeyRig(const KeyRig&) = delete;
     KeyRig& operator=(const KeyRig&) = delete;
 
@@ -80,7 +80,7 @@ public:
         return double{rig.player.heardFrequency(OrloRatio(ratio.first, ratio.second)).value_or(0.0F)};
     }
 
-    SoundRig rig;
     std::array<MidiInRing, 2> rings;
     KeyPlay play;
+    SoundRig rig; // ends before what plays it
 };
