@@ -5,6 +5,7 @@
 #include "sound/OrloNodeSelectToggleEvent.h"
 #include "sound/PatchEar.h"
 #include "support/BlockCost.h"
+#include "support/EngineLog.h"
 #include "support/LogCatcher.h"
 
 #include <QCoreApplication>
@@ -16,11 +17,11 @@
 #include <functional>
 #include <limits>
 #include <thread>
+#include <utility>
 
 namespace {
 
 using Ratio = KeyRig::Ratio;
-using Messages = std::initializer_list<std::initializer_list<int>>;
 
 constexpr Ratio FIFTH{3, 2};
 constexpr Ratio FOURTH{4, 3};
@@ -47,129 +48,24 @@ protected:
     PatchEar ear{rig.player};
 };
 
-std::initializer_list<int> sustain(bool down)
-{
-    static constexpr std::initializer_list<int> DOWN{0xB0, 64, 64};
-    static constexpr std::initializer_list<int> UP{0xB0, 64, 63};
-    return down ? DOWN : UP;
-}
-
 } // namespace
 
-TEST_F(KeyPlaying, WhatBeginsAndEndsANote)
+TEST_F(KeyPlaying, APitchThatMayNotBeIsSilent)
 {
-    struct Row
-    {
-        const char* name;
-        Messages messages;
-        std::set<Ratio> sounding;
-        std::size_t strikes;
-    };
-    const Row rows[] = {
-        {"down", {{0x90, 60, 1}}, {FIFTH}, 1},
-        {"up", {{0x90, 60, 1}, {0x80, 60, 64}}, {}, 1},
-        {"velocity 0", {{0x90, 60, 1}, {0x90, 60, 0}}, {}, 1},
-        {"up on another channel", {{0x90, 60, 1}, {0x81, 60, 0}}, {FIFTH}, 1},
-        {"an up too many", {{0x80, 60, 0}, {0x90, 60, 1}}, {FIFTH}, 1},
-        {"twice down, once up", {{0x90, 60, 1}, {0x90, 60, 1}, {0x80, 60, 0}}, {FIFTH}, 1},
-        {"twice both", {{0x90, 60, 1}, {0x90, 60, 1}, {0x80, 60, 0}, {0x80, 60, 0}}, {}, 1},
-        {"two keys of one pitch", {{0x90, 60, 1}, {0x92, 62, 1}, {0x80, 60, 0}}, {FIFTH}, 1},
-        {"and the last of them", {{0x90, 60, 1}, {0x92, 62, 1}, {0x80, 60, 0}, {0x82, 62, 0}}, {}, 1},
-        {"pedal", {{0x90, 60, 1}, sustain(true), {0x80, 60, 0}}, {FIFTH}, 1},
-        {"pedal up", {{0x90, 60, 1}, sustain(true), {0x80, 60, 0}, sustain(false)}, {}, 1},
-        {"pedal up, key down", {sustain(true), {0x90, 60, 1}, sustain(false)}, {FIFTH}, 1},
-        {"pedal of another channel", {{0x90, 60, 1}, {0xB1, 64, 127}, {0x80, 60, 0}}, {}, 1},
-        {"struck again under the pedal",
-         {sustain(true), {0x90, 60, 1}, {0x80, 60, 0}, {0x92, 62, 1}, {0x82, 62, 0}, sustain(false)},
-         {},
-         2},
-        {"the same key again under the pedal",
-         {sustain(true), {0x90, 60, 1}, {0x80, 60, 0}, {0x90, 60, 1}, sustain(false)},
-         {FIFTH},
-         2},
-        {"all notes off", {{0x90, 60, 1}, {0x90, 60, 1}, {0x91, 61, 1}, {0xB0, 123, 0}}, {FOURTH}, 2},
-        {"all notes off under the pedal", {sustain(true), {0x90, 60, 1}, {0xB0, 123, 0}}, {FIFTH}, 1},
-        {"a mode message", {{0x90, 60, 1}, {0xB0, 127, 0}}, {}, 1},
-        {"all sound off under the pedal",
-         {sustain(true), {0x90, 60, 1}, {0x90, 61, 1}, {0x80, 60, 0}, {0xB0, 120, 0}},
-         {},
-         2},
-        {"reset controllers", {sustain(true), {0x90, 60, 1}, {0x80, 60, 0}, {0xB0, 121, 0}}, {}, 1},
-        {"a prime without a pitch", {{0x90, 63, 1}}, {}, 0},
-        {"a key without a pitch", {{0x90, 1, 1}, {0x80, 1, 0}}, {}, 0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        ear.sounding.given.clear();
-        send(row.messages);
-        EXPECT_EQ(sounding(), row.sounding);
-        EXPECT_EQ(ear.sounding.given.size(), row.strikes);
-        for (int channel = 0; channel < 3; ++channel)
-            write({0xB0 + channel, 121, 0});
-        for (int channel = 0; channel < 3; ++channel)
-            write({0xB0 + channel, 120, 0});
-        block();
-        ASSERT_EQ(sounding(), std::set<Ratio>());
-    }
-}
-
-TEST_F(KeyPlaying, AKeyEndsItsOwnNoteOnly)
-{
-    const OrloNoteEvent ball{QStringLiteral("/3")};
-    send(ball);
-    send({{0x90, 60, 1}, {0x80, 60, 0}});
-    EXPECT_EQ(sounding(), std::set<Ratio>{FIFTH}) << "the ball's";
-    send(ball);
-
-    send({{0x90, 60, 1}});
-    send(ball); // ends it
-    EXPECT_EQ(sounding(), std::set<Ratio>());
-    send(ball);
-    send({{0x80, 60, 0}});
-    EXPECT_EQ(sounding(), std::set<Ratio>{FIFTH}) << "begun anew by the ball";
-    send(ball);
-
-    send({{0x90, 60, 1}});
-    rig.send(OrloTransposeEvent(OrloRatio(5, 4)));
-    setKeys({{60, FOURTH}});
-    send({{0x91, 60, 1}});
-    EXPECT_EQ(sounding(), (std::set<Ratio>{FIFTH, {5, 3}}));
-    send({{0x80, 60, 0}});
-    EXPECT_EQ(sounding(), (std::set<Ratio>{{5, 3}}));
-    send({{0x81, 60, 0}});
-    EXPECT_EQ(sounding(), std::set<Ratio>());
-}
-
-TEST_F(KeyPlaying, HoldKeepsWhatItHolds)
-{
-    send({{0x90, 60, 1}});
-    send(OrloEvent::NodesHold, 1.0F);
-    send({{0x90, 61, 1}, {0x80, 60, 0}, {0x80, 61, 0}});
-    EXPECT_EQ(sounding(), std::set<Ratio>{FIFTH});
-    send(OrloEvent::NodesHold, 0.0F);
-    send({{0x90, 60, 1}, {0x80, 60, 0}});
-    EXPECT_EQ(sounding(), std::set<Ratio>{FIFTH}) << "no key's any more";
-}
-
-TEST_F(KeyPlaying, ADisabledPrimeIsSilentAsForABall)
-{
+    const LogCatcher messages;
     send(OrloEvent::PrimeEnabledToggle, 7.0F);
     send({{0x90, 64, 1}, {0x90, 60, 1}, {0x90, 65, 1}});
     EXPECT_EQ(sounding(), (std::set<Ratio>{FIFTH, {1, 1}}));
     send(OrloEvent::PrimeEnabledToggle, 3.0F);
     send({{0x90, 61, 1}, {0x80, 60, 0}});
     EXPECT_EQ(sounding(), (std::set<Ratio>{{1, 1}}));
-}
-
-TEST_F(KeyPlaying, APitchThatDoesNotFitIsSilentAndLogged)
-{
-    const LogCatcher messages;
+    send({{0x80, 65, 0}, {0x90, 63, 1}}); // 37
     send(OrloTransposeEvent(OrloRatio(1ULL << 63, 1)));
-    setKeys({{60, {2, 1}}});
-    send({{0x90, 60, 1}, {0x80, 60, 0}});
+    setKeys({{66, {2, 1}}});
+    send({{0x90, 66, 1}, {0x80, 66, 0}});
+    EXPECT_EQ(sounding(), std::set<Ratio>());
     QCoreApplication::processEvents();
     EXPECT_EQ(messages.count(QtWarningMsg, QStringLiteral("the pitch of a key, 2/1, does not fit")), 1);
-    EXPECT_EQ(sounding(), std::set<Ratio>());
 }
 
 TEST_F(KeyPlaying, VelocityIsTheFirstMacroOfItsVoiceAlone)
@@ -187,6 +83,24 @@ TEST_F(KeyPlaying, VelocityIsTheFirstMacroOfItsVoiceAlone)
     send(OrloEvent::Macro1Set, 0.5F);
     EXPECT_NEAR(macroOf(2, 1), 32.0F / 127.0F + 0.25F, 1e-6F);
     EXPECT_EQ(macroOf(1, 1), 1.0F);
+}
+
+TEST_F(KeyPlaying, TheExternalOutputHearsVelocityAndBends)
+{
+    const std::atomic<bool> open{true};
+    rig.player.setPortOpenFlag(&open);
+    EngineLog log(rig.player);
+    send({{0xB0, 101, 0},
+          {0xB0, 100, 0},
+          {0xB0, 6, 12},
+          {0x90, 60, 127},
+          {0x90, 65, 0x7F},
+          {0xE0, 0, 0},
+          {0x80, 60, 0}});
+    EXPECT_EQ(log.said(QStringLiteral("instruction")),
+              "instruction 1 0 660 1; instruction 1 1 440 1; "
+              "instruction 2 0|1 330|220 -1|-1; instruction -1 0 -1 -1");
+    rig.player.setPortOpenFlag(nullptr);
 }
 
 TEST_F(KeyPlaying, BendsItsChannelByItsRange)
@@ -221,17 +135,10 @@ TEST_F(KeyPlaying, BendsItsChannelByItsRange)
     EXPECT_NEAR(semitonesAbove(330.0, {1, 1}), -3.5, 1e-4);
 }
 
-TEST_F(KeyPlaying, TheBendIsThatOfTheOldestKey)
-{
-    send({{0xE1, 0, 0x60}, {0x90, 60, 1}, {0x91, 62, 1}});
-    EXPECT_NEAR(semitonesAbove(A * 1.5), 0.0, 1e-4);
-    send({{0x80, 60, 0}});
-    EXPECT_NEAR(semitonesAbove(A * 1.5), 1.0, 1e-4);
-}
-
 TEST_F(KeyPlaying, AZoneBendsItsMembersEachAndAllByTheManager)
 {
-    const Messages lowerOfThree{{0xB0, 101, 0}, {0xB0, 100, 6}, {0xB0, 6, 3}};
+    const std::initializer_list<std::initializer_list<int>> lowerOfThree{
+        {0xB0, 101, 0}, {0xB0, 100, 6}, {0xB0, 6, 3}};
     send(lowerOfThree);
     send({{0x91, 60, 1}, {0x92, 61, 1}, {0xE1, 0, 0x50}, {0xE0, 0, 0}}); // 48 / 4 - 2
     EXPECT_NEAR(semitonesAbove(A * 1.5), 10.0, 1e-4);
@@ -335,7 +242,7 @@ TEST_F(KeyPlaying, AnInputThatLosesMessagesOrGoesEndsItsKeys)
     const LogCatcher messages;
     setKeys({{60, FOURTH}}, 1);
     write({0x90, 60, 1}, 1);
-    send({{0x90, 60, 1}, {0xE0, 0, 0x60}, sustain(true)});
+    send({{0x90, 60, 1}, {0xE0, 0, 0x60}, {0xB0, 64, 127}});
     while (rings[0].write({0x90, 65, 1, 0})) {
     }
     rings[0].write({0x80, 65, 0, 0});
@@ -359,54 +266,37 @@ TEST_F(KeyPlaying, AnInputThatLosesMessagesOrGoesEndsItsKeys)
     EXPECT_EQ(sounding(), std::set<Ratio>());
 }
 
-TEST_F(KeyPlaying, AFloodIsPlayedInPortions)
-{
-    auto table = std::make_shared<KeyTable>();
-    for (int channel = 0; channel < KeyTable::CHANNELS; ++channel) {
-        for (int key = 0; key < KeyTable::KEYS; ++key)
-            table->at(channel, key).ratio =
-                OrloRatio(static_cast<unsigned long long>(channel * 3 + 1), 1ULL << (key % 32));
-    }
-    play.setTable(0, table);
-    for (int round = 0; round < 3; ++round) {
-        for (int i = 0; i < 1000; ++i)
-            write({0x90 + i % 16, i % 128, 1});
-        ear.sounding.given.clear();
-        write({0x90, 60, 1}, 1);
-        block();
-        EXPECT_LE(ear.sounding.given.size(), KeyPlay::STRIKES);
-        for (int i = 0; i < 20; ++i)
-            block();
-        for (int i = 0; i < 1000; ++i)
-            write({0x80 + i % 16, i % 128, 1});
-        write({0x80, 60, 1}, 1);
-        for (int i = 0; i < 20; ++i)
-            block();
-        EXPECT_EQ(sounding(), std::set<Ratio>());
-    }
-    std::array<MidiInMessage, 8192> taken;
-    EXPECT_GE(play.takeMessages(taken), 4000U);
-    EXPECT_EQ(play.takeMessages(taken), 0U);
-    EXPECT_EQ(taken[1].status, 0x91);
-}
-
 // Keys without a note yet, and notes that other commands have ended under their keys: more than there are
 // places for.
-TEST_F(KeyPlaying, KeysOfNotesThatWereEndedTakeNoPlaces)
+// More keys than there are places for notes, each of whose notes another command has ended.
+TEST_F(KeyPlaying, AFloodIsPlayedInPortionsAndKeysWithoutANoteTakeNoPlaces)
 {
-    setKeys({{60, FIFTH}, {61, FOURTH}});
-    for (int i = 0; i < 3 * KeySource::NOTES; ++i) {
-        write({0x90 + i % 16, 60, 1}, 0);
+    auto table = std::make_shared<KeyTable>();
+    for (KeyTarget& target : table->targets)
+        target.ratio = OrloRatio(3, 2);
+    play.setTable(0, table);
+    constexpr int MANY = 3 * KeySource::NOTES;
+    for (int i = 0; i < MANY; ++i) {
+        write({0x90 + i % 16, i / 16, 1});
         block();
-        send(OrloNoteEvent(OrloRatio(3, 2))); // ends it
-        if (i % 16 == 15) {
-            for (int channel = 0; channel < 16; ++channel)
-                write({0x80 + channel, 60, 1});
-        }
+        send(OrloEvent::AllNotesOffForced);
     }
-    send({{0x90, 61, 1}, {0x80, 61, 1}});
+    EXPECT_EQ(ear.sounding.given.size(), std::size_t{MANY});
+    for (int i = 0; i < MANY; ++i)
+        write({0x80 + i % 16, i / 16, 1});
+    for (int i = 0; i < KeyPlay::STRIKES; ++i) { // one of them too many for a block
+        write({0x90, 1, 1});
+        write({0x80, 1, 1});
+    }
+    write({0x90, 2, 1});
     block();
-    EXPECT_EQ(sounding(), std::set<Ratio>());
+    EXPECT_EQ(std::exchange(ear.sounding.given, {}).size(), std::size_t{MANY} + KeyPlay::STRIKES);
+    block();
+    EXPECT_EQ(ear.sounding.given.size(), 1U);
+    EXPECT_EQ(sounding(), std::set<Ratio>{FIFTH});
+    std::array<MidiInMessage, 8192> taken;
+    EXPECT_EQ(play.takeMessages(taken), 2U * MANY + 2U * KeyPlay::STRIKES + 1U);
+    EXPECT_EQ(taken[17].status, 0x91);
 }
 
 TEST_F(KeyPlaying, TablesAndSettingsChangeWhileABlockReadsThem)
@@ -445,10 +335,11 @@ TEST_F(KeyCost, IsNoAllocationNoLockAndOneWake)
     rig.orlo.initWithDefaults();
     PdPlayer::connectLattice(&rig.player, &rig.orlo);
     auto table = std::make_shared<KeyTable>();
-    for (int key = 0; key < KeyTable::KEYS; ++key)
-        table->at(0, key).ratio = OrloRatio(static_cast<unsigned long long>(key + 1), 64);
-    for (int key = 0; key < KeyTable::KEYS; ++key)
+    for (int key = 0; key < KeyTable::KEYS; ++key) {
+        table->at(0, key).ratio =
+            OrloRatio(static_cast<unsigned long long>(key % 16 + 1), 1ULL << (key / 16));
         table->at(1, key).tempered = 1.0 + key / 128.0;
+    }
     play.setTable(0, table);
     play.setSettings({.pressureMacro = 2, .timbreMacro = 3});
     const auto all = [&](int status) {

@@ -224,10 +224,15 @@ protected:
             write({0xB0 + channel, below(2) == 0 ? 123 : 126, 0}, input);
             return model.allUp({input, channel});
         case 4:
-            if (below(4) != 0)
-                return;
-            write({0xB0 + channel, 120, 0}, input);
-            return model.allEnd({input, channel});
+            if (below(4) == 0) {
+                write({0xB0 + channel, 120, 0}, input);
+                model.allEnd({input, channel});
+            } else if (below(2) == 0) {
+                write({0xB0 + channel, 121, 0}, input); // resets
+                model.pedal({input, channel}, false);
+                model.bends[{input, channel}] = 8192;
+            }
+            return;
         case 5:
         case 6:
         case 7:
