@@ -2,6 +2,7 @@
 // engine take turns in one run, on the same patch, and the medians are compared.
 
 #include "Baseline.h"
+#include "Pair.h"
 #include "QuietLog.h"
 #include "support/SoundRig.h"
 
@@ -15,62 +16,10 @@
 
 #include <z_libpd.h>
 
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstring>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double nanoseconds(Clock::duration duration)
-{
-    return std::chrono::duration<double, std::nano>(duration).count();
-}
-
-/// Times two ways of the same work, turn and turn about.
-class Pair
-{
-public:
-    template <class Ours, class Bare>
-    void measure(Ours&& ours, Bare&& bare)
-    {
-        const bool oursFirst = mOurs.size() % 2 == 0; // neither always finds the warmer cache
-        if (oursFirst)
-            mOurs.push_back(timed(ours));
-        mBare.push_back(timed(bare));
-        if (!oursFirst)
-            mOurs.push_back(timed(ours));
-    }
-
-    double lastOfOurs() const { return mOurs.back(); }
-
-    /// Of one call, when so many were timed together.
-    void report(benchmark::State& state, int calls = 1)
-    {
-        setCosts(state, 1e-9 * median(mOurs) / calls, 1e-9 * median(mBare) / calls);
-    }
-
-private:
-    template <class Work>
-    static double timed(Work&& work)
-    {
-        const Clock::time_point begin = Clock::now();
-        work();
-        return nanoseconds(Clock::now() - begin);
-    }
-
-    static double median(std::vector<double>& values)
-    {
-        const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-        std::nth_element(values.begin(), middle, values.end());
-        return *middle;
-    }
-
-    std::vector<double> mOurs;
-    std::vector<double> mBare;
-};
 
 SoundRig& rig()
 {
