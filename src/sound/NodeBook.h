@@ -17,6 +17,8 @@
 class NodeBook
 {
 public:
+    using Macros = decltype(NodeParameters::macros);
+
     /// Storage for so many nodes is made beforehand.
     static constexpr int MANY_NODES = 4096;
 
@@ -48,7 +50,15 @@ public:
     bool deselect(const OrloRatio& ratio);
 
     /// [audio] A note starts, or goes on, with the macros that the sliders show.
-    void setSounding(const OrloRatio& ratio) { soundingParameters[ratio] = {currentParameters.macros}; }
+    void setSounding(const OrloRatio& ratio) { setSounding(ratio, currentParameters.macros); }
+    /// [audio] The same with other macros: those of a key.
+    void setSounding(const OrloRatio& ratio, const Macros& macros) { soundingParameters[ratio] = {macros}; }
+    /// [audio] A macro of a note that sounds and is not altered.
+    void setSoundingMacro(const OrloRatio& ratio, std::size_t macro, float value)
+    {
+        if (soundingParameters.find(ratio))
+            soundingParameters[ratio].macros.at(macro) = value;
+    }
     /// [audio] The note has been let go.
     void endSounding(const OrloRatio& ratio) { soundingParameters.remove(ratio); }
     /// [audio] Every note has been let go, or is set anew.

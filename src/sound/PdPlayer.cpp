@@ -2,6 +2,7 @@
 
 #include "model/Orlo.h"
 #include "sound/EngineRelay.h"
+#include "sound/TemperedRatio.h"
 #include "sound/ThreadCheck.h"
 
 #include <QThread>
@@ -116,6 +117,8 @@ bool PdPlayer::copyState(EngineState& state) const
     const auto copied = [](const auto& ratios, std::vector<OrloRatio>& to) {
         to.clear();
         for (const OrloRatio& ratio : ratios) {
+            if (temperedratio::is(ratio)) // nobody is told of those
+                continue;
             if (to.size() == to.capacity())
                 return false;
             to.push_back(ratio);

@@ -2,6 +2,7 @@
 
 #include "model/OrloRatio.h"
 #include "sound/GlissandoMapping.h"
+#include "sound/KeyTouch.h"
 #include "sound/NodeBook.h"
 #include "sound/PatchHandOver.h"
 #include "sound/PdMessageBuffer.h"
@@ -21,9 +22,11 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 class EngineRelay;
+class KeySource;
 class Orlo;
 class QFileInfo;
 struct EngineState;
@@ -46,8 +49,8 @@ enum PdVoiceMessageType {
 ///
 /// Commands allocate nothing, but for nodes beyond NodeBook::MANY_NODES and for a change of patch. Its
 /// .cpp files: PdPlayerCommands (from the rings to the functions here), PdPlayerNotes (voices),
-/// PdPlayerHold, PdPlayerSelection (and the sliders), PdPlayerResets, PdPlayerRetuning, PdPlayerPatch
-/// (libpd), PdPlayerTransposition.
+/// PdPlayerHold, PdPlayerKeys, PdPlayerSelection (and the sliders), PdPlayerResets, PdPlayerRetuning,
+/// PdPlayerPatch (libpd), PdPlayerTransposition.
 class PdPlayer : public QObject
 {
     Q_OBJECT
@@ -122,6 +125,29 @@ public:
     void setBaseFrequency(float frequency);
     /// [audio] A prime from 0 to 31.
     void togglePrimeEnabled(int prime);
+
+    /// [gui] Asks it for keys from the next block on, which is waited for; null: nobody. What keys of the
+    /// former source sound is ended. False when no block ends; then the former source must live on.
+    bool setKeySource(KeySource* source);
+    /// [audio] The absolute ratio of a key. Empty when the prime's switch is off, as for a ball, when the
+    /// lattice cannot name it, because of a prime beyond 31, or when it does not fit.
+    std::optional<OrloRatio> keyPitch(const OrloRatio& relative) const;
+    /// [audio] A ratio close to so many Hz for each Hz of 1/1 (TemperedRatio). Neither the lattice nor
+    /// the chord memory hears of a note there.
+    std::optional<OrloRatio> keyPitch(double tempered) const;
+    /// [audio] A note of this absolute ratio sounds, or comes back with the next patch.
+    bool isNoteOn(const OrloRatio& ratio) const;
+    /// [audio] The id of the key's note that isNoteOn(); 0 when it is no key's.
+    std::uint32_t keyOf(const OrloRatio& ratio) const;
+    /// [audio] Starts the note of a key, where none isNoteOn().
+    void beginKeyNote(const OrloRatio& ratio, const KeyTouch& touch);
+    /// [audio] Ends it if it is still that key's; hold keeps what it holds.
+    void endKeyNote(const OrloRatio& ratio, std::uint32_t id);
+    /// [audio] Bends those that are still the keys'. A bend stays with its note and multiplies its
+    /// glissando.
+    void bendKeyNotes(std::span<const KeyBend> bends);
+    /// [audio] A macro, from 1 to 8, of this note alone.
+    void setKeyMacro(const OrloRatio& ratio, std::uint32_t id, int macro, float value);
 
     /// [audio] Macro from 1 to 8. Selected nodes follow, and stay at an end of the range that the
     /// slider pushes them against.
@@ -249,9 +275,15 @@ private:
     int findSlot(bool& stolen);
     void stopPreviousMonoVoice(int slot);
     void strike(Voice& voice);
-    float glidedFrequency(const OrloRatio& ratio) const;
+    float glidedFrequency(const Voice& voice) const;
     float velocityOf(const OrloRatio& ratio) const;
     void silence(Voice& voice);
+    const KeyTouch* touchOf(const OrloRatio& ratio) const;
+    KeyTouch* touchOf(const OrloRatio& ratio, std::uint32_t id);
+    void forgetKey(const OrloRatio& ratio);
+    void noteOnOfNoKey(const OrloRatio& ratio);
+    void tellToggled(const OrloRatio& ratio, bool on);
+    void tellHold(const OrloRatio& ratio, bool on);
     void retuneToBase();
     bool multiplyTransposition(const OrloRatio& by);
     void toggleLater();
@@ -261,6 +293,7 @@ private:
     void clearInstruction();
     void addToInstruction(int voice, float value1, float value2);
     void sendInstruction(Instruction instruction, int voice, float value1, float value2);
+    void sendBends();
     bool portOpen() const { return mPortOpen && mPortOpen->load(std::memory_order_relaxed); }
 
     static bool maintainMacroParameters();
@@ -304,6 +337,9 @@ private:
     RatioList heldNodes;
     NodeBook mNodes;
     RatioList cachedSounding; // starts anew in the next patch
+    KeySource* mKeySource = nullptr;
+    RatioTable<KeyTouch> mKeyTouches; // of keys that are down; empty without a source
+    bool mKeysHaveRoom = false;       // [gui]
     bool mFirstPatch = true;
     std::vector<OrloRatio> mToggleLater; // in the next block
     std::vector<OrloRatio> mToggleNow;

@@ -6,6 +6,7 @@
 #include "model/Orlo.h"
 #include "sound/AudioLog.h"
 #include "sound/EngineRelay.h"
+#include "sound/KeySource.h"
 #include "sound/ThreadCheck.h"
 
 #include <algorithm>
@@ -191,6 +192,8 @@ void PdPlayer::processEvents()
     mToggleNow.swap(mToggleLater);
     drain(serialBuffer);
     toggleLater();
+    if (mKeySource)
+        mKeySource->playInto(*this);
     drain(guiBuffer);
     if (retunes)
         retuneToBase();

@@ -3,21 +3,28 @@
 #include "sound/PdPlayer.h"
 
 #include "sound/OrloNoteEvent.h"
+#include "sound/TemperedRatio.h"
 #include "sound/ThreadCheck.h"
 
 void PdPlayer::nodesHoldActive(bool active)
 {
     ThreadCheck::audio();
     for (const OrloRatio& ratio : heldNodes)
-        emit nodeHold(ratio, false);
+        tellHold(ratio, false);
     heldNodes.clear();
     if (active) {
         for (const OrloRatio& ratio : soundingNow()) {
             heldNodes.append(ratio);
-            emit nodeHold(ratio, true);
+            tellHold(ratio, true);
         }
     }
     mHoldActive = active;
+}
+
+void PdPlayer::tellHold(const OrloRatio& ratio, bool on)
+{
+    if (!temperedratio::is(ratio))
+        emit nodeHold(ratio, on);
 }
 
 void PdPlayer::toggleByRatio(const OrloRatio& ratio, float value)
@@ -28,7 +35,7 @@ void PdPlayer::toggleByRatio(const OrloRatio& ratio, float value)
         return;
     const Voice* voice = mVoices.find(ratio);
     if (!voice || voice->released)
-        noteOn(ratio);
+        noteOnOfNoKey(ratio);
     else if (!mHoldActive || value == OrloNoteEvent::OVERRIDES_HOLD || !heldNodes.contains(ratio))
         noteOff(ratio);
 }

@@ -4,6 +4,7 @@
 
 #include "app/LogFilter.h"
 #include "model/PitchRange.h"
+#include "sound/TemperedRatio.h"
 #include "sound/ThreadCheck.h"
 #include "sound/VoiceStealing.h"
 
@@ -40,8 +41,10 @@ void PdPlayer::noteOn(const OrloRatio& ratio)
     ORLO_AUDIO_DEBUG << "noteOn for ratio" << ratio.toString() << "freq" << ratioToFrequency(ratio) << "voice"
                      << slot << "seqId" << mSequence << "stolen" << (stolen ? "true" : "false");
 
+    if (const KeyTouch* touch = touchOf(ratio))
+        mVoices.slot(slot)->bend = touch->bend;
     strike(*mVoices.slot(slot));
-    emit noteToggled(ratio, true);
+    tellToggled(ratio, true);
 }
 
 /// Sends macros, frequency, volume and gate, in this order; outside the range of pitches only the macros.
@@ -49,8 +52,11 @@ void PdPlayer::strike(Voice& voice)
 {
     const OrloRatio ratio = voice.ratio;
     const auto number = static_cast<float>(voice.voice);
-    applyMacros(mNodes.heard(ratio), number);
-    const float frequency = glidedFrequency(ratio);
+    NodeParameters heard = mNodes.heard(ratio);
+    if (const KeyTouch* touch = touchOf(ratio))
+        touch->applyTo(heard.macros);
+    applyMacros(heard, number);
+    const float frequency = glidedFrequency(voice);
     voice.baseFrequency = mBaseFrequency;
     if (pitchrange::sounds(frequency)) {
         voice.frequency = frequency;
@@ -62,7 +68,7 @@ void PdPlayer::strike(Voice& voice)
             sendInstruction(instructionNoteOn, voice.voice, frequency, velocityOf(ratio));
     }
     if (!mNodes.altered().contains(ratio))
-        mNodes.setSounding(ratio);
+        mNodes.setSounding(ratio, heard.macros);
 }
 
 int PdPlayer::findSlot(bool& stolen)
@@ -90,21 +96,24 @@ void PdPlayer::stopPreviousMonoVoice(int slot)
     mMonoVoice = slot;
 }
 
-/// In Hz, of a note of this ratio, with what its node asks.
-float PdPlayer::glidedFrequency(const OrloRatio& ratio) const
+/// In Hz, of the note that the voice has, with what its node and its key ask.
+float PdPlayer::glidedFrequency(const Voice& voice) const
 {
+    const OrloRatio& ratio = voice.ratio;
     float frequency = ratioToFrequency(ratio);
     if (mNodes.altered().contains(ratio)) {
         const NodeParameters heard = mNodes.heard(ratio);
         frequency *= glissandoOneMapping(heard.glissOne);
         frequency *= glissandoTwoMapping(heard.glissTwo);
     }
-    return frequency;
+    return frequency * voice.bend;
 }
 
-/// That of a selected node is the slider's value, even if its own first macro differs.
+/// A key's own. That of a selected node is the slider's value, even if its own first macro differs.
 float PdPlayer::velocityOf(const OrloRatio& ratio) const
 {
+    if (const KeyTouch* touch = touchOf(ratio))
+        return touch->velocity;
     return mNodes.selected().contains(ratio) ? mNodes.current().macros[0] : mNodes.heard(ratio).macros[0];
 }
 
@@ -122,8 +131,15 @@ void PdPlayer::noteOff(const OrloRatio& ratio)
     sendPdVoiceMessage(voiceGate, 0.0F, static_cast<float>(voice->voice));
     if (portOpen())
         sendInstruction(instructionNoteOff, voice->voice, -1.0F, -1.0F);
-    emit noteToggled(ratio, false);
+    tellToggled(ratio, false);
     mNodes.endSounding(ratio);
+}
+
+/// The lattice knows exact pitches only.
+void PdPlayer::tellToggled(const OrloRatio& ratio, bool on)
+{
+    if (!temperedratio::is(ratio))
+        emit noteToggled(ratio, on);
 }
 
 void PdPlayer::clearInstruction()
@@ -145,6 +161,14 @@ void PdPlayer::sendInstruction(Instruction instruction, int voice, float value1,
     clearInstruction();
     addToInstruction(voice, value1, value2);
     emit instructionsToInterface(instruction, mInstructionVoices, mInstructionValues1, mInstructionValues2);
+}
+
+/// What was added to the list.
+void PdPlayer::sendBends()
+{
+    if (!mInstructionVoices.isEmpty())
+        emit instructionsToInterface(instructionBend, mInstructionVoices, mInstructionValues1,
+                                     mInstructionValues2);
 }
 
 void PdPlayer::onVoiceStopped(int index)

@@ -44,7 +44,7 @@ void PdPlayer::toggleByPath(const OrloPath& path)
     ratio *= relative;
     const Voice* voice = mVoices.find(ratio);
     if (!voice || voice->released)
-        noteOn(ratio);
+        noteOnOfNoKey(ratio);
     else
         noteOff(ratio); // the press of a ball overrides hold
 }

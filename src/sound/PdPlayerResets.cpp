@@ -37,7 +37,7 @@ void PdPlayer::nodeResetGlissando(const OrloRatio& ratio, short which)
     const float two = glissandoTwoMapping(source.glissTwo);
     const float frequency =
         two * one * mBaseFrequency
-        * (static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator()));
+        * (static_cast<float>(ratio.numerator()) / static_cast<float>(ratio.denominator())) * voice->bend;
     ORLO_AUDIO_DEBUG << "Gliss reset applied: Mapping 1, 2, 1*2: " << one << two << one * two;
     alterFrequency(frequency, static_cast<float>(voice->voice));
     if (portOpen())

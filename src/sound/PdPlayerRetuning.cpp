@@ -13,7 +13,7 @@ void PdPlayer::retuneToBase()
     // A note that leaves the range of pitches or enters it sends an instruction of its own, so those come
     // after the list has gone out.
     for (Voice* voice : mVoices.noteMap) {
-        const float frequency = glidedFrequency(voice->ratio);
+        const float frequency = glidedFrequency(*voice);
         const bool stays = voice->frequency > 0.0F && (voice->released || pitchrange::sounds(frequency));
         if (voice->baseFrequency == mBaseFrequency || !stays)
             continue;

@@ -7,6 +7,7 @@
 #include "app/LogFilter.h"
 #include "app/Settings.h"
 #include "sound/GlissandoMapping.h"
+#include "sound/TemperedRatio.h"
 #include "sound/ThreadCheck.h"
 
 // ---------------------------------------------------------------- selection
@@ -35,7 +36,7 @@ void PdPlayer::selectAllSounding()
 {
     ThreadCheck::audio();
     for (const OrloRatio& ratio : soundingNow()) {
-        if (!mNodes.selected().contains(ratio))
+        if (!mNodes.selected().contains(ratio) && !temperedratio::is(ratio))
             nodeSelectToggleByRatio(ratio);
     }
 }
@@ -98,14 +99,12 @@ void PdPlayer::glissandoToNodes()
         const Voice* voice = mVoices.find(ratio);
         if (!voice)
             continue;
-        const float frequency = glidedFrequency(ratio);
+        const float frequency = glidedFrequency(*voice);
         alterFrequency(frequency, static_cast<float>(voice->voice));
         if (open)
             addToInstruction(voice->voice, frequency, -1.0F);
     }
-    if (!mInstructionVoices.isEmpty())
-        emit instructionsToInterface(instructionBend, mInstructionVoices, mInstructionValues1,
-                                     mInstructionValues2);
+    sendBends();
 }
 
 void PdPlayer::takeGlissandoRanges()

@@ -1,5 +1,6 @@
 #include "sound/VoiceSnapshot.h"
 
+#include "sound/TemperedRatio.h"
 #include "sound/ThreadCheck.h"
 
 #include <cstddef>
@@ -21,6 +22,8 @@ void VoiceSnapshot::publish(const RatioTable<Voice*>& noteMap)
     for (const Voice* voice : noteMap) {
         if (now.count == VoiceTable::SLOTS)
             break;
+        if (temperedratio::is(voice->ratio))
+            continue;
         now.notes[now.count++] = {voice->ratio.numerator(), voice->ratio.denominator(), packed(*voice),
                                   voice->frequency, 0.0F};
     }

@@ -6,8 +6,8 @@
 #include <array>
 #include <cstdint>
 
-/// What the note map held after the last block: a list of one moment, never half of two blocks.
-/// Capacity: a note for each slot. Nothing here blocks, and only read() allocates.
+/// What the note map held of exact pitches after the last block: a list of one moment, never half of two
+/// blocks. Capacity: a note for each slot. Nothing here blocks, and only read() allocates.
 class VoiceSnapshot
 {
 public:

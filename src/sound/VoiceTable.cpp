@@ -28,6 +28,7 @@ void VoiceTable::take(Voice& voice, const OrloRatio& ratio, std::uint32_t seqId)
     voice.seqId = seqId;
     voice.released = false;
     voice.frequency = 0.0F;
+    voice.bend = 1.0F;
     noteMap[ratio] = &voice;
 }
 

@@ -12,6 +12,7 @@ struct Voice
     std::uint32_t seqId = 0; // count of note-ons at its start; the oldest voice has the smallest
     bool released = false;
     float frequency = 0.0F;     // Hz, with its glissando, as the patch has it; 0 while the note is silent
+    float bend = 1.0F;          // factor of a key, within the frequency
     float baseFrequency = 0.0F; // Hz of 1/1 by which that was formed; 0: of several
 };
 
