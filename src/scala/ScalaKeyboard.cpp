@@ -25,9 +25,12 @@ bool readDegrees(ScalaLines& lines, int size, QList<std::optional<int>>& degrees
 {
     constexpr int most = ScalaKeyboard::MAX_NUMBER;
     while (degrees.size() < size) {
-        const auto line = lines.next(QStringLiteral("the degrees"), error);
-        if (!line && !lines.isAtEnd())
+        ScalaError failure;
+        const auto line = lines.next(QStringLiteral("the degrees"), failure);
+        if (!line && !lines.isAtEnd()) {
+            error = failure;
             return false;
+        }
         if (!line || ScalaLines::word(*line).toLower() == "x") {
             degrees.append(std::nullopt);
             continue;
@@ -81,7 +84,7 @@ std::optional<ScalaPitch> ScalaKeyboard::pitchOf(int key, const ScalaScale& scal
     const auto size = static_cast<int>(degrees.size());
     const int place = (offset % size + size) % size;
     const int repeats = (offset - place) / size;
-    const auto pitch = degrees[place] ? scale.degree(*degrees[place]) : std::nullopt;
+    auto pitch = degrees[place] ? scale.degree(*degrees[place]) : std::nullopt;
     const int octave = octaveDegree != 0 ? octaveDegree : static_cast<int>(scale.pitches().size());
     if (!pitch || repeats == 0)
         return pitch;
