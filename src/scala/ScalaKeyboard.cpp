@@ -3,8 +3,6 @@
 #include "scala/ScalaLines.h"
 #include "scala/ScalaScale.h"
 
-#include <cmath>
-
 namespace {
 
 std::optional<double> readFrequency(ScalaLines& lines, ScalaError& error)
@@ -14,9 +12,9 @@ std::optional<double> readFrequency(ScalaLines& lines, ScalaError& error)
         return std::nullopt;
     bool isNumber = false;
     const double value = ScalaLines::word(*line).toDouble(&isNumber);
-    if (isNumber && std::isfinite(value) && value > 0.0)
+    if (isNumber && value > 0.0 && value <= ScalaKeyboard::MAX_FREQUENCY)
         return value;
-    error = lines.wrong(QStringLiteral("This is not a frequency above 0 Hz."));
+    error = lines.wrong(QStringLiteral("This is not a frequency from 0 to 1000000 Hz."));
     return std::nullopt;
 }
 
