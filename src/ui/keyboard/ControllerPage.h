@@ -34,7 +34,6 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void setLearning(bool on);
     void removeChosen();
     void showEntries();
     void showState();
