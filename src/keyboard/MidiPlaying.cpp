@@ -17,6 +17,7 @@
 
 #include <array>
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -62,15 +63,20 @@ MidiPlaying::~MidiPlaying()
 
 void MidiPlaying::end()
 {
-    mTimer.stop();
     mSlots.clear();
-    // An engine that does not come back may still ask the keys, which then stay.
+    endKeys();
+    mInputs.reset();
+}
+
+void MidiPlaying::endKeys()
+{
+    mTimer.stop();
+    // An engine that does not come back may still ask the keys, which then stay with their rings.
     if (mKeys && !mPlayer.setKeySource(nullptr)) {
         (void)mKeys.release();
         (void)mInputs.release();
     }
     mKeys.reset();
-    mInputs.reset();
 }
 
 // ---------------------------------------------------------------- files
@@ -93,7 +99,7 @@ void MidiPlaying::load(const QString& folder)
     if (file.exists())
         read(file.open(QIODevice::ReadOnly) ? file.read(MAX_BYTES) : QByteArray());
     if (!mWanted.isEmpty())
-        makeInputs();
+        want();
 }
 
 void MidiPlaying::read(const QByteArray& text)
@@ -110,8 +116,7 @@ void MidiPlaying::read(const QByteArray& text)
         if (!name.toString().isEmpty() && !mWanted.contains(name.toString()))
             mWanted.append(name.toString());
     }
-    mSettings.bendSemitones =
-        numberIn(json, BEND, mSettings.bendSemitones, KeySettings::MAX_BEND_SEMITONES);
+    mSettings.bendSemitones = numberIn(json, BEND, mSettings.bendSemitones, KeySettings::MAX_BEND_SEMITONES);
     mSettings.mpe = json.value(MPE).toBool(mSettings.mpe);
     mSettings.pressureMacro = numberIn(json, PRESSURE, mSettings.pressureMacro, MACROS);
     mSettings.timbreMacro = numberIn(json, TIMBRE, mSettings.timbreMacro, MACROS);
@@ -153,18 +158,29 @@ void MidiPlaying::makeInputs()
     if (mInputs)
         return;
     mInputs = std::make_unique<MidiInputs>();
-    mKeys = std::make_unique<KeyPlay>();
-    mKeys->setSettings(mSettings);
     connect(mInputs.get(), &MidiInputs::changed, this, &MidiPlaying::connectSlots);
     connect(mInputs.get(), &MidiInputs::lost, this, [](const QString& name) {
         app::say(QStringLiteral("The MIDI input %1 has gone. It comes back by itself.").arg(name));
     });
     connect(mInputs.get(), &MidiInputs::back, this,
             [](const QString& name) { app::say(QStringLiteral("The MIDI input %1 is back.").arg(name)); });
-    if (!mPlayer.setKeySource(mKeys.get()))
-        qWarning() << "The sound takes no keys.";
+    connect(mInputs.get(), &MidiInputs::troubled, this, &app::say);
+}
+
+/// The engine asks for keys only while an input is wanted.
+void MidiPlaying::want()
+{
+    makeInputs();
     mInputs->setWanted(mWanted);
+    if (!mKeys && !mWanted.isEmpty()) {
+        mKeys = std::make_unique<KeyPlay>();
+        mKeys->setSettings(mSettings);
+        if (!mPlayer.setKeySource(mKeys.get()))
+            qWarning() << "The sound takes no keys.";
+    }
     connectSlots();
+    if (mWanted.isEmpty())
+        endKeys();
 }
 
 QStringList MidiPlaying::available()
@@ -185,15 +201,17 @@ void MidiPlaying::setWanted(const QStringList& names)
     mWanted = names;
     if (!mWanted.isEmpty() && mLayouts.isEmpty())
         mLayouts.append({.name = Layout::kindText(Layout::Kind::Twelve), .kind = Layout::Kind::Twelve});
-    makeInputs();
-    mInputs->setWanted(mWanted);
-    connectSlots();
+    want();
     emit layoutsChanged();
 }
 
 /// An input that is lost keeps its slot and ring as long as it is wanted.
 void MidiPlaying::connectSlots()
 {
+    if (!mKeys) {
+        emit inputsChanged();
+        return;
+    }
     QHash<QString, int> slotsNow;
     for (const QString& name : mWanted) {
         if (const int slot = mInputs->slotOf(name); slot >= 0)

@@ -79,16 +79,16 @@ public:
 
 signals:
     /// Some milliseconds after it played. MidiInMessage::input is the slot.
-    void messageArrived(const MidiInMessage& message);
+    void messageArrived(MidiInMessage message);
     void inputsChanged();
-    void inputLost(const QString& name);
-    void inputBack(const QString& name);
     void layoutsChanged();
     void showsKeysChanged(bool on);
 
 private:
     void read(const QByteArray& text);
     void makeInputs();
+    void want();
+    void endKeys();
     void connectSlots();
     void giveTables();
     void takeMessages();
@@ -103,7 +103,7 @@ private:
     QList<Layout> mLayouts;
     QList<QList<Layout>> mFormerLayouts; // the latest last
     bool mTeaching = false;
-    QTimer mTimer; // runs while an input is wanted
+    QTimer mTimer; // runs while an input is open
 
     std::unique_ptr<MidiInputs> mInputs; // before the keys, which read its rings
     std::unique_ptr<KeyPlay> mKeys;

@@ -13,6 +13,8 @@
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
 #include "ui/firststeps/FirstSteps.h"
+#include "ui/keyboard/KeyLabels.h"
+#include "ui/keyboard/PlayFromMidiDialog.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
@@ -153,6 +155,11 @@ void MainWindow::fillMenu()
     MenuButton* menu = ui->menuButton;
     menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
     menu->add(QStringLiteral("First steps"), QKeySequence(), [this] { showFirstSteps(); });
+    if (app::midiPlaying()) {
+        mKeyLabels = new KeyLabels({ui->circleLayer->orloView(), ui->grapeLayer->orloView()},
+                                   *app::midiPlaying(), this);
+        menu->add(QStringLiteral("Play from MIDI..."), QKeySequence(), [this] { showPlayFromMidi(); });
+    }
     menu->add(
         QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
     menu->add(
@@ -178,6 +185,18 @@ void MainWindow::showHelp()
     help->show();
     help->raise();
     help->activateWindow();
+}
+
+void MainWindow::showPlayFromMidi()
+{
+    auto* dialog = findChild<PlayFromMidiDialog*>();
+    if (!dialog) {
+        dialog = new PlayFromMidiDialog(*app::midiPlaying(), this);
+        connect(dialog, &PlayFromMidiDialog::shownChanged, mKeyLabels, &KeyLabels::setDialogOpen);
+    }
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
 }
 
 /// A maximised window is maximised again afterwards.
