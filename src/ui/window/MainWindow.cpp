@@ -13,8 +13,7 @@
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
 #include "ui/firststeps/FirstSteps.h"
-#include "ui/keyboard/KeyLabels.h"
-#include "ui/keyboard/PlayFromMidiDialog.h"
+#include "ui/keyboard/PlayFromMidi.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
@@ -156,9 +155,9 @@ void MainWindow::fillMenu()
     menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
     menu->add(QStringLiteral("First steps"), QKeySequence(), [this] { showFirstSteps(); });
     if (app::midiPlaying()) {
-        mKeyLabels = new KeyLabels({ui->circleLayer->orloView(), ui->grapeLayer->orloView()},
-                                   *app::midiPlaying(), this);
-        menu->add(QStringLiteral("Play from MIDI..."), QKeySequence(), [this] { showPlayFromMidi(); });
+        auto* playing = new PlayFromMidi({ui->circleLayer->orloView(), ui->grapeLayer->orloView()},
+                                         *app::midiPlaying(), this);
+        menu->add(QStringLiteral("Play from MIDI..."), QKeySequence(), [playing] { playing->open(); });
     }
     menu->add(
         QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
@@ -185,18 +184,6 @@ void MainWindow::showHelp()
     help->show();
     help->raise();
     help->activateWindow();
-}
-
-void MainWindow::showPlayFromMidi()
-{
-    auto* dialog = findChild<PlayFromMidiDialog*>();
-    if (!dialog) {
-        dialog = new PlayFromMidiDialog(*app::midiPlaying(), this);
-        connect(dialog, &PlayFromMidiDialog::shownChanged, mKeyLabels, &KeyLabels::setDialogOpen);
-    }
-    dialog->show();
-    dialog->raise();
-    dialog->activateWindow();
 }
 
 /// A maximised window is maximised again afterwards.

@@ -9,7 +9,6 @@
 
 class DiagnosticsDialog;
 class FirstSteps;
-class KeyLabels;
 class KeyMap;
 class MenuButton;
 class OptionsDialog;
@@ -161,7 +160,6 @@ private:
     void makeStatusLine();
     void fillMenu();
     void showHelp();
-    void showPlayFromMidi();
     void toggleFullScreen();
     void fitFrame();
     void makeDevelopmentDialogs();
@@ -180,7 +178,6 @@ private:
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): the window system places it
     QPointer<FirstSteps> mFirstSteps;        // deletes itself
-    KeyLabels* mKeyLabels = nullptr;
     // Child dialogs that only a developer shows.
     DiagnosticsDialog* mDiagnosticsDialog = nullptr;
     TweakDialog* mTweakDialog = nullptr;
