@@ -90,6 +90,7 @@ Candidate nearest(const Numbers& numbers, double place)
 {
     const double factor = std::exp2(place / CENTS);
     Candidate best;
+    double reach = 1.0; // of a quotient that may be as near; spares most logarithms
     auto above = numbers.begin();
     for (const std::uint64_t d : numbers) {
         while (above != numbers.end() && static_cast<double>(*above) < static_cast<double>(d) * factor)
@@ -97,9 +98,12 @@ Candidate nearest(const Numbers& numbers, double place)
         const auto first = above == numbers.begin() ? above : above - 1;
         const auto last = above == numbers.end() ? above : above + 1;
         for (auto n = first; n != last; ++n) {
-            const Candidate next = candidate(*n, d, place);
-            if (next.product != 0 && isNearer(next, best))
-                best = next;
+            const double off = std::abs(static_cast<double>(*n) / (static_cast<double>(d) * factor) - 1.0);
+            const Candidate next = off <= reach ? candidate(*n, d, place) : Candidate();
+            if (next.product == 0 || !isNearer(next, best))
+                continue;
+            best = next;
+            reach = 2.0 * off + EQUAL;
         }
     }
     return best;
