@@ -2,14 +2,12 @@
 
 #include <QObject>
 
-/// An empty shape for a MIDI input, which the program does not have yet. Nothing makes one.
+/// What a MIDI input tells of its port. The inputs that the player chose are MidiInputs'.
 class MidiIn : public QObject
 {
     Q_OBJECT
 
 signals:
-    /// Never emitted as yet.
     void selectedPortChanged(int index);
-    /// Never emitted as yet.
     void selectedVirtualPortChanged(int index);
 };

@@ -1,16 +1,49 @@
 #pragma once
 
+#include "external/MidiInParser.h"
+
 #include <QObject>
 
-class RtMidiIn;
+#include <RtMidi.h>
 
-/// An empty shape for a MIDI input over RtMidi, which the program does not have yet. Nothing makes one.
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class MidiInRing;
+
+/// One open MIDI input over RtMidi. RtMidi calls back on a thread of its own, with JACK on JACK's real-time
+/// thread, which writes what comes into the input's ring: it takes no lock and allocates nothing.
+///
+/// Made, opened and closed on [receiver]. Each call may throw RtMidiError and may wait for the MIDI server.
 class MidiInRtMidi : public QObject
 {
     Q_OBJECT
 
 public:
     using QObject::QObject;
+    ~MidiInRtMidi() override;
 
-    RtMidiIn* rtMidiIn = nullptr;
+    /// Opens the first port of exactly this name; what comes goes into the ring with this slot's number.
+    /// False when there is no such port.
+    bool open(RtMidi::Api api, const std::string& name, MidiInRing* ring, std::uint8_t slot);
+    /// Nothing is written into the ring any more when it returns.
+    void close();
+    /// Leaves what is open to itself for ever, ring and all: JACK's library has deleted it under its owner.
+    void abandon();
+
+    /// [any] How many bytes belonged to no message so far.
+    std::uint32_t badBytes() const { return mBadBytes.load(std::memory_order_relaxed); }
+
+    RtMidiIn* rtMidiIn = nullptr; // null while no port is open
+
+private:
+    static void receive(double seconds, std::vector<unsigned char>* packet, void* self);
+
+    MidiInParser mParser; // the callback's
+    MidiInRing* mRing = nullptr;
+    std::uint8_t mSlot = 0;
+    std::atomic<std::uint32_t> mBadBytes{0};
 };
