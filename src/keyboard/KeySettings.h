@@ -6,7 +6,7 @@
 /// atomic value.
 struct KeySettings
 {
-    static constexpr int MAX_BEND_SEMITONES = 96;
+    static constexpr std::uint8_t MAX_BEND_SEMITONES = 96;
 
     std::uint8_t bendSemitones = 2; // up and down; where the input tells no range of its own
     bool mpe = true;                // zones that an input announces are heeded

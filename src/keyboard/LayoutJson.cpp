@@ -9,7 +9,6 @@ namespace {
 
 constexpr int LONGEST = 60; // characters of a foreign text in a complaint
 constexpr int MAX_MIDI_KEY = Layout::KEYS - 1;
-constexpr double MAX_FREQUENCY = 1e6; // Hz
 
 // In the order of the enumerations.
 const QStringList KINDS{QStringLiteral("learned"),    QStringLiteral("twelve"),
@@ -157,7 +156,8 @@ void exchange(Archive& archive, ScalaKeyboard& keyboard)
     archive.number(QStringLiteral("last"), keyboard.last, -most, most);
     archive.number(QStringLiteral("middle"), keyboard.middle, -most, most);
     archive.number(QStringLiteral("referenceKey"), keyboard.referenceKey, -most, most);
-    archive.number(QStringLiteral("referenceFrequency"), keyboard.referenceFrequency, 0.0, MAX_FREQUENCY);
+    archive.number(QStringLiteral("referenceFrequency"), keyboard.referenceFrequency, 0.0,
+                   ScalaKeyboard::MAX_FREQUENCY);
     archive.number(QStringLiteral("octaveDegree"), keyboard.octaveDegree, -most, most);
 }
 

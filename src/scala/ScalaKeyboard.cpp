@@ -3,8 +3,6 @@
 #include "scala/ScalaLines.h"
 #include "scala/ScalaScale.h"
 
-#include <cmath>
-
 namespace {
 
 std::optional<double> readFrequency(ScalaLines& lines, ScalaError& error)
@@ -14,9 +12,9 @@ std::optional<double> readFrequency(ScalaLines& lines, ScalaError& error)
         return std::nullopt;
     bool isNumber = false;
     const double value = ScalaLines::word(*line).toDouble(&isNumber);
-    if (isNumber && std::isfinite(value) && value > 0.0)
+    if (isNumber && value > 0.0 && value <= ScalaKeyboard::MAX_FREQUENCY)
         return value;
-    error = lines.wrong(QStringLiteral("This is not a frequency above 0 Hz."));
+    error = lines.wrong(QStringLiteral("This is not a frequency from 0 to 1000000 Hz."));
     return std::nullopt;
 }
 
@@ -25,9 +23,12 @@ bool readDegrees(ScalaLines& lines, int size, QList<std::optional<int>>& degrees
 {
     constexpr int most = ScalaKeyboard::MAX_NUMBER;
     while (degrees.size() < size) {
-        const auto line = lines.next(QStringLiteral("the degrees"), error);
-        if (!line && !lines.isAtEnd())
+        ScalaError failure;
+        const auto line = lines.next(QStringLiteral("the degrees"), failure);
+        if (!line && !lines.isAtEnd()) {
+            error = failure;
             return false;
+        }
         if (!line || ScalaLines::word(*line).toLower() == "x") {
             degrees.append(std::nullopt);
             continue;
@@ -81,7 +82,7 @@ std::optional<ScalaPitch> ScalaKeyboard::pitchOf(int key, const ScalaScale& scal
     const auto size = static_cast<int>(degrees.size());
     const int place = (offset % size + size) % size;
     const int repeats = (offset - place) / size;
-    const auto pitch = degrees[place] ? scale.degree(*degrees[place]) : std::nullopt;
+    auto pitch = degrees[place] ? scale.degree(*degrees[place]) : std::nullopt;
     const int octave = octaveDegree != 0 ? octaveDegree : static_cast<int>(scale.pitches().size());
     if (!pitch || repeats == 0)
         return pitch;

@@ -15,6 +15,7 @@ struct ScalaKeyboard
 {
     static constexpr int MAX_SIZE = 4096; // keys until the pattern repeats
     static constexpr int MAX_NUMBER = 100000;
+    static constexpr double MAX_FREQUENCY = 1e6; // Hz
 
     int first = 0; // keys outside of first to last play nothing
     int last = 127;

@@ -204,6 +204,7 @@ TEST(ScalaFile, KeyboardsMapKeysAsTheFormatSays)
         // An octave of degree 0 is the scale's period. Degrees may lie beyond it, and below 1/1.
         {"2 ! size\n0\n127\n60\n60\n440\n0\n-1\n5", 58, 61, "3/8 9/8 3/4 9/4"},
         {"1\n0\n127\n60\n60\n-440.0\n0\n0\n", 0, 0, "! 6"},
+        {"1\n0\n127\n60\n60\n10000000\n0\n0\n", 0, 0, "! 6"},
         {"1\n0\n127\n60\n60\n440,0\n0\n0\n", 0, 0, "! 6"},
         {"1\n0\n127\n60\n60\n440\n0\ny\n", 0, 0, "! 8"},
         {"1\n0\n127\n60\n60\n440\n0\n999999999999\n", 0, 0, "! 8"},
