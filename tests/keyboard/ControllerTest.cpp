@@ -116,13 +116,22 @@ TEST(ControllerMapTest, EachTargetHasAnIdOfItsOwn)
 TEST(ControllerMapTest, WhatAFileSaysWronglyIsLeftOut)
 {
     const auto entry = [](const char* values) {
-        return QByteArray(R"({"input": "a", "channel": 1, "controller": 7, "does": "volume", )") + values + '}';
+        return QByteArray(R"({"input": "a", "channel": 1, "controller": 7, "does": "volume", )") + values
+               + '}';
     };
     const QByteArray bad[] = {
-        entry(R"("channel": 0)"),        entry(R"("channel": 17)"),     entry(R"("channel": 1.5)"),
-        entry(R"("channel": "1")"),      entry(R"("controller": 128)"), entry(R"("controller": -1)"),
-        entry(R"("controller": 1e300)"), entry(R"("does": "macro9")"),  entry(R"("does": "")"),
-        entry(R"("does": 3)"),           entry(R"("input": "")"),       "3",
+        entry(R"("channel": 0)"),
+        entry(R"("channel": 17)"),
+        entry(R"("channel": 1.5)"),
+        entry(R"("channel": "1")"),
+        entry(R"("controller": 128)"),
+        entry(R"("controller": -1)"),
+        entry(R"("controller": 1e300)"),
+        entry(R"("does": "macro9")"),
+        entry(R"("does": "")"),
+        entry(R"("does": 3)"),
+        entry(R"("input": "")"),
+        "3",
         "[]",
     };
     for (const QByteArray& each : bad) {
@@ -148,8 +157,8 @@ TEST(ControllerMapTest, OnlyControllersThatKeysLeaveAloneAreLearned)
 {
     const QString input = QStringLiteral("in");
     EXPECT_EQ(ControllerSource::of(input, 0xB9, 1), (ControllerSource{input, 9, 1}));
-    const std::pair<int, int> others[] = {{0x90, 1},    {0xE0, 1},    {0xB0, 6},   {0xB0, 38}, {0xB0, 64},
-                                          {0xB0, 98},   {0xB0, 101},  {0xB0, 120}, {0xB0, 127}};
+    const std::pair<int, int> others[] = {{0x90, 1},  {0xE0, 1},   {0xB0, 6},   {0xB0, 38}, {0xB0, 64},
+                                          {0xB0, 98}, {0xB0, 101}, {0xB0, 120}, {0xB0, 127}};
     for (const auto& [status, data] : others) {
         EXPECT_FALSE(
             ControllerSource::of(input, static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(data)))

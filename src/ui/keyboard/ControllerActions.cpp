@@ -8,10 +8,13 @@
 #include <QSlider>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace {
 
 constexpr int PRESSED = 64;
+constexpr int MOST_WAITING = 16; // presses between two turns of the event loop
 
 QString sliderName(const ControllerTarget& target)
 {
@@ -64,30 +67,41 @@ void ControllerActions::take(const ControllerSource& source, int value)
     if (!target.isSlider()) {
         const bool wasDown = mDown.value(source);
         mDown[source] = value >= PRESSED;
+        if (value < PRESSED || wasDown || mWaitingPresses == MOST_WAITING)
+            return;
         // Not at once: the press may open a box, which returns only when it is closed.
-        if (value >= PRESSED && !wasDown)
-            QMetaObject::invokeMethod(
-                this, [this, target] { press(target); }, Qt::QueuedConnection);
+        ++mWaitingPresses;
+        const auto pressLater = [this, target] {
+            --mWaitingPresses;
+            press(target);
+        };
+        QMetaObject::invokeMethod(this, pressLater, Qt::QueuedConnection);
         return;
     }
     if (mMoved.isEmpty())
         QMetaObject::invokeMethod(this, &ControllerActions::moveSliders, Qt::QueuedConnection);
-    mMoved.removeIf([&source](const Moved& moved) { return moved.source == source; });
-    mMoved.append({source, value});
+    const auto known = std::find_if(mMoved.begin(), mMoved.end(),
+                                    [&source](const Moved& moved) { return moved.source == source; });
+    if (known == mMoved.end())
+        mMoved.append({source, value, value});
+    else
+        known->last = value;
 }
 
 void ControllerActions::moveSliders()
 {
     const auto now = TakeOver::Time::clock::now();
-    for (const auto& [source, value] : std::exchange(mMoved, {})) {
+    for (const auto& [source, first, last] : std::exchange(mMoved, {})) {
         const ControllerTarget target = mMap.targetOf(source);
         QSlider* slider = sliderOf(target);
         const bool isFree = slider && slider->isEnabled() && !slider->isSliderDown();
         if (!isFree || QApplication::activeModalWidget())
             continue;
-        const std::optional<int> position = mTakeOvers[source].move(
-            value, {slider->minimum(), slider->maximum(), slider->value(), target.isCentred()}, now);
-        if (position)
+        const TakeOver::Slider stands{slider->minimum(), slider->maximum(), slider->value(),
+                                      target.isCentred()};
+        TakeOver& takeOver = mTakeOvers[source];
+        takeOver.move(first, stands, now); // or a quick turn would pass the slider unseen
+        if (const std::optional<int> position = takeOver.move(last, stands, now))
             slider->setValue(*position);
     }
 }

@@ -28,7 +28,8 @@ private:
     struct Moved
     {
         ControllerSource source;
-        int value;
+        int first; // since the last time
+        int last;
     };
 
     void moveSliders();
@@ -40,5 +41,6 @@ private:
     ControllerMap mMap;
     QHash<ControllerSource, TakeOver> mTakeOvers;
     QHash<ControllerSource, bool> mDown; // of buttons
-    QList<Moved> mMoved;                 // sliders' controllers, each once
+    int mWaitingPresses = 0;
+    QList<Moved> mMoved; // sliders' controllers, each once
 };

@@ -51,8 +51,8 @@ void FingerPresses::followTouch(QTouchEvent& touch)
         mHeld.clear(); // of fingers whose end was lost
         mMouseFinger = -1;
     }
-    if (touch.touchPointStates().testFlag(QEventPoint::Pressed))
-        mPinching = false;
+    if (touch.pointCount() == 2)
+        followPinch(touch); // before a finger that goes is forgotten
     if (touch.pointCount() == 1 && touch.points().at(0).state() == QEventPoint::Pressed) {
         beginAlone(touch);
         return;
@@ -70,6 +70,20 @@ void FingerPresses::followTouch(QTouchEvent& touch)
             }
         }
     }
+}
+
+void FingerPresses::followPinch(const QTouchEvent& touch)
+{
+    const QEventPoint& first = touch.points().at(0);
+    const QEventPoint& second = touch.points().at(1);
+    const double moved = QLineF(first.position(), second.position()).length()
+                         - QLineF(first.pressPosition(), second.pressPosition()).length();
+    const auto isOnBall = [this](const QEventPoint& finger) {
+        return finger.state() == QEventPoint::Pressed ? ballAt(finger.position().toPoint()) != nullptr
+                                                      : mHeld.value(finger.id()) != nullptr;
+    };
+    const bool wasZooming = mZooming && !touch.touchPointStates().testFlag(QEventPoint::Pressed);
+    mZooming = wasZooming || qAbs(moved) > PINCH_FROM || !(isOnBall(first) || isOnBall(second));
 }
 
 /// True: the event goes no further, since its finger has pressed already.
@@ -137,17 +151,6 @@ void FingerPresses::releaseMouse()
     QMouseEvent release(QEvent::MouseButtonRelease, mMouseAt, mView->viewport()->mapToGlobal(mMouseAt),
                         Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
     QCoreApplication::sendEvent(mView->viewport(), &release);
-}
-
-bool FingerPresses::areZooming(const QTouchEvent& touch)
-{
-    const QEventPoint& first = touch.points().at(0);
-    const QEventPoint& second = touch.points().at(1);
-    const double moved = QLineF(first.position(), second.position()).length()
-                         - QLineF(first.pressPosition(), second.pressPosition()).length();
-    const bool onBalls = mHeld.value(first.id()) || mHeld.value(second.id());
-    mPinching = mPinching || !onBalls || qAbs(moved) > PINCH_FROM;
-    return mPinching;
 }
 
 QGraphicsItem* FingerPresses::ballAt(QPoint point) const

@@ -21,15 +21,16 @@ public:
     /// Follows the view's viewport, which takes touches from here on. The view owns this object.
     explicit FingerPresses(QGraphicsView* view);
 
-    /// Of two fingers: whether they zoom. On the ground they do, those on balls only once they clearly move
-    /// together or apart.
-    bool areZooming(const QTouchEvent& touch);
+    /// Whether the two fingers of the present touch zoom. On the ground they do, those on balls only once
+    /// they clearly move together or apart.
+    bool areZooming() const { return mZooming; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void followTouch(QTouchEvent& touch);
+    void followPinch(const QTouchEvent& touch);
     bool followMouse(const QMouseEvent& mouse);
     void beginAlone(const QTouchEvent& touch);
     void press(const QEventPoint& finger, Qt::KeyboardModifiers modifiers);
@@ -42,5 +43,5 @@ private:
     int mAwaited = -1;                      // the mouse finger, until its mouse comes
     bool mMouseDown = false;
     QPoint mMouseAt; // in the viewport
-    bool mPinching = false;
+    bool mZooming = false;
 };

@@ -221,7 +221,7 @@ bool OrloView::viewportEvent(QEvent* event)
     auto& touch = static_cast<QTouchEvent&>(*event);
     if (touch.pointCount() == 1)
         return false; // goes on as a mouse event
-    if (touch.pointCount() == 2 && mFingers->areZooming(touch))
+    if (touch.pointCount() == 2 && mFingers->areZooming())
         zoomByTouch(touch);
     return true;
 }

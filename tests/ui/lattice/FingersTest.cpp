@@ -96,6 +96,7 @@ TEST_F(Fingers, OneOnAnotherControlLeavesTheOthersTheirBalls)
     const OrloRatio small(25, 16);
     add({small});
     stack->showNodes();
+    stack->move(700, 0); // onto the screen
     const QPoint free = stack->viewport()->mapTo(static_cast<QWidget*>(stack), pointOf(small));
     touch().press(0, free, stack);
     EXPECT_EQ(said(), "34 2 25/16");
