@@ -3,6 +3,7 @@
 class ApplicationServices;
 class AudioOutput;
 class MidiOutput;
+class MidiPlaying;
 class Orlo;
 class PdPlayer;
 class QString;
@@ -28,6 +29,7 @@ struct Parts
     StoreAndRecall* storeAndRecall = nullptr;
     SaveAndLoad* saveAndLoad = nullptr;
     MidiOutput* midiOutput = nullptr;
+    MidiPlaying* midiPlaying = nullptr;
     StatusNotes* statusNotes = nullptr;
 
     /// Connects the player's signals to the lattice. The lattice knows nothing of sound, so the
@@ -48,6 +50,7 @@ inline AudioOutput* audioOutput() { return parts().audioOutput; }
 inline StoreAndRecall* storeAndRecall() { return parts().storeAndRecall; }
 inline SaveAndLoad* saveAndLoad() { return parts().saveAndLoad; }
 inline MidiOutput* midiOutput() { return parts().midiOutput; }
+inline MidiPlaying* midiPlaying() { return parts().midiPlaying; }
 // clang-format on
 
 /// [gui] Tells the player something in the status line, where it goes away by itself: what a press that did

@@ -6,6 +6,7 @@
 #include "app/OptionsSync.h"
 #include "app/Settings.h"
 #include "files/SoonSaver.h"
+#include "keyboard/MidiPlaying.h"
 #include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
 #include "ui/window/MainWindow.h"
@@ -42,6 +43,9 @@ std::unique_ptr<SoonSaver> afterChanges(MainWindow& window, const QString& confi
     auto* trouble = new FileTrouble(&window, configDirectory);
     trouble->keepMarked(options);
     trouble->keepMarked(chords);
+    const MidiPlaying* playing = app::midiPlaying();
+    trouble->keepMarked(playing->path());
+    trouble->keepMarked(playing->layoutsPath());
     const auto optionsNow = [&window] {
         OptionsSync::fromProgram(window);
         return app::settings()->text();
@@ -49,7 +53,12 @@ std::unique_ptr<SoonSaver> afterChanges(MainWindow& window, const QString& confi
     const auto chordsNow = [] {
         return SaveAndLoad::text(*app::storeAndRecall()->storedChords(), StoreAndRecall::SETS);
     };
-    return std::make_unique<SoonSaver>(QList<SoonSaver::Source>{{options, optionsNow}, {chords, chordsNow}});
+    return std::make_unique<SoonSaver>(QList<SoonSaver::Source>{
+        {options, optionsNow},
+        {chords, chordsNow},
+        {playing->path(), [playing] { return playing->text(); }},
+        {playing->layoutsPath(), [playing] { return playing->layoutsText(); }},
+    });
 }
 
 QString chordFile(const QString& configDirectory)

@@ -56,6 +56,7 @@ void TuningOrloApplication::wireParts()
                    .storeAndRecall = &mStoreAndRecall,
                    .saveAndLoad = &mSaveAndLoad,
                    .midiOutput = midi,
+                   .midiPlaying = &mMidiPlaying,
                    .statusNotes = &mStatusNotes,
                    .connectLattice = &PdPlayer::connectLattice});
     mPlayer.setPortOpenFlag(&midi->portOpen);
@@ -117,6 +118,7 @@ bool TuningOrloApplication::init()
                            FileTrouble::moveMarked(mOrlo.path()));
 
     OptionsSync::toMidi();
+    mMidiPlaying.load(configDirectory());
     mMainWindow = std::make_unique<MainWindow>(&mOrlo);
     mMainWindow->show();
     syncFromSettings();
@@ -286,6 +288,8 @@ void TuningOrloApplication::term()
     QDir chords(Autosave::chordFile(configDirectory()));
     saveStoredChordsToDisk(&chords);
     mSettings.save(); // early: nothing is lost when a sound system crashes in what follows
+    mMidiPlaying.save();
+    mMidiPlaying.end();
     mUdpListener.term();
     static_cast<SerializableRoot&>(mOrlo).term();
     mPlayer.term(); // before the sound device: closing the patch needs its callback

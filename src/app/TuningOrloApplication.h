@@ -9,6 +9,7 @@
 #include "app/TerminationSignals.h"
 #include "external/Interface.h"
 #include "external/UdpListener.h"
+#include "keyboard/MidiPlaying.h"
 #include "memory/SaveAndLoad.h"
 #include "memory/StoreAndRecall.h"
 #include "model/Orlo.h"
@@ -103,6 +104,7 @@ private:
     Interface mInterface;
     PaAudioOutput mAudioOutput;
     AudioOutput* mSoundDevice = &mAudioOutput;
+    MidiPlaying mMidiPlaying{mPlayer};
     Settings mSettings;
     StatusNotes mStatusNotes;
     LogFilter mLogFilter;

@@ -1,6 +1,7 @@
 #include "ui/lattice/OrloView.h"
 
 #include "model/OrloBall.h"
+#include "ui/lattice/FingerPresses.h"
 #include "ui/lattice/LatticeEdge.h"
 #include "ui/lattice/OrloBallWidget.h"
 #include "ui/lattice/OrloWidget.h"
@@ -36,6 +37,7 @@ bool isTouch(const QEvent* event)
 OrloView::OrloView(QWidget* parent)
     : QGraphicsView(parent)
     , mBallScene(new BallScene(this))
+    , mFingers(new FingerPresses(this))
 {
     // All items share one parent, so an index by place would hold that one alone.
     mBallScene->setItemIndexMethod(QGraphicsScene::NoIndex);
@@ -45,7 +47,6 @@ OrloView::OrloView(QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
-    viewport()->setAttribute(Qt::WA_AcceptTouchEvents);
     setDragMode(ScrollHandDrag);
     viewport()->setCursor(Qt::ArrowCursor);
     setTransformationAnchor(AnchorUnderMouse);
@@ -219,8 +220,8 @@ bool OrloView::viewportEvent(QEvent* event)
         return QGraphicsView::viewportEvent(event);
     auto& touch = static_cast<QTouchEvent&>(*event);
     if (touch.pointCount() == 1)
-        return false; // goes on as a mouse event: one finger plays
-    if (touch.pointCount() == 2)
+        return false; // goes on as a mouse event
+    if (touch.pointCount() == 2 && mFingers->areZooming())
         zoomByTouch(touch);
     return true;
 }

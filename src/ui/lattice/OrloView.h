@@ -9,6 +9,7 @@
 class BallScene;
 class CardStackTwoWidget;
 class CardStackWidget;
+class FingerPresses;
 class NodeStackWidget;
 class Orlo;
 class OrloWidget;
@@ -17,7 +18,7 @@ class QTouchEvent;
 
 /// The scene of one page: fits it into the widget, drags it with the mouse, scrolls it with the wheel and
 /// zooms it with two fingers on a screen or a trackpad, or with the wheel and Ctrl (LatticeZoom has the
-/// scales). Graphical thread only, as is all of this folder.
+/// scales). Every finger presses a ball of its own (FingerPresses). Graphical thread only, as is all of this folder.
 class OrloView : public QGraphicsView
 {
     Q_OBJECT
@@ -71,6 +72,7 @@ private:
     void storeSceneCentre();
 
     BallScene* const mBallScene; // owned
+    FingerPresses* const mFingers;
     LatticeZoom mZoom;
     QPointF mSceneCentre{1.0, 1.0};
     bool mZoomAllowed = true;

@@ -1,5 +1,6 @@
 #include "ui/stacks/NodeStackWidget.h"
 
+#include "ui/lattice/FingerPresses.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/lattice/PitchAxis.h"
@@ -38,6 +39,7 @@ NodeStackWidget::NodeStackWidget(QWidget* parent)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAlignment(Qt::AlignTop | Qt::AlignLeft);
     setFocusPolicy(Qt::NoFocus);
+    new FingerPresses(this);
 }
 
 NodeStackWidget::~NodeStackWidget()

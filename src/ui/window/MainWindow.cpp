@@ -13,6 +13,7 @@
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
 #include "ui/firststeps/FirstSteps.h"
+#include "ui/keyboard/PlayFromMidi.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
 #include "ui/lattice/OrloView.h"
@@ -153,6 +154,11 @@ void MainWindow::fillMenu()
     MenuButton* menu = ui->menuButton;
     menu->add(QStringLiteral("Help and keys"), Qt::Key_F1, [this] { showHelp(); });
     menu->add(QStringLiteral("First steps"), QKeySequence(), [this] { showFirstSteps(); });
+    if (app::midiPlaying()) {
+        auto* playing = new PlayFromMidi({ui->circleLayer->orloView(), ui->grapeLayer->orloView()},
+                                         *app::midiPlaying(), this);
+        menu->add(QStringLiteral("Play from MIDI..."), QKeySequence(), [playing] { playing->open(); });
+    }
     menu->add(
         QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
     menu->add(
