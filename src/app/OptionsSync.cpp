@@ -19,7 +19,10 @@ void toMidi()
     const Settings* settings = app::settings();
     MidiOutput* output = app::midiOutput();
     output->selectPort(settings->midiOutDevice);
-    output->setChannel(settings->midiOutChannel);
+    if (settings->midiOutMpeZone)
+        output->setMpeZone();
+    else
+        output->setChannel(settings->midiOutChannel);
     output->mpeSetPitchBendRange(mpe::bendRange(settings->glissRangeMPECents));
 }
 
@@ -54,6 +57,7 @@ void fromProgram(const MainWindow& window)
     const MidiOutput* midi = app::midiOutput();
     settings->midiOutDevice = midi->wantedPort.isEmpty() ? midi->portName : midi->wantedPort;
     settings->midiOutChannel = midi->channel;
+    settings->midiOutMpeZone = midi->isMpeZone();
 }
 
 void keepDevice(int index)

@@ -121,6 +121,7 @@ void Settings::forEachField(Self& self, Visitor&& visitor)
     visitor("framesPerBuffer", self.framesPerBuffer);
     visitor("midiOutDevice", self.midiOutDevice);
     visitor("midiOutChannel", self.midiOutChannel);
+    visitor("midiOutMpeZone", self.midiOutMpeZone);
     visitor("baseFrequency", self.baseFrequency);
     visitor("calibrationFrequency", self.calibrationFrequency);
     visitor("baseNote", self.baseNote);

@@ -36,6 +36,7 @@ public:
     int framesPerBuffer = 256; // audio block, frames
     QString midiOutDevice = QStringLiteral("deactivated");
     int midiOutChannel = 0;
+    bool midiOutMpeZone = false;              // then the channel does not matter
     double baseFrequency = 440.0;             // Hz of ratio 1/1
     double calibrationFrequency = 440.0;      // Hz of A4
     QString baseNote = QStringLiteral("A 4"); // letter, "b", "#" or blank, octave

@@ -82,6 +82,13 @@ ShortMessage pitchBendCentre(int channel)
     return pitchBend(channel, 0x40, 0x00);
 }
 
+std::array<ShortMessage, 5> parameterMessages(int channel, int parameter, int value)
+{
+    return {onChannel(CONTROL, channel, RPN_LSB, parameter), onChannel(CONTROL, channel, RPN_MSB, 0),
+            onChannel(CONTROL, channel, DATA_MSB, value), onChannel(CONTROL, channel, RPN_LSB, NO_RPN),
+            onChannel(CONTROL, channel, RPN_MSB, NO_RPN)};
+}
+
 BendRange bendRangeMessages(int cents)
 {
     const int semitones = static_cast<int>(static_cast<double>(static_cast<float>(cents)) / 100.0);

@@ -39,6 +39,14 @@ ShortMessage pitchBend(int channel, Byte msb, Byte lsb);
 /// [any]
 ShortMessage pitchBendCentre(int channel);
 
+// Registered parameters (RPN).
+constexpr int BEND_RANGE_PARAMETER = 0;
+constexpr int ZONE_PARAMETER = 6; // of MPE
+
+/// [any] Sets a registered parameter by its most significant byte alone, which is all that semitones or a
+/// count need, and selects none afterwards.
+std::array<ShortMessage, 5> parameterMessages(int channel, int parameter, int value);
+
 /// Sets the range of the pitch bend on the receiving device, by a registered parameter (RPN 0).
 struct BendRange
 {

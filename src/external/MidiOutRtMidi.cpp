@@ -2,6 +2,7 @@
 
 #include "app/LogFilter.h"
 #include "external/JackServer.h"
+#include "external/MidiNote.h"
 #include "sound/AudioLog.h"
 #include "sound/ThreadCheck.h"
 
@@ -108,7 +109,9 @@ void MidiOutRtMidi::endNotes()
 
 void MidiOutRtMidi::silence()
 {
-    if (mpeMode) {
+    if (mpeZone) {
+        endZone();
+    } else if (mpeMode) {
         mpeAllVoicesOff();
         mpeResetPitchBendRange();
     } else {
@@ -131,18 +134,19 @@ void MidiOutRtMidi::setChannel(int newChannel)
 /// [audio]
 void MidiOutRtMidi::applyChannel(int newChannel)
 {
+    const bool wasZone = leaveZone();
     const bool toMpe = newChannel == MPE;
     if (toMpe != mpeMode.exchange(toMpe))
         mpeChannels.freeAll();
     if (toMpe) {
-        if (portOpen && channel != MPE) {
+        if (portOpen && (channel != MPE || wasZone)) {
             allVoicesOff(); // still on the old channel
             mpeApplyPitchBendRange();
         }
         channel = MPE;
         return;
     }
-    if (portOpen && channel == MPE) {
+    if (portOpen && channel == MPE && !wasZone) {
         mpeAllVoicesOff();
         mpeResetPitchBendRange();
     }
@@ -182,7 +186,7 @@ void MidiOutRtMidi::bendVoices(QList<int> voices, QList<float> frequencies)
     for (qsizetype i = 0; i < count; ++i) {
         for (int held = 0; held < CHANNELS; ++held) {
             if (mpeChannels.holds(held, voices.at(i)))
-                sendBend(held, frequencies.at(i));
+                sendBend(held, midi::noteOfFrequency(frequencies.at(i)));
         }
     }
 }

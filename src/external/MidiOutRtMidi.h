@@ -16,7 +16,8 @@
 /// On [audio] a message is built in storage that is there already and handed to the sender's thread, the
 /// only one that calls RtMidi: nothing is allocated, and nothing waits. A port that fails, that is
 /// gone or does not take its messages is closed, which is logged and told by `portLost`, and opened
-/// again when one of its name is back. MidiOutRtMidiPort.cpp has the port, MidiOutRtMidiMpe.cpp the MPE.
+/// again when one of its name is back. MidiOutRtMidiPort.cpp has the port, MidiOutRtMidiMpe.cpp the MPE,
+/// MidiOutRtMidiZone.cpp its zone.
 class MidiOutRtMidi : public MidiOutput
 {
     Q_OBJECT
@@ -89,6 +90,8 @@ public:
 
     /// [gui]
     void setChannel(int channel) override;
+    /// [gui]
+    void setMpeZone() override;
     /// [audio]
     void bendVoices(QList<int> voices, QList<float> frequencies) override;
     /// [audio]
@@ -125,8 +128,16 @@ private:
     void send(std::span<const midi::Byte> message);
     void sendTuning(const char* what, std::span<const midi::Byte> message);
     int takeChannel(int voice, float frequency, int& start, const QList<int>& voices);
-    void sendBend(int channel, float frequency);
+    void sendBend(int channel, double note);
     bool bendReaches(int voice, double note) const;
+
+    void enterZone();
+    bool leaveZone();
+    void announceZone();
+    void endZone();
+    void changeZoneRange();
+    void sendMemberRange(int cents);
+    void sendParameter(int channel, int parameter, int value);
 
     // [gui] The former one was given up; the engine may still be writing to it.
     mutable std::unique_ptr<MidiSender> mSender;

@@ -24,7 +24,7 @@ void MidiOutRtMidi::mpeSetVoiceFrequency(QList<int> voices, QList<float> frequen
     for (qsizetype i = 0; i < count; ++i) {
         const int found = takeChannel(voices.at(i), frequencies.at(i), start, voices);
         if (found != MpeChannels::NONE)
-            sendBend(found, frequencies.at(i));
+            sendBend(found, midi::noteOfFrequency(frequencies.at(i)));
     }
 }
 
@@ -39,28 +39,35 @@ int MidiOutRtMidi::takeChannel(int voice, float frequency, int& start, const QLi
     return found;
 }
 
-void MidiOutRtMidi::sendBend(int bentChannel, float frequency)
+/// A note beyond the MIDI range is bent towards as far as the bend goes.
+void MidiOutRtMidi::sendBend(int bentChannel, double note)
 {
     const auto at = static_cast<size_t>(bentChannel);
     const int key = mpeChannels.channelKey[at];
     const double start = mpeChannels.channelExactNote[at];
-    const int range = pitchBendRangeCents;
-    const double cents = mpe::bendCents(midi::noteOfFrequency(frequency), start, key, range);
+    const int range = bendRangeCents();
+    const double cents = mpe::bendCents(note, start, key, pitchBendRangeCents);
     const mpe::Bend bend = mpe::bendOfCents(cents, range);
     if (std::abs(bend.factor) > 1.0 && !std::exchange(mBendWarned, true))
         AudioLog::warning("MPE Pitch-bend factor exceeds +-1.");
     send(midi::pitchBend(bentChannel, bend.msb, bend.lsb));
+    const double miss = std::abs((note - key) * 100.0 - mpe::centsOfBend(bend, range));
+    const bool isHeard = key <= midi::LAST_DATA && std::isfinite(miss);
+    mpeChannels.bend(bentChannel, note, isHeard ? miss : 0.0);
     ORLO_AUDIO_DEBUG << "MPE pitch-bend message sent:";
     ORLO_AUDIO_DEBUG << "channel, voice, exact note, range cents, bend cents, factor, message MSB, LSB"
                      << bentChannel << key << start << range << cents << bend.factor << bend.coarse
                      << bend.fine;
 }
 
+/// In a zone, the glissandi that follow have their room too.
 bool MidiOutRtMidi::bendReaches(int voice, double note) const
 {
+    const int limit = pitchBendRangeCents;
+    const int reach = mpeZone ? bendRangeCents() - limit + mpe::ROUNDING_CENTS : limit;
     for (int i = 0; i < CHANNELS; ++i) {
         if (mpeChannels.holds(i, voice)
-            && std::abs(note - mpeChannels.channelKey[static_cast<size_t>(i)]) * 100.0 > pitchBendRangeCents)
+            && std::abs(note - mpeChannels.channelKey[static_cast<size_t>(i)]) * 100.0 > reach)
             return false;
     }
     return true;
@@ -80,7 +87,8 @@ void MidiOutRtMidi::retuneVoices(QList<int> voices, QList<float> frequencies, QL
         if (!bendReaches(voice, note)) {
             mpeVoiceOff(voice);
             int start = 0;
-            sendBend(takeChannel(voice, frequencies.at(i), start, voices), frequencies.at(i));
+            sendBend(takeChannel(voice, frequencies.at(i), start, voices),
+                     midi::noteOfFrequency(frequencies.at(i)));
             mpeVoiceOn(voice, midi::velocityOf(velocities.at(i)));
             continue;
         }
@@ -88,7 +96,7 @@ void MidiOutRtMidi::retuneVoices(QList<int> voices, QList<float> frequencies, QL
             if (!mpeChannels.holds(held, voice))
                 continue;
             mpeChannels.startFrom(held, note);
-            sendBend(held, frequencies.at(i));
+            sendBend(held, midi::noteOfFrequency(frequencies.at(i)));
         }
     }
 }
@@ -139,9 +147,12 @@ void MidiOutRtMidi::mpeSetPitchBendRange(int cents)
 {
     ThreadCheck::gui();
     const auto apply = [this, cents] {
+        const int former = bendRangeCents();
         pitchBendRangeCents = cents;
         mBendWarned = false;
-        if (portOpen && mpeMode)
+        if (portOpen && mpeZone && bendRangeCents() != former)
+            changeZoneRange();
+        else if (portOpen && mpeMode && !mpeZone)
             mpeApplyPitchBendRange();
     };
     if (onEngine(apply))

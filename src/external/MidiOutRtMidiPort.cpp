@@ -156,7 +156,9 @@ bool MidiOutRtMidi::usePort(const MidiPort::Opened& opened)
         mWriter = mSender.get();
         mpeChannels.freeAll();
         portOpen = true;
-        if (mpeMode)
+        if (mpeZone)
+            announceZone();
+        else if (mpeMode)
             mpeApplyPitchBendRange();
     };
     if (!onEngine(begin)) {

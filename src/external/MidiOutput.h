@@ -12,10 +12,11 @@
 #include <functional>
 #include <vector>
 
-/// The MIDI output: sends the pitches of the sounding voices to one port, in one of two modes.
+/// The MIDI output: sends the pitches of the sounding voices to one port, in one of three modes.
 /// With a channel from 0 to 15 each voice has a key of its own, which is retuned before its note
 /// (MIDI Tuning Standard). With channel -1 each voice takes a channel of its own and is tuned by
-/// pitch bend (MPE).
+/// pitch bend (MPE), and the same in an MPE zone, which leaves channel 0 free for its manager and is
+/// announced to the device.
 ///
 /// Ports, channel and range are set on [gui], the voices sound on [audio]. What both touch belongs to
 /// whoever runs the engine: [gui] has its changes done there in one piece. A change of port or mode
@@ -116,6 +117,16 @@ public:
     /// of a macro.
     virtual void retuneVoices(QList<int> voices, QList<float> frequencies, QList<float> velocities) = 0;
 
+    /// [gui] Begins the lower MPE zone with all fifteen members; the channel becomes MPE. Any setChannel()
+    /// ends it.
+    virtual void setMpeZone() = 0;
+    /// [any]
+    bool isMpeZone() const { return mpeZone; }
+
+    /// [any] How far a pitch may be from what was asked for, as the device gets it, in cents: the step of its
+    /// tuning, or in MPE what a note that is held at the bend's limit misses by, if that is more.
+    double pitchErrorCents() const;
+
     /// [gui] Silences the device. The notes stay silent until they are struck again.
     virtual void endNotes() = 0;
 
@@ -138,10 +149,13 @@ signals:
 protected:
     /// [gui] Runs the work where the engine runs. False, without running it, when the engine hangs.
     bool onEngine(const std::function<void()>& work) const;
+    /// [any] What the device is told, which a zone rounds up.
+    int bendRangeCents() const;
 
     // All of it [audio], and changed together.
     MtsKeys mtsKeys;
     std::atomic<bool> mpeMode{false};
+    std::atomic<bool> mpeZone{false}; // only in MPE mode
     MpeChannels mpeChannels;
     std::atomic<int> pitchBendRangeCents{50};
 

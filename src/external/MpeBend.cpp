@@ -4,6 +4,12 @@
 
 namespace mpe {
 
+namespace {
+
+constexpr int CENTRE = 0x2000; // of the bend's 14 bits
+
+} // namespace
+
 double bendCents(double note, double start, int key, int rangeCents)
 {
     const double moved = (note - start) * 100.0;
@@ -48,6 +54,16 @@ Bend bendOfCents(double cents, int rangeCents)
 {
     const double factor = cents / rangeCents;
     return bendOfFactor(std::isnan(factor) ? 0.0 : factor); // no bend in no range
+}
+
+double centsOfBend(const Bend& bend, int rangeCents)
+{
+    return (bend.msb * midi::DATA_VALUES + bend.lsb - CENTRE) * stepCents(rangeCents);
+}
+
+double stepCents(int rangeCents)
+{
+    return static_cast<double>(rangeCents) / CENTRE;
 }
 
 } // namespace mpe

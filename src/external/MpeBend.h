@@ -2,6 +2,7 @@
 
 #include "external/MidiBytes.h"
 
+#include <algorithm>
 #include <limits>
 
 /// The pitch bend in MPE: its range, how far a voice may be bent before it is held, and the two bytes of a
@@ -16,6 +17,13 @@ constexpr int bendRange(int glissandoCents)
 {
     constexpr int max = std::numeric_limits<int>::max() - ROUNDING_CENTS;
     return (glissandoCents < max ? glissandoCents : max) + ROUNDING_CENTS;
+}
+
+/// [any] The range of a zone's members: that bend range in whole semitones, as devices want it, from the two
+/// that each device starts with to the 96 that MPE allows.
+constexpr int zoneRange(int bendRangeCents)
+{
+    return (std::clamp(bendRangeCents, 200, 9600) + 99) / 100 * 100;
 }
 
 /// [any] By how many cents the channel of a voice is bent. `start` is the note at which the voice took
@@ -35,5 +43,9 @@ struct Bend
 Bend bendOfFactor(double factor);
 /// [any] No bend in a range of 0.
 Bend bendOfCents(double cents, int rangeCents);
+/// [any] What a device makes of the two bytes.
+double centsOfBend(const Bend& bend, int rangeCents);
+/// [any] From one bend to the next.
+double stepCents(int rangeCents);
 
 } // namespace mpe

@@ -9,6 +9,9 @@
 /// that say so. Pure functions without state; what appends to a vector allocates only beyond its capacity.
 namespace mts {
 
+/// From one pitch to the next that a tuning can say.
+inline constexpr double STEP_CENTS = 100.0 / (midi::DATA_VALUES * midi::DATA_VALUES);
+
 /// The pitch of one key in a tuning change.
 struct Tuning
 {

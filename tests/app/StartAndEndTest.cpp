@@ -86,6 +86,7 @@ TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)
         {u"framesPerBuffer"_s, 128},
         {u"midiOutDevice"_s, u"Third:in"_s},
         {u"midiOutChannel"_s, -1},
+        {u"midiOutMpeZone"_s, true},
         {u"glissRangeMPECents"_s, 100},
         {u"baseFrequency"_s, 261.6255653}, // more digits than the engine keeps
         {u"masterVolume"_s, 0.25},
@@ -98,7 +99,7 @@ TEST_F(StartAndEnd, OptionsReachTheProgramAndComeBack)
     ASSERT_TRUE(start(options));
     EXPECT_EQ(sound.asked, std::pair(128, 1));
     EXPECT_EQ(midi.portName, u"Third:in"_s);
-    EXPECT_EQ(midi.channel, MidiOutput::MPE);
+    EXPECT_TRUE(midi.isMpeZone());
     EXPECT_EQ(midi.pitchBendRangeCents, 150);
     EXPECT_EQ(application.mainWindow()->pos(), QPoint(40, 30));
     const auto* volume = find<QSlider>("volumeSlider");
@@ -142,6 +143,7 @@ TEST_F(StartAndEnd, WhatThePlayerChoseIsSavedAndWhatWasLostIsWantedBack)
     expectSaved({{u"audioDevice"_s, 1},
                  {u"midiOutDevice"_s, u"Other:in"_s},
                  {u"midiOutChannel"_s, 7},
+                 {u"midiOutMpeZone"_s, false},
                  {u"circlesView"_s, true},
                  {u"baseFrequency"_s, 300.5},
                  {u"masterVolume"_s, 0.5}});

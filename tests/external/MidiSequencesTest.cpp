@@ -72,7 +72,7 @@ public:
     {
         switch (any(12)) {
         case 0: selectPort(any(5) - 1); break;
-        case 1: setChannel(any(2) == 0 ? MidiOutput::MPE : MTS_CHANNEL); break;
+        case 1: setMode(any(3)); break;
         case 2:
         case 3:
         case 4: stop(any(VOICES)); break;
@@ -113,7 +113,7 @@ private:
     {
         stop(voice); // the player gives out free voices only
         router.receiveInstructions(PdPlayer::instructionNoteOn, {voice}, {anyFrequency()}, {0.8F});
-        if (mPort >= 0 && (!mMpe || mSounding.size() < MidiOutput::CHANNELS))
+        if (mPort >= 0 && (!mMpe || mSounding.size() < (out.isMpeZone() ? 15 : 16)))
             mSounding.insert(voice);
     }
     void stop(int voice)
@@ -142,12 +142,14 @@ private:
         mPort = port;
         mSounding.clear();
     }
-    void setChannel(int channel)
+    /// MTS, MPE or a zone.
+    void setMode(int mode)
     {
-        if ((channel == MidiOutput::MPE) != mMpe)
+        const std::pair<bool, bool> former(mMpe, out.isMpeZone());
+        mode == 2 ? out.setMpeZone() : out.setChannel(mode == 1 ? MidiOutput::MPE : MTS_CHANNEL);
+        mMpe = mode > 0;
+        if (former != std::pair(mMpe, out.isMpeZone()))
             mSounding.clear();
-        out.setChannel(channel);
-        mMpe = channel == MidiOutput::MPE;
     }
 
     std::mt19937 mRandom;
@@ -197,7 +199,8 @@ TEST(MidiSequences, TwoThreadsAtOnceBreakNoMessage)
     const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(1000);
     int changes = 0;
     for (; std::chrono::steady_clock::now() < until; ++changes) {
-        switch (random() % 3) {
+        switch (random() % 4) {
+        case 2: rig.out.setMpeZone(); break;
         case 0: rig.out.selectPort(static_cast<int>(random() % 4)); break;
         case 1: rig.out.setChannel(static_cast<int>(random() % 4) - 1); break;
         default: rig.out.mpeSetPitchBendRange(static_cast<int>(random() % 1200) + 50); break;

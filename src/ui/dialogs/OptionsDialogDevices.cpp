@@ -15,6 +15,12 @@
 
 using namespace optionspage;
 
+namespace {
+
+constexpr int ZONE_INDEX = MidiOutput::CHANNELS + 1; // behind MPE and the channels
+
+} // namespace
+
 void OptionsDialog::addVoicesRow(QVBoxLayout* layout)
 {
     const Settings* settings = app::settings();
@@ -65,6 +71,7 @@ void OptionsDialog::addDeviceRows(QGridLayout* grid)
     mMidiChannelMenu->addItem(QStringLiteral("MPE"));
     for (int channel = 1; channel <= MidiOutput::CHANNELS; ++channel)
         mMidiChannelMenu->addItem(QStringLiteral("MTS Ch ") + QString::number(channel));
+    mMidiChannelMenu->addItem(QStringLiteral("MPE zone"));
     showMidi();
     connect(mAudioDeviceMenu, &QComboBox::activated, this, &OptionsDialog::onAudioDeviceMenuActivated);
     connect(mMidiDeviceMenu, &QComboBox::activated, this, &OptionsDialog::onMidiOutputDeviceMenuActivated);
@@ -95,8 +102,9 @@ void OptionsDialog::showAudioDevice()
 
 void OptionsDialog::showMidi()
 {
-    mMidiDeviceMenu->setCurrentIndex(qMax(0, mMidiDeviceMenu->findText(app::midiOutput()->portName)));
-    mMidiChannelMenu->setCurrentIndex(app::midiOutput()->channel + 1);
+    const MidiOutput* output = app::midiOutput();
+    mMidiDeviceMenu->setCurrentIndex(qMax(0, mMidiDeviceMenu->findText(output->portName)));
+    mMidiChannelMenu->setCurrentIndex(output->isMpeZone() ? ZONE_INDEX : output->channel + 1);
 }
 
 void OptionsDialog::onAudioDeviceMenuActivated(int index)
@@ -138,6 +146,11 @@ void OptionsDialog::onMidiOutputDeviceMenuActivated(int index)
 
 void OptionsDialog::onMidiOutputChannelMenuActivated(int index)
 {
+    if (index == ZONE_INDEX) {
+        app::midiOutput()->setMpeZone();
+        qDebug() << "Midi channel set to: MPE zone";
+        return;
+    }
     app::midiOutput()->setChannel(index - 1);
     qDebug() << "Midi channel set to: " << index - 1;
 }

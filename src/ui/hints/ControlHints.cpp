@@ -81,7 +81,7 @@ constexpr Row ROWS[] = {
     {"numberOfVoicesMenu", "How many notes can sound together, those that fade away among them. Holds from the next start on."},
     {"audioDevice", "Where the sound goes. A choice acts at once."},
     {"midiDevice", "Where the notes are sent as MIDI, with their exact pitches, beside the sound of the program."},
-    {"midiOutputChannelMenu", "How exact pitches are sent: MPE bends each note on a channel of its own, MTS retunes single keys of one channel. Choose what the receiver knows.", "MIDI mode and channel"},
+    {"midiOutputChannelMenu", "How exact pitches are sent: MPE bends each note on a channel of its own, an MPE zone is announced first, MTS retunes single keys of one channel. Choose what the receiver knows.", "MIDI mode and channel"},
     {"calibrationEdit", "The frequency of A4, from which the notes have their names and 1/1 its frequency."},
     {"splitOctavesNotes", "Chooses the note of 1/1 by two menus, one for the note and one for its octave."},
     {"oneOneNoteEdit", "The note that 1/1 stands for. A choice sets the frequency too; red means that the frequency is not the note's."},

@@ -18,6 +18,12 @@ constexpr int SPACING = 8;
 constexpr int NOTE_MS = 6000;
 constexpr int LOOK_AT_PORT_MS = 1000;
 
+/// Two digits, or whole cents where there are more.
+QString centsText(double cents)
+{
+    return cents < 99.5 ? QString::number(cents, 'g', 2) : QString::number(cents, 'f', 0);
+}
+
 } // namespace
 
 StatusLine::StatusLine(QWidget* over)
@@ -190,7 +196,8 @@ void StatusLine::lookAtPort(const MidiOutput* output)
 {
     QString port;
     if (output->portOpen)
-        port = QStringLiteral("MIDI: %1").arg(output->portName);
+        port = QStringLiteral("MIDI: %1, pitches within %2 cents")
+                   .arg(output->portName, centsText(output->pitchErrorCents()));
     else if (const QString missing = output->missingPort(); !missing.isEmpty())
         port = QStringLiteral("MIDI: %1 is not there").arg(missing);
     if (port == mPort)

@@ -10,8 +10,9 @@ class QLabel;
 class QPushButton;
 
 /// A short line over the lower left corner of the lattice: which device plays and how many blocks came
-/// late, the MIDI port, or what has gone wrong; for a few seconds, a note. Clicks go through it to the
-/// lattice, except while the device is lost. Its text is cut to the lattice's width, and then is its tooltip.
+/// late, the MIDI port and how exact its pitches are, or what has gone wrong; for a few seconds, a note.
+/// Clicks go through it to the lattice, except while the device is lost. Its text is cut to the lattice's
+/// width, and then is its tooltip.
 class StatusLine : public QWidget
 {
     Q_OBJECT

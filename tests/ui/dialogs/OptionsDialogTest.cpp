@@ -230,8 +230,14 @@ TEST_F(OptionsDialogTest, TheMidiMenusOpenAndClosePorts)
     midi.system->take();
     choose(ports, "Third:in"); // is open already
     EXPECT_TRUE(midi.system->take().empty());
+    choose(channels, "MPE zone");
+    EXPECT_TRUE(midi.isMpeZone());
+    channels->setCurrentIndex(0);
+    emit midi.portBack(midi.portName); // shows what is chosen
+    EXPECT_EQ(channels->currentIndex(), 17);
     choose(channels, "MTS Ch 16");
     EXPECT_EQ(midi.channel, 15);
+    EXPECT_FALSE(midi.isMpeZone());
 
     const auto lose = [this] {
         midi.system->sendsFail = true;

@@ -53,7 +53,7 @@ TEST(StatusLine, ShowsANoteForAWhileAndIsCutToItsRoom)
 {
     QWidget window;
     auto* page = new QWidget(&window);
-    page->setGeometry(0, 0, 300, 300);
+    page->setGeometry(0, 0, 700, 300);
     SoundDeviceDouble device(0);
     MidiOutOverDouble midi;
     StatusLine line(page);
@@ -61,7 +61,8 @@ TEST(StatusLine, ShowsANoteForAWhileAndIsCutToItsRoom)
     line.follow(&midi);
     const auto* label = line.findChild<QLabel*>(QStringLiteral("statusLabel"));
     ASSERT_TRUE(midi.selectPort(0));
-    const QString standing = QStringLiteral("JACK: system    MIDI: %1").arg(midi.portName);
+    const QString standing =
+        QStringLiteral("JACK: system    MIDI: %1, pitches within 0.0061 cents").arg(midi.portName);
     EXPECT_TRUE(QTest::qWaitFor([&] { return label->text() == standing; }));
 
     line.say(QStringLiteral("Select a ball first"));
