@@ -8,17 +8,17 @@
 
 /// Finds the channel messages in what one input delivers, a packet at a time, and leaves out the rest: SysEx,
 /// clocks, and bytes that make no message. A packet may hold several messages and use running status (MIDI
-/// 1.0), also that of the packet before; a message is never put together from two packets, since a byte that
-/// was lost between them would make a wrong one.
+/// 1.0). Nothing is put together from two packets, not even by running status: the data bytes of a SysEx that
+/// was cut, or a lost byte, would make a wrong note.
 class MidiInParser
 {
 public:
-    /// [receiver] Calls `found` for each message; `input` stays 0. How many bytes belonged to no message.
+    /// [receiver] Calls `found` for each message; `input` stays 0. How many data bytes belonged to none.
     template <class Found>
     std::size_t parse(std::span<const std::uint8_t> packet, Found&& found)
     {
         std::size_t bad = 0;
-        mCount = 0;
+        mNeeded = mCount = 0;
         for (const std::uint8_t byte : packet) {
             bad += take(byte);
             if (isWhole()) {

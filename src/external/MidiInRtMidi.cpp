@@ -2,10 +2,25 @@
 
 #include "external/MidiInRing.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 constexpr const char* CLIENT_NAME = "RtMidi Input Client";
-constexpr const char* PORT_NAME = "RtMidi Input";
+constexpr int STUCK_LOOKS = 4;
+
+/// A look at what RtMidi keeps to itself.
+struct InputState : MidiInApi
+{
+    static bool isInSysEx(const MidiInApi& api) { return (api.*(&InputState::inputData_)).continueSysex; }
+};
+
+class Input : public RtMidiIn
+{
+public:
+    using RtMidiIn::RtMidiIn;
+    bool isInSysEx() const { return InputState::isInSysEx(static_cast<const MidiInApi&>(*rtapi_)); }
+};
 
 } // namespace
 
@@ -17,7 +32,7 @@ MidiInRtMidi::~MidiInRtMidi()
 bool MidiInRtMidi::open(RtMidi::Api api, const std::string& name, MidiInRing* ring, std::uint8_t slot)
 {
     close();
-    auto input = std::make_unique<RtMidiIn>(api, CLIENT_NAME);
+    auto input = std::make_unique<Input>(api, CLIENT_NAME);
     input->ignoreTypes(true, true, true); // no SysEx, no clock, no active sensing
     const unsigned int count = input->getPortCount();
     for (unsigned int i = 0; i < count; ++i) {
@@ -25,8 +40,10 @@ bool MidiInRtMidi::open(RtMidi::Api api, const std::string& name, MidiInRing* ri
             continue;
         mRing = ring;
         mSlot = slot;
+        mReceiver = "RtMidi Input " + std::to_string(slot + 1) + " of "
+                    + std::to_string(QCoreApplication::applicationPid());
         input->setCallback(&MidiInRtMidi::receive, this);
-        input->openPort(i, PORT_NAME);
+        input->openPort(i, mReceiver);
         if (!input->isPortOpen())
             return false;
         rtMidiIn = input.release();
@@ -44,17 +61,28 @@ void MidiInRtMidi::close()
     input->closePort();
 }
 
+bool MidiInRtMidi::isStuck()
+{
+    const bool inSysEx = rtMidiIn && static_cast<const Input*>(rtMidiIn)->isInSysEx();
+    mLooksInSysEx = inSysEx ? mLooksInSysEx + 1 : 0;
+    return mLooksInSysEx >= STUCK_LOOKS;
+}
+
 void MidiInRtMidi::abandon()
 {
+    mRing = nullptr;
     rtMidiIn = nullptr;
 }
 
 void MidiInRtMidi::receive(double /*seconds*/, std::vector<unsigned char>* packet, void* self)
 {
     auto* const input = static_cast<MidiInRtMidi*>(self);
-    const std::size_t bad = input->mParser.parse(*packet, [input](MidiInMessage message) {
+    MidiInRing* const ring = input->mRing;
+    if (!ring)
+        return;
+    const std::size_t bad = input->mParser.parse(*packet, [input, ring](MidiInMessage message) {
         message.input = input->mSlot;
-        input->mRing->write(message);
+        ring->write(message);
     });
     if (bad != 0)
         input->mBadBytes.fetch_add(static_cast<std::uint32_t>(bad), std::memory_order_relaxed);

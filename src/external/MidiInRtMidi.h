@@ -31,8 +31,15 @@ public:
     bool open(RtMidi::Api api, const std::string& name, MidiInRing* ring, std::uint8_t slot);
     /// Nothing is written into the ring any more when it returns.
     void close();
-    /// Leaves what is open to itself for ever, ring and all: JACK's library has deleted it under its owner.
+    /// Leaves what is open to itself for ever: JACK's library has deleted it under its owner. It writes
+    /// nothing any more.
     void abandon();
+    /// What its MIDI system calls the port that receives; no other port of the machine is called so.
+    const std::string& receiver() const { return mReceiver; }
+
+    /// Whether a SysEx has been under way at several looks, to be taken twice a second: RtMidi holds back all
+    /// that follows one that was cut, so the input must be opened anew.
+    bool isStuck();
 
     /// [any] How many bytes belonged to no message so far.
     std::uint32_t badBytes() const { return mBadBytes.load(std::memory_order_relaxed); }
@@ -43,7 +50,9 @@ private:
     static void receive(double seconds, std::vector<unsigned char>* packet, void* self);
 
     MidiInParser mParser; // the callback's
-    MidiInRing* mRing = nullptr;
+    std::string mReceiver;
+    std::atomic<MidiInRing*> mRing{nullptr};
     std::uint8_t mSlot = 0;
+    int mLooksInSysEx = 0;
     std::atomic<std::uint32_t> mBadBytes{0};
 };

@@ -1,7 +1,7 @@
 #include "external/MidiInputs.h"
 
 #include "app/LogText.h"
-#include "external/JackServer.h"
+#include "external/JackLook.h"
 #include "external/MidiInRing.h"
 #include "external/MidiInRtMidi.h"
 #include "sound/JackEpoch.h"
@@ -13,8 +13,8 @@
 #include <array>
 #include <chrono>
 #include <condition_variable>
+#include <map>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,13 +24,17 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr auto LOOK_INTERVAL = 2s;
-constexpr auto SERVER_WATCH = 500ms;
-constexpr auto LISTED_FOR = 5s; // after available()
+constexpr auto LOOK_INTERVAL = 500ms; // a port that went and came back meanwhile may be missed
+constexpr auto LISTED_FOR = 5s;       // after available()
+constexpr auto WITHOUT_JACK = 2s;
+constexpr auto WITHOUT_API = 600s; // ALSA without its sequencer, of which it complains aloud each time
 constexpr auto END_LIMIT = 2s;
 constexpr auto WATCH_INTERVAL = 100ms;
+constexpr int CONNECTION_TRIES = 20;
+constexpr auto CONNECTION_PAUSE = 10ms;
+constexpr const char* OWN_OUTPUT = "RtMidi Output Client";
 
-/// The ports of one MIDI system.
+/// A port of one MIDI system.
 struct Port
 {
     RtMidi::Api api;
@@ -46,209 +50,245 @@ struct MidiInputs::Core
         MidiInRing ring;
         // The thread's.
         std::unique_ptr<MidiInRtMidi> input;
-        std::string openName;
-        RtMidi::Api api = RtMidi::UNSPECIFIED;
-        std::uint32_t badBefore = 0; // of the inputs that were open before
+        Port port{RtMidi::UNSPECIFIED, {}}; // to which it is open
+        std::uint32_t badBefore = 0;        // of the inputs that were open before
         // Guarded by the mutex.
         std::string wanted;
+        bool isTaken = false; // by an open input, be it of the former name
         bool isOpen = false;
-        bool wasOpen = false;
         std::uint32_t bad = 0;
         // [gui]
         bool seenOpen = false;
+        bool wasOpen = false;
         bool toldTrouble = false;
+        std::uint32_t badAtFirst = 0;
+        std::uint32_t lostAtFirst = 0;
     };
 
+    bool isIdle() const;
     void run();
-    void look();
-    void closeUnwanted();
+    void work();
     void checkServer();
-    void leaveJack();
+    void close(Slot& slot);
+    void abandon(Slot& slot);
+    std::vector<std::string> namesOf(RtMidi::Api api);
     std::vector<Port> listPorts();
-    void close(Slot& slot, bool abandon);
-    void open(Slot& slot, std::uint8_t number, const std::vector<Port>& ports);
-    void publish();
+    bool isThere(const Slot& slot, const std::vector<Port>& ports) const;
+    void open(std::size_t number, const std::string& wanted, const std::vector<Port>& ports);
+    bool becomesConnected(const Slot& slot) const;
+    void fail(const std::string& why);
+    void publish(const std::vector<Port>& ports);
+
+    // The thread's.
+    JackLook jack;
+    unsigned jackEpoch = 0; // in which JACK's clients here were made
+    std::map<RtMidi::Api, std::unique_ptr<RtMidiIn>> listers;
+    std::map<RtMidi::Api, Clock::time_point> askedAgain;
 
     std::array<Slot, SLOTS> places;
-    unsigned jackEpoch = 0; // in which JACK's clients here were made
-    bool hasJack = false;
-
     mutable std::mutex mutex; // the thread and [gui], never [audio] or a callback
     std::condition_variable wake;
     std::vector<std::string> available;
     std::vector<std::string> failures; // for the log
     Clock::time_point listedUntil{};
-    bool changed = true; // what is wanted
+    bool changed = false; // what is wanted
     bool ending = false;
     bool exited = true;
 };
 
 // ---------------------------------------------------------------- the thread
 
+/// The mutex is held.
+bool MidiInputs::Core::isIdle() const
+{
+    return !changed && Clock::now() > listedUntil
+           && std::ranges::all_of(places, [](const Slot& slot) { return slot.wanted.empty(); });
+}
+
 void MidiInputs::Core::run()
 {
-    auto nextLook = Clock::now();
     std::unique_lock lock(mutex);
-    while (!ending) {
-        const bool wantsAny =
-            std::ranges::any_of(places, [](const Slot& slot) { return !slot.wanted.empty(); });
-        if (!wantsAny && !changed && Clock::now() > listedUntil)
-            break;
-        const bool looks = std::exchange(changed, false) || Clock::now() >= nextLook;
+    while (!ending && !isIdle()) {
+        changed = false;
         lock.unlock();
-        try {
-            checkServer();
-            closeUnwanted();
-            if (looks) {
-                look();
-                nextLook = Clock::now() + LOOK_INTERVAL;
-            }
-        } catch (const RtMidiError& error) {
-            const std::lock_guard guard(mutex);
-            failures.push_back(error.getMessage());
-        }
-        publish();
+        work();
         lock.lock();
-        if (!ending && !changed)
-            wake.wait_for(lock, SERVER_WATCH);
+        wake.wait_for(lock, LOOK_INTERVAL, [this] { return ending || changed; });
     }
-    lock.unlock();
-    checkServer();
-    for (Slot& slot : places)
-        close(slot, false);
-    publish();
-    lock.lock();
+    if (ending) {
+        lock.unlock();
+        checkServer();
+        for (Slot& slot : places)
+            close(slot);
+        lock.lock();
+    }
+    // Whatever was open is closed: nothing is wanted.
+    if (jack.isOpen() && jackEpoch == JackEpoch::current())
+        jack.close();
+    jack.abandon();
+    listers.clear();
     exited = true;
     wake.notify_all();
+}
+
+/// Opens what is wanted and there, and closes the rest.
+void MidiInputs::Core::work()
+{
+    checkServer();
+    const std::vector<Port> ports = listPorts();
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        Slot& slot = places[i];
+        std::string wanted;
+        {
+            const std::lock_guard guard(mutex);
+            wanted = slot.wanted;
+        }
+        if (slot.input && (slot.port.name != wanted || !isThere(slot, ports) || slot.input->isStuck()))
+            close(slot);
+        if (!slot.input && !wanted.empty())
+            open(i, wanted, ports);
+    }
+    publish(ports);
 }
 
 /// JACK's library deletes the clients of a dead server under their owners as soon as a new client is made,
 /// whoever makes it (JackEpoch).
 void MidiInputs::Core::checkServer()
 {
-    if (!hasJack)
-        return;
-    if (jackEpoch == JackEpoch::current() && JackServer::isThere())
+    if (!jack.isOpen() || (jackEpoch == JackEpoch::current() && jack.isServerAlive()))
         return;
     JackEpoch::end(jackEpoch);
-    leaveJack();
-}
-
-void MidiInputs::Core::leaveJack()
-{
+    jack.abandon();
     for (Slot& slot : places) {
-        if (slot.input && slot.api == RtMidi::UNIX_JACK)
-            close(slot, true);
+        if (slot.input && slot.port.api == RtMidi::UNIX_JACK)
+            abandon(slot);
     }
-    hasJack = false;
 }
 
-void MidiInputs::Core::close(Slot& slot, bool abandon)
+void MidiInputs::Core::close(Slot& slot)
 {
     if (!slot.input)
         return;
-    if (abandon) {
-        slot.input->abandon();
-        // Its callback may still be under way, with no end that could be waited for.
-        [[maybe_unused]] const MidiInRtMidi* left = slot.input.release();
-    } else {
-        try {
-            slot.input->close();
-        } catch (const RtMidiError& error) {
-            const std::lock_guard guard(mutex);
-            failures.push_back(error.getMessage());
-        }
-        slot.badBefore += slot.input->badBytes();
-        slot.input.reset();
+    try {
+        slot.input->close();
+    } catch (const RtMidiError& error) {
+        fail(error.getMessage());
     }
-    slot.openName.clear();
+    slot.badBefore += slot.input->badBytes();
+    slot.input.reset();
     slot.ring.markGone();
 }
 
-void MidiInputs::Core::closeUnwanted()
+void MidiInputs::Core::abandon(Slot& slot)
 {
-    for (Slot& slot : places) {
-        std::string wanted;
-        {
-            const std::lock_guard guard(mutex);
-            wanted = slot.wanted;
-        }
-        if (slot.input && slot.openName != wanted)
-            close(slot, false);
-    }
+    slot.badBefore += slot.input->badBytes();
+    slot.input->abandon();
+    // Its callback may still be under way, with no end that could be waited for.
+    [[maybe_unused]] const MidiInRtMidi* left = slot.input.release();
+    slot.ring.markGone();
 }
 
-/// Of all MIDI systems that come up, each name once.
+std::vector<std::string> MidiInputs::Core::namesOf(RtMidi::Api api)
+{
+    if (api == RtMidi::UNIX_JACK) {
+        const unsigned epoch = JackEpoch::current();
+        if (!jack.isOpen() && jack.open())
+            jackEpoch = epoch;
+        if (jack.isOpen())
+            return jack.midiSources();
+        askedAgain[api] = Clock::now() + WITHOUT_JACK;
+        return {};
+    }
+    std::vector<std::string> names;
+    std::unique_ptr<RtMidiIn>& lister = listers[api];
+    try {
+        if (!lister)
+            lister = std::make_unique<RtMidiIn>(api, "RtMidi Input Client");
+        const unsigned int count = lister->getPortCount();
+        for (unsigned int i = 0; i < count; ++i)
+            names.push_back(lister->getPortName(i));
+    } catch (const RtMidiError&) {
+        lister.reset();
+        askedAgain[api] = Clock::now() + WITHOUT_API;
+    }
+    return names;
+}
+
+/// Of all MIDI systems that come up, each name once, without the program's own output.
 std::vector<Port> MidiInputs::Core::listPorts()
 {
-    std::vector<Port> ports;
     std::vector<RtMidi::Api> apis;
     RtMidi::getCompiledApi(apis);
+    std::vector<Port> ports;
     for (const RtMidi::Api api : apis) {
-        // A client without a server leaks 16 KiB each time.
-        if (api == RtMidi::RTMIDI_DUMMY || (api == RtMidi::UNIX_JACK && !JackServer::isThere()))
+        if (api == RtMidi::RTMIDI_DUMMY || Clock::now() < askedAgain[api])
             continue;
-        try {
-            RtMidiIn lister(api, "RtMidi Input Client");
-            const unsigned int count = lister.getPortCount();
-            for (unsigned int i = 0; i < count; ++i) {
-                std::string name = lister.getPortName(i);
-                if (name.find("RtMidi Output Client") == std::string::npos
-                    && std::ranges::none_of(ports, [&](const Port& port) { return port.name == name; }))
-                    ports.push_back({api, std::move(name)});
-            }
-        } catch (const RtMidiError&) {
-            continue; // ALSA without its sequencer: the others remain
+        for (const std::string& name : namesOf(api)) {
+            const bool isOwn = name.find(OWN_OUTPUT) != std::string::npos;
+            if (!isOwn && std::ranges::find(ports, name, &Port::name) == ports.end())
+                ports.push_back({api, name});
         }
     }
     return ports;
 }
 
-void MidiInputs::Core::look()
+/// A port of JACK's that went and came back under its name is not connected any more.
+bool MidiInputs::Core::isThere(const Slot& slot, const std::vector<Port>& ports) const
 {
-    const std::vector<Port> ports = listPorts();
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        Slot& slot = places[i];
-        const auto isThere = [&slot](const Port& port) {
-            return port.api == slot.api && port.name == slot.openName;
-        };
-        if (slot.input && std::ranges::none_of(ports, isThere))
-            close(slot, false);
-        if (!slot.input)
-            open(slot, static_cast<std::uint8_t>(i), ports);
+    const bool isListed = std::ranges::any_of(ports, [&slot](const Port& port) {
+        return port.api == slot.port.api && port.name == slot.port.name;
+    });
+    return isListed
+           && (slot.port.api != RtMidi::UNIX_JACK
+               || jack.isConnected(slot.port.name, slot.input->receiver()));
+}
+
+void MidiInputs::Core::open(std::size_t number, const std::string& wanted, const std::vector<Port>& ports)
+{
+    const auto port = std::ranges::find(ports, wanted, &Port::name);
+    if (port == ports.end())
+        return;
+    Slot& slot = places[number];
+    slot.input = std::make_unique<MidiInRtMidi>();
+    slot.port = *port;
+    try {
+        if (slot.input->open(port->api, port->name, &slot.ring, static_cast<std::uint8_t>(number))
+            && becomesConnected(slot))
+            return;
+    } catch (const RtMidiError& error) {
+        fail(error.getMessage());
     }
+    close(slot);
+}
+
+/// RtMidi does not tell when JACK refuses, and JACK connects with its next block.
+bool MidiInputs::Core::becomesConnected(const Slot& slot) const
+{
+    if (slot.port.api != RtMidi::UNIX_JACK)
+        return true;
+    for (int i = 0; i < CONNECTION_TRIES; ++i) {
+        if (jack.isConnected(slot.port.name, slot.input->receiver()))
+            return true;
+        std::this_thread::sleep_for(CONNECTION_PAUSE);
+    }
+    return false;
+}
+
+void MidiInputs::Core::fail(const std::string& why)
+{
+    const std::lock_guard guard(mutex);
+    failures.push_back(why);
+}
+
+void MidiInputs::Core::publish(const std::vector<Port>& ports)
+{
     const std::lock_guard guard(mutex);
     available.clear();
     for (const Port& port : ports)
         available.push_back(port.name);
-}
-
-void MidiInputs::Core::open(Slot& slot, std::uint8_t number, const std::vector<Port>& ports)
-{
-    std::string wanted;
-    {
-        const std::lock_guard guard(mutex);
-        wanted = slot.wanted;
-    }
-    const auto port =
-        std::ranges::find_if(ports, [&](const Port& candidate) { return candidate.name == wanted; });
-    if (wanted.empty() || port == ports.end())
-        return;
-    if (port->api == RtMidi::UNIX_JACK && !std::exchange(hasJack, true))
-        jackEpoch = JackEpoch::current();
-    auto input = std::make_unique<MidiInRtMidi>();
-    if (!input->open(port->api, port->name, &slot.ring, number))
-        return;
-    slot.input = std::move(input);
-    slot.openName = port->name;
-    slot.api = port->api;
-}
-
-void MidiInputs::Core::publish()
-{
-    const std::lock_guard guard(mutex);
     for (Slot& slot : places) {
-        slot.isOpen = slot.input != nullptr;
+        slot.isTaken = slot.input != nullptr;
+        slot.isOpen = slot.isTaken && slot.port.name == slot.wanted;
         slot.bad = slot.badBefore + (slot.input ? slot.input->badBytes() : 0);
     }
 }
@@ -258,6 +298,7 @@ void MidiInputs::Core::publish()
 MidiInputs::MidiInputs(QObject* parent)
     : QObject(parent)
     , mCore(std::make_shared<Core>())
+    , mFailures(QStringLiteral("failures of MIDI inputs were not logged."))
 {
     mWatch.setInterval(WATCH_INTERVAL);
     connect(&mWatch, &QTimer::timeout, this, &MidiInputs::look);
@@ -311,28 +352,39 @@ void MidiInputs::setWanted(const QStringList& names)
     {
         const std::lock_guard lock(mCore->mutex);
         for (Core::Slot& slot : mCore->places) {
-            slot.toldTrouble = false;
             if (!names.contains(QString::fromStdString(slot.wanted)))
                 slot.wanted.clear();
         }
         for (const QString& name : names) {
-            const std::string wanted = name.toStdString();
-            const auto has = [&wanted](const Core::Slot& slot) { return slot.wanted == wanted; };
-            if (wanted.empty() || std::ranges::any_of(mCore->places, has))
-                continue;
-            const auto free = std::ranges::find_if(
-                mCore->places, [](const Core::Slot& slot) { return slot.wanted.empty() && !slot.isOpen; });
-            if (free == mCore->places.end()) {
+            const bool hasSlot = std::ranges::find(mCore->places, name.toStdString(), &Core::Slot::wanted)
+                                 != mCore->places.end();
+            if (!name.isEmpty() && !hasSlot && !assignSlot(name.toStdString()))
                 qWarning().noquote() << "MIDI input: more than" << SLOTS << "inputs;" << logText(name)
                                      << "is left out.";
-                continue;
-            }
-            free->wanted = wanted;
-            free->seenOpen = free->wasOpen = false;
         }
-        mCore->changed = true;
+        mCore->changed = !mCore->exited || !mCore->isIdle();
+        if (!mCore->changed)
+            return;
     }
     ensureThread();
+}
+
+/// The mutex is held. False when each slot has a name.
+bool MidiInputs::assignSlot(const std::string& name)
+{
+    auto& places = mCore->places;
+    const auto isFree = [](const Core::Slot& slot) { return slot.wanted.empty(); };
+    auto free =
+        std::ranges::find_if(places, [&](const Core::Slot& slot) { return isFree(slot) && !slot.isTaken; });
+    if (free == places.end())
+        free = std::ranges::find_if(places, isFree);
+    if (free == places.end())
+        return false;
+    free->wanted = name;
+    free->isOpen = free->seenOpen = free->wasOpen = free->toldTrouble = false;
+    free->badAtFirst = free->bad;
+    free->lostAtFirst = free->ring.lostInAll();
+    return true;
 }
 
 QStringList MidiInputs::wanted() const
@@ -356,7 +408,7 @@ int MidiInputs::slotOf(const QString& name) const
     const std::lock_guard lock(mCore->mutex);
     const auto found = std::ranges::find(mCore->places, name.toStdString(), &Core::Slot::wanted);
     return found == mCore->places.end() || name.isEmpty() ? -1
-                                                         : static_cast<int>(found - mCore->places.begin());
+                                                          : static_cast<int>(found - mCore->places.begin());
 }
 
 MidiInRing& MidiInputs::ring(int slot)
@@ -394,7 +446,7 @@ void MidiInputs::look()
         exited = mCore->exited;
     }
     for (const std::string& why : failures)
-        qWarning().noquote() << "MIDI input:" << logText(QString::fromStdString(why));
+        mFailures.write(QStringLiteral("MIDI input: ") + logText(QString::fromStdString(why)));
     for (int slot = 0; slot < SLOTS; ++slot)
         lookAtSlot(slot);
     if (exited)
@@ -417,13 +469,13 @@ void MidiInputs::lookAtSlot(int slot)
     QString text;
     {
         const std::lock_guard lock(mCore->mutex);
-        if (at.toldTrouble || (at.bad == 0 && at.ring.lostInAll() == 0))
+        const bool isBad = at.bad != at.badAtFirst;
+        if (at.wanted.empty() || at.toldTrouble || (!isBad && at.ring.lostInAll() == at.lostAtFirst))
             return;
         at.toldTrouble = true;
         const QString name = QString::fromStdString(at.wanted);
-        text = at.bad != 0
-                   ? QStringLiteral("%1 sends bytes that are no MIDI message; they are left out.").arg(name)
-                   : QStringLiteral("%1 sends more than can be played; its keys are let go.").arg(name);
+        text = isBad ? QStringLiteral("%1 sends bytes that are no MIDI message; they are left out.").arg(name)
+                     : QStringLiteral("%1 sends more than can be played; its keys are let go.").arg(name);
     }
     qWarning().noquote() << "MIDI input:" << logText(text);
     emit troubled(text);

@@ -1,16 +1,19 @@
 #pragma once
 
+#include "app/RationedLog.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
 
 #include <memory>
+#include <string>
 #include <thread>
 
 class MidiInRing;
 
 /// The MIDI inputs that the player chose, by name. One that is missing, or that goes, is opened as soon as a
-/// port of its name is there. A thread of its own [receiver] calls RtMidi, looks for ports every two seconds,
+/// port of its name is there. A thread of its own [receiver] calls RtMidi, looks for ports twice a second,
 /// and ends when nothing is wanted any more; [gui] never waits for it, since a frozen server may keep it.
 ///
 /// What an input delivers lies in the ring of its slot, which it keeps as long as it is wanted.
@@ -47,20 +50,22 @@ signals:
     void lost(QString name);
     /// [gui] An input that was missing is open.
     void back(QString name);
-    /// [gui] An input delivers what is no message, or more than can be played. Once for each choice of
-    /// inputs.
+    /// [gui] An input delivers what is no message, or more than can be played. Once for each time
+    /// it is chosen.
     void troubled(QString text);
 
 private:
     struct Core;
 
     void ensureThread();
+    bool assignSlot(const std::string& name);
     void look();
     void lookAtSlot(int slot);
 
     std::shared_ptr<Core> mCore; // shared with the thread
     std::thread mThread;
     QTimer mWatch;
+    RationedLog mFailures;
     QStringList mAvailable;
     QStringList mOpen;
 };
