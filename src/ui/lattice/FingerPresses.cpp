@@ -11,6 +11,8 @@
 #include <QPointingDevice>
 #include <QTouchEvent>
 
+#include <algorithm>
+
 namespace {
 
 /// In pixels. Fingers that hold balls do not lie quite still.
@@ -47,10 +49,9 @@ bool FingerPresses::eventFilter(QObject* watched, QEvent* event)
 
 void FingerPresses::followTouch(QTouchEvent& touch)
 {
-    if (touch.type() == QEvent::TouchBegin) {
-        mHeld.clear(); // of fingers whose end was lost
+    if (touch.type() == QEvent::TouchBegin)
         mMouseFinger = -1;
-    }
+    forgetLostFingers(touch);
     if (touch.pointCount() == 2)
         followPinch(touch); // before a finger that goes is forgotten
     if (touch.pointCount() == 1 && touch.points().at(0).state() == QEventPoint::Pressed) {
@@ -70,6 +71,16 @@ void FingerPresses::followTouch(QTouchEvent& touch)
             }
         }
     }
+}
+
+/// A touch tells of all fingers that are down; the end of one may go elsewhere.
+void FingerPresses::forgetLostFingers(const QTouchEvent& touch)
+{
+    const QList<QEventPoint>& fingers = touch.points();
+    mHeld.removeIf([&fingers](const auto& held) {
+        return std::none_of(fingers.begin(), fingers.end(),
+                            [&held](const QEventPoint& finger) { return finger.id() == held.key(); });
+    });
 }
 
 void FingerPresses::followPinch(const QTouchEvent& touch)

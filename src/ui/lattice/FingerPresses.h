@@ -30,6 +30,7 @@ protected:
 
 private:
     void followTouch(QTouchEvent& touch);
+    void forgetLostFingers(const QTouchEvent& touch);
     void followPinch(const QTouchEvent& touch);
     bool followMouse(const QMouseEvent& mouse);
     void beginAlone(const QTouchEvent& touch);

@@ -20,15 +20,17 @@ protected:
     {
         return view->viewport()->mapTo(static_cast<QWidget*>(view), scene::centreOf(*view, path));
     }
-    /// A finger comes down while these lie still, and goes up again.
-    std::string tap(int finger, QPoint point, const QList<int>& still = {})
+    /// Where fingers are that are down.
+    using Others = QList<std::pair<int, QPoint>>;
+    /// A finger comes down while others lie still, and goes up again.
+    std::string tap(int finger, QPoint point, const Others& others = {})
     {
-        const auto others = [&](QTest::QTouchEventWidgetSequence&& event) {
-            for (const int other : still)
-                event.stationary(other);
+        const auto withOthers = [&](QTest::QTouchEventWidgetSequence&& event) {
+            for (const auto& [other, place] : others)
+                event.move(other, place);
         };
-        others(std::move(touch().press(finger, point)));
-        others(std::move(touch().release(finger, point)));
+        withOthers(std::move(touch().press(finger, point)));
+        withOthers(std::move(touch().release(finger, point)));
         report();
         return said();
     }
@@ -39,13 +41,16 @@ protected:
 
 TEST_F(Fingers, EachPressesABallOfItsOwn)
 {
-    touch().press(0, at("/3"));
+    const QPoint first = at("/3");
+    const QPoint second = at("/2");
+    touch().press(0, first);
     EXPECT_EQ(said(), "0 1 /3");
-    touch().stationary(0).press(1, at("/2"));
+    touch().move(0, first).press(1, second);
     EXPECT_EQ(said(), "0 1 /2");
-    EXPECT_EQ(tap(2, at("/2"), {0, 1}), "") << "which the second finger holds";
-    EXPECT_EQ(tap(3, at("/-3"), {0, 1}), "0 1 /-3");
-    EXPECT_EQ(tap(4, ground, {0, 1}), "");
+    const Others others{{0, first}, {1, second}};
+    EXPECT_EQ(tap(2, second, others), "") << "which the second finger holds";
+    EXPECT_EQ(tap(3, at("/-3"), others), "0 1 /-3");
+    EXPECT_EQ(tap(4, ground, others), "");
     // One slides off its ball over another, one leaves.
     touch().move(0, at("/-3")).release(1, at("/2"));
     touch().release(0, at("/-3"));
@@ -66,22 +71,30 @@ TEST_F(Fingers, NothingSticksWhenTheyGoInAnyOrderOrAreCancelled)
 {
     // Which of two fingers goes first; the next one alone is a mouse again, on another ball.
     int finger = 0;
+    const QPoint ball = at("/2");
     for (const bool firstGoesFirst : {true, false}) {
         for (const QPoint begin : {at("/3"), ground}) {
             const int first = finger++;
             const int second = finger++;
-            const int goes = firstGoesFirst ? first : second;
-            const int stays = firstGoesFirst ? second : first;
             touch().press(first, begin);
-            touch().stationary(first).press(second, at("/2"));
-            touch().release(goes, goes == first ? begin : at("/2")).stationary(stays);
-            touch().release(stays, stays == first ? begin : at("/2"));
+            touch().move(first, begin).press(second, ball);
+            if (firstGoesFirst) {
+                touch().release(first, begin).move(second, ball);
+                touch().release(second, ball);
+            } else {
+                touch().move(first, begin).release(second, ball);
+                touch().release(first, begin);
+            }
             said();
             EXPECT_EQ(view->scene()->mouseGrabberItem(), nullptr);
             EXPECT_EQ(view->viewport()->cursor().shape(), Qt::ArrowCursor) << "no drag";
             EXPECT_EQ(tap(finger++, at("/-3")), "0 1 /-3");
         }
     }
+    touch().press(40, ground);
+    for (int again = 0; again < 3; ++again)
+        EXPECT_EQ(tap(41 + again, ball, {{40, ground}}), "0 1 /2");
+    touch().release(40, ground);
     touch().press(50, at("/3"));
     QTouchEvent cancel(QEvent::TouchCancel, device);
     QCoreApplication::sendEvent(view->viewport(), &cancel);
@@ -100,12 +113,12 @@ TEST_F(Fingers, OneOnAnotherControlLeavesTheOthersTheirBalls)
     const QPoint free = stack->viewport()->mapTo(static_cast<QWidget*>(stack), pointOf(small));
     touch().press(0, free, stack);
     EXPECT_EQ(said(), "34 2 25/16");
-    EXPECT_EQ(tap(1, at("/3"), {}), "0 1 /3") << "no mouse comes for this one";
-    touch().press(2, at("/3"));
-    touch().stationary(2).press(3, at("/2"));
+    touch().move(0, free, stack).press(1, at("/3"));
     report();
-    EXPECT_EQ(said(), "0 1 /3; 0 1 /2");
-    touch().release(2, at("/3")).release(3, at("/2"));
+    EXPECT_EQ(said(), "0 1 /3") << "no mouse comes for this one";
+    touch().move(0, free, stack).move(1, at("/3")).press(2, at("/2"));
+    EXPECT_EQ(said(), "0 1 /2");
+    touch().move(0, free, stack).release(1, at("/3")).release(2, at("/2"));
     touch().release(0, free, stack);
     report();
     EXPECT_EQ(said(), "");
@@ -124,7 +137,7 @@ TEST_F(Fingers, KeysThatAreHeldChooseTheCommandOfEach)
     } keys;
     view->viewport()->installEventFilter(&keys);
     touch().press(0, ground);
-    EXPECT_EQ(tap(1, at("/3"), {0}), "37 1 3/2");
+    EXPECT_EQ(tap(1, at("/3"), {{0, ground}}), "37 1 3/2");
     touch().release(0, ground);
 }
 
