@@ -191,10 +191,12 @@ TEST_F(MpeZone, AReceiverHearsEachVoiceAtItsPitchAndLearnsOfTheEnd)
         now.clear();
     };
     const auto start = [&](int voice) {
+        if (!out.portOpen) // the player's own question
+            return;
         const auto hz = static_cast<float>(20 + any(12000));
         out.setKeyFrequency({voice}, {hz});
         out.voiceOn(voice, 100);
-        if (out.portOpen && out.isMpeZone() && sounding.size() < 15)
+        if (out.isMpeZone() && sounding.size() < 15)
             sounding[voice] = now[voice] = hz;
     };
     for (int step = 0; step < 6000; ++step) {
