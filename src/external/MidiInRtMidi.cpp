@@ -9,7 +9,7 @@ namespace {
 constexpr const char* CLIENT_NAME = "RtMidi Input Client";
 constexpr int STUCK_LOOKS = 4;
 
-/// A look at what RtMidi keeps to itself.
+/// A look at what RtMidi keeps to itself: a flag that its thread writes, of which a stale value does no harm.
 struct InputState : MidiInApi
 {
     static bool isInSysEx(const MidiInApi& api) { return (api.*(&InputState::inputData_)).continueSysex; }

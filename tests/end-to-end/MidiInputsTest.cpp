@@ -7,6 +7,8 @@
 
 #include <RtMidi.h>
 
+#include <QElapsedTimer>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -117,4 +119,29 @@ TEST_F(MidiInputsFixture, ComesBackByItselfAndAfterTheServerToo)
     inputs.setWanted({});
     EXPECT_TRUE(waitUntil([&] { return !isOpen(); }));
     EXPECT_EQ(inputs.slotOf(PORT), -1);
+}
+
+TEST_F(MidiInputsFixture, AServerThatStandsStillHoldsUpNobody)
+{
+    auto keyboard = plug();
+    inputs.setWanted({PORT});
+    ASSERT_TRUE(waitUntil([this] { return !inputs.open().isEmpty(); }));
+    desk.jack().freeze();
+    QElapsedTimer clock;
+    clock.start();
+    qint64 longest = 0;
+    // Longer than two looks, so that one of them waits for the server.
+    waitUntil(
+        [&] {
+            const qint64 before = clock.elapsed();
+            inputs.available();
+            inputs.setWanted({PORT, u"another"_s});
+            inputs.setWanted({PORT});
+            longest = std::max(longest, clock.elapsed() - before);
+            return false;
+        },
+        1500);
+    desk.jack().thaw();
+    EXPECT_LT(longest, 300);
+    EXPECT_TRUE(arrives(*keyboard, {0x90, 60, 100}));
 }
