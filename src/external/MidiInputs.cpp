@@ -66,6 +66,7 @@ struct MidiInputs::Core
     };
 
     bool isIdle() const;
+    bool isSeeking() const;
     void run();
     void work();
     void checkServer();
@@ -103,6 +104,15 @@ bool MidiInputs::Core::isIdle() const
 {
     return !changed && Clock::now() > listedUntil
            && std::ranges::all_of(places, [](const Slot& slot) { return slot.wanted.empty(); });
+}
+
+/// Something is missing, or somebody wants to know what there is.
+bool MidiInputs::Core::isSeeking() const
+{
+    const std::lock_guard guard(mutex);
+    return Clock::now() <= listedUntil || std::ranges::any_of(places, [](const Slot& slot) {
+               return !slot.wanted.empty() && !slot.isOpen;
+           });
 }
 
 void MidiInputs::Core::run()
@@ -192,7 +202,7 @@ std::vector<std::string> MidiInputs::Core::namesOf(RtMidi::Api api)
 {
     if (api == RtMidi::UNIX_JACK) {
         const unsigned epoch = JackEpoch::current();
-        if (!jack.isOpen() && jack.open())
+        if (!jack.isOpen() && isSeeking() && jack.open()) // its library complains aloud without a server
             jackEpoch = epoch;
         if (jack.isOpen())
             return jack.midiSources();
