@@ -4,7 +4,7 @@ bool MidiInRing::write(const MidiInMessage& message)
 {
     if (mRing.write(&message, sizeof(message)))
         return true;
-    mLost.fetch_add(1, std::memory_order_relaxed);
+    mLost.fetch_add(1, std::memory_order_release); // whoever sees it sees the messages written before it
     mLostInAll.fetch_add(1, std::memory_order_relaxed);
     return false;
 }

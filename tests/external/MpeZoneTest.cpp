@@ -179,7 +179,7 @@ TEST_F(MpeZone, AReceiverHearsEachVoiceAtItsPitchAndLearnsOfTheEnd)
 {
     out.mpeSetPitchBendRange(150);
     out.system->listener = [&](std::span<const midi::Byte> message) { receiver.hear(message); };
-    const unsigned seed = std::random_device()();
+    constexpr unsigned seed = 16;
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     const auto any = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
