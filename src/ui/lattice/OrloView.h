@@ -18,7 +18,8 @@ class QTouchEvent;
 
 /// The scene of one page: fits it into the widget, drags it with the mouse, scrolls it with the wheel and
 /// zooms it with two fingers on a screen or a trackpad, or with the wheel and Ctrl (LatticeZoom has the
-/// scales). Every finger presses a ball of its own (FingerPresses). Graphical thread only, as is all of this folder.
+/// scales). Every finger presses a ball of its own (FingerPresses). Graphical thread only, as is all of this
+/// folder.
 class OrloView : public QGraphicsView
 {
     Q_OBJECT
