@@ -178,10 +178,10 @@ midi::Bytes tuningChange(const QList<float>& frequencies)
     return message;
 }
 
-void noteOnAndOff(benchmark::State& state, bool mpe)
+void noteOnAndOff(benchmark::State& state, bool mpe, bool zone)
 {
     BenchedOutput output;
-    output.setChannel(mpe ? MidiOutput::MPE : 0);
+    zone ? output.setMpeZone() : output.setChannel(mpe ? MidiOutput::MPE : 0);
     const QList<int> voices{0};
     const QList<float> frequencies{550.0F};
     const int key = mpe ? 73 : 32;
@@ -193,8 +193,9 @@ void noteOnAndOff(benchmark::State& state, bool mpe)
         output.voiceOff(0);
     });
 }
-BENCHMARK_CAPTURE(noteOnAndOff, mts, false)->UseManualTime()->Iterations(50);
-BENCHMARK_CAPTURE(noteOnAndOff, mpe, true)->UseManualTime()->Iterations(50);
+BENCHMARK_CAPTURE(noteOnAndOff, mts, false, false)->UseManualTime()->Iterations(50);
+BENCHMARK_CAPTURE(noteOnAndOff, mpe, true, false)->UseManualTime()->Iterations(50);
+BENCHMARK_CAPTURE(noteOnAndOff, mpeZone, true, true)->UseManualTime()->Iterations(50);
 
 void bend16Voices(benchmark::State& state, bool mpe)
 {

@@ -146,23 +146,21 @@ TEST_F(MidiPeer, ASynthesiserFollowsTheBendsOfMpe)
 // above a whole number of cents, below the range of its next sample, and no partial lies near another one.
 TEST_F(MidiPeer, ASynthesiserPlaysFifteenVoicesOfAZoneAtOnce)
 {
-    const std::pair<const char*, double> balls[] = {
-        {"/", 1.0},
-        {"/-2", 1.0 / 2.0},
-        {"/-3", 2.0 / 3.0},
-        {"/-17", 16.0 / 17.0},
-        {"/5", 5.0 / 4.0},
-        {"/2/-3/-3", 8.0 / 9.0},
-        {"/-2/-2", 1.0 / 4.0},
-        {"/-2/-3", 1.0 / 3.0},
-        {"/-3/-3", 4.0 / 9.0},
-        {"/-2/-17", 8.0 / 17.0},
-        {"/-2/5", 5.0 / 8.0},
-        {"/3/-29", 24.0 / 29.0},
-        {"/2/-3", 4.0 / 3.0},
-        {"/-3/-3/-3", 8.0 / 27.0},
-        {"/-3/-3/5", 5.0 / 9.0},
-    };
+    const std::pair<const char*, double> balls[] = {{"/", 1.0},
+                                                    {"/-2", 1.0 / 2.0},
+                                                    {"/-3", 2.0 / 3.0},
+                                                    {"/-17", 16.0 / 17.0},
+                                                    {"/5", 5.0 / 4.0},
+                                                    {"/2/-3/-3", 8.0 / 9.0},
+                                                    {"/-2/-2", 1.0 / 4.0},
+                                                    {"/-2/-3", 1.0 / 3.0},
+                                                    {"/-3/-3", 4.0 / 9.0},
+                                                    {"/-2/-17", 8.0 / 17.0},
+                                                    {"/-2/5", 5.0 / 8.0},
+                                                    {"/3/-29", 24.0 / 29.0},
+                                                    {"/2/-3", 4.0 / 3.0},
+                                                    {"/-3/-3/-3", 8.0 / 27.0},
+                                                    {"/-3/-3/5", 5.0 / 9.0}};
     QByteArray sounds; // a steady one on each member, also on the channel of the drums
     for (int channel = 1; channel < 16; ++channel)
         sounds += "select " + QByteArray::number(channel) + " 1 0 79\n";
