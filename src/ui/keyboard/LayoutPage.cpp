@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QSizePolicy>
 #include <QVBoxLayout>
 
 using namespace optionspage;
@@ -43,6 +44,9 @@ LayoutPage::LayoutPage(MidiPlaying& playing)
     mUndo = addButton("layoutUndoButton", QStringLiteral("Undo"));
     for (QPushButton* button : {add, mRemove, mUp, mDown, mUndo})
         buttons->addWidget(button);
+    QSizePolicy policy = mForm->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // without a layout the list stays where it is
+    mForm->setSizePolicy(policy);
     layout->addWidget(mForm, 1);
 
     for (int kind = 0; kind < Layout::KINDS; ++kind)
@@ -80,8 +84,9 @@ void LayoutPage::add(Layout::Kind kind)
     QList<Layout> layouts = mPlaying.layouts();
     if (layouts.size() >= LayoutFile::MAX_LAYOUTS)
         return;
-    layouts.append({.name = Layout::kindText(kind), .kind = kind});
-    apply(layouts, static_cast<int>(layouts.size()) - 1);
+    // On top, since the first one that has a key wins.
+    layouts.prepend({.name = Layout::kindText(kind), .kind = kind});
+    apply(layouts, 0);
 }
 
 void LayoutPage::remove()

@@ -66,8 +66,8 @@ QWidget* PlayFromMidiDialog::buildInputPage()
     mInputs = new QListWidget;
     mInputs->setObjectName(QStringLiteral("midiInputList"));
     mInputs->setAccessibleName(QStringLiteral("MIDI inputs"));
-    auto* caption = label(QStringLiteral("The keys of these inputs play:"), mInputs);
-    layoutOf(widget)->addWidget(caption);
+    mCaption = label(QString(), mInputs);
+    layoutOf(widget)->addWidget(mCaption);
     layoutOf(widget)->addWidget(mInputs, 1);
     connect(mInputs, &QListWidget::itemChanged, this, &PlayFromMidiDialog::chooseInput);
     return widget;
@@ -81,6 +81,9 @@ void PlayFromMidiDialog::listInputs()
         if (!names.contains(name))
             names.append(name);
     }
+    mCaption->setText(names.isEmpty()
+                          ? QStringLiteral("There is no MIDI input. One that comes is listed here.")
+                          : QStringLiteral("The keys of these inputs play:"));
     const QSignalBlocker quiet(mInputs);
     while (mInputs->count() > names.size())
         delete mInputs->takeItem(mInputs->count() - 1);

@@ -5,6 +5,7 @@
 
 class LayoutPage;
 class MidiPlaying;
+class QLabel;
 class QListWidget;
 class QListWidgetItem;
 class QTabWidget;
@@ -37,6 +38,7 @@ private:
 
     MidiPlaying& mPlaying;
     QTabWidget* mTabs = nullptr;
+    QLabel* mCaption = nullptr;
     QListWidget* mInputs = nullptr;
     QTimer mLook; // for inputs that come and go, while the dialog is open
 };
