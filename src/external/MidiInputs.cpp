@@ -69,6 +69,7 @@ struct MidiInputs::Core
     bool isSeeking() const;
     void run();
     void work();
+    void leave(bool ends);
     void checkServer();
     void close(Slot& slot);
     void abandon(Slot& slot);
@@ -118,27 +119,36 @@ bool MidiInputs::Core::isSeeking() const
 void MidiInputs::Core::run()
 {
     std::unique_lock lock(mutex);
-    while (!ending && !isIdle()) {
-        changed = false;
-        lock.unlock();
-        work();
+    for (bool isLast = false; !isLast;) {
+        while (!ending && !isIdle()) {
+            changed = false;
+            lock.unlock();
+            work();
+            lock.lock();
+            wake.wait_for(lock, LOOK_INTERVAL, [this] { return ending || changed; });
+        }
+        const bool ends = ending;
+        lock.unlock(); // a frozen server must not keep the window waiting for the mutex
+        leave(ends);
         lock.lock();
-        wake.wait_for(lock, LOOK_INTERVAL, [this] { return ending || changed; });
+        isLast = ends || (!ending && isIdle()); // more can have been wanted meanwhile
     }
-    if (ending) {
-        lock.unlock();
+    exited = true;
+    wake.notify_all();
+}
+
+/// Without an end nothing is wanted, so that whatever was open is closed already.
+void MidiInputs::Core::leave(bool ends)
+{
+    if (ends) {
         checkServer();
         for (Slot& slot : places)
             close(slot);
-        lock.lock();
     }
-    // Whatever was open is closed: nothing is wanted.
     if (jack.isOpen() && jackEpoch == JackEpoch::current())
         jack.close();
     jack.abandon();
     listers.clear();
-    exited = true;
-    wake.notify_all();
 }
 
 /// Opens what is wanted and there, and closes the rest.

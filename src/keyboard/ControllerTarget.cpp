@@ -18,7 +18,7 @@ struct Name
 };
 constexpr Name NAMES[] = {
     {ControllerTarget::None, "", "Nothing"},
-    {ControllerTarget::Macro, "macro%1", "Slider %1 of the patch"},
+    {ControllerTarget::Macro, "macro%1", "Patch parameter %1"},
     {ControllerTarget::Volume, "volume", "Master volume"},
     {ControllerTarget::Glissando, "glissando", "Glissando"},
     {ControllerTarget::FineGlissando, "fineGlissando", "Fine glissando"},

@@ -81,7 +81,8 @@ InputChannels::Effect InputChannels::setZone(int manager, int members)
     int& own = manager == LOWER ? mLowerMembers : mUpperMembers;
     int& other = manager == LOWER ? mUpperMembers : mLowerMembers;
     own = members;
-    other = std::min(other, std::max(0, COUNT - 2 - members)); // the newer zone takes channels from the older
+    if (members > 0) // the newer zone takes channels from the older
+        other = std::min(other, std::max(0, COUNT - 2 - members));
 
     Effect effect;
     for (int channel = 0; channel < COUNT; ++channel) {

@@ -120,6 +120,8 @@ void KeyPlay::playSlot(PdPlayer& player, int slot, Room& room)
         input.gone = true;
         endInput(player, slot);
         input.ring = ring;
+        if (ring)
+            skipFormer(*ring);
     }
     if (!ring)
         return;
@@ -134,6 +136,20 @@ void KeyPlay::playSlot(PdPlayer& player, int slot, Room& room)
     // Whatever has been lost came behind what the ring still has, so its keys end after that.
     if (readAll(player, slot, room) && input.ends)
         endInput(player, slot);
+}
+
+/// What was played before anybody asked for it, perhaps by a former input of this ring.
+void KeyPlay::skipFormer(MidiInRing& ring)
+{
+    std::array<MidiInMessage, AT_ONCE> messages;
+    for (std::size_t left = MidiInRing::CAPACITY; left > 0;) {
+        const std::size_t count = ring.read(std::span(messages).first(std::min(left, AT_ONCE)));
+        if (count == 0)
+            break;
+        left -= count;
+    }
+    ring.takeLost();
+    ring.takeGone();
 }
 
 /// False when there is no room in this block for what is left.

@@ -69,6 +69,7 @@ private:
 
     void takeSettings(PdPlayer& player);
     void playSlot(PdPlayer& player, int slot, Room& room);
+    static void skipFormer(MidiInRing& ring);
     bool readAll(PdPlayer& player, int slot, Room& room);
     void endInput(PdPlayer& player, int slot);
     void play(PdPlayer& player, int slot, const MidiInMessage& message);

@@ -24,6 +24,7 @@ namespace {
 constexpr std::chrono::milliseconds TAKE_INTERVAL{10};
 constexpr qint64 MAX_BYTES = qint64{1} << 20U;
 constexpr int MACROS = 8;
+constexpr int MOST_BATCHES = 16;
 
 const QString INPUTS = QStringLiteral("inputs");
 const QString BEND = QStringLiteral("bendSemitones");
@@ -240,7 +241,8 @@ void MidiPlaying::connectSlots()
 void MidiPlaying::takeMessages()
 {
     std::array<MidiInMessage, 256> messages{};
-    while (mKeys) { // a receiver may end this
+    // A flood leaves the window its turns; a receiver may end the keys.
+    for (int batch = 0; batch < MOST_BATCHES && mKeys; ++batch) {
         const std::size_t count = mKeys->takeMessages(messages);
         for (std::size_t i = 0; i < count; ++i)
             emit messageArrived(messages[i]);

@@ -123,8 +123,10 @@ std::optional<ScalaPitch> readCents(Cursor& cursor, char sign, QByteArrayView di
 std::optional<ScalaPitch> readRatio(Cursor& cursor, char sign, QByteArrayView digits, QString& reason)
 {
     QByteArrayView below("1");
-    cursor.skipBlanks();
-    if (cursor.take('/')) {
+    Cursor ahead = cursor; // blanks before anything but a slash begin a remark
+    ahead.skipBlanks();
+    if (ahead.take('/')) {
+        cursor = ahead;
         cursor.skipBlanks();
         sign = cursor.isAt('-') ? '-' : sign;
         cursor.sign();

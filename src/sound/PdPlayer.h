@@ -141,7 +141,8 @@ public:
     std::uint32_t keyOf(const OrloRatio& ratio) const;
     /// [audio] Starts the note of a key, where none isNoteOn().
     void beginKeyNote(const OrloRatio& ratio, const KeyTouch& touch);
-    /// [audio] Ends it if it is still that key's; hold keeps what it holds.
+    /// [audio] Ends it if it is still that key's; hold keeps what it holds, which is no key's from then on
+    /// and loses its bend when its voice changes.
     void endKeyNote(const OrloRatio& ratio, std::uint32_t id);
     /// [audio] Bends those that are still the keys'. A bend stays with its note and multiplies its
     /// glissando.
@@ -281,6 +282,7 @@ private:
     const KeyTouch* touchOf(const OrloRatio& ratio) const;
     KeyTouch* touchOf(const OrloRatio& ratio, std::uint32_t id);
     void forgetKey(const OrloRatio& ratio);
+    void endKeysBetweenPatches();
     void noteOnOfNoKey(const OrloRatio& ratio);
     void tellToggled(const OrloRatio& ratio, bool on);
     void tellHold(const OrloRatio& ratio, bool on);

@@ -45,9 +45,22 @@ bool PdPlayer::setKeySource(KeySource* source)
             if (const std::uint32_t id = keyOf(ratio))
                 endKeyNote(ratio, id);
         }
+        endKeysBetweenPatches();
         mKeyTouches.clear();
         mKeySource = source;
     });
+}
+
+/// Those that would come back with the next patch.
+void PdPlayer::endKeysBetweenPatches()
+{
+    SoundingRatios comingBack; // the loop removes from the list
+    for (const OrloRatio& ratio : cachedSounding) {
+        if (keyOf(ratio) != 0 && comingBack.size() < comingBack.capacity())
+            comingBack.push_back(ratio);
+    }
+    for (const OrloRatio& ratio : comingBack)
+        endKeyNote(ratio, keyOf(ratio));
 }
 
 // ---------------------------------------------------------------- pitch

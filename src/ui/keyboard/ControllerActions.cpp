@@ -59,6 +59,12 @@ void ControllerActions::setMap(const ControllerMap& map)
     mMoved.clear();
 }
 
+void ControllerActions::forgetPlaces()
+{
+    mTakeOvers.clear();
+    mDown.clear();
+}
+
 void ControllerActions::take(const ControllerSource& source, int value)
 {
     const ControllerTarget target = mMap.targetOf(source);
@@ -95,8 +101,10 @@ void ControllerActions::moveSliders()
         const ControllerTarget target = mMap.targetOf(source);
         QSlider* slider = sliderOf(target);
         const bool isFree = slider && slider->isEnabled() && !slider->isSliderDown();
-        if (!isFree || QApplication::activeModalWidget())
+        if (!isFree || QApplication::activeModalWidget()) {
+            mTakeOvers.remove(source); // what it does meanwhile is not seen, so it takes over anew
             continue;
+        }
         const TakeOver::Slider stands{slider->minimum(), slider->maximum(), slider->value(),
                                       target.isCentred()};
         TakeOver& takeOver = mTakeOvers[source];

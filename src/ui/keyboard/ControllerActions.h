@@ -20,6 +20,8 @@ public:
     explicit ControllerActions(QWidget* window);
 
     void setMap(const ControllerMap& map);
+    /// Inputs came or went, so controllers may have moved unseen.
+    void forgetPlaces();
     /// One control change, in the order of arrival. `value`: 0 to 127. It takes effect when control
     /// returns to the event loop; of many values for one slider in between only the last one does.
     void take(const ControllerSource& source, int value);

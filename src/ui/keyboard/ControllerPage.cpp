@@ -1,5 +1,7 @@
 #include "ui/keyboard/ControllerPage.h"
 
+#include "ui/dialogs/OptionsPageRows.h"
+
 #include <QBoxLayout>
 #include <QComboBox>
 #include <QHeaderView>
@@ -28,12 +30,12 @@ ControllerPage::ControllerPage(QWidget* parent)
     mTargets->setObjectName(QStringLiteral("controllerTargetMenu"));
     mTargets->setMaxVisibleItems(VISIBLE_TARGETS);
     mTargets->setAccessibleName(QStringLiteral("What the controller shall do"));
-    mTargets->setToolTip(QStringLiteral("What the controller that you move next shall do"));
+    mTargets->setToolTip(QStringLiteral("What the controller that you move next shall do."));
 
     mLearn->setObjectName(QStringLiteral("controllerLearnButton"));
     mLearn->setCheckable(true);
-    mLearn->setToolTip(QStringLiteral("Waits for the next knob, slider, pedal or button\n"
-                                      "of a MIDI input that is open"));
+    mLearn->setToolTip(
+        QStringLiteral("Waits for the next knob, slider, pedal or button of an open MIDI input."));
     mState->setObjectName(QStringLiteral("controllerState"));
     mState->setTextFormat(Qt::PlainText); // a port names itself
     mState->setWordWrap(true);
@@ -46,7 +48,7 @@ ControllerPage::ControllerPage(QWidget* parent)
     mList->setUniformRowHeights(true);
     mList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     mRemove->setObjectName(QStringLiteral("controllerRemoveButton"));
-    mRemove->setToolTip(QStringLiteral("The chosen controller does nothing any more"));
+    mRemove->setToolTip(QStringLiteral("The chosen controller does nothing any more."));
 
     auto* learning = new QHBoxLayout;
     learning->addWidget(mTargets, 1);
@@ -55,6 +57,10 @@ ControllerPage::ControllerPage(QWidget* parent)
     below->addStretch(1);
     below->addWidget(mRemove);
     auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(optionspage::PAGE_MARGIN, optionspage::PAGE_MARGIN, optionspage::PAGE_MARGIN,
+                               optionspage::PAGE_MARGIN);
+    for (QPushButton* button : {mLearn, mRemove})
+        button->setAutoDefault(false);
     column->addLayout(learning);
     column->addWidget(mState);
     column->addWidget(mList, 1);

@@ -304,7 +304,7 @@ void LayoutForm::showLayout(const Layout& layout)
     mRootKey->setValue(layout.rootKey);
     mRootName->setText(keyName(layout.rootKey));
     mRootKey->setEnabled(layout.kind != Layout::Kind::Learned && !layout.scala.keyboard);
-    mLearned->showKeys(layout.learned);
+    mLearned->showLayout(layout);
     mPrimeLimit->setCurrentText(QString::number(layout.twelve.primeLimit));
     mWindow->setValue(layout.twelve.window);
     mAlong->setText(layout.generators.along.parseToString());
@@ -323,7 +323,10 @@ void LayoutForm::showLayout(const Layout& layout)
 void LayoutForm::showScala()
 {
     const ScalaScale& scale = mLayout.scala.scale;
-    mScale->setText(QStringLiteral("%1 (%2 pitches)").arg(scale.description()).arg(scale.pitches().size()));
+    const qsizetype count = scale.pitches().size();
+    mScale->setText(count == 0 && scale.description().isEmpty()
+                        ? QStringLiteral("None yet: only the key of 1/1 plays")
+                        : QStringLiteral("%1 (%2 pitches)").arg(scale.description(), QString::number(count)));
     mKeyboard->setText(mLayout.scala.keyboard
                            ? QStringLiteral("1/1 on %1, keys %2 to %3")
                                  .arg(keyName(qBound(0, mLayout.scala.keyboard->middle, 127)))

@@ -122,6 +122,7 @@ void LayoutPage::takeItem(const QListWidgetItem* item)
     if (const QString name = item->text().trimmed(); !name.isEmpty())
         layouts[row].name = name;
     apply(layouts, row);
+    showLayouts(); // an empty name gives way to the former one
 }
 
 void LayoutPage::takeForm(const Layout& layout)

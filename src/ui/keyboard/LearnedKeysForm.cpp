@@ -44,15 +44,19 @@ LearnedKeysForm::LearnedKeysForm(MidiPlaying& playing)
     layout->addWidget(mList, 1);
 
     connect(mTeach, &QPushButton::toggled, this, &LearnedKeysForm::setTeaching);
+    mForget->setEnabled(false);
+    connect(mList, &QListWidget::currentRowChanged, mForget,
+            [this](int row) { mForget->setEnabled(row >= 0); });
     connect(mForget, &QPushButton::clicked, this, &LearnedKeysForm::forgetChosen);
     connect(&playing, &MidiPlaying::messageArrived, this, &LearnedKeysForm::takeMessage);
     connect(&app::player()->relay(), &EngineRelay::noteToggled, this, &LearnedKeysForm::takeBall);
     showState();
 }
 
-void LearnedKeysForm::showKeys(const Layout::Learned& learned)
+void LearnedKeysForm::showLayout(const Layout& layout)
 {
-    mLearned = learned;
+    mLayout = layout;
+    const Layout::Learned& learned = mLayout.learned;
     const int row = mList->currentRow();
     mList->clear();
     for (auto key = learned.keys.cbegin(); key != learned.keys.cend(); ++key) {
@@ -66,7 +70,6 @@ void LearnedKeysForm::showKeys(const Layout::Learned& learned)
                            .arg(key.value().denominator()));
     }
     mList->setCurrentRow(qMin(row, mList->count() - 1));
-    mForget->setEnabled(mList->count() > 0);
 }
 
 void LearnedKeysForm::hideEvent(QHideEvent* event)
@@ -82,10 +85,21 @@ void LearnedKeysForm::setTeaching(bool on)
     showState();
 }
 
+bool LearnedKeysForm::isForLayout(const MidiInMessage& message) const
+{
+    const int channel = message.channel() + 1;
+    return mLayout.firstChannel <= channel && channel <= mLayout.lastChannel
+           && (mLayout.inputs.isEmpty() || mLayout.inputs.contains(mPlaying.inputName(message.input)));
+}
+
 void LearnedKeysForm::takeMessage(MidiInMessage message)
 {
-    if (mTeach->isChecked() && message.kind() == NOTE_ON && message.data2 > 0)
+    if (!mTeach->isChecked() || message.kind() != NOTE_ON || message.data2 == 0)
+        return;
+    if (isForLayout(message))
         take(mLearning.pressKey(message.channel() + 1, message.data1));
+    else
+        mState->setText(QStringLiteral("This layout is not for that input or channel."));
 }
 
 /// Keys are silent meanwhile, so what begins is a ball's or a card's.
@@ -101,20 +115,21 @@ void LearnedKeysForm::take(const std::optional<KeyLearning::Pair>& pair)
 {
     if (pair) {
         const int channel = mAnyChannel->isChecked() ? Layout::Learned::ANY_CHANNEL : pair->channel;
-        Layout::Learned learned = mLearned;
+        Layout::Learned learned = mLayout.learned;
         learned.keys.insert({channel, pair->key}, pair->ratio);
         emit edited(learned);
+        mList->setCurrentRow(static_cast<int>(learned.keys.keys().indexOf({channel, pair->key})));
     }
     showState();
 }
 
 void LearnedKeysForm::forgetChosen()
 {
-    const auto places = mLearned.keys.keys();
-    const int row = mList->currentRow() < 0 ? static_cast<int>(places.size()) - 1 : mList->currentRow();
+    const auto places = mLayout.learned.keys.keys();
+    const int row = mList->currentRow();
     if (row < 0 || row >= places.size())
         return;
-    Layout::Learned learned = mLearned;
+    Layout::Learned learned = mLayout.learned;
     learned.keys.remove(places[row]);
     emit edited(learned);
 }

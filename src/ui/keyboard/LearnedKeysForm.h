@@ -21,7 +21,7 @@ class LearnedKeysForm : public QWidget
 public:
     explicit LearnedKeysForm(MidiPlaying& playing);
 
-    void showKeys(const Layout::Learned& learned);
+    void showLayout(const Layout& layout);
 
 signals:
     void edited(const Layout::Learned& learned);
@@ -31,6 +31,7 @@ protected:
 
 private:
     void setTeaching(bool on);
+    bool isForLayout(const MidiInMessage& message) const;
     void takeMessage(MidiInMessage message);
     void takeBall(const OrloRatio& absolute, bool on);
     void take(const std::optional<KeyLearning::Pair>& pair);
@@ -38,7 +39,7 @@ private:
     void showState();
 
     MidiPlaying& mPlaying;
-    Layout::Learned mLearned;
+    Layout mLayout;
     KeyLearning mLearning;
     QPushButton* mTeach;
     QCheckBox* mAnyChannel;

@@ -1,10 +1,13 @@
 #include "ui/keyboard/PlayFromMidi.h"
 
+#include "files/SetAside.h"
 #include "keyboard/MidiPlaying.h"
 #include "ui/keyboard/ControllerActions.h"
 #include "ui/keyboard/ControllerPage.h"
 #include "ui/keyboard/KeyLabels.h"
 #include "ui/keyboard/PlayFromMidiDialog.h"
+
+#include <QDebug>
 
 PlayFromMidi::PlayFromMidi(const QList<OrloView*>& views, MidiPlaying& playing, QWidget* window)
     : QObject(window)
@@ -14,8 +17,14 @@ PlayFromMidi::PlayFromMidi(const QList<OrloView*>& views, MidiPlaying& playing, 
     , mActions(new ControllerActions(window))
 {
     mActions->setParent(this);
-    mActions->setMap(ControllerMap::fromJson(playing.controllers()));
+    int dropped = 0;
+    mActions->setMap(ControllerMap::fromJson(playing.controllers(), &dropped));
+    if (dropped > 0) {
+        qWarning() << "In" << playing.path() << dropped << "controllers are left out.";
+        SetAside::mark(playing.path());
+    }
     connect(&playing, &MidiPlaying::messageArrived, this, &PlayFromMidi::takeMessage);
+    connect(&playing, &MidiPlaying::inputsChanged, mActions, &ControllerActions::forgetPlaces);
 }
 
 void PlayFromMidi::open()
