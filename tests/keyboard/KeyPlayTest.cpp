@@ -164,6 +164,12 @@ TEST_F(KeyPlaying, AZoneBendsItsMembersEachAndAllByTheManager)
     EXPECT_NEAR(semitonesAbove(A * 4 / 3, FOURTH), 6.0 - 2.0, 1e-4);
     EXPECT_NEAR(semitonesAbove(A * 1.5), 0.0, 1e-4);
 
+    // A zone that ends takes no channels: the last member of a lower zone of 15 stays one.
+    send({{0x8E, 60, 0}, {0xB0, 101, 0}, {0xB0, 100, 6}, {0xB0, 6, 15}});
+    send({{0xBF, 101, 0}, {0xBF, 100, 6}, {0xBF, 6, 0}, {0x9F, 60, 1}, {0xEF, 0, 0x50}});
+    EXPECT_NEAR(semitonesAbove(A * 1.5), 12.0 - 2.0, 1e-4);
+    send({{0x8F, 60, 0}, {0xEF, 0, 0x40}, {0x9E, 60, 1}});
+
     play.setSettings({.mpe = false});
     block();
     send(lowerOfThree);

@@ -90,6 +90,7 @@ TEST(ScalaFile, ScalesReadAsTheFormatSaysAndFilesAre)
         {"! x.scl\n!\nPlain\n 3\n!\n 9/8\n 701.955\n 2/1\n", "Plain: 9/8 701.955 2/1"},
         {"! x.scl\r\n!\r\nWindows\r\n2\r\n3/2\r\n2\r\n", "Windows: 3/2 2/1"},
         {"Mac\r2\r3/2\r2/1", "Mac: 3/2 2/1"},
+        {"remarks\n2\n3 exact\n2 - octave\n", "remarks: 3/1 2/1"},
         {"no last end\n1\n2/1", "no last end: 2/1"},
         {"\n2\n3/2\n2/1\n", ": 3/2 2/1"},
         {"tabs\n\t2\t\n\t3/2\tfifth\n\t2/1 ! octave\n", "tabs: 3/2 2/1"},
