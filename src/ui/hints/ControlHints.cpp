@@ -27,7 +27,7 @@ constexpr Row ROWS[] = {
     {"patchIncButton", "Goes to the next patch. A patch is a kind of sound.", "Next patch"},
     {"loadPatchButton", "Opens a patch from a file: a voice made with Pure Data."},
     {"optionsButton", "Options: sound device, MIDI, the pitch of 1/1 and more. (Ctrl+,)", "Options"},
-    {"menuButton", "Menu: help and keys (F1), first steps, full screen (F11), quit (Ctrl+Q).", "Menu"},
+    {"menuButton", "Menu: help and keys (F1), first steps, playing from MIDI, full screen (F11), quit (Ctrl+Q).", "Menu"},
 
     // How lattice and cards are shown.
     {"circlesViewButton", "Shows the small balls around the large ones, as flowers. (F)"},

@@ -14,7 +14,7 @@ namespace {
 
 // In scene units.
 constexpr double TREE_HEIGHT = 8.0;
-constexpr double LEAF_HEIGHT = 5.0;
+constexpr double LEAF_HEIGHT = 6.5;
 constexpr double GAP = 1.0;
 constexpr int LEAF_BELOW = 20; // diameter
 

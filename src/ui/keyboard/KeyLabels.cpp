@@ -7,11 +7,14 @@
 
 #include <QGraphicsScene>
 
+#include <utility>
+
 KeyLabels::KeyLabels(const QList<OrloView*>& views, const MidiPlaying& playing, QObject* parent)
     : QObject(parent)
-    , mViews(views)
     , mPlaying(playing)
 {
+    for (OrloView* view : views)
+        mViews.append(view);
     connect(&playing, &MidiPlaying::layoutsChanged, this, &KeyLabels::update);
     connect(&playing, &MidiPlaying::showsKeysChanged, this, &KeyLabels::update);
     update();
@@ -31,7 +34,9 @@ void KeyLabels::update()
     if (!mDialogOpen && !mPlaying.showsKeys())
         return;
     const QHash<OrloRatio, QString> names = keysOfPitches(mPlaying.tables());
-    for (OrloView* view : mViews) {
+    for (const QPointer<OrloView>& view : std::as_const(mViews)) {
+        if (!view)
+            continue;
         auto* item = new KeyLabelItem(*view->orloWidget(), names);
         view->scene()->addItem(item);
         mItems.append(item);

@@ -15,7 +15,7 @@ class KeyLabels : public QObject
     Q_OBJECT
 
 public:
-    /// The views must outlive it.
+    /// Of both it needs `playing` as long as it lives.
     KeyLabels(const QList<OrloView*>& views, const MidiPlaying& playing, QObject* parent);
 
     void setDialogOpen(bool open);
@@ -23,7 +23,7 @@ public:
 private:
     void update();
 
-    const QList<OrloView*> mViews;
+    QList<QPointer<OrloView>> mViews;
     const MidiPlaying& mPlaying;
     bool mDialogOpen = false;
     QList<QPointer<KeyLabelItem>> mItems; // a scene that is built anew takes its own along

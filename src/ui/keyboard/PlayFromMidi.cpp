@@ -8,6 +8,13 @@
 #include "ui/keyboard/PlayFromMidiDialog.h"
 
 #include <QDebug>
+#include <QWidget>
+
+namespace {
+
+constexpr int EDGE = 40; // to the window
+
+} // namespace
 
 PlayFromMidi::PlayFromMidi(const QList<OrloView*>& views, MidiPlaying& playing, QWidget* window)
     : QObject(window)
@@ -39,6 +46,9 @@ void PlayFromMidi::open()
 void PlayFromMidi::makeDialog()
 {
     mDialog = new PlayFromMidiDialog(mPlaying, mWindow);
+    // Over the cards, so that the lattice stays free for learning.
+    const QRect window = mWindow->geometry();
+    mDialog->move(window.right() - mDialog->width() - EDGE, window.top() + EDGE);
     mControllers = new ControllerPage;
     mControllers->setMap(ControllerMap::fromJson(mPlaying.controllers()));
     mDialog->addPage(mControllers, QStringLiteral("Controllers"));
