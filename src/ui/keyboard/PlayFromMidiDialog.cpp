@@ -82,7 +82,7 @@ void PlayFromMidiDialog::listInputs()
             names.append(name);
     }
     mCaption->setText(names.isEmpty()
-                          ? QStringLiteral("There is no MIDI input. One that comes is listed here.")
+                          ? QStringLiteral("There is no MIDI input. One that is plugged in shows up here.")
                           : QStringLiteral("The keys of these inputs play:"));
     const QSignalBlocker quiet(mInputs);
     while (mInputs->count() > names.size())
