@@ -88,7 +88,9 @@ TEST_F(PlayFromMidiTest, LearnsABallAndAKeyInEitherOrder)
     pressBall("/3");
     pressKey(1, 60, 0); // goes up
     pressKey(1, 60);
-    transposeBy({3});
+    const OrloTransposeEvent up(OrloRatio(3, 2));
+    player.queueEventGui(&up);
+    settle();
     pressKey(2, 62);
     pressBall("/-2");
     find<QCheckBox>("learnAnyChannelBox")->setChecked(false);
