@@ -141,7 +141,7 @@ void LearnedKeysForm::showState()
     else if (mLearning.hasBall())
         mState->setText(QStringLiteral("Now press a key."));
     else if (mLearning.hasKey())
-        mState->setText(QStringLiteral("Now press a ball."));
+        mState->setText(QStringLiteral("Now press a silent ball."));
     else
-        mState->setText(QStringLiteral("Press a ball and a key, in either order."));
+        mState->setText(QStringLiteral("Press a silent ball and a key, in either order."));
 }

@@ -8,11 +8,13 @@
 #include "ui/keyboard/PlayFromMidiDialog.h"
 
 #include <QDebug>
+#include <QPoint>
 #include <QWidget>
 
 namespace {
 
-constexpr int EDGE = 40; // to the window
+// To the upper right corner of the window: below the menu.
+constexpr QPoint CORNER(12, 76);
 
 } // namespace
 
@@ -48,7 +50,7 @@ void PlayFromMidi::makeDialog()
     mDialog = new PlayFromMidiDialog(mPlaying, mWindow);
     // Over the cards, so that the lattice stays free for learning.
     const QRect window = mWindow->geometry();
-    mDialog->move(window.right() - mDialog->width() - EDGE, window.top() + EDGE);
+    mDialog->move(window.right() - mDialog->width() - CORNER.x(), window.top() + CORNER.y());
     mControllers = new ControllerPage;
     mControllers->setMap(ControllerMap::fromJson(mPlaying.controllers()));
     mDialog->addPage(mControllers, QStringLiteral("Controllers"));
