@@ -123,6 +123,27 @@ void MidiPlaying::read(const QByteArray& text)
     mSettings.timbreMacro = numberIn(json, TIMBRE, mSettings.timbreMacro, MACROS);
     mShowsKeys = json.value(SHOW_KEYS).toBool();
     mControllers = json.value(CONTROLLERS).toObject();
+
+    // The next saving would lose what could not be used.
+    const QJsonObject used = toJson();
+    for (const QString& key : used.keys()) {
+        if (json.contains(key) && json.value(key) != used.value(key)) {
+            qWarning().noquote()
+                << QStringLiteral("%1: \"%2\" could not be used as it stands.").arg(path(), key);
+            SetAside::mark(path());
+        }
+    }
+}
+
+QJsonObject MidiPlaying::toJson() const
+{
+    return {{INPUTS, QJsonArray::fromStringList(mWanted)},
+            {BEND, mSettings.bendSemitones},
+            {MPE, mSettings.mpe},
+            {PRESSURE, mSettings.pressureMacro},
+            {TIMBRE, mSettings.timbreMacro},
+            {SHOW_KEYS, mShowsKeys},
+            {CONTROLLERS, mControllers}};
 }
 
 QByteArray MidiPlaying::text() const
@@ -131,14 +152,7 @@ QByteArray MidiPlaying::text() const
         mWanted.isEmpty() && mSettings == KeySettings{} && !mShowsKeys && mControllers.isEmpty();
     if (nothingToKeep && !QFile::exists(path()))
         return {};
-    const QJsonObject json{{INPUTS, QJsonArray::fromStringList(mWanted)},
-                           {BEND, mSettings.bendSemitones},
-                           {MPE, mSettings.mpe},
-                           {PRESSURE, mSettings.pressureMacro},
-                           {TIMBRE, mSettings.timbreMacro},
-                           {SHOW_KEYS, mShowsKeys},
-                           {CONTROLLERS, mControllers}};
-    return QJsonDocument(json).toJson(QJsonDocument::Indented);
+    return QJsonDocument(toJson()).toJson(QJsonDocument::Indented);
 }
 
 QByteArray MidiPlaying::layoutsText() const

@@ -86,6 +86,7 @@ signals:
 
 private:
     void read(const QByteArray& text);
+    QJsonObject toJson() const;
     void makeInputs();
     void want();
     void endKeys();

@@ -63,14 +63,14 @@ TEST_F(MidiPlayingTest, WritesNothingBeforeItIsUsedAndThenAllOfIt)
     EXPECT_TRUE(last.layouts().isEmpty());
 }
 
-TEST_F(MidiPlayingTest, WrongValuesGiveWayAndAWrongFileIsKept)
+TEST_F(MidiPlayingTest, WrongValuesGiveWayAndTheFileIsKept)
 {
     const std::tuple<const char*, int, int, bool> rows[] = {
         // the file; bend, macro of pressure; is it set aside
         {R"({"bendSemitones": 96, "pressureMacro": 8})", 96, 8, false},
-        {R"({"bendSemitones": 97, "pressureMacro": 9})", 2, 0, false},
-        {R"({"bendSemitones": -1, "pressureMacro": 1.5})", 2, 0, false},
-        {R"({"bendSemitones": "7", "pressureMacro": 4, "inputs": {"a": 1}})", 2, 4, false},
+        {R"({"bendSemitones": 97, "pressureMacro": 9})", 2, 0, true},
+        {R"({"bendSemitones": -1, "pressureMacro": 1.5})", 2, 0, true},
+        {R"({"bendSemitones": "7", "pressureMacro": 4, "inputs": {"a": 1}})", 2, 4, true},
         {R"([{"bendSemitones": 7}])", 2, 0, true},
         {R"({"bendSemitones": 7)", 2, 0, true},
         {"", 2, 0, true},
