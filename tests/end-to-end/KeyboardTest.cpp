@@ -193,6 +193,10 @@ TEST_F(Keyboard, NothingHangsOnAfterTenThousandNotes)
             up(FIRST_KEY + static_cast<int>(which));
     }
     EXPECT_TRUE(recorder->waitForSilence());
+    // On a busy machine a press of an arrow key is lost in the one before, which still flashes.
+    EXPECT_TRUE(program->type(u"BackSpace"_s));
+    EXPECT_TRUE(waitUntil([&] { return isHeard(); }));
+    EXPECT_TRUE(recorder->waitForSilence());
     down(FIRST_KEY);
     expectExactly(ROOT);
     up(FIRST_KEY);
