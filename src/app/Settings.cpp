@@ -142,6 +142,9 @@ void Settings::forEachField(Self& self, Visitor&& visitor)
     visitor("ratiosWithinOctave", self.ratiosWithinOctave);
     visitor("centralNodeColourRelativeMode", self.centralNodeColourRelativeMode);
     visitor("soundGrapeNotation", self.soundGrapeNotation);
+    visitor("helmholtzEllis", self.helmholtzEllis);
+    visitor("harmonyPanel", self.harmonyPanel);
+    visitor("harmonyPanelFloats", self.harmonyPanelFloats);
     visitor("oneOneMenuSplitOctaves", self.oneOneMenuSplitOctaves);
     visitor("lastBrowsedPatchPath", self.lastBrowsedPatchPath);
     visitor("lastDirPath", self.lastDirPath);

@@ -57,7 +57,10 @@ public:
     QString tSysLastUpdateCheck;
     bool ratiosWithinOctave = true;
     bool centralNodeColourRelativeMode = true;
-    int soundGrapeNotation = 0; // 0 none, 1 coloured, 2 black and white
+    int soundGrapeNotation = 0;      // 0 none, 1 coloured, 2 black and white
+    bool helmholtzEllis = false;     // on the cards' staffs
+    bool harmonyPanel = false;       // whether it is shown
+    bool harmonyPanelFloats = false; // in a window of its own
     bool oneOneMenuSplitOctaves = false;
     QString lastBrowsedPatchPath;
     QString lastDirPath;

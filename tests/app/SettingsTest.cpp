@@ -16,7 +16,7 @@ const QString FILE_NAME = u"options.json"_s;
 /// All keys but the two that name folders of this machine.
 constexpr const char* DEFAULTS = R"({
     "audioDevice": -1, "framesPerBuffer": 256, "midiOutDevice": "deactivated", "midiOutChannel": 0,
-    "midiOutMpeZone": false,
+    "midiOutMpeZone": false, "helmholtzEllis": false, "harmonyPanel": false, "harmonyPanelFloats": false,
     "baseFrequency": 440, "calibrationFrequency": 440, "baseNote": "A 4", "baseNoteFreqRatio": 1,
     "masterVolume": 0.75, "monophonic": false, "defaultPatch": "Sine.pd", "softNodeReset": false,
     "circlesView": false, "absRelView": 1, "udpPort": 8888, "windowSize": "-1,-1", "windowPos": "-1,-1",
@@ -29,7 +29,7 @@ constexpr const char* DEFAULTS = R"({
 /// No value as it is by default. What is a float is exact in one.
 constexpr const char* OTHERS = R"({
     "audioDevice": 3, "framesPerBuffer": 64, "midiOutDevice": "Größe 1,5", "midiOutChannel": 15,
-    "midiOutMpeZone": true,
+    "midiOutMpeZone": true, "helmholtzEllis": true, "harmonyPanel": true, "harmonyPanelFloats": true,
     "baseFrequency": 261.6255653, "calibrationFrequency": 442.5, "baseNote": "Bb3", "baseNoteFreqRatio": 0.59375,
     "masterVolume": 0.125, "monophonic": true, "defaultPatch": "/a/b.pd", "softNodeReset": true,
     "circlesView": true, "absRelView": 2, "udpPort": 65535, "windowSize": "1234,567", "windowPos": "-20,0",
