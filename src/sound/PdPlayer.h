@@ -184,6 +184,9 @@ public:
     /// [any] What sounded, and was not released, after the last block; in the order in which
     /// the notes came. Never blocks, and never half of two blocks.
     QList<OrloRatio> getAllSoundingRatios() const;
+    /// [any] The same notes with their voices and frequencies, and with those that are released, silent or
+    /// without an exact pitch.
+    QList<VoiceSnapshot::Entry> soundingVoices() const { return mSnapshot.readAll(); }
     /// [any] Hz in which the note of an absolute ratio sounded after the last block, with its glissando.
     /// Empty when it does not sound, or is silent because it lies outside the range of pitches.
     std::optional<float> heardFrequency(const OrloRatio& ratio) const;

@@ -22,8 +22,6 @@ void VoiceSnapshot::publish(const RatioTable<Voice*>& noteMap)
     for (const Voice* voice : noteMap) {
         if (now.count == VoiceTable::SLOTS)
             break;
-        if (temperedratio::is(voice->ratio))
-            continue;
         now.notes[now.count++] = {voice->ratio.numerator(), voice->ratio.denominator(), packed(*voice),
                                   voice->frequency, 0.0F};
     }
@@ -31,6 +29,13 @@ void VoiceSnapshot::publish(const RatioTable<Voice*>& noteMap)
 }
 
 QList<VoiceSnapshot::Entry> VoiceSnapshot::read() const
+{
+    QList<Entry> entries = readAll();
+    entries.removeIf([](const Entry& entry) { return temperedratio::is(entry.ratio); });
+    return entries;
+}
+
+QList<VoiceSnapshot::Entry> VoiceSnapshot::readAll() const
 {
     Notes last;
     QList<Entry> entries;

@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdint>
 
-/// What the note map held of exact pitches after the last block: a list of one moment, never half of two
+/// What the note map held after the last block: a list of one moment, never half of two
 /// blocks. Capacity: a note for each slot. Nothing here blocks, and only read() allocates.
 class VoiceSnapshot
 {
@@ -22,8 +22,11 @@ public:
 
     /// [audio] Effect: what the map holds now is what read() gives from now on. In its order.
     void publish(const RatioTable<Voice*>& noteMap);
-    /// [any] Allocates the list, which is empty in the rare case that Published::read fails.
+    /// [any] Allocates the list, which is empty in the rare case that Published::read fails. Without the
+    /// notes that have no exact pitch (TemperedRatio.h).
     QList<Entry> read() const;
+    /// [any] The same with them.
+    QList<Entry> readAll() const;
 
 private:
     struct Note
