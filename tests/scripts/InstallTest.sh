@@ -11,7 +11,7 @@ cmake --install "$build" --prefix "$place/first" >"$place/log" || fail "$(cat "$
 mv "$place/first" "$place/prefix"
 cd "$place/prefix"
 
-for file in lib/brevick-tuning-orlo/{brevick-tuning-orlo,orlo-voice-trial,style.qss,style_mac.qss,patches/Sine.pd} \
+for file in lib/brevick-tuning-orlo/{brevick-tuning-orlo,orlo-voice-trial,style.qss,style_mac.qss,OrloHeji.otf,OFL.txt,patches/Sine.pd} \
             share/man/man1/brevick-tuning-orlo.1 share/doc/brevick-tuning-orlo/{LICENSE,LICENSE-libpd.txt,CHANGELOG.md}; do
   [ -s "$file" ] || fail "$file is not installed"
 done
