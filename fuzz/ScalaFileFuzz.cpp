@@ -1,9 +1,12 @@
 #include "fuzz/Fuzz.h"
+#include "model/Orlo.h"
 #include "scala/ScalaKeyboard.h"
 #include "scala/ScalaScale.h"
+#include "tuning/ScalaImport.h"
 
 #include <QBuffer>
 
+#include <climits>
 #include <cmath>
 #include <numeric>
 
@@ -32,6 +35,17 @@ void requireGood(const ScalaPitch& pitch)
     FUZZ_REQUIRE(again && (*again == pitch || std::abs(pitch.cents) > 1e9));
 }
 
+void requireGoodChord(const ScalaScale& scale, const std::optional<ScalaKeyboard>& keyboard)
+{
+    static const Orlo orlo;
+    const ScalaImport import = ScalaImport::of(scale, keyboard, orlo);
+    FUZZ_REQUIRE(import.ratios.contains(OrloRatio(1, 1)) && import.ratios.size() <= ScalaImport::MAX_NOTES);
+    for (const OrloRatio& ratio : import.ratios) {
+        FUZZ_REQUIRE(ratio.numerator() <= INT_MAX && ratio.denominator() <= INT_MAX);
+        FUZZ_REQUIRE(import.ratios.count(ratio) == 1);
+    }
+}
+
 } // namespace
 
 /// A scale, then one line of a lone "#", then a keyboard.
@@ -43,6 +57,7 @@ FUZZ_TARGET(scala_file)
     if (scale) {
         for (const ScalaPitch& pitch : scale->pitches())
             requireGood(pitch);
+        requireGoodChord(*scale, keyboard);
     }
     if (!keyboard)
         return;

@@ -20,10 +20,9 @@ std::optional<QByteArray> ScalaLines::nextText(const QString& what, ScalaError& 
         if (!mLine.startsWith('!'))
             return mLine;
     }
-    error =
-        mIsTooLong
-            ? ScalaError{.reason = QStringLiteral("The file is longer than %1 MiB.").arg(MAX_BYTES >> 20U)}
-            : ScalaError{.line = mNumber + 1, .reason = QStringLiteral("The file ends before %1.").arg(what)};
+    error = mIsTooLong ? wrong(QStringLiteral("The file is longer than %1 MiB.").arg(MAX_BYTES >> 20U))
+                       : ScalaError{.line = mNumber + 1,
+                                    .reason = QStringLiteral("The file ends before %1.").arg(what)};
     return std::nullopt;
 }
 

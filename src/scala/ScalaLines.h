@@ -27,6 +27,8 @@ public:
     /// The next such line begins with a whole number of these bounds.
     std::optional<int> nextNumber(const QString& what, int lowest, int highest, ScalaError& error);
 
+    /// That was read last, counted from 1.
+    int lineNumber() const { return mNumber; }
     /// Whether there was no further line.
     bool isAtEnd() const { return mIsAtEnd; }
     /// About the line that was read last.

@@ -18,6 +18,7 @@ std::optional<ScalaScale> ScalaScale::read(QIODevice& device, ScalaError& error)
     if (!count)
         return std::nullopt;
     QList<ScalaPitch> pitches;
+    QList<int> numbers;
     while (pitches.size() < *count) {
         const auto line = lines.next(QStringLiteral("pitch %1").arg(pitches.size() + 1), error);
         if (!line)
@@ -29,8 +30,11 @@ std::optional<ScalaScale> ScalaScale::read(QIODevice& device, ScalaError& error)
             return std::nullopt;
         }
         pitches.append(*pitch);
+        numbers.append(lines.lineNumber());
     }
-    return ScalaScale(ScalaLines::decoded(*description).simplified(), pitches);
+    ScalaScale scale(ScalaLines::decoded(*description).simplified(), pitches);
+    scale.mLines = numbers;
+    return scale;
 }
 
 std::optional<ScalaScale> ScalaScale::fromFile(const QString& path, ScalaError& error)

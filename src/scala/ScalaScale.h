@@ -31,13 +31,21 @@ public:
     /// In the order of the file, which need not ascend.
     const QList<ScalaPitch>& pitches() const { return mPitches; }
 
+    /// The line of a pitch in the file that the scale was read from, counted from 1; else 0.
+    int lineOf(qsizetype pitch) const { return mLines.value(pitch); }
+
     /// Degree 0 is 1/1, degree 1 the first pitch; beyond both ends the scale repeats. Nothing but 1/1 in a
     /// scale without pitches.
     std::optional<ScalaPitch> degree(int number) const;
 
-    bool operator==(const ScalaScale& other) const = default;
+    /// Wherever it was read from.
+    bool operator==(const ScalaScale& other) const
+    {
+        return mDescription == other.mDescription && mPitches == other.mPitches;
+    }
 
 private:
     QString mDescription;
     QList<ScalaPitch> mPitches;
+    QList<int> mLines; // of the pitches in their file; empty without one
 };

@@ -152,6 +152,7 @@ TEST(ScalaFile, LongLinesAndEndlessFilesAreBounded)
         ScalaError error;
         EXPECT_FALSE(ScalaScale::read(device, error)) << static_cast<int>(rest);
         EXPECT_FALSE(error.reason.isEmpty());
+        EXPECT_GT(error.line, 2);
     }
     // An end of a line of two bytes that lies across two chunks.
     for (qsizetype length = 65530; length < 65540; ++length)
