@@ -70,6 +70,18 @@ void StoreAndRecall::queueToggle(const OrloRatio& ratio)
     QThread::msleep(0);
 }
 
+bool StoreAndRecall::setRatios(int slot, const QList<OrloRatio>& ratios)
+{
+    if (slot < 0 || slot > LAST_SLOT)
+        return false;
+    if (ratios.isEmpty())
+        mChords.remove(slot);
+    else
+        mChords.insert(slot, ratios);
+    emit replaced(slot);
+    return true;
+}
+
 void StoreAndRecall::clearRatios(int slot)
 {
     mChords.remove(slot);

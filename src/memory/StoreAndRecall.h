@@ -39,6 +39,9 @@ public:
     /// False when the slot holds no note. A note under hold is not turned off. An unknown mode
     /// does nothing and gives true.
     bool recallRatios(int slot, int mode);
+    /// The slot holds these from now on; without any it is cleared. False, and nothing changes, when there is
+    /// no such slot.
+    bool setRatios(int slot, const QList<OrloRatio>& ratios);
     void clearRatios(int slot);
     /// Always true.
     bool clearAll();
@@ -58,6 +61,8 @@ public:
 
 signals:
     void stored(int slot);
+    /// By setRatios().
+    void replaced(int slot);
     /// What has to change is queued.
     void recalled(int slot);
 
