@@ -10,6 +10,7 @@
 #include "sound/OrloNoteEvent.h"
 #include "sound/PdPlayer.h"
 #include "ui/cards/CardWidget.h"
+#include "ui/harmony/HarmonyPanel.h"
 #include "ui/lattice/OrloBallWidget.h"
 #include "ui/lattice/OrloView.h"
 #include "ui/lattice/OrloWidget.h"
@@ -30,6 +31,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace {
@@ -319,6 +321,62 @@ void canTransposeTo(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * steps.size());
 }
 
+/// The panel, and notes for it: of balls, or ratios that fill 64 bits.
+struct HarmonyStage
+{
+    explicit HarmonyStage(const benchmark::State& state)
+    {
+        const QList<OrloBallWidget*> balls = pages.grapes.orloView()->orloWidget()->balls();
+        constexpr unsigned long long wide = 1ULL << 62U;
+        for (unsigned i = 0; i < state.range(0); ++i) {
+            const OrloRatio ratio = state.range(1) == 0
+                                        ? OrloRatio(balls[static_cast<int>(i)]->ball()->path())
+                                        : OrloRatio(wide - 1 - 2 * i, wide - 999 - 64 * i);
+            const double frequency =
+                440.0 * static_cast<double>(ratio.numerator()) / static_cast<double>(ratio.denominator());
+            notes.append({.ratio = ratio, .frequency = frequency});
+        }
+        panel.resize(270, 600);
+        panel.show();
+        panel.fill(notes, OrloRatio(1, 1));
+        QCoreApplication::processEvents();
+    }
+
+    Pages pages;
+    QList<SoundingNote> notes;
+    HarmonyPanel panel{nullptr};
+};
+
+/// What a note that comes or goes costs the panel: analysed, filled and painted. One frame has 16.7 ms.
+void showHarmony(benchmark::State& state)
+{
+    HarmonyStage stage(state);
+    bool all = true;
+    for ([[maybe_unused]] auto _ : state) {
+        all = !all;
+        stage.panel.fill(all ? stage.notes : stage.notes.first(stage.notes.size() - 1), OrloRatio(1, 1));
+        stage.panel.repaint();
+    }
+    setBaseline(state, "repaintHarmony/" + std::to_string(state.range(0)), state.range(1));
+}
+
+/// What of it is painting alone.
+void repaintHarmony(benchmark::State& state)
+{
+    HarmonyStage stage(state);
+    for ([[maybe_unused]] auto _ : state)
+        stage.panel.repaint();
+}
+
+/// Once a frame while nothing changes.
+void lookAtUnchangedHarmony(benchmark::State& state)
+{
+    HarmonyStage stage(state);
+    stage.panel.look();
+    for ([[maybe_unused]] auto _ : state)
+        stage.panel.look();
+}
+
 BENCHMARK(repaintScene)->Arg(0)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(repaintPlainly)->Arg(0)->Arg(128)->Unit(benchmark::kMillisecond);
 BENCHMARK(pressFromEventToChunk)->Unit(benchmark::kMicrosecond);
@@ -330,6 +388,9 @@ BENCHMARK(transposeAndRepaint)
 BENCHMARK(repaintPages)->Arg(0)->Arg(40)->Unit(benchmark::kMillisecond);
 BENCHMARK(buildCard)->Unit(benchmark::kMicrosecond);
 BENCHMARK(showAndHideCard)->Unit(benchmark::kMicrosecond);
+BENCHMARK(showHarmony)->ArgsProduct({{3, 20}, {0, 1}})->Unit(benchmark::kMicrosecond);
+BENCHMARK(repaintHarmony)->ArgsProduct({{3, 20}, {0, 1}})->Unit(benchmark::kMicrosecond);
+BENCHMARK(lookAtUnchangedHarmony)->Args({20, 0})->Unit(benchmark::kMicrosecond);
 BENCHMARK(canTransposeTo)->Unit(benchmark::kMicrosecond);
 BENCHMARK(placeNodes)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(sortPlainly)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);

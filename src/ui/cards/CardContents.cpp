@@ -40,6 +40,21 @@ CardContents CardContents::ofRatio(const OrloRatio& absolute)
     return contents;
 }
 
+bool CardContents::isHejiWanted()
+{
+    const Settings* settings = app::settings();
+    return settings->helmholtzEllis && settings->soundGrapeNotation <= NoGrape;
+}
+
+void CardContents::writeStaffInHeji()
+{
+    const Orlo* orlo = app::orlo();
+    heji = HejiSpelling::of(Note(static_cast<float>(orlo->baseFrequency())),
+                            orlo->transposeSteps() + path.toList());
+    bass = StaffPosition::isBass(*heji);
+    staff = StaffPosition::of(*heji);
+}
+
 void CardContents::readNote()
 {
     const Note note = Note::getNoteForPath(&path, frequency);

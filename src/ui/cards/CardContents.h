@@ -2,12 +2,15 @@
 
 #include "model/OrloPathUnlimited.h"
 #include "model/OrloRatio.h"
+#include "notation/HejiSpelling.h"
 #include "ui/cards/SoundGrape.h"
 #include "ui/cards/StaffPosition.h"
 
 #include <QColor>
 #include <QList>
 #include <QString>
+
+#include <optional>
 
 class Note;
 class OrloBall;
@@ -22,6 +25,10 @@ struct CardContents
     static CardContents ofBall(const OrloBall& ball);
     /// An absolute ratio.
     static CardContents ofRatio(const OrloRatio& absolute);
+    /// Whether the options ask for it: the soundgrape goes before it.
+    static bool isHejiWanted();
+    /// The staff in Helmholtz-Ellis notation instead; the printed name stays.
+    void writeStaffInHeji();
 
     OrloPathUnlimited path;
     OrloRatio relative;
@@ -35,9 +42,10 @@ struct CardContents
     QString ratio;
     QString hertz;
     bool enharmonic = false;
+    int accidental = 0; // of the name; -2 to 2
     bool bass = false;
-    int accidental = 0; // -2 to 2
     StaffPosition staff;
+    std::optional<HejiSpelling> heji; // null: the staff shows the note and the accidental of the name
 
     int notation = NoGrape; // the option as it stands, which may be another number
     int colorKey = 1;

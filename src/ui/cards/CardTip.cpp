@@ -32,6 +32,8 @@ QString texts::cardTip(const CardContents& contents, std::optional<float> heard)
     QStringList lines{contents.letter + QString(qAbs(contents.accidental), sign) + contents.octave + u' '
                           + cents(contents.roundedCents),
                       contents.ratio, hertz(contents.frequency)};
+    if (contents.heji)
+        lines.append(QStringLiteral("Helmholtz-Ellis: ") + contents.heji->text());
     if (heard && *heard > 0.0F && contents.frequency > 0.0F) {
         const double apart =
             1200.0 * std::log2(static_cast<double>(*heard) / static_cast<double>(contents.frequency));

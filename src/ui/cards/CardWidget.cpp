@@ -22,6 +22,7 @@
 #include <QPainter>
 #include <QStyleOption>
 #include <QToolTip>
+#include <QtMath>
 
 namespace {
 
@@ -31,7 +32,6 @@ constexpr QSize CARD_SIZE(174, 72);
 constexpr int STAFF_WIDTH = 64;
 constexpr int NOTE_AREA_WIDTH = 60; // clef, accidental and note
 constexpr int NOTE_AREA_GAP = 4;    // after the clef
-constexpr int ACCIDENTAL_GAP = 3;   // from accidental to note
 constexpr int CENTS_GAP = 3;
 constexpr int TEXT_X = 70;
 constexpr int TEXT_Y = 3;
@@ -101,7 +101,10 @@ float CardWidget::getStaffLineForNote(bool bass, const Note& note)
 
 CardContents CardWidget::readContents() const
 {
-    return mAtStackTwo ? CardContents::ofRatio(mRatio) : CardContents::ofBall(*mBall);
+    CardContents contents = mAtStackTwo ? CardContents::ofRatio(mRatio) : CardContents::ofBall(*mBall);
+    if (CardContents::isHejiWanted() && mLoader->hejiFont().isUsable())
+        contents.writeStaffInHeji();
+    return contents;
 }
 
 // ---------------------------------------------------------------- parts
@@ -173,11 +176,14 @@ void CardWidget::fill()
     mNote->setSvg(recoloured(mLoader->note));
     const QByteArray* accidental = accidentalGraphic();
     mPlainAccidental->setVisible(accidental);
-    mAccidental->setVisible(accidental);
+    mAccidental->setVisible(showsAccidental());
     if (accidental) {
         mPlainAccidental->setSvg(*accidental);
         mAccidental->setSvg(recoloured(*accidental));
     }
+    const QString spelling = mContents.heji ? mContents.heji->text() : QString();
+    if (accessibleDescription() != spelling)
+        setAccessibleDescription(spelling);
 }
 
 void CardWidget::refill()
@@ -247,21 +253,28 @@ void CardWidget::layOutStaff(const QRect& area)
 
     const QSize noteSize = mNote->sizeForHeight(static_cast<int>(lines.spacing() + 1.0F));
     QSize accidentalSize(0, 0);
-    int groupWidth = noteSize.width();
     if (hasAccidental()) {
-        accidentalSize = mAccidental->sizeForHeight(qRound(lines.spacing() * 3));
-        groupWidth += accidentalSize.width() + ACCIDENTAL_GAP;
+        accidentalSize = mPlainAccidental->sizeForHeight(qRound(lines.spacing() * 3));
+        mPlainAccidental->resize(accidentalSize);
     }
+    const int room = NOTE_AREA_WIDTH - mClef->width() - noteSize.width() - ACCIDENTAL_GAP;
+    mSigns = mContents.heji ? hejiSigns(area, room) : HejiSigns();
+    int groupWidth = noteSize.width();
+    if (showsAccidental())
+        groupWidth += accidentalSize.width() + ACCIDENTAL_GAP;
+    else if (mSigns.width > 0.0)
+        groupWidth += qCeil(mSigns.width) + ACCIDENTAL_GAP;
     const int freeSpace = NOTE_AREA_WIDTH - mClef->width() - groupWidth;
     int x = area.left() + mClef->width() + NOTE_AREA_GAP + roundedHalf(freeSpace);
     const int y = qRound(lines.yOf(mContents.staff.position) - static_cast<float>(noteSize.height()) / 2);
-    if (hasAccidental()) {
+    if (showsAccidental()) {
         if (mContents.hasGrape())
             x += GRAPE_ACCIDENTAL_X;
         mAccidental->setGeometry(
             QRect(QPoint(x, qRound(static_cast<float>(y) - lines.spacing())), accidentalSize));
-        mPlainAccidental->resize(accidentalSize);
         x += accidentalSize.width() + ACCIDENTAL_GAP;
+    } else if (mSigns.width > 0.0) {
+        x += qCeil(mSigns.width) + ACCIDENTAL_GAP;
     }
     mNote->setGeometry(QRect(QPoint(x, y), noteSize));
 }
@@ -277,6 +290,8 @@ void CardWidget::layOutCents(const QRect& area)
     else
         y = qMax(mNote->y() + mNote->height() + CENTS_GAP, area.top() + area.height() - height + CENTS_GAP);
     mCentsLabel->move(x, y);
+    if (mContents.heji)
+        moveCentsBesideSigns(area.left() + TEXT_X);
 }
 
 void CardWidget::layOutName(const QRect& area)
@@ -472,6 +487,7 @@ QPixmap CardWidget::wholePicture()
     QPainter painter(&picture);
     drawLines(painter);
     drawSoundGrapeBW(painter);
+    drawHejiSigns(painter);
     drawParts(painter);
     painter.end();
     kept.keepCard(look, picture);

@@ -4,6 +4,7 @@
 #include "model/OrloPathUnlimited.h"
 #include "model/OrloRatio.h"
 #include "ui/cards/CardContents.h"
+#include "ui/cards/HejiSigns.h"
 #include "ui/cards/SoundGrape.h"
 
 #include <QColor>
@@ -61,6 +62,8 @@ public:
     /// Toggles the note.
     void toggleRatioForCard() const;
 
+    /// Before the note head; none in other notations.
+    const HejiSigns& signs() const { return mSigns; }
     /// As drawn, after the octave shift.
     float staffPosition() const { return mContents.staff.position; }
     /// Whole octaves that the note is drawn lower than it sounds; below 0: higher.
@@ -89,10 +92,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    static constexpr int ACCIDENTAL_GAP = 3; // from accidental to note, pixels
+
     void init();
     void fill();
     CardContents readContents() const;
     const QByteArray* accidentalGraphic() const;
+    bool showsAccidental() const { return hasAccidental() && !mContents.heji; } // on the staff
     bool hasAccidental() const { return mContents.accidental != 0; }
     CardLabel* addLabel(const char* name);
     CardGraphic* addGraphic();
@@ -100,6 +106,8 @@ private:
 
     void layOut();
     void layOutStaff(const QRect& area);
+    HejiSigns hejiSigns(const QRect& area, int room) const;
+    void moveCentsBesideSigns(int right);
     void layOutCents(const QRect& area);
     void layOutName(const QRect& area);
     void layOutRatio(const QRect& area);
@@ -112,6 +120,8 @@ private:
     QPixmap paper();
     QPixmap wholePicture();
     void drawLines(QPainter& painter) const;
+    QPointF signsOrigin() const;
+    void drawHejiSigns(QPainter& painter) const;
     void drawSoundGrapeBW(QPainter& painter) const;
     void drawParts(QPainter& painter) const;
     void drawShortened(QPainter& painter);
@@ -149,4 +159,5 @@ private:
 
     QLine mDownLine; // null: none
     QLine mUpLine;
+    HejiSigns mSigns; // of Helmholtz-Ellis notation
 };

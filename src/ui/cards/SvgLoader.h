@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/cards/CardPictures.h"
+#include "ui/cards/HejiFont.h"
 
 #include <QByteArray>
 #include <QCache>
@@ -33,6 +34,7 @@ public:
 
     /// What is kept of the cards that these graphics stand on.
     CardPictures& pictures() { return mPictures; }
+    HejiFont& hejiFont() { return mHejiFont; }
 
     QByteArray trebleClef;
     QByteArray bassClef;
@@ -67,4 +69,5 @@ private:
     QCache<QByteArray, QSvgRenderer> mRenderers;
     QCache<PixmapKey, QPixmap> mPixmaps;
     CardPictures mPictures;
+    HejiFont mHejiFont;
 };

@@ -27,7 +27,7 @@ constexpr Row ROWS[] = {
     {"patchIncButton", "Goes to the next patch. A patch is a kind of sound.", "Next patch"},
     {"loadPatchButton", "Opens a patch from a file: a voice made with Pure Data."},
     {"optionsButton", "Options: sound device, MIDI, the pitch of 1/1 and more. (Ctrl+,)", "Options"},
-    {"menuButton", "Menu: help and keys (F1), first steps, playing from MIDI, full screen (F11), quit (Ctrl+Q).", "Menu"},
+    {"menuButton", "Menu: help and keys (F1), first steps, playing from MIDI, harmony (Ctrl+D), Helmholtz-Ellis notation, chords to files and Scala files to chords, full screen (F11), quit (Ctrl+Q).", "Menu"},
 
     // How lattice and cards are shown.
     {"circlesViewButton", "Shows the small balls around the large ones, as flowers. (F)"},
@@ -134,6 +134,31 @@ constexpr Row ROWS[] = {
     {"timbreMacroMenu", "Which parameter of its note controller 74 moves, which keyboards send for slides."},
     {"heedMpeBox", "A keyboard that announces a zone bends and shapes each note by itself, on channels of its own."},
     {"showKeysBox", "Shows beside each ball the key that plays it, also when this window is closed."},
+
+    // Harmony.
+    {"harmonyFloatButton", "Shows the harmony of what sounds in a window of its own."},
+    {"harmonyDockButton", "Puts the harmony of what sounds beside the lattice again."},
+    {"harmonyCloseButton", "Closes the harmony of what sounds. (Ctrl+D)", "Close the harmony"},
+
+    // Chords to files and from them.
+    {"chordSourceMenu", "Which pitches go to the file: the notes that sound, a chord, all chords of a preset, or each ball that can be pressed.", "Pitches"},
+    {"chordSlotMenu", "The chord that goes to the file.", "Chord"},
+    {"chordPresetMenu", "The preset whose pitches go to the file. The chords in memory stay.", "Preset"},
+    {"chordPresetButton", "Reads a preset from any folder. The chords in memory stay."},
+    {"chordFormatMenu", "What the file is for: programs that read Scala files, instruments that are tuned by MIDI, Pure Data, or people.", "Format"},
+    {"chordRangeMenu", "Within the octave each pitch is moved into the octave above 1/1. As played it stays where it sounds.", "Range"},
+    {"chordPreview", "What the file will hold."},
+    {"chordSaveButton", "Asks for a name and saves the file. A Scala scale is saved with the keyboard that gives its true pitch."},
+    {"chordCopyButton", "Puts ratios, cents and Hz into the clipboard, as text."},
+    {"chordCloseButton", "Closes this window. (Escape)"},
+    {"scalaScaleButton", "Opens a scale of the Scala format. It can also be dropped on the window.", "Open a scale"},
+    {"scalaKeyboardButton", "Opens a keyboard of the Scala format, which names the degrees that belong to the chord.", "Open a keyboard"},
+    {"scalaNoKeyboardButton", "Takes all degrees of the scale.", "No keyboard"},
+    {"scalaLeftOutList", "The lines of the file that cannot be notes of a chord, and why.", "Left out"},
+    {"scalaSlotMenu", "The chord that the scale becomes. One that is there is replaced.", "Chord"},
+    {"scalaStoreButton", "Stores the pitches as the chosen chord."},
+    {"scalaUndoButton", "Takes back what was stored last from this window. It can be done until the window is closed."},
+    {"scalaCloseButton", "Closes this window. (Escape)"},
 };
 // clang-format on
 

@@ -29,6 +29,10 @@ ChordPanel::ChordPanel(const Widgets& widgets, StoreAndRecall* memory, PdPlayer*
     , mSettings(settings)
     , mSigns(widgets.chords, memory, player->relay())
 {
+    connect(memory, &StoreAndRecall::replaced, this, [this](int slot) {
+        if (slot > 0)
+            setChordButton(slot, !mMemory->isChordEmpty(slot));
+    });
 }
 
 // ---------------------------------------------------------------- store, recall and clear

@@ -2,6 +2,7 @@
 
 #include "app/Settings.h"
 
+#include <QAction>
 #include <QHash>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -23,6 +24,13 @@ DisplaySwitches::DisplaySwitches(const Widgets& widgets, Settings* settings)
 {
 }
 
+void DisplaySwitches::takeHelmholtzEllis(QAction* entry)
+{
+    mHelmholtzEllis = entry;
+    entry->setCheckable(true);
+    setButtons();
+}
+
 void DisplaySwitches::showPage()
 {
     mWidgets.pages->setCurrentIndex(mSettings->circlesView ? CIRCLES_PAGE : GRAPES_PAGE);
@@ -41,6 +49,8 @@ void DisplaySwitches::setButtons()
         mWidgets.soundgrapeColour->setChecked((notation & 1) != 0);
         mWidgets.soundgrapeBW->setChecked(notation == BLACK_AND_WHITE_SOUNDGRAPE);
     }
+    if (mHelmholtzEllis)
+        mHelmholtzEllis->setChecked(mSettings->helmholtzEllis && notation <= NO_SOUNDGRAPE);
     mWidgets.absoluteMode->setChecked(mSettings->absRelView != 0);
     mWidgets.relativeMode->setChecked(mSettings->absRelView == 0);
     mWidgets.circlesView->setChecked(mSettings->circlesView);
@@ -78,16 +88,29 @@ void DisplaySwitches::normalizeRatiosClicked()
 
 void DisplaySwitches::soundgrapeColourClicked()
 {
-    mSettings->soundGrapeNotation =
-        mWidgets.soundgrapeColour->isChecked() ? COLOURED_SOUNDGRAPE : NO_SOUNDGRAPE;
-    mWidgets.soundgrapeBW->setChecked(false);
-    emit displayChanged();
+    chooseSoundgrape(mWidgets.soundgrapeColour->isChecked() ? COLOURED_SOUNDGRAPE : NO_SOUNDGRAPE);
 }
 
 void DisplaySwitches::soundgrapeBWClicked()
 {
-    mSettings->soundGrapeNotation =
-        mWidgets.soundgrapeBW->isChecked() ? BLACK_AND_WHITE_SOUNDGRAPE : NO_SOUNDGRAPE;
-    mWidgets.soundgrapeColour->setChecked(false);
+    chooseSoundgrape(mWidgets.soundgrapeBW->isChecked() ? BLACK_AND_WHITE_SOUNDGRAPE : NO_SOUNDGRAPE);
+}
+
+void DisplaySwitches::helmholtzEllisTriggered()
+{
+    mSettings->helmholtzEllis = mHelmholtzEllis->isChecked();
+    if (mSettings->helmholtzEllis)
+        mSettings->soundGrapeNotation = NO_SOUNDGRAPE;
+    setButtons();
+    emit displayChanged();
+}
+
+/// A card has room for either the soundgrape or Helmholtz-Ellis notation.
+void DisplaySwitches::chooseSoundgrape(int notation)
+{
+    mSettings->soundGrapeNotation = notation;
+    if (notation != NO_SOUNDGRAPE)
+        mSettings->helmholtzEllis = false;
+    setButtons();
     emit displayChanged();
 }

@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+class QAction;
 class QPushButton;
 class QStackedWidget;
 class Settings;
@@ -26,6 +27,9 @@ public:
     };
     DisplaySwitches(const Widgets& widgets, Settings* settings);
 
+    /// The menu's entry of Helmholtz-Ellis notation, not owned. Gets a check mark that follows the options.
+    void takeHelmholtzEllis(QAction* entry);
+
     /// The page of the option `circlesView`.
     void showPage();
     bool isCirclesPage() const;
@@ -41,12 +45,16 @@ public:
     void normalizeRatiosClicked();
     void soundgrapeColourClicked();
     void soundgrapeBWClicked();
+    void helmholtzEllisTriggered();
 
 signals:
     /// Balls and cards have to be drawn anew.
     void displayChanged();
 
 private:
+    void chooseSoundgrape(int notation);
+
     Widgets mWidgets;
     Settings* mSettings;
+    QAction* mHelmholtzEllis = nullptr;
 };

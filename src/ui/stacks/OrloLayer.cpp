@@ -16,6 +16,7 @@ namespace {
 
 constexpr QMargins CENTRAL_MARGINS(0, 6, 0, 6);
 constexpr QMargins RIGHT_MARGINS(6, 6, 6, 6);
+constexpr int LEAST_LATTICE_WIDTH = 160; // beside a right margin
 
 QHBoxLayout* makeRow(QWidget* parent, const QMargins& margins)
 {
@@ -36,9 +37,9 @@ OrloLayer::OrloLayer(QWidget* parent)
     mView = new OrloView;
     makeRow(centralFrame, CENTRAL_MARGINS)->addWidget(mView);
 
-    auto* rightFrame = new QFrame;
-    rightFrame->setObjectName(QStringLiteral("rightFrame"));
-    QHBoxLayout* right = makeRow(rightFrame, RIGHT_MARGINS);
+    mRightFrame = new QFrame;
+    mRightFrame->setObjectName(QStringLiteral("rightFrame"));
+    QHBoxLayout* right = makeRow(mRightFrame, RIGHT_MARGINS);
     mCardStack = new CardStackWidget;
     mNodeStack = new NodeStackWidget;
     mCardStackTwo = new CardStackTwoWidget;
@@ -51,7 +52,7 @@ OrloLayer::OrloLayer(QWidget* parent)
 
     QHBoxLayout* page = makeRow(this, QMargins());
     page->addWidget(centralFrame);
-    page->addWidget(rightFrame);
+    page->addWidget(mRightFrame);
 
     mCardConnectors = new CardConnectorOverlay(this);
     mFreeConnectors = new FreeConnectorOverlay(this);
@@ -97,9 +98,39 @@ void OrloLayer::showStacks(bool show)
     mCardStackTwo->setVisible(show);
 }
 
+void OrloLayer::setRightMargin(int pixels)
+{
+    mRightMargin = pixels;
+    applyMargin();
+}
+
+void OrloLayer::applyMargin()
+{
+    const int most = width() - mRightFrame->sizeHint().width() - LEAST_LATTICE_WIDTH;
+    layout()->setContentsMargins(0, 0, qBound(0, most, mRightMargin), 0);
+}
+
+bool OrloLayer::isRightEndFree() const
+{
+    return mNodeStack->isVisibleTo(this) && mNodeStack->balls().isEmpty() && mCardStackTwo->cards().isEmpty();
+}
+
+bool OrloLayer::canSpare(int pixels) const
+{
+    const QRectF scene = mView->sceneRect();
+    const int room = width() - mRightFrame->sizeHint().width() - pixels;
+    return room * scene.height() >= mView->height() * scene.width();
+}
+
+QSize OrloLayer::minimumSizeHint() const
+{
+    return QWidget::minimumSizeHint() - QSize(layout()->contentsMargins().right(), 0);
+}
+
 void OrloLayer::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
+    applyMargin();
     mCardConnectors->setGeometry(rect());
     mFreeConnectors->setGeometry(rect());
 }

@@ -14,6 +14,7 @@ class FreeConnectorOverlay;
 class NodeStackWidget;
 class Orlo;
 class OrloView;
+class QFrame;
 class SvgLoader;
 
 /// One page of the window: the lattice on the left, the three stacks on the right, and the two
@@ -29,6 +30,15 @@ public:
     /// Once, before the page is shown.
     void init(OrloLeavesWidget::View view, Orlo* orlo);
     void showStacks(bool show);
+
+    /// Keeps the right end of the page clear for a panel that lies over it: less than this where the lattice
+    /// would become too narrow. The page's least size stays as it is.
+    void setRightMargin(int pixels);
+    /// Whether nothing stands in the two right columns.
+    bool isRightEndFree() const;
+    /// Whether the whole lattice is shown as large as without such a margin.
+    bool canSpare(int pixels) const;
+    QSize minimumSizeHint() const override;
 
     OrloView* orloView() const { return mView; }
     CardStackWidget* cardStack() const { return mCardStack; }
@@ -55,6 +65,7 @@ protected:
 
 private:
     void connectLattice(const Orlo* orlo);
+    void applyMargin();
 
     std::unique_ptr<SvgLoader> mLoader;
     OrloView* mView;
@@ -63,4 +74,6 @@ private:
     CardStackTwoWidget* mCardStackTwo; // their cards
     CardConnectorOverlay* mCardConnectors;
     FreeConnectorOverlay* mFreeConnectors;
+    QFrame* mRightFrame; // of the three stacks
+    int mRightMargin = 0;
 };

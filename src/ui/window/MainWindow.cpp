@@ -13,6 +13,7 @@
 #include "ui/dialogs/OptionsDialog.h"
 #include "ui/dialogs/TweakDialog.h"
 #include "ui/firststeps/FirstSteps.h"
+#include "ui/harmony/HarmonyDock.h"
 #include "ui/keyboard/PlayFromMidi.h"
 #include "ui/lattice/GeometryConstants.h"
 #include "ui/lattice/OrloLeavesWidget.h"
@@ -20,6 +21,7 @@
 #include "ui/panel/MenuButton.h"
 #include "ui/panel/StatusLine.h"
 #include "ui/stacks/OrloLayer.h"
+#include "ui/tuning/ChordFiles.h"
 #include "ui/window/FormSetUp.h"
 #include "ui/window/FrameFit.h"
 #include "ui/window/KeyMap.h"
@@ -159,6 +161,15 @@ void MainWindow::fillMenu()
                                          *app::midiPlaying(), this);
         menu->add(QStringLiteral("Play from MIDI..."), QKeySequence(), [playing] { playing->open(); });
     }
+    QAction* harmony =
+        menu->add(QStringLiteral("Harmony"), Qt::CTRL | Qt::Key_D, [this] { mHarmony->toggle(); });
+    mHarmony = new HarmonyDock(ui->centralStack, this, harmony);
+    DisplaySwitches* display = &mPanel->display;
+    display->takeHelmholtzEllis(menu->add(QStringLiteral("Helmholtz-Ellis"), QKeySequence(),
+                                          [display] { display->helmholtzEllisTriggered(); }));
+    mChordFiles = new ChordFiles(*app::player(), *app::storeAndRecall(), *mOrlo, this);
+    menu->add(QStringLiteral("Chord to file..."), QKeySequence(), [this] { mChordFiles->openOut(); });
+    menu->add(QStringLiteral("Scala file to chord..."), QKeySequence(), [this] { mChordFiles->openIn(); });
     menu->add(
         QStringLiteral("Full screen"), Qt::Key_F11, [this] { toggleFullScreen(); }, MenuButton::Window);
     menu->add(
@@ -241,6 +252,7 @@ void MainWindow::on_expandOrloButton_clicked()
     ui->topFrame->setVisible(show);
     ui->circleLayer->showStacks(show);
     ui->grapeLayer->showStacks(show);
+    mHarmony->setStacksShown(show);
     ui->expandOrloButton->setText(show ? QStringLiteral("< >") : QStringLiteral("> <"));
 }
 
@@ -254,6 +266,7 @@ void MainWindow::applyRestrictions(bool restricted)
 {
     mRestricted = restricted;
     mPanel->setRestricted(restricted);
+    mChordFiles->setRestricted(restricted);
     mOptionsDialog->applyRestrictions(restricted);
 }
 

@@ -7,8 +7,10 @@
 
 #include <memory>
 
+class ChordFiles;
 class DiagnosticsDialog;
 class FirstSteps;
+class HarmonyDock;
 class KeyMap;
 class MenuButton;
 class OptionsDialog;
@@ -177,7 +179,9 @@ private:
     bool mFrameFits = false;                 // looked at once
     OptionsDialog* mOptionsDialog = nullptr; // a new one each time it opens
     QPoint mOptionsDialogPosition;           // (0, 0): the window system places it
-    QPointer<FirstSteps> mFirstSteps;        // deletes itself
+    HarmonyDock* mHarmony = nullptr;
+    ChordFiles* mChordFiles = nullptr;
+    QPointer<FirstSteps> mFirstSteps; // deletes itself
     // Child dialogs that only a developer shows.
     DiagnosticsDialog* mDiagnosticsDialog = nullptr;
     TweakDialog* mTweakDialog = nullptr;

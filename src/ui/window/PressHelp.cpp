@@ -53,5 +53,7 @@ QList<HelpSection> pressHelp()
               row("drag the ground, wheel", "move the enlarged lattice")}},
             {QStringLiteral("Column of primes"),
              {row("number", "switch the prime off or on: its balls go and come"),
-              row("arrows", "transpose by the prime"), row("=", "back to no transposition")}}};
+              row("arrows", "transpose by the prime"), row("=", "back to no transposition")}},
+            {QStringLiteral("Harmony panel"),
+             {row("pointer over it", "all of a text that is cut, and each interval in words")}}};
 }

@@ -1,6 +1,8 @@
+#include "notation/HejiGlyphs.h"
 #include "ui/PageFixture.h"
 #include "ui/cards/CardTip.h"
 #include "ui/cards/CentsText.h"
+#include "ui/cards/HejiFont.h"
 
 #include <QHelpEvent>
 #include <QToolTip>
@@ -242,6 +244,86 @@ TEST_F(Card, TheSoundgrapeFollowsTheOption)
     for (const int mode : {0, 1, 2}) {
         updatePage(&Settings::absRelView, mode);
         EXPECT_EQ(primes(cardFor({11 * 7, 32})), mode == 0 ? "7" : "7,11");
+    }
+}
+
+/// Over A, as in the legend of the notation; places of C#5, G5, D5 ... on the staff.
+TEST_F(Card, HelmholtzEllisHasTheStaffAndLeavesTheName)
+{
+    settings.helmholtzEllis = true;
+    const std::tuple<OrloRatio, const char*, const char*, float, int> rows[] = {
+        // ratio, printed name, spelling, position, octaves drawn lower
+        {{1, 1}, "A4", "A4", 2.5F, 0},          {{5, 4}, "C5", "C#5 5:-1", 1.5F, 0},
+        {{7, 4}, "G5", "G5 7:-1", -0.5F, 0},    {{11, 8}, "D5", "D5 11:+1", 1.0F, 0}, // D# in the name
+        {{13, 8}, "F5", "F#5 13:-1", 0.0F, 0},  {{17, 16}, "B4", "A#4 17:-1", 2.5F, 0},
+        {{19, 16}, "C5", "C5 19:+1", 1.5F, 0},  {{23, 16}, "D5", "D#5 23:+1", 1.0F, 0},
+        {{29, 16}, "G5", "G5 29:+1", -0.5F, 0}, {{31, 16}, "G5", "A5 31:-1", -1.0F, 0},
+        {{7, 16}, "G3", "G3 7:-1", 0.5F, 0},    {{49, 4}, "E8", "F8 7:-2", 0.0F, 3},
+    };
+    for (const auto& [ratio, name, spelling, position, shift] : rows) {
+        SCOPED_TRACE(spelling);
+        const CardWidget* card = cardFor(ratio);
+        EXPECT_EQ(text(card, "noteLabel") + text(card, "octaveLabel"), QLatin1StringView(name));
+        EXPECT_EQ(card->accessibleDescription(), QLatin1StringView(spelling));
+        EXPECT_EQ(card->staffPosition(), position);
+        EXPECT_EQ(card->octaveShift(), shift);
+        EXPECT_EQ(card->signs().width > 0.0, ratio != OrloRatio(1, 1));
+        const QRect note = graphics(card)[1]->geometry();
+        EXPECT_GE(note.x() - 3 - card->signs().width, 6 + 18) << "the clef stays free";
+        EXPECT_LE(note.right(), 6 + 64) << "on the lines";
+    }
+    transposeBy({5});
+    updatePage();
+    EXPECT_EQ(cardFor({25, 16})->accessibleDescription(), u"E#5 5:-2");
+}
+
+TEST_F(Card, HelmholtzEllisComesAndGoesWithoutATrace)
+{
+    CardWidget* card = cardFor({17, 16});
+    const auto picture = [&](bool heji, int grape) {
+        settings.helmholtzEllis = heji;
+        updatePage(&Settings::soundGrapeNotation, grape);
+        return card->grab().toImage();
+    };
+    for (const int grape : {1, 3, 0}) { // which goes before it
+        const QImage before = picture(false, grape);
+        EXPECT_EQ(picture(true, grape) != before, grape == 0) << grape;
+        EXPECT_EQ(picture(false, grape), before);
+    }
+    CardContents contents = CardContents::ofRatio({17, 16});
+    contents.writeStaffInHeji();
+    EXPECT_TRUE(texts::cardTip(contents, {}).endsWith(u"\nHelmholtz-Ellis: A#4 17:-1"));
+}
+
+TEST_F(Card, HelmholtzEllisSignsGetSmallerAndThenFewer)
+{
+    constexpr qreal room = 33;
+    constexpr qreal space = 6;
+    HejiFont font;
+    HejiSpelling spelling;
+    HejiSigns before;
+    for (int count = 0; count < 20; ++count, ++spelling.powers.back()) {
+        const HejiSigns signs = HejiSigns::within(font, hejiglyphs::of(spelling), room, space);
+        EXPECT_LE(signs.width, room + 0.001);
+        EXPECT_NEAR(signs.outline.boundingRect().right(), 0.0, 0.001);
+        if (signs.left == 0) {
+            EXPECT_GE(signs.width, before.width) << count;
+            EXPECT_LE(signs.scale, before.scale) << count;
+            EXPECT_TRUE(signs.scale == 1.0 || signs.width > room - 0.001) << "no smaller than needed";
+        }
+        EXPECT_GE(signs.left, before.left);
+        EXPECT_GE(signs.scale, 0.75);
+        before = signs;
+    }
+    EXPECT_GT(before.left, 0);
+    for (size_t i = 0; i < HejiSpelling::PRIMES.size(); ++i) {
+        for (const int power : {-3, -2, -1, 1, 2, 3}) {
+            HejiSpelling one;
+            one.sharps = power == 3 ? 2 : power;
+            one.powers[i] = power;
+            for (const char32_t glyph : hejiglyphs::of(one))
+                EXPECT_FALSE(font.outline(glyph).isEmpty()) << std::hex << static_cast<quint32>(glyph);
+        }
     }
 }
 

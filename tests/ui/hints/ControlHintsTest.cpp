@@ -4,6 +4,7 @@
 #include "ui/hints/SliderValueTip.h"
 
 #include <QAbstractSpinBox>
+#include <QAction>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QScrollBar>
@@ -77,6 +78,12 @@ TEST_F(ControlHintsTest, EveryControlOfWindowAndOptionsSaysWhatItDoes)
     for (int tab = 0; tab < 4; ++tab) {
         dialog->selectTab(tab);
         expectHints(dialog);
+    }
+    for (QAction* entry : window->actions()) {
+        if (!entry->text().contains(u"hord"_s)) // to a file, and from one
+            continue;
+        entry->trigger();
+        expectHints(window.get());
     }
 }
 

@@ -209,6 +209,30 @@ TEST_F(MainWindowTest, DisplaySwitchesWriteTheOptions)
     EXPECT_TRUE(button("circlesViewButton")->isChecked() && button("absoluteModeButton")->isChecked());
 }
 
+TEST_F(MainWindowTest, HelmholtzEllisAndTheSoundgrapeTakeTurns)
+{
+    const auto entry = [this] {
+        for (QAction* each : window->actions()) {
+            if (each->text() == u"Helmholtz-Ellis")
+                return each;
+        }
+        return static_cast<QAction*>(nullptr);
+    };
+    for (const auto& [name, grape] : {std::pair{"soundgrapeColourButton", 1}, {"soundgrapeBWButton", 2}}) {
+        entry()->trigger();
+        EXPECT_TRUE(entry()->isChecked() && settings.helmholtzEllis && settings.soundGrapeNotation == 0);
+        click(name);
+        EXPECT_FALSE(entry()->isChecked() || settings.helmholtzEllis);
+        EXPECT_EQ(settings.soundGrapeNotation, grape);
+    }
+    entry()->trigger();
+    EXPECT_FALSE(button("soundgrapeBWButton")->isChecked());
+    openWindow();
+    EXPECT_TRUE(entry()->isChecked());
+    entry()->trigger();
+    EXPECT_FALSE(entry()->isChecked() || settings.helmholtzEllis);
+}
+
 TEST_F(MainWindowTest, ButtonsShowTheGlissSlidersAndGiveTheLatticeAllTheRoom)
 {
     window->show();
@@ -266,8 +290,9 @@ TEST_F(MainWindowTest, MenuEntriesAndTheirKeysWorkWhateverIsShown)
     QStringList texts;
     for (const QAction* entry : menu->findChild<QMenu*>()->actions())
         texts.append(entry->text());
-    EXPECT_EQ(texts, QStringList({u"Help and keys"_s, u"First steps"_s, u"Something"_s, QString(),
-                                  u"Full screen"_s, u"Quit"_s}));
+    EXPECT_EQ(texts, QStringList({u"Help and keys"_s, u"First steps"_s, u"Harmony"_s, u"Helmholtz-Ellis"_s,
+                                  u"Chord to file..."_s, u"Scala file to chord..."_s, u"Something"_s,
+                                  QString(), u"Full screen"_s, u"Quit"_s}));
 
     click("expandOrloButton"); // the panel with the button goes
     QTest::keyClick(window.get(), Qt::Key_F7);
