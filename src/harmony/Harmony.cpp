@@ -1,7 +1,5 @@
 #include "harmony/Harmony.h"
 
-#include "harmony/IntervalNames.h"
-
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -156,8 +154,6 @@ void measureExact(Harmony::Pair& pair)
     }
     pair.cents = wideratio::cents(pair.ratio);
     pair.isComma = pair.ratio != 1 && pair.cents < Harmony::COMMA_CENTS;
-    pair.name = intervalnames::nameOf(pair.ratio);
-    pair.harmonicDistance = wideratio::harmonicDistance(pair.ratio);
 }
 
 Harmony::Pair pairOf(const QList<SoundingNote>& notes, int low, int high)

@@ -14,13 +14,11 @@ struct Harmony
     {
         int low = 0; // in `notes`
         int high = 0;
-        bool isExact = false;          // both notes are exact, or glided by the same (SAME_OFFSET)
-        WideRatio ratio{1};            // from low to high, at least 1; without meaning when not exact
-        double cents = 0.0;            // as heard
-        QString name;                  // of an exact pair; empty without one
-        bool isComma = false;          // closer than 50 cents, and not in unison
-        double harmonicDistance = 0.0; // of an exact pair
-        double beats = 0.0;            // a second, of the nearest pair of partials up to MAX_PARTIAL
+        bool isExact = false; // both notes are exact, or glided by the same (SAME_OFFSET)
+        WideRatio ratio{1};   // from low to high, at least 1; without meaning when not exact
+        double cents = 0.0;   // as heard
+        bool isComma = false; // closer than 50 cents, and not in unison
+        double beats = 0.0;   // a second, of the nearest pair of partials up to MAX_PARTIAL
         int lowPartial = 1;
         int highPartial = 1;
     };

@@ -7,7 +7,7 @@
 #include <cstdint>
 
 /// What the note map held after the last block: a list of one moment, never half of two
-/// blocks. Capacity: a note for each slot. Nothing here blocks, and only read() allocates.
+/// blocks. Capacity: a note for each slot. Nothing here blocks, and only reading allocates.
 class VoiceSnapshot
 {
 public:
@@ -20,7 +20,7 @@ public:
         float frequency = 0.0F; // Hz; 0 when the note is silent
     };
 
-    /// [audio] Effect: what the map holds now is what read() gives from now on. In its order.
+    /// [audio] Effect: what the map holds now is what is read from now on. In its order.
     void publish(const RatioTable<Voice*>& noteMap);
     /// [any] Allocates the list, which is empty in the rare case that Published::read fails. Without the
     /// notes that have no exact pitch (TemperedRatio.h).

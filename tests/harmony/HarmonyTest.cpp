@@ -61,7 +61,7 @@ void expectPair(const Harmony::Pair& pair, const QStringList& expected)
 {
     EXPECT_TRUE(pair.isExact);
     EXPECT_NEAR(pair.cents, expected[0].toDouble(), 1e-9);
-    EXPECT_NEAR(pair.harmonicDistance, expected[1].toDouble(), 1e-9);
+    EXPECT_NEAR(wideratio::harmonicDistance(pair.ratio), expected[1].toDouble(), 1e-9);
     EXPECT_NEAR(pair.beats, expected[2].toDouble(), 1e-9);
     EXPECT_EQ(pair.lowPartial, expected[3].toInt());
     EXPECT_EQ(pair.highPartial, expected[4].toInt());
@@ -103,7 +103,6 @@ TEST(Harmony, GlidedNotesAreNearAndNeverEqual)
     const Harmony one = Harmony::of({exact(1, 1), glided(5, 4, 10.0), exact(3, 2)});
     EXPECT_EQ(textOf(one.otonal), u"2 3");
     EXPECT_FALSE(one.pairs[0].isExact);
-    EXPECT_TRUE(one.pairs[0].name.isEmpty());
     EXPECT_NEAR(one.pairs[0].cents, 396.3137, 1e-4);
     EXPECT_NEAR(one.pairs[0].beats, ONE_ONE * 5.0 * (std::exp2(10.0 / 1200.0) - 1.0), 1e-9);
     EXPECT_TRUE(one.pairs[1].isExact);
@@ -122,8 +121,6 @@ TEST(Harmony, GlidedNotesAreNearAndNeverEqual)
     tempered.isTempered = true;
     EXPECT_TRUE(Harmony::of({exact(1, 1), tempered}).otonal.isEmpty());
     EXPECT_TRUE(Harmony::of({}).pairs.isEmpty());
-    // As far as names reach.
-    EXPECT_EQ(all.pairs[2].name, u"minor third");
     EXPECT_TRUE(Harmony::of({exact(1, 1), exact(81, 80)}).pairs[0].isComma);
 }
 

@@ -37,7 +37,7 @@ void CentsRuler::setHarmony(const Harmony& harmony)
     mTicks.clear();
     QStringList all;
     for (int i = 0; i < harmony.notes.size(); ++i) {
-        Tick tick{.label = u"1/1"_s, .isExact = harmony.numbered.contains(i)};
+        Tick tick{.label = u"1/1"_s, .isExact = harmony.notes[i].isExact()};
         if (i > 0) {
             const Harmony::Pair& pair = harmonytexts::fromLowest(harmony, i);
             const harmonytexts::PairTexts texts = harmonytexts::ofPair(harmony, pair);

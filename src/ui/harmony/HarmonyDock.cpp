@@ -8,11 +8,13 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QEvent>
+#include <QScreen>
 #include <QStackedWidget>
 
 namespace {
 
 constexpr int FLOATING_HEIGHT = 520;
+constexpr int FRAME = 32;                // pixels that the window system may add
 constexpr QPoint FLOATING_STEP(-24, 24); // from where it was docked
 
 } // namespace
@@ -95,7 +97,9 @@ void HarmonyDock::moveBetweenWindows()
     const bool floats = !isDocked();
     if (floats && mFloatPlace.isNull()) {
         const QPoint corner = mPages->mapToGlobal(QPoint(mPages->width() - WIDTH, 0));
+        const QRect screen = mWindow->screen()->availableGeometry();
         mFloatPlace = QRect(corner + FLOATING_STEP, QSize(WIDTH, FLOATING_HEIGHT));
+        mFloatPlace.setBottom(qMin(mFloatPlace.bottom(), screen.bottom() - FRAME));
     }
     // The keys go on playing whatever is clicked.
     mPanel->setAttribute(Qt::WA_ShowWithoutActivating, floats);
@@ -132,6 +136,8 @@ bool HarmonyDock::eventFilter(QObject* watched, QEvent* event)
     } else if (watched == mWindow && type == QEvent::Show && !isDocked()) {
         QMetaObject::invokeMethod(this, &HarmonyDock::apply, Qt::QueuedConnection);
     } else if (watched == mPanel && type == QEvent::Close) {
+        if (mPanel->isWindow())
+            mFloatPlace = mPanel->geometry();
         // Later, when the end of the program has closed the other window too: that is no wish to close this
         // one.
         const auto close = [this] {

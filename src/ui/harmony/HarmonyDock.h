@@ -10,8 +10,8 @@ class QStackedWidget;
 
 /// Where the harmony panel lies: over the strip at the right of the pages, or in a window of its own; and
 /// what the options remember of it. Docked, it keeps the pages clear of its strip from the moment that
-/// something stands there, or at once where that costs the lattice nothing, until it is closed or floats. The
-/// docked panel goes and comes with the stacks. [gui]
+/// something stands there, or at once where that costs the lattice nothing, until it is closed, floats, or
+/// the window gets another size. The docked panel goes and comes with the stacks. [gui]
 class HarmonyDock : public QObject
 {
     Q_OBJECT

@@ -23,7 +23,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 FRAME_MS = 16;
-/// A chord of very many notes that glides is looked at less often, so that the presses between do not wait.
+/// A chord of very many notes that glides is looked at less often, so that most of the time is left to
+/// presses.
 constexpr qint64 REST = 3; // for each time that a look takes
 constexpr int MARGIN = 8;
 constexpr int SPACING = 4;

@@ -18,7 +18,7 @@ QString utonal(const Harmony& harmony); // "1/(6 : 5 : 4)"
 QString limit(const Harmony& harmony);
 /// "110.000 Hz, A2 +0.0 cents; the lowest note is its harmonic 4"
 QString fundamental(const Harmony& harmony);
-/// What the chord leaves out: "2 glided notes are near, not exact."; or what it takes to be one. Empty:
+/// What the chord leaves out: "2 notes are near, not exact."; or what it takes to be one. Empty:
 /// nothing.
 QString leftOut(const Harmony& harmony);
 
@@ -31,7 +31,7 @@ struct PairTexts
     QString cents;    // "386.314 cents"
     QString name;     // of a comma it begins with that word, unless it ends with it
     QString distance; // "4.32"; empty of a glided pair
-    QString beats;    // "0.21/s (5:4)"
+    QString beats;    // "0.21/s (5:4)"; empty beyond the highest partial that is looked at
 
     /// In one line, for a screen reader.
     QString all() const;

@@ -127,6 +127,11 @@ TEST(HarmonyTexts, SayNumbersLimitAndFundamental)
         EXPECT_EQ(harmonytexts::limit(harmony).toStdString(), row.limit);
         EXPECT_EQ(harmonytexts::fundamental(harmony).toStdString(), row.fundamental);
     }
+    const Harmony under = Harmony::of({note(1, 1, 30.0), note(5, 4), note(3, 2)});
+    EXPECT_FALSE(harmonytexts::fundamental(under).contains(u"lowest")) << "that is the glided note";
+    EXPECT_EQ(harmonytexts::leftOut(under), u"1 note is near, not exact.");
+    const Harmony together = Harmony::of({note(1, 1, 5.0), note(5, 4, 5.0)});
+    EXPECT_EQ(harmonytexts::leftOut(together), u"All are glided by +5.0 cents; their ratios hold.");
     EXPECT_EQ(harmonytexts::number(pow(WideInt(10), 119)), u"(a number of 120 digits)");
 }
 
@@ -141,7 +146,10 @@ TEST(HarmonyTexts, SayPairsAndNeverThatANearOneIsExact)
         {note(3, 2), "3/2", "2 : 3", "701.955 cents", "perfect fifth", "2.58", "0.00/s (3:2)"},
         {note(81, 80), "81/80", "80 : 81", "21.506 cents", "syntonic comma", "12.66", "5.50/s (1:1)"},
         {note(5, 4, 3.0), "≈ 5/4", "+3.0", "389.314 cents", "major third", "", "3.82/s (5:4)"},
+        {note(81, 80, 0.5), "≈ 81/80", "+0.5", "22.006 cents", "syntonic comma", "", "5.63/s (1:1)"},
         {note(1, 1, 20.0), "≈", "", "20.000 cents", "comma", "", "5.11/s (1:1)"},
+        {note(194481, 194480), "194481/194480", "", "0.009 cents", "comma: scintillisma", "35.14",
+         "<0.01/s (1:1)"},
     };
     for (const Row& row : rows) {
         const Harmony harmony = Harmony::of({note(1, 1), row.high});
